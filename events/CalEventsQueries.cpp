@@ -1,0 +1,222 @@
+// The set's two questions: which reminders fall due in a window, which events occur in a period.
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "events/CalEvents.h"
+
+namespace vl {
+
+namespace {
+
+constexpr std::int32_t kNoReminder = -100000;
+constexpr int kException = 3;
+constexpr std::int32_t kEveryInstance = 2147483647;  // no cap on occurrences
+
+struct Window {
+    DateTime from;
+    DateTime to;
+    bool holds(DateTime d) const { return d >= from && d <= to; }
+};
+
+/// A reminder that is due: of which instance, at what time, and the offset of the one after it.
+struct Due {
+    DateTime instance;
+    DateTime time;
+    std::int32_t next = kNoReminder;
+};
+
+/// An exception that the host marked as deleted stands for an occurrence that is not held.
+bool takesPlace(const calEvent& event) { return event.ISRecurrenceExceptionDeleted == 0; }
+
+// The window in which an instance can have a reminder inside `window`: offsets count before the
+// start, so both ends move by adding.
+Window widened(const calEvent& event, Window window) {
+    return {window.from.addMinutes(event.RemindersMinOffsetMin),
+            window.to.addMinutes(event.RemindersMaxOffsetMin)};
+}
+
+std::vector<DateTime> instances(const calEvent& event, Window window) {
+    if (event.RRULE.empty()) {
+        return {event.StartDateTime};
+    }
+    return event.ICalRecEvents(window.from, window.to, kEveryInstance);
+}
+
+// Where a repeating event has no instance near the window, its stored next reminder speaks for the
+// instance it was left with, or for itself.
+std::vector<DateTime> instancesForReminders(const calEvent& event, Window window) {
+    const Window near = widened(event, window);
+    auto starts = instances(event, near);
+    const Window stored{window.from, near.to};
+    if (starts.empty() && !event.NextReminder.isZero() && stored.holds(event.NextReminder)) {
+        starts.push_back(event.InstanceStart.isZero() ? event.NextReminder : event.InstanceStart);
+    }
+    return starts;
+}
+
+// The instance that a stored next reminder belongs to: the last one whose first reminder is not
+// later than it.
+DateTime instanceOfStored(const calEvent& event, const std::vector<DateTime>& starts) {
+    if (event.RRULE.empty()) {
+        return event.StartDateTime;
+    }
+    const DateTime latest = event.NextReminder.addMinutes(event.RemindersMaxOffsetMin);
+    const DateTime start = event.PreviousInstance(latest.addSeconds(1));
+    if (!start.isZero()) {
+        return start;
+    }
+    return starts.empty() ? event.NextReminder : starts.front();
+}
+
+// Largest offset first: the earliest reminder of an instance is the one to record.
+template <class Accept>
+std::optional<Due> firstReminder(const calEvent& event, DateTime start, Accept&& accept) {
+    if (!event.RemindersCol) {
+        return std::nullopt;
+    }
+    for (std::size_t i = event.RemindersCol->Count(); i >= 1; --i) {
+        const auto reminder = objectAt<clsReminder>(*event.RemindersCol, i);
+        if (!reminder) {
+            continue;
+        }
+        const DateTime time = start.addMinutes(-static_cast<std::int64_t>(reminder->Minutes));
+        if (accept(time)) {
+            const auto later =
+                i > 1 ? objectAt<clsReminder>(*event.RemindersCol, i - 1) : nullptr;
+            return Due{start, time, later ? later->Minutes : kNoReminder};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Due> dueIn(const calEvent& event, Window window,
+                         const std::vector<DateTime>& starts) {
+    const DateTime stored = event.NextReminder;
+    if (!stored.isZero() && window.holds(stored)) {
+        const DateTime start = instanceOfStored(event, starts);
+        const auto scheduled =
+            firstReminder(event, start, [&](DateTime time) { return time == stored; });
+        return scheduled ? scheduled : Due{start, stored, kNoReminder};
+    }
+    for (const DateTime start : starts) {
+        if (const auto due =
+                firstReminder(event, start, [&](DateTime time) { return window.holds(time); })) {
+            return due;
+        }
+    }
+    return std::nullopt;
+}
+
+void record(calEvent& event, const Due& due) {
+    event.InstanceStart = due.instance;
+    event.iRemMinutes = static_cast<std::int32_t>(minutesBetween(due.time, due.instance));
+    event.iRemMinutesNext = due.next;
+    event.dReminder = due.time;
+}
+
+/// Takes the series out of a result whose changed occurrence stands in its place. Only what is in
+/// the result can be taken out of it, so the masters are looked up there, in one pass.
+class MastersOf {
+public:
+    explicit MastersOf(GenCollection& result) : result_(result) {
+        for (std::size_t i = 1; i <= result.Count(); ++i) {
+            const auto event = objectAt<calEvent>(result, i);
+            if (event && !event->id.empty()) {
+                byId_.emplace(text::foldCase(event->id), event->GUID);
+            }
+        }
+    }
+
+    void remove(const calEvent& exception) {
+        const auto master = byId_.find(text::foldCase(exception.recurringEventId));
+        if (master != byId_.end()) {
+            result_.Remove(master->second);
+        }
+    }
+
+private:
+    GenCollection& result_;
+    std::unordered_map<std::string, std::string> byId_;
+};
+
+bool replacesItsSeries(const calEvent& event) {
+    return event.RecurrenceState == kException && !event.recurringEventId.empty();
+}
+
+void putInto(GenCollection& result, const std::shared_ptr<calEvent>& event) {
+    result.Add(Variant(ObjectRef(event)), event->GUID);
+}
+
+}  // namespace
+
+std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime) const {
+    const ErrScope scope;
+    const Window window{FromTime, ToTime};
+    auto result = std::make_shared<GenCollection>();
+    std::vector<std::shared_ptr<calEvent>> exceptions;
+    for (std::size_t i = 1; mCol && i <= mCol->Count(); ++i) {
+        const auto event = at(i);
+        if (!event || !takesPlace(*event)) {
+            continue;
+        }
+        attempt([&] {
+            const auto starts = instancesForReminders(*event, window);
+            const auto due = dueIn(*event, window, starts);
+            record(*event, Due{DateTime(), DateTime(), kNoReminder});
+            event->iRemMinutes = kNoReminder;
+            if (due) {
+                record(*event, *due);
+                putInto(*result, event);
+                if (replacesItsSeries(*event)) {
+                    exceptions.push_back(event);
+                }
+            }
+        });
+    }
+    if (!exceptions.empty()) {
+        MastersOf masters(*result);
+        for (const auto& exception : exceptions) {
+            masters.remove(*exception);
+        }
+    }
+    return result;
+}
+
+std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime ToDate) const {
+    const ErrScope scope;
+    const Window period{FromDate, ToDate};
+    auto result = std::make_shared<GenCollection>();
+    std::vector<std::shared_ptr<calEvent>> exceptions;
+    for (std::size_t i = 1; mCol && i <= mCol->Count(); ++i) {
+        const auto event = at(i);
+        if (!event || !takesPlace(*event)) {
+            continue;
+        }
+        attempt([&] {
+            for (const DateTime start : instances(*event, period)) {
+                if (!period.holds(start)) {
+                    continue;
+                }
+                if (event->InstanceStart.isZero() || start < event->InstanceStart) {
+                    event->InstanceStart = start;
+                }
+                putInto(*result, event);
+            }
+            if (replacesItsSeries(*event) && period.holds(event->StartDateTime)) {
+                exceptions.push_back(event);
+            }
+        });
+    }
+    if (!exceptions.empty()) {
+        MastersOf masters(*result);
+        for (const auto& exception : exceptions) {
+            masters.remove(*exception);
+        }
+    }
+    return result;
+}
+
+}  // namespace vl

@@ -1,0 +1,209 @@
+#include "notify/CheckCycle.h"
+
+#include <algorithm>
+
+#include "app/HtmlText.h"
+#include "app/TimeText.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "notify/PopUpMarkup.h"
+
+namespace vl {
+
+namespace {
+
+/// Sets a flag for the time of a scope.
+class Raised {
+public:
+    explicit Raised(bool& flag) noexcept : flag_(flag) { flag_ = true; }
+    ~Raised() { flag_ = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+
+private:
+    bool& flag_;
+};
+
+std::shared_ptr<ValueList> pair(std::string first, std::string second) {
+    auto list = std::make_shared<ValueList>();
+    list->items = {Variant(std::move(first)), Variant(std::move(second))};
+    return list;
+}
+
+}  // namespace
+
+CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& db,
+                       const Clock& clock, ReminderState& state, ReminderScreen& screen)
+    : reminders_(reminders),
+      period_(period),
+      db_(db),
+      clock_(clock),
+      state_(state),
+      screen_(screen) {}
+
+void CheckCycle::Tick(int interval) {
+    const ErrScope scope;
+    if (state_.bInTimerCheck) {
+        return;
+    }
+    const Raised running(state_.bInTimerCheck);
+    check(interval);
+}
+
+void CheckCycle::check(int interval) {
+    DoRemoveDeleted();
+    attempt([&] { reminders_.ReadDB(false, false); });
+    if (state_.dLastUpdated.isZero()) {
+        state_.dLastUpdated = clock_.today();  // the first check also takes what was due today
+    }
+    const auto due = askForDue(interval);
+    if (due->Count() > 0) {
+        std::string message;
+        takeIn(*due, message);
+        attempt([&] { screen_.FirstNewRowCurrent(); });
+        rebuildIndex();
+        notify(message);
+    }
+    refreshPeriod();
+    // Now, not the upper bound: what was taken early is found once more, and heard again.
+    state_.dLastUpdated = clock_.now();
+    attempt([&] { screen_.SetIcon(); });
+    attempt([&] { db_.CloseDB(); });
+}
+
+std::shared_ptr<GenCollection> CheckCycle::askForDue(int interval) {
+    const DateTime upTo = clock_.now().addSeconds(interval / 1000);
+    // A clock turned back leaves the last check ahead of now.
+    const DateTime from = std::min(state_.dLastUpdated, clock_.now());
+    auto due = std::make_shared<GenCollection>();
+    attempt([&] { due = reminders_.RemindCol(from, upTo); });
+    return due;
+}
+
+void CheckCycle::takeIn(const GenCollection& due, std::string& message) {
+    state_.EvCol = std::make_shared<GenCollection>();
+    for (std::size_t i = 1; i <= due.Count(); ++i) {
+        const auto event = objectAt<calEvent>(due, i);
+        if (event && !state_.LastEventsReminded->Exists(event->GUID)) {
+            takeIn(event, message);
+        }
+    }
+}
+
+void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& message) {
+    const DateTime time = event->RecordedReminderD();
+    std::string text;
+    attempt([&] { text = event->ReminderText(); });
+    const std::string line = " " + text + " (" + shortTimeText(time) + ")";
+    message += event->Summary() + line + "\r\n";
+    const auto entry = pair(event->Summary(), line);
+    state_.EvCol->Add(Variant(ObjectRef(entry)), event->GUID);
+    lines_.Add(Variant(ObjectRef(entry)), event->GUID, {}, {}, true);
+    event->dLastReminder = time;
+    state_.NewReminders->Add(Variant(ObjectRef(event)), event->GUID, {}, {}, true);
+    attempt([&] { screen_.AddItemR(event, kNewRemindersGrid); });
+    attempt([&] { screen_.UpdateItemR(event, kAllRemindersGrid); });
+    state_.dLastReminder = clock_.now();
+}
+
+void CheckCycle::rebuildIndex() {
+    state_.LastEventsReminded = std::make_shared<GenCollection>();
+    for (std::size_t i = 1; i <= state_.NewReminders->Count(); ++i) {
+        if (const auto event = objectAt<calEvent>(*state_.NewReminders, i)) {
+            state_.LastEventsReminded->Add(Variant(ObjectRef(event)), event->GUID);
+        }
+    }
+}
+
+void CheckCycle::notify(const std::string& message) {
+    if (state_.NewReminders->Count() == 0 || state_.bMuted) {
+        return;
+    }
+    if (!state_.bSilent) {
+        attempt([&] { screen_.PlayReminderSound(); });
+    }
+    std::string heading;
+    attempt([&] { heading = title(); });
+    attempt([&] { deliver(heading, message); });
+}
+
+std::string CheckCycle::title() const {
+    const std::size_t listed = state_.NewReminders->Count();
+    if (listed > 1) {
+        return std::to_string(listed) + " new reminders";
+    }
+    const auto event = objectAt<calEvent>(*state_.NewReminders, 1);
+    return event ? period_.ReminderMSG(htmlToText(event->Summary())) : std::string();
+}
+
+void CheckCycle::deliver(const std::string& title, const std::string& message) {
+    const auto is = [&](const char* type) { return text::equalsNoCase(state_.sNotifType, type); };
+    if (is("D")) {
+        const auto& shown = state_.EvCol->Count() > 0 ? *state_.EvCol : *state_.NewReminders;
+        screen_.ShowNewReminders(shown.Key(1));
+    } else if (is("E")) {
+        screen_.ShowPopUp({"Email notifications...",
+                           "This feature is not yet implemented, but will send email reminders",
+                           5000, false, 250, 100, 100});
+    } else if (is("T")) {
+        // The tray icon is set at the end of every check.
+    } else if (is("P")) {
+        fillWithListed();
+        screen_.ShowPopUp({title, "", -1, false, 300, 100, 100});
+    } else if (is("S:")) {
+        // The menu stores "S": a check never shows the system's balloon.
+        screen_.ShowSystem(title, message, 5000);
+    }
+}
+
+// The toast of a check that took in nothing new shows every listed reminder, never an empty body.
+void CheckCycle::fillWithListed() {
+    if (state_.EvCol->Count() > 0) {
+        return;
+    }
+    for (std::size_t i = 1; i <= state_.NewReminders->Count(); ++i) {
+        const std::string GUID = state_.NewReminders->Key(i);
+        state_.EvCol->Add(lines_.Item(GUID), GUID);
+    }
+}
+
+void CheckCycle::refreshPeriod() {
+    attempt([&] { period_.ReadDB(true, false); });
+    if (period_.mCol && period_.mCol->Count() > 0) {
+        attempt([&] { screen_.DoPeriod(); });
+    }
+}
+
+void CheckCycle::DoRemoveDeleted() {
+    const ErrScope scope;
+    auto deleted = std::make_shared<GenCollection>();
+    attempt([&] { deleted = db_.GetDeletedCol(); });
+    for (std::size_t i = 1; i <= deleted->Count(); ++i) {
+        std::string GUID;
+        if (!attempt([&] { GUID = deleted->Item(i).toText(); })) {
+            continue;
+        }
+        RemoveGUIDAll(GUID);
+        for (CalEvents* set : {&period_, &reminders_}) {
+            if (set->mCol) {
+                set->mCol->Remove(GUID);
+            }
+        }
+        if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
+            state_.curEvent.reset();
+        }
+    }
+}
+
+void CheckCycle::RemoveGUIDAll(std::string_view GUID) {
+    const ErrScope scope;
+    for (int grid = 0; grid < kGridCount; ++grid) {
+        attempt([&] { screen_.RemoveGUID(GUID, grid); });
+    }
+    // What is not listed any more may come again at once.
+    for (GenCollection* list : {state_.NewReminders.get(), state_.LastEventsReminded.get()}) {
+        list->Remove(GUID);
+    }
+}
+
+}  // namespace vl

@@ -1,0 +1,64 @@
+// The check: finds the reminders that have fallen due and hands them to grids and delivery.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Clock.h"
+#include "db/DBRemindUtils.h"
+#include "events/CalEvents.h"
+#include "notify/ReminderScreen.h"
+#include "notify/ReminderState.h"
+
+namespace vl {
+
+/// What the window's check timer runs. All methods are procedures: each step carries on after a
+/// failing one, and the pending error is left as it was found.
+class CheckCycle {
+public:
+    /// `reminders` is the set that the checks read and ask; `period` is the one behind the views.
+    /// Everything handed in must outlive the cycle.
+    CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
+               ReminderState& state, ReminderScreen& screen);
+
+    /// One check over the window from the last check to now plus `interval` (milliseconds), so
+    /// that what falls due before the next tick is taken now. A call made while a check runs
+    /// returns at once: a message box inside it lets timers tick.
+    void Tick(int interval);
+
+    /// Takes the events that the host marked as deleted out of grids and sets.
+    void DoRemoveDeleted();
+
+    /// Removes every row of `GUID` from all three grids.
+    void RemoveGUIDAll(std::string_view GUID);
+
+private:
+    /// A due event as the check found it: later queries overwrite what is in the event.
+    struct Taken {
+        std::shared_ptr<calEvent> event;
+        std::shared_ptr<ValueList> line;  // summary, reminder line
+    };
+
+    void check(int interval);
+    std::shared_ptr<GenCollection> askForDue(int interval);
+    void takeIn(const GenCollection& due, std::string& message);
+    void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);
+    void rebuildIndex();
+    void notify(const std::string& message);
+    void deliver(const std::string& title, const std::string& message);
+    std::string title() const;
+    void fillWithListed();
+    void refreshPeriod();
+
+    CalEvents& reminders_;
+    CalEvents& period_;
+    DBRemindUtils& db_;
+    const Clock& clock_;
+    ReminderState& state_;
+    ReminderScreen& screen_;
+    GenCollection lines_;  // by GUID, the `ValueList` each listed event was taken in with
+};
+
+}  // namespace vl

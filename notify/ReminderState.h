@@ -1,0 +1,46 @@
+// What the checks, the menu and the window share.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "base/DateTime.h"
+#include "events/GenCollection.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+/// The state of the reminder window that is no matter of the screen, in the order in which the
+/// window declares it. One object for the program, made at start and handed down by reference.
+struct ReminderState {
+    bool bMuted = false;          // neither sound nor notification
+    bool bSilent = false;         // no sound
+    std::string sNotifType = "D";  // D dialog, E e-mail, P pop-up, S system, T tray
+    bool bOnTop = false;
+    DateTime dLastShown;    // when the pop-up was last closed
+    DateTime dLastUpdated;  // end of the last check; 0 until the first, which starts at midnight
+    DateTime dShownStart;   // the period shown by the views
+    DateTime dShownEnd;
+    DateTime dLastReminder;  // when a reminder was last taken into the new-reminders list
+    bool bInTimerCheck = false;
+
+    /// What the latest check took in: by `GUID` a `ValueList` of summary and reminder line.
+    std::shared_ptr<GenCollection> EvCol = std::make_shared<GenCollection>();
+
+    bool bHasFocus = false;  // as the last look found it: visible and in the foreground
+    int DBVersion = 0;
+    std::string sPeriod = "T";
+    DateTime CurrentDate;  // the day the views were made for
+
+    /// The events listed as new, by `GUID`, and the index of them that the check asks. The index
+    /// is rebuilt at the end of each check that found something.
+    std::shared_ptr<GenCollection> NewReminders = std::make_shared<GenCollection>();
+    std::shared_ptr<GenCollection> LastEventsReminded = std::make_shared<GenCollection>();
+
+    int UpdateCount = 0;  // ticks of the update timer with the window visible
+
+    /// The event of the current row of the selected tab; null when there is none.
+    std::shared_ptr<calEvent> curEvent;
+};
+
+}  // namespace vl
