@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -52,6 +53,9 @@ public:
     Variant(const char* v) : value_(std::string(v)) {}
     Variant(Bytes v) : value_(std::move(v)) {}
     Variant(ObjectRef v) : value_(std::move(v)) {}
+    template <class T>
+        requires std::is_base_of_v<Object, T>
+    Variant(std::shared_ptr<T> v) : value_(ObjectRef(std::move(v))) {}
 
     template <class T>
     bool is() const noexcept {
