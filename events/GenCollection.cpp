@@ -1,0 +1,184 @@
+#include "events/GenCollection.h"
+
+#include <utility>
+
+#include "KeyedSlots.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+
+namespace vl {
+
+namespace {
+
+constexpr const char* kNoKey = "z";
+// From so many items on `Exists` looks the key up instead of walking the key list.
+constexpr std::size_t kLookUpFrom = 30;
+
+KeyedSlots::Slot slotFor(const Variant& member, std::string_view key) {
+    return {member, std::string(key.empty() ? kNoKey : key), !key.empty(), true};
+}
+
+// Whole numbers stay whole; those that fit are kept in 32 bits, as counters begin.
+Variant plusOne(const Variant& value) {
+    if (value.is<double>()) {
+        return value.toDouble() + 1.0;
+    }
+    if (value.is<std::string>()) {
+        const double number = value.toDouble();
+        if (number != text::roundHalfEven(number)) {
+            return number + 1.0;
+        }
+    }
+    const std::int64_t whole = value.toInt64();
+    if (whole == INT64_MAX) {
+        throw Error(ErrNo::Overflow, "a counter is at the end of its 64 bits");
+    }
+    const std::int64_t next = whole + 1;
+    return next >= INT32_MIN && next <= INT32_MAX ? Variant(static_cast<std::int32_t>(next))
+                                                  : Variant(next);
+}
+
+}  // namespace
+
+GenCollection::GenCollection() : items_(std::make_shared<KeyedSlots>()) {}
+
+KeyedSlots& GenCollection::own() {
+    if (items_.use_count() > 1) {
+        items_ = std::make_shared<KeyedSlots>(*items_);
+    }
+    return *items_;
+}
+
+std::size_t GenCollection::find(IndexKey index) const {
+    return index.isKey() ? items_->slotOf(index.key()) : items_->slotAt(index.position());
+}
+
+void GenCollection::append(const Variant& member, std::string_view key) {
+    KeyedSlots& items = own();
+    items.insert(items.live() + 1, slotFor(member, key));
+}
+
+bool GenCollection::isReplacedInPlace(const Variant& member) {
+    const auto* object = member.get<ObjectRef>();
+    return object != nullptr && dynamic_cast<const ValueList*>(object->get()) == nullptr;
+}
+
+Variant GenCollection::Add(const Variant& member, std::string_view sKey, std::int64_t Before,
+                           std::int64_t After, bool bReplace) {
+    const std::size_t taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
+    if (taken != KeyedSlots::kNone) {
+        if (bReplace && isReplacedInPlace(member)) {
+            own().setValue(taken, member);
+        } else if (bReplace) {
+            // The arguments may refer to the very item that goes.
+            const Variant value = member;
+            const std::string key(sKey);
+            own().remove(taken);
+            append(value, key);
+            return value;
+        }
+        return member;
+    }
+    const auto count = static_cast<std::int64_t>(Count());
+    if (Before == 0 && After == 0) {
+        append(member, sKey);
+    } else if (After == 0 && Before >= 1 && Before <= count) {
+        own().insert(static_cast<std::size_t>(Before), slotFor(member, sKey));
+    } else if (Before == 0 && After >= 1 && After <= count) {
+        own().insert(static_cast<std::size_t>(After) + 1, slotFor(member, sKey));
+    }
+    return member;
+}
+
+Variant GenCollection::AddCounter(std::string_view sKey) {
+    const ErrScope scope;
+    const std::size_t slot = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
+    if (slot == KeyedSlots::kNone) {
+        return Add(1, sKey);
+    }
+    attempt([&] {
+        const Variant next = plusOne((*items_)[slot].value);
+        own().setValue(slot, next);
+    });
+    return (*items_)[slot].value;
+}
+
+bool GenCollection::Exists(std::string_view key, bool CaseSensitive) const {
+    const KeyedSlots& items = *items_;
+    if (items.live() >= kLookUpFrom) {
+        return items.slotOf(key) != KeyedSlots::kNone;
+    }
+    for (std::size_t i = items.nextLive(0); i != KeyedSlots::kNone; i = items.nextLive(i + 1)) {
+        if (CaseSensitive ? items[i].key == key : text::equalsNoCase(items[i].key, key)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Variant GenCollection::Item(IndexKey vntIndexKey) const {
+    const std::size_t slot = find(vntIndexKey);
+    return slot == KeyedSlots::kNone ? Variant() : (*items_)[slot].value;
+}
+
+Variant GenCollection::itemOr(IndexKey index, bool AutoAdd, const Variant& Default) {
+    const std::size_t slot = find(index);
+    if (slot != KeyedSlots::kNone) {
+        return (*items_)[slot].value;
+    }
+    if (!AutoAdd) {
+        return Default;
+    }
+    return Add(Default,
+               index.isKey() ? std::string(index.key()) : std::to_string(index.position()));
+}
+
+void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, bool KeepPosition) {
+    const std::size_t slot = items_->slotOf(key);
+    if (slot == KeyedSlots::kNone) {
+        return;
+    }
+    if (KeepPosition) {
+        own().setValue(slot, NewItem);
+        return;
+    }
+    const Variant value = NewItem;
+    const std::string spelled = (*items_)[slot].key;
+    own().remove(slot);
+    append(value, spelled);
+}
+
+std::size_t GenCollection::Count() const noexcept { return items_->live(); }
+
+void GenCollection::Remove(IndexKey Index) {
+    const std::size_t slot = find(Index);
+    if (slot != KeyedSlots::kNone) {
+        own().remove(slot);
+    }
+}
+
+void GenCollection::Clear() { items_ = std::make_shared<KeyedSlots>(); }
+
+std::string GenCollection::Key(std::int64_t position) const {
+    const std::size_t slot = items_->slotAt(position);
+    return slot == KeyedSlots::kNone ? std::string() : (*items_)[slot].key;
+}
+
+std::size_t GenCollection::Position(std::string_view key) const {
+    const std::size_t slot = items_->slotOf(key);
+    return slot == KeyedSlots::kNone ? 0 : items_->positionOf(slot);
+}
+
+GenCollection::Walk::Walk(std::shared_ptr<const KeyedSlots> items)
+    : items_(std::move(items)), slot_(items_->nextLive(0)) {}
+
+const Variant& GenCollection::Walk::operator*() const { return (*items_)[slot_].value; }
+
+GenCollection::Walk& GenCollection::Walk::operator++() {
+    slot_ = items_->nextLive(slot_ + 1);
+    return *this;
+}
+
+bool GenCollection::Walk::atEnd() const noexcept { return slot_ == KeyedSlots::kNone; }
+
+}  // namespace vl

@@ -1,0 +1,208 @@
+// The ordered list with keys that is used everywhere.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <iterator>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Variant.h"
+
+namespace vl {
+
+class KeyedSlots;
+
+/// An item that is an array of values. As an array it is replaced like any plain value, not like
+/// an object (see `GenCollection::Add`).
+class ValueList : public Object {
+public:
+    ValueList() = default;
+    explicit ValueList(std::vector<Variant> values) : items(std::move(values)) {}
+
+    std::vector<Variant> items;
+};
+
+/// Where to look an item up: at a position (any whole number, counted from 1) or under a key.
+/// Passed, never kept: it refers to the key's text.
+class IndexKey {
+public:
+    template <std::integral I>
+    IndexKey(I position) : position_(static_cast<std::int64_t>(position)) {}
+    IndexKey(std::string_view key) : key_(key), isKey_(true) {}
+    IndexKey(const std::string& key) : key_(key), isKey_(true) {}
+    IndexKey(const char* key) : key_(key), isKey_(true) {}
+
+    bool isKey() const noexcept { return isKey_; }
+    std::int64_t position() const noexcept { return position_; }
+    std::string_view key() const noexcept { return key_; }
+
+private:
+    std::int64_t position_ = 0;
+    std::string_view key_;
+    bool isKey_ = false;
+};
+
+/// An ordered list of values, each with or without a key. Keys are unique without regard to case
+/// (Unicode folding) and keep their spelling. The list of keys shows the placeholder "z" for an
+/// item without a key; such an item cannot be looked up under "z", and yet see `Exists`.
+///
+/// Positions count from 1. What is not there is `Empty`, or empty, or left alone: no method
+/// throws, and none changes the pending error.
+///
+/// Cost: look-ups by key O(1), by position O(log n), append and remove O(log n) amortised, also
+/// in the middle; adding at a position before the end O(n). A copy is O(1) until one of the two
+/// is changed.
+///
+/// A walk (`for (const Variant& v : col)`) shows what the list held when the walk began, each
+/// value kept alive until the walk is over: items may be added, removed or replaced meanwhile,
+/// and the list may be cleared or destroyed. (The first change during a walk copies the list,
+/// O(n); later ones do not.) A walk by position that removes goes from the end to the front.
+class GenCollection : public Object {
+public:
+    GenCollection();
+    GenCollection(const GenCollection& other) = default;
+    GenCollection& operator=(const GenCollection& other) = default;
+    ~GenCollection() override = default;
+
+    /// Adds `member` under `sKey` (empty: without a key), in front of position `Before` or behind
+    /// position `After`, else at the end. A position that is not there, or both, adds nothing.
+    /// A key that is taken: without `bReplace` nothing changes, the first value stays. With it
+    /// an object takes the old one's place, where the key keeps its spelling; any other value
+    /// goes to the end, under `sKey` as it is given now.
+    /// Returns `member` in every case.
+    Variant Add(const Variant& member, std::string_view sKey = {}, std::int64_t Before = 0,
+                std::int64_t After = 0, bool bReplace = false);
+
+    /// Adds the number 1 under `sKey`, or 1 to the value that is there, which keeps its place.
+    /// Returns the value that then stands under the key; one that is no number stays as it is.
+    Variant AddCounter(std::string_view sKey);
+
+    /// With fewer than 30 items the key list is searched, exactly if `CaseSensitive`; so "z" is
+    /// found there when an item has no key. From 30 items on the key is looked up, never with
+    /// regard to case, whatever `CaseSensitive` says, and "z" is a key like any other.
+    bool Exists(std::string_view key, bool CaseSensitive = false) const;
+
+    /// The value at that position or under that key; `Empty` when there is none.
+    Variant Item(IndexKey vntIndexKey) const;
+    /// The same, but `Default` when there is none. With `AutoAdd` it is added as well, under the
+    /// key asked for (empty: without one); a missing position becomes the key in decimal.
+    /// (Takes a bool and nothing that merely converts to one, such as a text meant as default.)
+    Variant Item(IndexKey vntIndexKey, std::same_as<bool> auto AutoAdd,
+                 const Variant& Default = {}) {
+        return itemOr(vntIndexKey, AutoAdd, Default);
+    }
+
+    /// Replaces the value under `key`; nothing happens when there is none. The item keeps its
+    /// place, or without `KeepPosition` moves to the end, under the key as it was spelled.
+    void UpdateItem(std::string_view key, const Variant& NewItem, bool KeepPosition = true);
+
+    /// Adds values under keys: key, value, key, value. A last key without a value is left out,
+    /// an empty key adds its value without one, a repeated key is ignored.
+    void LoadFromParamList(std::span<const Variant> params);
+    void LoadFromParamList(std::initializer_list<Variant> params);
+    /// The same from a text as `SaveAsList` writes it with `SaveKeyValPair`.
+    void LoadFromParamList(std::string_view List, std::string_view Delimiter);
+
+    /// Splits `List` at every `Delimiter` and adds the pieces that are not empty, trimmed of
+    /// blanks first with `bTrim`. Without `UseKey` they have no key. With it the key is
+    /// `KeyPrefix` + piece and the value the piece; with `bPairs`, which takes two pieces at a
+    /// time, the value is the second of the two as it stands, empty or not (`UseValAsKey`: the
+    /// first again). A key without a second piece is left out, as is a repeated key.
+    /// Returns the number of items the collection then holds.
+    std::size_t LoadFromList(std::string_view List, std::string_view Delimiter,
+                             std::string_view KeyPrefix = {}, bool ClearFirst = false,
+                             bool UseKey = false, bool bTrim = false, bool bPairs = false,
+                             bool UseValAsKey = false);
+
+    /// The values as text, each followed by `Delimiter`; with `SaveKeyValPair` the key and
+    /// another `Delimiter` in front of each. The last delimiter is cut off unless
+    /// `EndWithDelimiter`. One single empty value gives an empty text, with or without it.
+    /// `Index` other than -1 takes that element (from 0) of each item that is a `ValueList`.
+    /// `maxItemCount` of 1 or more looks at so many items only. An item without a text form (an
+    /// object, bytes, an array that lacks the element) is passed over with its key.
+    std::string SaveAsList(std::string_view Delimiter, int Index = -1,
+                           bool EndWithDelimiter = false, std::int64_t maxItemCount = 0,
+                           bool SaveKeyValPair = false) const;
+
+    std::vector<Variant> SaveAsArray() const;
+    /// One row an item: key, value. `Transposed`: a row of the keys and a row of the values.
+    std::vector<std::vector<Variant>> SaveAs2DArray(bool Transposed = false) const;
+    std::shared_ptr<ValueList> SaveAsCol() const;
+
+    /// Sorts by value and keeps the values as the sort stored them, not as they were:
+    ///
+    ///   DataType  stored                                            unset when
+    ///   "T"       text, its first 255 UTF-16 units                  it has no text form
+    ///   "D"       date-time                                         no date-time or text of one
+    ///   "N"       64-bit whole number, halves to even               it is no number
+    ///
+    /// With `bIgnoreEmpty` an empty value is unset, too. What is unset becomes `Empty` and comes
+    /// first in ascending order. Texts compare without regard to case. `sOrder` is "DESC" for
+    /// descending, anything else ascending; equal values keep their order either way. An unknown
+    /// `DataType` changes nothing.
+    /// Each value is then added again under its key, cut to 255 UTF-16 units, and the first wins:
+    /// "z" is the key of all that had none, so of those only one is left. To sort such a list
+    /// give every item a key of its own first.
+    void SortByItem(std::string_view DataType, std::string_view sOrder = {},
+                    bool bIgnoreEmpty = false);
+
+    std::size_t Count() const noexcept;
+    /// Removes one item; nothing happens when it is not there.
+    void Remove(IndexKey Index);
+    void Clear();
+
+    /// The key at a position as it was spelled, "z" for an item without one; empty when there is
+    /// no such position.
+    std::string Key(std::int64_t position) const;
+    /// Where the item under a key stands; 0 when there is none.
+    std::size_t Position(std::string_view key) const;
+
+    /// Walks the values in list order.
+    class Walk {
+    public:
+        using value_type = Variant;
+        using difference_type = std::ptrdiff_t;
+        using iterator_concept = std::input_iterator_tag;
+
+        const Variant& operator*() const;
+        const Variant* operator->() const { return &**this; }
+        Walk& operator++();
+        void operator++(int) { ++*this; }
+        friend bool operator==(const Walk& walk, std::default_sentinel_t) { return walk.atEnd(); }
+
+    private:
+        friend class GenCollection;
+        explicit Walk(std::shared_ptr<const KeyedSlots> items);
+        bool atEnd() const noexcept;
+
+        std::shared_ptr<const KeyedSlots> items_;
+        std::size_t slot_;
+    };
+    Walk begin() const { return Walk(items_); }
+    static std::default_sentinel_t end() { return {}; }
+
+private:
+    KeyedSlots& own();  // the list for changing: a copy of its own if a walk or a copy shares it
+    std::size_t find(IndexKey index) const;
+    Variant itemOr(IndexKey index, bool AutoAdd, const Variant& Default);
+    void append(const Variant& member, std::string_view key);
+    static bool isReplacedInPlace(const Variant& member);
+
+    std::shared_ptr<KeyedSlots> items_;  // never null
+};
+
+/// The object at a position or under a key; null when there is none, or none of type `T`.
+template <class T>
+std::shared_ptr<T> objectAt(const GenCollection& col, IndexKey index) {
+    const Variant found = col.Item(index);
+    const auto* object = found.get<ObjectRef>();
+    return object != nullptr ? std::dynamic_pointer_cast<T>(*object) : nullptr;
+}
+
+}  // namespace vl
