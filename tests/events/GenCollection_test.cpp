@@ -415,6 +415,18 @@ TEST(GenCollectionSortByItem, DescendsWithUnsetLastAndEqualOnesInOrder) {
     EXPECT_EQ(keysOf(col), "k2,k5,k1,k4,k7,k6,k3");
 }
 
+TEST(GenCollectionSortByItem, KeepsTheOrderOfManyEqualValues) {
+    GenCollection col = numbered(200);
+    for (int i = 1; i <= 200; ++i) {
+        col.UpdateItem("key" + std::to_string(i), i % 2);
+    }
+    col.SortByItem("N");
+    for (int i = 1; i <= 100; ++i) {
+        EXPECT_EQ(col.Key(i), "key" + std::to_string(2 * i));
+        EXPECT_EQ(col.Key(100 + i), "key" + std::to_string(2 * i - 1));
+    }
+}
+
 TEST(GenCollectionSortByItem, LeavesEmptyValuesUnsetOnlyWhenAsked) {
     GenCollection col = keyed({"a", "", Variant()});
     GenCollection ignoring = col;
