@@ -1,0 +1,226 @@
+#include "TableDefinition.h"
+
+#include <algorithm>
+#include <array>
+
+#include "Bytes.h"
+#include "base/Text.h"
+
+namespace vl::jet {
+
+namespace {
+
+constexpr std::size_t kPageHeader = 8;
+constexpr std::size_t kHeader = 63;
+// 255 columns and 32 indexes with the longest names take a quarter of this.
+constexpr std::size_t kLongestDefinition = 1U << 18;
+constexpr std::size_t kMostColumns = 255;
+constexpr std::size_t kMostIndexes = 255;  // of each kind; the engine makes 32
+constexpr std::size_t kMostIndexColumns = 10;
+constexpr std::uint16_t kNoColumn = 0xFFFF;
+
+/// The assembled definition, taken block by block; no step leaves it.
+class Reader {
+public:
+    Reader(ByteView bytes, Origin origin) : bytes_(bytes), origin_(origin) {}
+
+    ByteView take(std::size_t n) {
+        if (n > bytes_.size() - at_) {
+            origin_.corrupt("the table definition ends too early");
+        }
+        at_ += n;
+        return bytes_.subspan(at_ - n, n);
+    }
+    std::string takeName() {
+        const std::uint16_t length = u16(take(2), 0);
+        const ByteView bytes = take(length);
+        std::u16string units;
+        for (std::size_t i = 0; i + 2 <= bytes.size(); i += 2) {
+            units.push_back(static_cast<char16_t>(u16(bytes, i)));
+        }
+        return text::fromUtf16(units);
+    }
+    const Origin& origin() const { return origin_; }
+
+private:
+    ByteView bytes_;
+    Origin origin_;
+    std::size_t at_ = 0;
+};
+
+// The first page whole, then of every further page what follows its header.
+std::vector<std::byte> assemble(PageFile& file, PageNo first) {
+    Page page = file.page(first);
+    const std::uint32_t length = u32(page.bytes(), 8);
+    if (u8(page.bytes(), 0) != 2 || length < kHeader || length > kLongestDefinition) {
+        page.origin().corrupt("is no table definition");
+    }
+    std::vector<std::byte> bytes(page.bytes().begin(), page.bytes().end());
+    while (bytes.size() < length) {
+        const PageNo next = u32(page.bytes(), 4);
+        page = file.page(next);
+        if (next == 0 || u8(page.bytes(), 0) != 2) {
+            page.origin().corrupt("is no part of the table definition on page " +
+                                  std::to_string(first));
+        }
+        const ByteView more = page.bytes().subspan(kPageHeader);
+        bytes.insert(bytes.end(), more.begin(), more.end());
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+bool known(ColumnType type) noexcept {
+    const auto raw = static_cast<unsigned>(type);
+    return (raw >= 1 && raw <= 12) || (raw >= 15 && raw <= 18);
+}
+
+bool isLong(ColumnType type) noexcept {
+    return type == ColumnType::Memo || type == ColumnType::Ole;
+}
+
+Column columnFrom(ByteView block) {
+    const unsigned flags = u8(block, 0x0F);
+    Column column;
+    column.type = static_cast<ColumnType>(u8(block, 0));
+    column.number = u16(block, 5);
+    column.variableIndex = u16(block, 7);
+    column.fixed = (flags & 0x01) != 0;
+    column.autoNumber = (flags & 0x44) != 0;
+    column.fixedOffset = u16(block, 0x15);
+    column.length = u16(block, 0x17);
+    if (column.type == ColumnType::Numeric) {
+        column.precision = u8(block, 0x0B);
+        column.scale = u8(block, 0x0C);
+    }
+    return column;
+}
+
+void check(const Column& column, const TableDefinition& table, const Origin& origin) {
+    const std::uint16_t size = sizeOf(column.type);
+    if (!known(column.type) || column.number >= table.maxColumns ||
+        (column.fixed && isLong(column.type)) || (size != 0 && column.length != size) ||
+        (!column.fixed && column.type != ColumnType::Boolean &&
+         column.variableIndex >= table.variableSlots)) {
+        origin.corrupt("column \"" + column.name + "\" of table \"" + table.name +
+                       "\" contradicts itself");
+    }
+}
+
+void readColumns(Reader& reader, std::size_t count, TableDefinition& table) {
+    for (std::size_t i = 0; i < count; ++i) {
+        table.columns.push_back(columnFrom(reader.take(25)));
+    }
+    for (Column& column : table.columns) {
+        column.name = reader.takeName();
+        check(column, table, reader.origin());
+    }
+    std::sort(table.columns.begin(), table.columns.end(),
+              [](const Column& a, const Column& b) { return a.number < b.number; });
+    const auto twice =
+        std::adjacent_find(table.columns.begin(), table.columns.end(),
+                           [](const Column& a, const Column& b) { return a.number == b.number; });
+    if (twice != table.columns.end()) {
+        reader.origin().corrupt("two columns have the number " + std::to_string(twice->number));
+    }
+    // Slots are handed out in the order of creation. When the first of them belongs to a column
+    // that is younger than a row, that row was written while the table had none.
+    table.firstVariableColumns = 0;
+    for (const Column& column : table.columns) {
+        if (!column.fixed && column.type != ColumnType::Boolean && column.variableIndex == 0) {
+            table.firstVariableColumns = static_cast<std::uint16_t>(column.number + 1);
+        }
+    }
+}
+
+/// What a real index says; the logical ones that share it repeat it.
+struct Keys {
+    std::vector<IndexColumn> columns;
+    unsigned flags = 0;
+};
+
+Keys readKeys(Reader& reader, TableDefinition& table) {
+    const ByteView block = reader.take(52);
+    Keys keys;
+    for (std::size_t i = 0; i < kMostIndexColumns; ++i) {
+        const std::uint16_t number = u16(block, 4 + 3 * i);
+        if (number == kNoColumn) {
+            continue;
+        }
+        const auto column = std::find_if(table.columns.begin(), table.columns.end(),
+                                         [&](const Column& c) { return c.number == number; });
+        if (column == table.columns.end()) {
+            reader.origin().corrupt("an index of table \"" + table.name +
+                                    "\" has a column that is not there");
+        }
+        column->indexed = true;
+        keys.columns.push_back({column->name, u8(block, 6 + 3 * i) == 0});
+    }
+    keys.flags = u8(block, 0x2E);
+    return keys;
+}
+
+void readIndexes(Reader& reader, std::size_t real, std::size_t logical, TableDefinition& table) {
+    std::vector<Keys> keys;
+    for (std::size_t i = 0; i < real; ++i) {
+        keys.push_back(readKeys(reader, table));
+    }
+    for (std::size_t i = 0; i < logical; ++i) {
+        const ByteView block = reader.take(28);
+        const std::uint32_t stored = u32(block, 8);
+        const unsigned kind = u8(block, 0x17);
+        if (stored >= real || kind > 2) {
+            reader.origin().corrupt("an index of table \"" + table.name + "\" contradicts itself");
+        }
+        Index index;
+        index.number = u32(block, 4);
+        index.primary = kind == 1;
+        index.foreign = kind == 2;
+        index.unique = (keys[stored].flags & 0x01) != 0;
+        index.ignoreNulls = (keys[stored].flags & 0x02) != 0;
+        index.required = (keys[stored].flags & 0x08) != 0;
+        index.columns = keys[stored].columns;
+        table.indexes.push_back(std::move(index));
+    }
+    for (Index& index : table.indexes) {
+        index.name = reader.takeName();
+    }
+    std::stable_sort(table.indexes.begin(), table.indexes.end(),
+                     [](const Index& a, const Index& b) { return a.number < b.number; });
+}
+
+}  // namespace
+
+std::uint16_t sizeOf(ColumnType type) noexcept {
+    static constexpr std::array<std::uint16_t, 19> kSizes = {0, 0, 1, 2, 4, 8,  4,  8, 8, 0,
+                                                             0, 0, 0, 0, 0, 16, 17, 0, 4};
+    const auto raw = static_cast<std::size_t>(type);
+    return raw < kSizes.size() ? kSizes[raw] : std::uint16_t{0};
+}
+
+TableDefinition readTableDefinition(PageFile& file, PageNo page, std::string name) {
+    const std::vector<std::byte> bytes = assemble(file, page);
+    const ByteView header(bytes.data(), kHeader);
+    Reader reader(bytes, Origin{file.name(), page});
+    reader.take(kHeader);
+    TableDefinition table;
+    table.name = std::move(name);
+    table.page = page;
+    table.rowCount = u32(header, 0x10);
+    table.maxColumns = u16(header, 0x29);
+    table.variableSlots = u16(header, 0x2B);
+    table.ownedPages = RowPointer::read(header, 0x37);
+    const std::size_t columns = u16(header, 0x2D);
+    const std::size_t logical = u32(header, 0x2F);
+    const std::size_t real = u32(header, 0x33);
+    if (columns > kMostColumns || logical > kMostIndexes || real > kMostIndexes) {
+        reader.origin().corrupt("the definition of table \"" + table.name +
+                                "\" has impossible counts");
+    }
+    reader.take(12 * real);  // counters, for the writer
+    readColumns(reader, columns, table);
+    readIndexes(reader, real, logical, table);
+    return table;
+}
+
+}  // namespace vl::jet

@@ -1,0 +1,34 @@
+// A table's definition: columns, indexes, and where its pages are.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "DataPage.h"
+
+namespace vl::jet {
+
+struct TableDefinition {
+    std::string name;
+    PageNo page = 0;
+    std::uint32_t rowCount = 0;
+    /// Columns ever created, deleted ones included: above every column's number.
+    std::uint16_t maxColumns = 0;
+    /// Variable slots ever created.
+    std::uint16_t variableSlots = 0;
+    RowPointer ownedPages;
+    std::vector<Column> columns;  ///< by number
+    std::vector<Index> indexes;   ///< by number
+    /// A row written while the table had fewer than this many columns has no variable part.
+    std::uint16_t firstVariableColumns = 0;
+};
+
+/// Reads the definition that begins on page `page`; `name` is what the catalog calls it. Throws
+/// `Error` (`ErrNo::Corrupt`) for one that contradicts itself; after that every column's number,
+/// type and size can be relied upon. Source: docs/jet4.md, "Table definition".
+TableDefinition readTableDefinition(PageFile& file, PageNo page, std::string name);
+
+/// Bytes of a value of a type that has one size; 0 for the others.
+std::uint16_t sizeOf(ColumnType type) noexcept;
+
+}  // namespace vl::jet

@@ -1,0 +1,86 @@
+#include "TextCode.h"
+
+#include <algorithm>
+
+#include "Bytes.h"
+#include "base/Text.h"
+
+namespace vl::jet {
+
+namespace {
+
+constexpr std::byte kAsciiEnd{0x80};
+
+bool isCompressed(ByteView bytes) noexcept { return bytes.size() >= 2 && u16(bytes, 0) == 0xFEFF; }
+
+// One byte a character: all of it below U+0100.
+std::string fromNarrow(ByteView bytes) {
+    const auto beyondAscii = static_cast<std::size_t>(
+        std::count_if(bytes.begin(), bytes.end(), [](std::byte b) { return b >= kAsciiEnd; }));
+    const char* chars = reinterpret_cast<const char*>(bytes.data());
+    if (beyondAscii == 0) {
+        return {chars, bytes.size()};
+    }
+    std::string out;
+    out.reserve(bytes.size() + beyondAscii);
+    for (const std::byte b : bytes) {
+        text::appendCharacter(out, std::to_integer<char32_t>(b));
+    }
+    return out;
+}
+
+// Narrow and wide runs; a 00 where a character begins switches from one to the other.
+std::string fromMixed(ByteView bytes) {
+    std::u16string units;
+    bool wide = false;
+    for (std::size_t at = 0; at < bytes.size();) {
+        if (u8(bytes, at) == 0) {
+            wide = !wide;
+            ++at;
+        } else if (!wide) {
+            units.push_back(u8(bytes, at));
+            ++at;
+        } else if (at + 2 <= bytes.size()) {
+            units.push_back(static_cast<char16_t>(u16(bytes, at)));
+            at += 2;
+        } else {
+            break;  // half a character at the end says nothing
+        }
+    }
+    return text::fromUtf16(units);
+}
+
+std::string fromWide(ByteView bytes) {
+    std::string out(bytes.size() / 2, '\0');
+    std::size_t ascii = 0;
+    while (ascii < out.size() && u16(bytes, 2 * ascii) < 0x80) {
+        out[ascii] = static_cast<char>(u8(bytes, 2 * ascii));
+        ++ascii;
+    }
+    if (ascii == out.size()) {
+        return out;
+    }
+    std::u16string units;
+    units.reserve(out.size() - ascii);
+    for (std::size_t at = 2 * ascii; at < bytes.size(); at += 2) {
+        units.push_back(static_cast<char16_t>(u16(bytes, at)));
+    }
+    out.resize(ascii);
+    return out + text::fromUtf16(units);
+}
+
+}  // namespace
+
+std::string decodeText(ByteView bytes, const Origin& origin) {
+    if (isCompressed(bytes)) {
+        const ByteView rest = bytes.subspan(2);
+        const bool mixed = std::find(rest.begin(), rest.end(), std::byte{0}) != rest.end();
+        return mixed ? fromMixed(rest) : fromNarrow(rest);
+    }
+    if (bytes.size() % 2 != 0) {
+        origin.corrupt("a text of " + std::to_string(bytes.size()) + " bytes");
+    }
+    return fromWide(bytes);
+}
+
+}  // namespace vl::jet
