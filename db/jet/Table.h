@@ -29,6 +29,19 @@ public:
     /// Costs reading the table's usage map; rows are read as the cursor goes.
     RowCursor scan() const;
 
+    using Change = std::pair<std::size_t, Variant>;  ///< column, new value
+    /// Writes columns of one row where they stand: yes/no columns and fixed-size ones that no
+    /// index knows. `Null` makes a fixed-size column null. One page is written and flushed, then
+    /// the header's counter is raised, by which other readers of the file learn of it; a row that
+    /// holds all of it already costs no write.
+    ///
+    /// Throws `Error` and has changed nothing: `ErrNo::ReadOnly` unless the file was opened with
+    /// `Access::ReadWrite`; `ErrNo::NotFound` when there is no such row; `ErrNo::Unsupported` for a
+    /// column of another kind, an autonumber, or a row older than the column;
+    /// `ErrNo::TypeMismatch` or `ErrNo::Overflow` for a value that is none of the column's type.
+    /// Throws `ErrNo::Io` when writing fails: the row may then be changed or not.
+    void updateInPlace(RowId id, std::span<const Change> changes);
+
 private:
     PageFile* file_;
     std::shared_ptr<const TableDefinition> definition_;

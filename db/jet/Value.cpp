@@ -6,12 +6,28 @@
 #include "Decimal.h"
 #include "TableDefinition.h"
 #include "TextCode.h"
+#include "base/ErrorState.h"
 
 namespace vl::jet {
 
 namespace {
 
-constexpr unsigned kMoneyDecimals = 4;
+// Where in the bytes each pair of digits of a GUID's text stands: the first three groups are
+// numbers, the last two bytes as they are.
+constexpr std::array<std::size_t, 16> kGuidOrder = {3, 2, 1,  0,  5,  4,  7,  6,
+                                                    8, 9, 10, 11, 12, 13, 14, 15};
+
+bool dashBefore(std::size_t pair) noexcept {
+    return pair == 4 || pair == 6 || pair == 8 || pair == 10;
+}
+
+int hexDigit(char c) noexcept {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    const char upper = static_cast<char>(c & ~0x20);
+    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+}
 
 Variant moneyFrom(ByteView bytes) {
     const auto raw = static_cast<std::int64_t>(u64(bytes, 0));
@@ -44,19 +60,45 @@ Variant dateFrom(const Column& column, ByteView bytes, const Origin& origin) {
 }  // namespace
 
 std::string formatGuid(ByteView bytes) {
-    // The first three groups are numbers, the last two bytes as they stand.
-    static constexpr std::size_t kOrder[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string out = "{";
     for (std::size_t i = 0; i < 16; ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10) {
+        if (dashBefore(i)) {
             out += '-';
         }
-        const unsigned b = u8(bytes, kOrder[i]);
+        const unsigned b = u8(bytes, kGuidOrder[i]);
         out += kDigits[b >> 4];
         out += kDigits[b & 15];
     }
     return out + "}";
+}
+
+std::array<std::byte, 16> parseGuid(std::string_view text) {
+    const auto fail = [&] {
+        throw Error(ErrNo::TypeMismatch, "\"" + std::string(text) + "\" is no GUID");
+    };
+    std::string_view rest = text;
+    if (rest.size() == 38 && rest.front() == '{' && rest.back() == '}') {
+        rest = rest.substr(1, 36);
+    }
+    if (rest.size() != 36) {
+        fail();
+    }
+    std::array<std::byte, 16> bytes{};
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (dashBefore(i) && rest[at++] != '-') {
+            fail();
+        }
+        const int high = hexDigit(rest[at]);
+        const int low = hexDigit(rest[at + 1]);
+        if (high < 0 || low < 0) {
+            fail();
+        }
+        bytes[kGuidOrder[i]] = static_cast<std::byte>(high * 16 + low);
+        at += 2;
+    }
+    return bytes;
 }
 
 Variant decodeValue(const Column& column, ByteView bytes, const Origin& origin) {

@@ -1,6 +1,9 @@
 // A column's bytes as a value.
 #pragma once
 
+#include <array>
+#include <string_view>
+
 #include "Origin.h"
 #include "base/Variant.h"
 
@@ -13,5 +16,11 @@ Variant decodeValue(const Column& column, ByteView bytes, const Origin& origin);
 
 /// "{E9EDD90C-CE55-4151-ABE1-A1ACE1007515}".
 std::string formatGuid(ByteView bytes);
+
+/// The other way round; without braces too. Throws `Error` (`ErrNo::TypeMismatch`).
+std::array<std::byte, 16> parseGuid(std::string_view text);
+
+/// Money is kept as a whole number of ten-thousandths.
+inline constexpr unsigned kMoneyDecimals = 4;
 
 }  // namespace vl::jet
