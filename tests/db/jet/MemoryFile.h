@@ -1,0 +1,82 @@
+// A file in memory, for the engine's file layer.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/ErrorState.h"
+#include "db/jet/Database.h"
+
+namespace vl::test {
+
+/// What a `MemoryFile` works on, kept by the test.
+struct Disk {
+    std::vector<std::byte> bytes;
+    int writes = 0;
+    int flushes = 0;
+    /// Writes and flushes in their order ("w", "f").
+    std::string log;
+    /// The operation (write or flush) that fails, counted from 1; 0 none.
+    int failAt = 0;
+
+    explicit Disk(const std::string& content) {
+        const auto* begin = reinterpret_cast<const std::byte*>(content.data());
+        bytes.assign(begin, begin + content.size());
+    }
+};
+
+class MemoryFile : public jet::File {
+public:
+    explicit MemoryFile(Disk& disk) : disk_(disk) {}
+
+    std::uint64_t size() const override { return disk_.bytes.size(); }
+    void read(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        if (offset + bytes.size() > disk_.bytes.size()) {
+            throw Error(ErrNo::Io, "memory: ends before");
+        }
+        std::copy_n(disk_.bytes.begin() + static_cast<std::ptrdiff_t>(offset), bytes.size(),
+                    bytes.begin());
+    }
+    void write(std::uint64_t offset, jet::ByteView bytes) override {
+        ++disk_.writes;
+        operation('w');
+        if (offset + bytes.size() > disk_.bytes.size()) {
+            disk_.bytes.resize(offset + bytes.size());
+        }
+        std::copy(bytes.begin(), bytes.end(),
+                  disk_.bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+    void flush() override {
+        ++disk_.flushes;
+        operation('f');
+    }
+
+private:
+    void operation(char kind) {
+        disk_.log += kind;
+        if (static_cast<int>(disk_.log.size()) == disk_.failAt) {
+            throw Error(ErrNo::Io, "memory: refused");
+        }
+    }
+
+    Disk& disk_;
+};
+
+inline jet::Database openMemory(Disk& disk, jet::Access access = jet::Access::Read) {
+    return jet::Database::open(std::make_unique<MemoryFile>(disk), "memory", access);
+}
+
+/// The number of the error that `step` throws; `ErrNo::None` when it throws none.
+template <class Step>
+ErrNo errorOf(Step&& step) {
+    try {
+        step();
+    } catch (const Error& e) {
+        return e.number();
+    }
+    return ErrNo::None;
+}
+
+}  // namespace vl::test
