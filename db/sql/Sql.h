@@ -1,0 +1,51 @@
+// Statements of the database's SQL dialect, run on an open file.
+//
+//   SELECT [DISTINCT] [TOP n] columns FROM table [WHERE condition] [ORDER BY columns]
+//   UPDATE table SET column = expression, ... [WHERE condition]
+//
+// A column is `Name`, `Table.Name` or `[any name]`, each SELECT column with an optional AS; `*` and
+// `Table.*` are all of them; or all entries are COUNT(*), COUNT, MIN, MAX of a column. Texts stand
+// in double or single quotes, a doubled quote inside is one; dates are #2026-11-15 14:30:00#.
+// Keywords and names are taken without regard to case. What a statement needs to know of a row is
+// all that is decoded of it.
+//
+// Errors: `Error` with line, column and what was expected. `ErrNo::Syntax` for what follows no
+// rule; `ErrNo::Unsupported` for INSERT, DELETE, CREATE, ALTER, DROP and clauses named there;
+// `ErrNo::NotFound` for tables and columns; `ErrNo::TypeMismatch` and `ErrNo::Overflow` for values.
+// Errors of the file engine come through as they are.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Variant.h"
+#include "db/jet/Database.h"
+
+namespace vl::sql {
+
+/// A column of a result. COUNT gives `Long`; unnamed results are "Expr1000", "Expr1001" ...
+struct Field {
+    std::string name;
+    jet::ColumnType type = jet::ColumnType::Text;
+};
+
+struct Result {
+    bool isQuery = false;
+    std::vector<Field> fields;
+    std::vector<std::vector<Variant>> rows;  ///< as wide as `fields`
+    std::int64_t affected = 0;               ///< rows an UPDATE changed; 0 for a query
+};
+
+/// Whether a statement only reads, by its first word; one that cannot be read is no query.
+/// Never throws.
+bool isQuery(std::string_view statement) noexcept;
+
+/// Runs one statement; a query's rows are all in memory afterwards. Rows come in scan order unless
+/// ORDER BY says otherwise; with it, TOP also gives the rows that equal the last one.
+/// An UPDATE computes and converts the new values of all rows before it writes the first, so that
+/// an error of the statement or its values leaves the file as it was.
+Result execute(jet::Database& db, std::string_view statement);
+
+}  // namespace vl::sql

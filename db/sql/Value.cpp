@@ -1,0 +1,270 @@
+#include "Value.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "base/Text.h"
+
+namespace vl::sql {
+
+namespace {
+
+constexpr double kDayMs = 86'400'000.0;
+
+const char* kindOf(const Variant& v) noexcept {
+    if (v.is<std::string>()) {
+        return "a text";
+    }
+    if (v.is<DateTime>()) {
+        return "a date";
+    }
+    if (v.is<bool>()) {
+        return "a yes/no value";
+    }
+    if (v.is<Bytes>()) {
+        return "bytes";
+    }
+    return v.isNull() ? "null" : "a number";
+}
+
+[[noreturn]] void mismatch(Position at, const std::string& what) {
+    fail(ErrNo::TypeMismatch, at, "data type mismatch: " + what);
+}
+
+template <class T>
+int sign(T a, T b) noexcept {
+    return a < b ? -1 : (b < a ? 1 : 0);
+}
+
+// Not-a-number comes before all numbers and equals itself: sorting needs a total order.
+int compareDoubles(double a, double b) noexcept {
+    if (std::isnan(a) || std::isnan(b)) {
+        return sign(std::isnan(a) ? 0 : 1, std::isnan(b) ? 0 : 1);
+    }
+    return sign(a, b);
+}
+
+bool isWhole(const Variant& v) noexcept { return v.is<std::int32_t>() || v.is<bool>(); }
+
+std::int64_t whole(const Variant& v) noexcept {
+    if (const auto* number = v.get<std::int32_t>()) {
+        return *number;
+    }
+    const auto* flag = v.get<bool>();
+    return flag != nullptr && *flag ? -1 : 0;
+}
+
+double numberOf(const Variant& v, Position at, const char* wanted) {
+    if (v.is<Bytes>()) {
+        mismatch(at, std::string("bytes are no ") + wanted);
+    }
+    try {
+        return v.toDouble();
+    } catch (const Error& e) {
+        mismatch(at, std::string("expected a ") + wanted + ", " + e.what());
+    }
+}
+
+DateTime dateOf(const Variant& v, Position at) {
+    if (const auto* text = v.get<std::string>()) {
+        if (const auto number = text::number(*text)) {
+            return DateTime(*number);
+        }
+        try {
+            return parseDateTime(text::trimBlanks(*text));
+        } catch (const Error& e) {
+            mismatch(at, std::string("expected a date, ") + e.what());
+        }
+    }
+    return DateTime(numberOf(v, at, "date"));
+}
+
+// A text beside a yes/no value may say so in words.
+double flagOrNumber(const Variant& v, Position at) {
+    const auto* text = v.get<std::string>();
+    if (text != nullptr && text::equalsNoCase(*text, "True")) {
+        return -1.0;
+    }
+    if (text != nullptr && text::equalsNoCase(*text, "False")) {
+        return 0.0;
+    }
+    return numberOf(v, at, "number");
+}
+
+int compareBytes(const Bytes& a, const Bytes& b) noexcept {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end())   ? -1
+           : std::lexicographical_compare(b.begin(), b.end(), a.begin(), a.end()) ? 1
+                                                                                  : 0;
+}
+
+Variant checked(double value, Position at) {
+    if (!std::isfinite(value)) {
+        fail(ErrNo::Overflow, at, "the result is too large for a number");
+    }
+    return value;
+}
+
+Variant shifted(DateTime date, double days, Position at) {
+    static const DateTime kFirst = DateTime::fromCivil(100, 1, 1);
+    static const DateTime kLast = DateTime::fromCivil(9999, 12, 31, 23, 59, 59);
+    constexpr double kMostDays = 1.0e7;
+    if (std::fabs(days) < kMostDays) {
+        const auto sum =
+            DateTime::fromMilliseconds(date.milliseconds() + std::llround(days * kDayMs));
+        if (sum >= kFirst && sum <= kLast) {
+            return sum;
+        }
+    }
+    fail(ErrNo::Overflow, at, "the result is no date between the years 100 and 9999");
+}
+
+std::optional<Variant> calculateDates(Arithmetic op, const Variant& a, const Variant& b,
+                                      Position at) {
+    const auto* left = a.get<DateTime>();
+    const auto* right = b.get<DateTime>();
+    if (op == Arithmetic::Subtract && left != nullptr) {
+        if (right != nullptr) {
+            return static_cast<double>(left->milliseconds() - right->milliseconds()) / kDayMs;
+        }
+        return shifted(*left, -numberOf(b, at, "number"), at);
+    }
+    if (op == Arithmetic::Add && (left == nullptr) != (right == nullptr)) {
+        return left != nullptr ? shifted(*left, numberOf(b, at, "number"), at)
+                               : shifted(*right, numberOf(a, at, "number"), at);
+    }
+    return std::nullopt;  // nothing that a plain number would not do
+}
+
+std::optional<Variant> calculateWhole(Arithmetic op, std::int64_t a, std::int64_t b) {
+    std::int64_t result = 0;
+    switch (op) {
+        case Arithmetic::Add:
+            result = a + b;
+            break;
+        case Arithmetic::Subtract:
+            result = a - b;
+            break;
+        case Arithmetic::Multiply:
+            result = a * b;
+            break;
+        case Arithmetic::Divide:
+            return std::nullopt;
+    }
+    if (result < std::numeric_limits<std::int32_t>::min() ||
+        result > std::numeric_limits<std::int32_t>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<std::int32_t>(result);
+}
+
+}  // namespace
+
+int compareText(std::string_view a, std::string_view b) noexcept {
+    const auto withoutBlanks = [](std::string_view s) {
+        return s.substr(0, s.find_last_not_of(' ') + 1);
+    };
+    return text::compareNoCase(withoutBlanks(a), withoutBlanks(b));
+}
+
+std::optional<int> compare(const Variant& a, const Variant& b, Position at) {
+    if (a.isNull() || b.isNull()) {
+        return std::nullopt;
+    }
+    const auto* textA = a.get<std::string>();
+    const auto* textB = b.get<std::string>();
+    if (textA != nullptr && textB != nullptr) {
+        return compareText(*textA, *textB);
+    }
+    if (a.is<Bytes>() && b.is<Bytes>()) {
+        return compareBytes(*a.get<Bytes>(), *b.get<Bytes>());
+    }
+    if (a.is<Bytes>() || b.is<Bytes>()) {
+        mismatch(at, std::string(kindOf(a)) + " does not compare with " + kindOf(b));
+    }
+    if (a.is<DateTime>() || b.is<DateTime>()) {
+        return sign(dateOf(a, at).milliseconds(), dateOf(b, at).milliseconds());
+    }
+    if (a.is<bool>() || b.is<bool>()) {
+        return compareDoubles(flagOrNumber(a, at), flagOrNumber(b, at));
+    }
+    if (isWhole(a) && isWhole(b)) {
+        return sign(whole(a), whole(b));
+    }
+    return compareDoubles(numberOf(a, at, "number"), numberOf(b, at, "number"));
+}
+
+int order(const Variant& a, const Variant& b) {
+    if (a.isNull() || b.isNull()) {
+        return sign(a.isNull() ? 0 : 1, b.isNull() ? 0 : 1);
+    }
+    return compare(a, b, {}).value_or(0);
+}
+
+std::optional<bool> truth(const Variant& value, Position at) {
+    if (value.isNull()) {
+        return std::nullopt;
+    }
+    return flagOrNumber(value, at) != 0.0;
+}
+
+std::string textOf(const Variant& value, Position at) {
+    if (value.is<Bytes>()) {
+        mismatch(at, "bytes are no text");
+    }
+    return value.is<bool>() ? std::to_string(whole(value)) : value.toText();
+}
+
+Variant concatenate(const Variant& a, const Variant& b, Position at) {
+    if (a.isNull() && b.isNull()) {
+        return Null{};
+    }
+    const auto part = [&](const Variant& v) { return v.isNull() ? std::string() : textOf(v, at); };
+    return part(a) + part(b);
+}
+
+Variant calculate(Arithmetic op, const Variant& a, const Variant& b, Position at) {
+    if (a.isNull() || b.isNull()) {
+        return Null{};
+    }
+    if (op == Arithmetic::Add && a.is<std::string>() && b.is<std::string>()) {
+        return *a.get<std::string>() + *b.get<std::string>();
+    }
+    if (const auto dates = calculateDates(op, a, b, at)) {
+        return *dates;
+    }
+    if (isWhole(a) && isWhole(b)) {
+        if (const auto result = calculateWhole(op, whole(a), whole(b))) {
+            return *result;
+        }
+    }
+    const double left = numberOf(a, at, "number");
+    const double right = numberOf(b, at, "number");
+    switch (op) {
+        case Arithmetic::Add:
+            return checked(left + right, at);
+        case Arithmetic::Subtract:
+            return checked(left - right, at);
+        case Arithmetic::Multiply:
+            return checked(left * right, at);
+        case Arithmetic::Divide:
+            break;
+    }
+    if (right == 0.0) {
+        fail(ErrNo::Overflow, at, "division by zero");
+    }
+    return checked(left / right, at);
+}
+
+Variant negate(const Variant& value, Position at) {
+    return calculate(Arithmetic::Subtract, Variant(0), value, at);
+}
+
+Variant fromDecimal(Variant value) {
+    if (const auto* decimal = value.get<std::string>()) {
+        return text::number(*decimal).value_or(0.0);
+    }
+    return value;
+}
+
+}  // namespace vl::sql

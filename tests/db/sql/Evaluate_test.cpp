@@ -1,0 +1,212 @@
+#include "Evaluate.h"
+
+#include <gmock/gmock.h>
+
+#include "Memory.h"
+
+namespace vl::sql {
+namespace {
+
+using jet::ColumnType;
+using test::caught;
+using test::column;
+using test::MemoryTable;
+
+// One row with a column of every kind; `nothing` is null.
+MemoryTable sample() {
+    return {
+        {"T",
+         {column("flag", ColumnType::Boolean, 1), column("n", ColumnType::Long, 4),
+          column("x", ColumnType::Double, 8), column("d", ColumnType::Date, 8),
+          column("t", ColumnType::Text, 510), column("price", ColumnType::Money, 8),
+          column("bytes", ColumnType::Binary, 510), column("nothing", ColumnType::Text, 510),
+          column("id", ColumnType::Guid, 16)}},
+        {{true, 7, 2.5, DateTime::fromCivil(2026, 11, 15, 14, 30), "Abc ", "10.5000",
+          Bytes{std::byte{1}, std::byte{2}}, Null{}, "{00000000-0000-0000-0000-00000000000A}"}}};
+}
+
+// The value of an expression over that row: what an UPDATE would evaluate.
+Variant valueOf(const std::string& expression) {
+    const MemoryTable table = sample();
+    Statement statement = parse("UPDATE T SET t = " + expression);
+    Expr& expr = *std::get<Update>(statement).assignments[0].value;
+    bind(&expr, table.shape);
+    test::MemoryRows rows(table.rows);
+    rows.next();
+    return evaluate(expr, rows);
+}
+
+TEST(SqlLogic, FollowsTheTruthTablesOfThreeValues) {
+    static constexpr const char* kNames[] = {"False", "Null", "True"};  // 0, 1, 2
+    static constexpr int kAnd[3][3] = {{0, 0, 0}, {0, 1, 1}, {0, 1, 2}};
+    static constexpr int kOr[3][3] = {{0, 1, 2}, {1, 1, 2}, {2, 2, 2}};
+    const Variant values[] = {false, Null{}, true};
+    for (int a = 0; a < 3; ++a) {
+        SCOPED_TRACE(kNames[a]);
+        EXPECT_EQ(valueOf(std::string("NOT ") + kNames[a]), values[2 - a]);
+        for (int b = 0; b < 3; ++b) {
+            SCOPED_TRACE(kNames[b]);
+            EXPECT_EQ(valueOf(std::string(kNames[a]) + " AND " + kNames[b]), values[kAnd[a][b]]);
+            EXPECT_EQ(valueOf(std::string(kNames[a]) + " OR " + kNames[b]), values[kOr[a][b]]);
+        }
+    }
+}
+
+TEST(SqlLogic, AnyComparisonWithNullIsUnknown) {
+    for (const char* expression :
+         {"nothing = 1", "1 <> nothing", "nothing = nothing", "nothing <> Null", "nothing < \"a\"",
+          "d >= nothing", "nothing LIKE \"*\"", "t LIKE nothing", "nothing IN (1, 2)",
+          "n IN (1, Null)", "n NOT IN (1, Null)", "nothing BETWEEN 1 AND 2", "n BETWEEN 1 AND Null",
+          "NOT nothing", "nothing + 1", "1 - nothing", "-nothing", "nothing & Null", "Null"}) {
+        SCOPED_TRACE(expression);
+        EXPECT_EQ(valueOf(expression), Variant(Null{}));
+    }
+}
+
+struct Case {
+    const char* expression;
+    Variant value;
+};
+
+void expectValues(std::initializer_list<Case> cases) {
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.expression);
+        EXPECT_EQ(valueOf(c.expression), c.value);
+    }
+}
+
+TEST(SqlComparison, ComparesNumbersAndYesNoWithEachOther) {
+    expectValues({{"flag = True", true},
+                  {"flag = -1", true},
+                  {"flag = 1", false},
+                  {"flag = 0", false},
+                  {"flag <> 0", true},
+                  {"flag = \"true\"", true},
+                  {"n = 7", true},
+                  {"n = 7.0", true},
+                  {"n < 7.5", true},
+                  {"x > n", false},
+                  {"x = \"2.5\"", true},
+                  {"n = \" 7 \"", true},
+                  {"price = 10.5", true},
+                  {"price < 9", false},
+                  {"price > \"9\"", true},
+                  {"2147483648 > 2147483647", true}});
+}
+
+TEST(SqlComparison, TextsCompareWithoutCaseAndBlanksAtTheEnd) {
+    expectValues({{"t = \"abc\"", true},
+                  {"t = \"ABC   \"", true},
+                  {"t = \" abc\"", false},
+                  {"\"\" = \"  \"", true},
+                  {"\"\xC3\x84\" = \"\xC3\xA4\"", true},
+                  {"\"a\" < \"B\"", true},
+                  {"\"10\" < \"9\"", true},
+                  {"id = \"{00000000-0000-0000-0000-00000000000a}\"", true}});
+}
+
+TEST(SqlComparison, DatesCompareByWholeMilliseconds) {
+    expectValues({{"d = #2026-11-15 14:30:00#", true},
+                  {"d > #2026-11-15#", true},
+                  {"d < #2026-11-15 14:30:01#", true},
+                  {"d = \"2026-11-15 14:30:00\"", true},
+                  {"d > 46341", true},
+                  {"d > 0", true},
+                  {"#2026-11-15 09:30# + 0.0208333333333 = #2026-11-15 10:00#", true},
+                  {"#1899-12-30# = 0", true}});
+}
+
+TEST(SqlComparison, OtherTypesDoNotCompare) {
+    for (const char* expression :
+         {"t = 1", "1 < t", "d = \"soon\"", "t > d", "bytes = 1", "bytes = \"a\"", "bytes < d",
+          "n BETWEEN 1 AND \"x\"", "n IN (1, \"x\")", "flag = \"maybe\"", "t AND True",
+          "bytes LIKE \"*\"", "bytes & \"\"", "t + 1", "bytes + bytes", "-t"}) {
+        SCOPED_TRACE(expression);
+        const auto error = caught([&] { valueOf(expression); });
+        EXPECT_EQ(error.number, ErrNo::TypeMismatch);
+        EXPECT_THAT(error.text, testing::StartsWith("line 1, column "));
+        EXPECT_THAT(error.text, testing::HasSubstr("data type mismatch"));
+    }
+}
+
+TEST(SqlComparison, NamesThePlaceOfTheOperator) {
+    EXPECT_THAT(caught([] { valueOf("flag AND\n t > 5"); }).text,
+                testing::StartsWith("line 2, column 4: data type mismatch"));
+}
+
+TEST(SqlTests, InBetweenIsNullLike) {
+    expectValues({{"n IN (1, 7)", true},
+                  {"n IN (Null, 7)", true},
+                  {"n NOT IN (1, 7)", false},
+                  {"t IN (\"x\", \"ABC\")", true},
+                  {"n BETWEEN 7 AND 9", true},
+                  {"n BETWEEN 5 AND 7", true},
+                  {"n BETWEEN 8 AND 9", false},
+                  {"n BETWEEN 9 AND 5", false},
+                  {"n BETWEEN 8 AND Null", false},
+                  {"n NOT BETWEEN Null AND 6", true},
+                  {"d BETWEEN #2026-11-15# AND #2026-11-16#", true},
+                  {"bytes = bytes", true},
+                  {"nothing IS NULL", true},
+                  {"nothing IS NOT NULL", false},
+                  {"n IS NULL", false},
+                  {"t LIKE \"a*\"", true},
+                  {"t LIKE \"abc\"", false},
+                  {"t NOT LIKE \"b*\"", true},
+                  {"n LIKE \"#\"", true},
+                  {"d LIKE \"2026-11-*\"", true}});
+}
+
+TEST(SqlArithmetic, KeepsWholeNumbersWholeWhileTheyFit) {
+    expectValues({{"1 + 2 * 3", 7},
+                  {"7 / 2", 3.5},
+                  {"6 / 2", 3.0},
+                  {"-n", -7},
+                  {"- -n", 7},
+                  {"2147483647 + 1", 2147483648.0},
+                  {"-2147483647 - 1", std::int32_t{-2147483647 - 1}},
+                  {"65536 * 65536", 4294967296.0},
+                  {"n + x", 9.5},
+                  {"\"2\" * 3", 6.0},
+                  {"price * 2", 21.0},
+                  {"True + 0", -1},
+                  {"(n = 7) * 5", -5},
+                  {"\"2\" + \"3\"", "23"}});
+    EXPECT_EQ(caught([] { valueOf("n / 0"); }).number, ErrNo::Overflow);
+    EXPECT_EQ(caught([] { valueOf("1e308 * 10"); }).number, ErrNo::Overflow);
+}
+
+TEST(SqlArithmetic, DatesMoveByDays) {
+    expectValues({{"d + 1", DateTime::fromCivil(2026, 11, 16, 14, 30)},
+                  {"1 + d", DateTime::fromCivil(2026, 11, 16, 14, 30)},
+                  {"d - 0.5", DateTime::fromCivil(2026, 11, 15, 2, 30)},
+                  {"#1899-12-29 06:00:00# + 1", DateTime::fromCivil(1899, 12, 30, 6)},
+                  {"#1899-12-30# - 1.25", DateTime::fromCivil(1899, 12, 28, 18)},
+                  {"d - #2026-11-15#", 14.5 / 24}});
+    for (const char* expression : {"d + 1e300", "d - 1e6", "d + 3000000"}) {
+        EXPECT_EQ(caught([&] { valueOf(expression); }).number, ErrNo::Overflow) << expression;
+    }
+}
+
+TEST(SqlArithmetic, ConcatenatesTexts) {
+    expectValues({{"\"a\" & \"b\"", "ab"},
+                  {"\"a\" & Null", "a"},
+                  {"Null & \"a\"", "a"},
+                  {"n & x", "72.5"},
+                  {"flag & \"\"", "-1"},
+                  {"d & \"\"", "2026-11-15 14:30:00"},
+                  {"t & \"|\"", "Abc |"}});
+}
+
+TEST(SqlNames, AreFoundWithoutRegardToCase) {
+    expectValues({{"N = 7", true}, {"t.n = 7", true}, {"[T].[N]", 7}});
+    const auto column = caught([] { valueOf("1 + missing"); });
+    EXPECT_EQ(column.number, ErrNo::NotFound);
+    EXPECT_EQ(column.text, "line 1, column 22: no column missing, expected one of table T");
+    const auto table = caught([] { valueOf("Other.n"); });
+    EXPECT_EQ(table.number, ErrNo::NotFound);
+    EXPECT_EQ(table.text, "line 1, column 18: no table Other is read here, expected T");
+}
+
+}  // namespace
+}  // namespace vl::sql

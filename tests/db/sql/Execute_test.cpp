@@ -1,0 +1,270 @@
+// Statements on files, first of all the program's own, letter for letter.
+#include <gmock/gmock.h>
+
+#include <iostream>
+
+#include "Memory.h"
+#include "db/jet/MemoryFile.h"
+#include "db/sql/Sql.h"
+#include "support/Support.h"
+
+namespace vl::sql {
+namespace {
+
+using jet::Access;
+using jet::ColumnType;
+using test::caught;
+using testing::ElementsAre;
+using testing::StartsWith;
+using vl::test::Disk;
+using vl::test::openMemory;
+
+constexpr const char* kDentist = "{437FED06-B0D4-4C70-8AC9-99114CC7B46A}";
+
+std::string firstLight() {
+    return vl::test::readFile(vl::test::repoFile("data/first-light.RemindDB"));
+}
+
+// The events of the sample, in memory.
+class Sample {
+public:
+    explicit Sample(Access access = Access::ReadWrite)
+        : disk(firstLight()), db_(openMemory(disk, access)) {}
+
+    Result run(std::string_view statement) { return execute(db_, statement); }
+
+    std::vector<std::int32_t> events(const std::string& condition) {
+        std::vector<std::int32_t> ids;
+        for (const auto& row : run("SELECT EventID FROM Reminders" + condition).rows) {
+            ids.push_back(row[0].toInt32() - 1000);
+        }
+        return ids;
+    }
+    Variant one(const std::string& column, const std::string& guid = kDentist) {
+        return run("SELECT " + column + " FROM Reminders WHERE GUID=\"" + guid + "\"")
+            .rows.at(0)
+            .at(0);
+    }
+
+    Disk disk;
+
+private:
+    jet::Database db_;
+};
+
+TEST(SqlExecute, ReadsTheEventsThatAreNeitherDeletedNorDone) {
+    Sample sample;
+    EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Status <> \"AllDone\""),
+                ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 12));
+    EXPECT_THAT(sample.events(" WHERE Deleted=0"), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12));
+    EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Dismissed is not Null"), ElementsAre(11));
+    EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Dismissed is Null"),
+                ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 12));
+    EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Status <> \"AllDone\" AND Modified > "
+                              "#2026-11-19 07:12:30#"),
+                ElementsAre(9, 12));
+    EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Status <> \"AllDone\" AND Modified > "
+                              "#2026-11-19#"),
+                ElementsAre(3, 9, 12));
+}
+
+TEST(SqlExecute, ReadsWholeEventsInColumnOrder) {
+    Sample sample;
+    const Result all = sample.run(
+        "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> "
+        "\"AllDone\"");
+    EXPECT_EQ(all.fields.size(), 45U);
+    EXPECT_EQ(all.fields.front().name, "BeforeMoveStartDateTime");
+    EXPECT_EQ(all.fields.front().type, ColumnType::Date);
+    EXPECT_EQ(all.fields.back().name, "Hidden");
+    EXPECT_EQ(all.fields.back().type, ColumnType::Boolean);
+    EXPECT_EQ(all.rows.size(), 10U);
+}
+
+TEST(SqlExecute, FindsAnEventByIdAndByGuid) {
+    Sample sample;
+    // No semicolon: the statement ends with the quote.
+    const Result byGuid = sample.run(std::string("SELECT * FROM Reminders WHERE GUID=\"") +
+                                     "{437fed06-b0d4-4c70-8ac9-99114cc7b46a}" + "\"");
+    ASSERT_EQ(byGuid.rows.size(), 1U);
+    EXPECT_EQ(sample.run("SELECT * FROM Reminders WHERE id=\"2fbnt5ha62tosd8fhgnm7l1kc5\"").rows,
+              byGuid.rows);
+    EXPECT_TRUE(sample.run("SELECT * FROM Reminders WHERE id=\"nobody\"").rows.empty());
+}
+
+TEST(SqlExecute, ReadsForMaintenance) {
+    Sample sample;
+    const Result deleted = sample.run("SELECT GUID FROM Reminders WHERE (Deleted=True);");
+    ASSERT_EQ(deleted.rows.size(), 1U);
+    EXPECT_EQ(deleted.rows[0][0], Variant("{AAB5536C-C33C-4286-B8E3-52AED7DF151C}"));
+    const Result bases = sample.run("SELECT DISTINCT Reminders.VLBase FROM Reminders;");
+    EXPECT_THAT(bases.fields.size(), 1U);
+    EXPECT_GT(bases.rows.size(), 1U);
+    EXPECT_LT(bases.rows.size(), 12U);
+    const Variant base = bases.rows[0][0];
+    EXPECT_GT(
+        sample.run("SELECT * FROM Reminders WHERE (VLBase=\"" + base.toText() + "\");").rows.size(),
+        1U);
+}
+
+TEST(SqlExecute, WritesTheStateColumns) {
+    Sample sample;
+    const std::string here = std::string(" WHERE (GUID=\"") + kDentist + "\");";
+    EXPECT_EQ(
+        sample.run("UPDATE Reminders SET NextReminder = #2026-11-20 14:30:00#" + here).affected, 1);
+    EXPECT_EQ(sample.one("NextReminder"), Variant(DateTime::fromCivil(2026, 11, 20, 14, 30)));
+    EXPECT_EQ(sample.run("UPDATE Reminders SET NextReminder = #2026-11-21#" + here).affected, 1);
+    EXPECT_EQ(sample.one("NextReminder"), Variant(DateTime::fromCivil(2026, 11, 21)));
+    EXPECT_EQ(sample.run("UPDATE Reminders SET Hidden = -1" + here).affected, 1);
+    EXPECT_EQ(sample.one("Hidden"), Variant(true));
+    EXPECT_EQ(sample.run("UPDATE Reminders SET Hidden = 0" + here).affected, 1);
+    EXPECT_EQ(sample.one("Hidden"), Variant(false));
+    // The date literal of 0 is a date, not a null.
+    EXPECT_EQ(sample.run("UPDATE Reminders SET Dismissed = #1899-12-30#" + here).affected, 1);
+    EXPECT_EQ(sample.one("Dismissed"), Variant(DateTime()));
+    EXPECT_THAT(sample.events(" WHERE Dismissed is not Null"), ElementsAre(2, 11));
+    EXPECT_EQ(sample.run("UPDATE Reminders SET Dismissed = Null" + here).affected, 1);
+    EXPECT_THAT(sample.events(" WHERE Dismissed is not Null"), ElementsAre(11));
+    EXPECT_EQ(sample.run("UPDATE Reminders SET Hidden = 0 WHERE (GUID=\"nobody\");").affected, 0);
+}
+
+TEST(SqlExecute, OtherColumnsAndRowsStayAsTheyAre) {
+    Sample sample;
+    const Result before = sample.run("SELECT * FROM Reminders");
+    sample.run(std::string("UPDATE Reminders SET Hidden = -1 WHERE (GUID=\"") + kDentist + "\");");
+    const Result after = sample.run("SELECT * FROM Reminders");
+    ASSERT_EQ(after.rows.size(), before.rows.size());
+    for (std::size_t row = 0; row < before.rows.size(); ++row) {
+        for (std::size_t column = 0; column < before.fields.size(); ++column) {
+            const bool changed = row == 1 && before.fields[column].name == "Hidden";
+            EXPECT_EQ(after.rows[row][column] == before.rows[row][column], !changed)
+                << row << ' ' << before.fields[column].name;
+        }
+    }
+}
+
+TEST(SqlExecute, UpdatesManyRowsFromTheirOwnValues) {
+    Sample sample;
+    EXPECT_EQ(sample
+                  .run("UPDATE Reminders SET NextReminder = StartDateTime - "
+                       "ReminderMinutesBeforeStart / 1440, Hidden = Deleted")
+                  .affected,
+              12);
+    EXPECT_EQ(sample.one("NextReminder"), Variant(DateTime::fromCivil(2026, 11, 20, 13, 45)));
+    EXPECT_THAT(sample.events(" WHERE Hidden"), ElementsAre(10));
+}
+
+TEST(SqlExecute, WhatCannotBeWrittenComesThroughAndChangesNothing) {
+    Sample sample;
+    const auto before = sample.disk.bytes;
+    struct Case {
+        const char* statement;
+        ErrNo number;
+    };
+    static constexpr Case cases[] = {
+        // Texts have no room of a fixed size.
+        {"UPDATE Reminders SET status = \"AllDone\" WHERE (GUID=\""
+         "{437FED06-B0D4-4C70-8AC9-99114CC7B46A}\");",
+         ErrNo::Unsupported},
+        {"UPDATE Reminders SET Reminders.status = \"\" WHERE (((Reminders.status)=\"AllDone\"));",
+         ErrNo::Unsupported},
+        {"UPDATE Reminders SET Hidden = True, Subject = \"x\"", ErrNo::Unsupported},
+        {"UPDATE Reminders SET Hidden = Null", ErrNo::TypeMismatch},
+        // The last row only: nothing may have been written when it is found out.
+        {"UPDATE Reminders SET Hidden = True, BusyStatus = 1 / (EventID - 1012)", ErrNo::Overflow},
+        {"UPDATE Reminders SET Hidden = True WHERE Subject > 5", ErrNo::TypeMismatch},
+        {"UPDATE Nowhere SET Hidden = True", ErrNo::NotFound},
+        {"DELETE * FROM Reminders WHERE (Deleted=True);", ErrNo::Unsupported},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.statement);
+        EXPECT_EQ(caught([&] { sample.run(c.statement); }).number, c.number);
+        EXPECT_EQ(sample.disk.bytes, before);
+    }
+    EXPECT_EQ(sample.run("UPDATE Reminders SET status = \"\" WHERE status = \"none\"").affected, 0);
+    Sample reading(Access::Read);
+    EXPECT_EQ(caught([&] { reading.run("UPDATE Reminders SET Hidden = True"); }).number,
+              ErrNo::ReadOnly);
+}
+
+// Whichever write or flush fails, the rows are afterwards as they were.
+TEST(SqlExecute, AFailingWriteUndoesTheRowsBeforeIt) {
+    const Result before = Sample().run("SELECT * FROM Reminders");
+    const std::string statement = "UPDATE Reminders SET Hidden = True, Dismissed = Modified";
+    bool finished = false;
+    int failed = 0;
+    for (int n = 1; !finished; ++n) {
+        SCOPED_TRACE(testing::Message() << "operation " << n << " fails");
+        Sample sample;
+        sample.disk.failAt = n;
+        finished = caught([&] { sample.run(statement); }).number == ErrNo::None;
+        failed += finished ? 0 : 1;
+        const Result after = sample.run("SELECT * FROM Reminders");
+        ASSERT_EQ(after.rows == before.rows, !finished);
+    }
+    EXPECT_GE(failed, 12 * 2);  // at least a write and a flush a row
+}
+
+TEST(SqlExecute, NamesTheTableThatIsNotThere) {
+    Sample sample;
+    const auto error = caught([&] { sample.run("SELECT *\nFROM Reminder"); });
+    EXPECT_EQ(error.number, ErrNo::NotFound);
+    EXPECT_THAT(error.text, StartsWith("line 2, column 6: "));
+    EXPECT_EQ(sample.run("SELECT COUNT(*) FROM reminders").rows[0][0], Variant(12));
+    EXPECT_GT(sample.run("SELECT COUNT(*) FROM MSysObjects").rows[0][0].toInt32(), 5);
+}
+
+TEST(SqlIsQuery, GoesByTheFirstWord) {
+    EXPECT_TRUE(isQuery("SELECT * FROM T"));
+    EXPECT_TRUE(isQuery(" \n\tselect*from T"));
+    EXPECT_TRUE(isQuery("SELECT"));
+    for (const char* other : {"", "  ", "UPDATE T SET a = 1", "SELECTED", "SELECT_1", "(SELECT",
+                              "\"SELECT\"", "DELETE * FROM T"}) {
+        EXPECT_FALSE(isQuery(other)) << other;
+    }
+}
+
+// Counts, a whole read, sorting and comparing over every table of the files that others made.
+TEST(SqlSamples, EveryTableIsReadSortedAndCounted) {
+    std::vector<std::filesystem::path> files = {
+        vl::test::repoFile("data/first-light.RemindDB"),
+        vl::test::repoFile("tests/data/generated-reminders.RemindDB")};
+    const auto shared = vl::test::sharedFolder();
+    if (!shared.empty()) {
+        for (const auto& entry : std::filesystem::directory_iterator(shared / "jet4" / "samples")) {
+            if (entry.path().extension() == ".mdb") {
+                files.push_back(entry.path());
+            }
+        }
+    }
+    int tables = 0;
+    std::size_t rows = 0;
+    for (const auto& file : files) {
+        jet::Database db = jet::Database::open(file.string(), Access::Read);
+        for (const jet::TableInfo& info : db.tables()) {
+            SCOPED_TRACE(testing::Message() << file << ' ' << info.name);
+            const std::string from = " FROM [" + info.name + "]";
+            const Result all = execute(db, "SELECT *" + from);
+            const auto count = all.rows.size();
+            ASSERT_EQ(execute(db, "SELECT COUNT(*)" + from).rows[0][0].toInt32(),
+                      static_cast<std::int32_t>(count));
+            const std::string column = "[" + all.fields.at(0).name + "]";
+            const Result sorted = execute(db, "SELECT *" + from + " ORDER BY " + column);
+            ASSERT_THAT(sorted.rows, testing::UnorderedElementsAreArray(all.rows));
+            const auto matching = [&](const std::string& condition) {
+                return execute(db, "SELECT *" + from + " WHERE " + column + condition).rows.size();
+            };
+            EXPECT_EQ(matching(" IS NULL") + matching(" = " + column), count);
+            ++tables;
+            rows += count;
+        }
+    }
+    EXPECT_GE(tables, 2);
+    std::cout << "read " << tables << " tables of " << files.size() << " files, " << rows
+              << " rows; "
+              << (shared.empty() ? "no files of the shared folder" : "shared files included")
+              << '\n';
+}
+
+}  // namespace
+}  // namespace vl::sql

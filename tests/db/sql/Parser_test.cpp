@@ -1,0 +1,210 @@
+#include "Parser.h"
+
+#include <gmock/gmock.h>
+
+#include "Memory.h"
+
+namespace vl::sql {
+namespace {
+
+using test::caught;
+
+// An expression with all its brackets, to see what binds how.
+std::string shown(const Expr& e) {
+    static constexpr const char* kNames[] = {"",        "",   "AND", "OR", "NOT",     "=",    "<>",
+                                             "<",       "<=", ">",   ">=", "IS NULL", "LIKE", "IN",
+                                             "BETWEEN", "&",  "+",   "-",  "*",       "/",    "-"};
+    if (e.op == Op::Literal) {
+        return e.literal.isNull() ? "Null" : e.literal.toText();
+    }
+    if (e.op == Op::Column) {
+        return e.column.table.empty() ? e.column.name : e.column.table + "." + e.column.name;
+    }
+    std::string out = std::string("(") + kNames[static_cast<int>(e.op)];
+    for (const ExprPtr& operand : e.operands) {
+        out += ' ' + shown(*operand);
+    }
+    return out + ')';
+}
+
+std::string whereOf(const std::string& condition) {
+    const Statement s = parse("SELECT * FROM T WHERE " + condition);
+    return shown(*std::get<Select>(s).where);
+}
+
+TEST(SqlParser, BindsOperatorsByTheirPrecedence) {
+    struct Case {
+        const char* text;
+        const char* tree;
+    };
+    static constexpr Case cases[] = {
+        {"a=1 OR b=2 AND c=3", "(OR (= a 1) (AND (= b 2) (= c 3)))"},
+        {"(a=1 OR b=2) AND c=3", "(AND (OR (= a 1) (= b 2)) (= c 3))"},
+        {"NOT a=1 AND b=2", "(AND (NOT (= a 1)) (= b 2))"},
+        {"NOT (a=1 AND b=2)", "(NOT (AND (= a 1) (= b 2)))"},
+        {"NOT NOT a", "(NOT (NOT a))"},
+        {"a AND b AND c AND d", "(AND a b c d)"},
+        {"a OR b OR c", "(OR a b c)"},
+        {"a+b*c-d/e=f", "(= (- (+ a (* b c)) (/ d e)) f)"},
+        {"a-b-c", "(- (- a b) c)"},
+        {"-a*b", "(* (- a) b)"},
+        {"- -a", "(- (- a))"},
+        {"+a", "a"},
+        {"a & b + c = d", "(= (& a (+ b c)) d)"},
+        {"a IS NULL", "(IS NULL a)"},
+        {"a is not null", "(NOT (IS NULL a))"},
+        {"a+1 IS NULL OR b", "(OR (IS NULL (+ a 1)) b)"},
+        {"a LIKE \"x*\" & b AND c", "(AND (LIKE a (& x* b)) c)"},
+        {"a NOT LIKE 'x'", "(NOT (LIKE a x))"},
+        {"a IN (1, 2+3, b)", "(IN a 1 (+ 2 3) b)"},
+        {"a NOT IN (1)", "(NOT (IN a 1))"},
+        {"a BETWEEN 1 AND 2 AND b", "(AND (BETWEEN a 1 2) b)"},
+        {"NOT a NOT BETWEEN 1 AND 2", "(NOT (NOT (BETWEEN a 1 2)))"},
+        {"T.a = [T].[b c]", "(= T.a T.b c)"},
+        {"[and] = 1", "(= and 1)"},
+        {"((((a))))", "a"},
+        {"a = true or b = Null", "(OR (= a True) (= b Null))"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(whereOf(c.text), c.tree);
+    }
+}
+
+TEST(SqlParser, ReadsTheClausesOfASelect) {
+    const Statement parsed = parse(
+        "select distinct top 3 T.*, a, T.b as [my b], count(*), min(T.c) from [T t] where a "
+        "order by a desc, T.b asc, c ;");
+    const auto& s = std::get<Select>(parsed);
+    EXPECT_TRUE(s.distinct);
+    EXPECT_EQ(s.top, 3);
+    ASSERT_EQ(s.items.size(), 5U);
+    EXPECT_EQ(s.items[0].kind, ItemKind::All);
+    EXPECT_EQ(s.items[0].column.table, "T");
+    EXPECT_EQ(s.items[2].alias, "my b");
+    EXPECT_EQ(s.items[3].kind, ItemKind::CountAll);
+    EXPECT_EQ(s.items[4].kind, ItemKind::Min);
+    EXPECT_EQ(s.items[4].column.name, "c");
+    EXPECT_EQ(s.table.name, "T t");
+    EXPECT_NE(s.where, nullptr);
+    ASSERT_EQ(s.order.size(), 3U);
+    EXPECT_TRUE(s.order[0].descending);
+    EXPECT_FALSE(s.order[1].descending);
+    EXPECT_FALSE(s.order[2].descending);
+}
+
+TEST(SqlParser, WordsOfClausesMayBeColumns) {
+    const Statement parsed = parse("SELECT top, count, [from], desc FROM T ORDER BY desc DESC");
+    EXPECT_EQ(std::get<Select>(parsed).items.size(), 4U);
+    EXPECT_FALSE(std::get<Select>(parsed).top.has_value());
+}
+
+TEST(SqlParser, ReadsAnUpdate) {
+    const Statement parsed = parse("UPDATE T SET a = 1, T.b = \"x\" & c WHERE d;");
+    const auto& u = std::get<Update>(parsed);
+    ASSERT_EQ(u.assignments.size(), 2U);
+    EXPECT_EQ(u.assignments[1].column.table, "T");
+    EXPECT_EQ(shown(*u.assignments[1].value), "(& x c)");
+    EXPECT_EQ(shown(*u.where), "d");
+}
+
+struct Refusal {
+    const char* text;
+    ErrNo number;
+    const char* message;
+};
+
+TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
+    static constexpr auto S = ErrNo::Syntax;
+    static constexpr auto U = ErrNo::Unsupported;
+    static constexpr Refusal cases[] = {
+        {"", S, "line 1, column 1: expected SELECT or UPDATE, found the end of the statement"},
+        {"  \n ;", S, "line 2, column 2: expected SELECT or UPDATE, found ;"},
+        {"VACUUM", S, "line 1, column 1: expected SELECT or UPDATE, found VACUUM"},
+        {"SELECT", S, "line 1, column 7: expected a column or \"*\", found the end"},
+        {"SELECT FROM T", S, "line 1, column 8: expected a column or \"*\", found FROM"},
+        {"SELECT * T", S, "line 1, column 10: expected \",\" or FROM, found T"},
+        {"SELECT *,", S, "line 1, column 10: expected a column or \"*\""},
+        {"SELECT * FROM", S, "line 1, column 14: expected a table, found the end"},
+        {"SELECT * FROM WHERE", S, "line 1, column 15: expected a table, found WHERE"},
+        {"SELECT * FROM T WHERE", S, "line 1, column 22: expected a column, a literal or \"(\""},
+        {"SELECT * FROM T WHERE a =", S, "line 1, column 26: expected a column, a literal"},
+        {"SELECT * FROM T WHERE (a = 1", S, "line 1, column 29: expected an operator or \")\""},
+        {"SELECT * FROM T WHERE a = 1)", S, "line 1, column 28: expected the end of the statement"},
+        {"SELECT * FROM T WHERE a b", S, "line 1, column 25: expected the end of the statement"},
+        {"SELECT * FROM T\nWHERE a IS 1", S, "line 2, column 12: expected NULL, found 1"},
+        {"SELECT * FROM T WHERE a IN 1", S, "line 1, column 28: expected \"(\", found 1"},
+        {"SELECT * FROM T WHERE a IN ()", S, "line 1, column 29: expected a column, a literal"},
+        {"SELECT * FROM T WHERE a IN (1 2)", S, "line 1, column 31: expected \",\" or \")\""},
+        {"SELECT * FROM T WHERE a BETWEEN 1, 2", S, "line 1, column 34: expected AND, found ,"},
+        {"SELECT * FROM T WHERE a NOT 1", S, "line 1, column 25: expected the end of the"},
+        {"SELECT * FROM T WHERE a.b.c", S, "line 1, column 26: expected the end of the statement"},
+        {"SELECT * FROM T WHERE a.*", S, "line 1, column 25: expected a column, found *"},
+        {"SELECT * FROM T ORDER a", S, "line 1, column 23: expected BY, found a"},
+        {"SELECT * FROM T ORDER BY 1", S, "line 1, column 26: expected a column, found 1"},
+        {"SELECT * FROM T ORDER BY a,", S, "line 1, column 28: expected a column"},
+        {"SELECT * FROM T; x", S, "line 1, column 18: expected nothing behind the semicolon"},
+        {"SELECT * FROM T;;", S, "line 1, column 17: expected nothing behind the semicolon"},
+        {"SELECT TOP 0 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
+        {"SELECT TOP 1.5 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
+        {"SELECT COUNT( FROM T", S, "line 1, column 15: expected a column, found FROM"},
+        {"SELECT MIN(*) FROM T", S, "line 1, column 12: expected a column, found *"},
+        {"SELECT a AS FROM T", S, "line 1, column 13: expected a name behind AS, found FROM"},
+        {"UPDATE T a = 1", S, "line 1, column 10: expected SET, found a"},
+        {"UPDATE T SET", S, "line 1, column 13: expected a column, found the end"},
+        {"UPDATE T SET a 1", S, "line 1, column 16: expected \"=\", found 1"},
+        {"UPDATE T SET a = 1,", S, "line 1, column 20: expected a column"},
+        {"UPDATE T SET a = WHERE", S, "line 1, column 18: expected a column, a literal or"},
+        {"UPDATE T SET status = \"a\"b\" WHERE (GUID=\"x\");", S,
+         "line 1, column 43: expected a closing quote"},
+        {"INSERT INTO T VALUES (1)", U, "line 1, column 1: the statement INSERT is not supported"},
+        {"delete * from T", U, "line 1, column 1: the statement DELETE is not supported"},
+        {"CREATE TABLE T (a LONG)", U, "line 1, column 1: the statement CREATE"},
+        {"ALTER TABLE T ADD a LONG", U, "line 1, column 1: the statement ALTER"},
+        {" DROP TABLE T", U, "line 1, column 2: the statement DROP"},
+        {"SELECT * FROM T, U", U, "line 1, column 16: more than one table"},
+        {"SELECT * FROM T INNER JOIN U ON 1", U, "line 1, column 17: INNER is not supported"},
+        {"SELECT a FROM T GROUP BY a", U, "line 1, column 17: GROUP is not supported"},
+        {"SELECT SUM(a) FROM T", U, "line 1, column 8: no function SUM exists here"},
+        {"SELECT * FROM T WHERE Now() > a", U, "line 1, column 23: no function Now exists here"},
+    };
+    for (const Refusal& c : cases) {
+        SCOPED_TRACE(c.text);
+        const auto error = caught([&] { parse(c.text); });
+        EXPECT_EQ(error.number, c.number);
+        EXPECT_THAT(error.text, testing::StartsWith(c.message));
+    }
+}
+
+std::string repeated(const std::string& piece, int times) {
+    std::string out;
+    for (int i = 0; i < times; ++i) {
+        out += piece;
+    }
+    return out;
+}
+
+TEST(SqlParser, RefusesNestingBeyondTheLimit) {
+    const auto brackets = [](int n) { return repeated("(", n) + "a" + repeated(")", n); };
+    EXPECT_EQ(whereOf(brackets(kMaxDepth - 1)), "a");
+    for (const std::string& text :
+         {brackets(kMaxDepth), brackets(1'000'000), repeated("NOT ", 100'000) + "a",
+          repeated("-", 100'000) + "a", "a" + repeated("+a", 100'000),
+          "a" + repeated("=a", 100'000), "a" + repeated(" IS NULL", 100'000),
+          repeated("(a AND b OR ", 100'000), repeated("a IN (", 100'000),
+          repeated("a BETWEEN (", 100'000)}) {
+        SCOPED_TRACE(text.substr(0, 30));
+        const auto error = caught([&] { whereOf(text); });
+        EXPECT_EQ(error.number, ErrNo::Syntax);
+        EXPECT_THAT(error.text, testing::HasSubstr("at most 200 levels"));
+    }
+}
+
+TEST(SqlParser, LongChainsAreNotDeep) {
+    const Statement s =
+        parse("SELECT * FROM T WHERE a=0" + repeated(" OR a=1", 50'000) + repeated(" AND b", 9));
+    EXPECT_EQ(std::get<Select>(s).where->operands.size(), 50'001U);
+}
+
+}  // namespace
+}  // namespace vl::sql

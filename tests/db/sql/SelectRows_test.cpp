@@ -1,0 +1,160 @@
+#include "SelectRows.h"
+
+#include <gmock/gmock.h>
+
+#include "Memory.h"
+
+namespace vl::sql {
+namespace {
+
+using jet::ColumnType;
+using test::caught;
+using test::column;
+using test::MemoryTable;
+using test::Row;
+using testing::ElementsAre;
+
+MemoryTable people() {
+    return {{"People",
+             {column("Name", ColumnType::Text, 100), column("Age", ColumnType::Long, 4),
+              column("Town", ColumnType::Text, 100), column("Pay", ColumnType::Money, 8)}},
+            {{"Ann", 30, "Bonn", "9.5000"},
+             {"bob", 25, "KIEL", "10.0000"},
+             {"Cid", Null{}, Null{}, Null{}},
+             {"Dora", 30, "kiel ", "100.0000"},
+             {"Eve", 41, "Bonn", "-1.0000"}}};
+}
+
+std::vector<std::string> firstColumn(const Result& result) {
+    std::vector<std::string> values;
+    for (const Row& row : result.rows) {
+        values.push_back(row.at(0).isNull() ? "Null" : row.at(0).toText());
+    }
+    return values;
+}
+
+std::vector<std::string> namesBy(const std::string& rest) {
+    return firstColumn(people().select("SELECT Name FROM People " + rest));
+}
+
+TEST(SqlSelect, GivesTheAskedColumns) {
+    const Result result = people().select("SELECT age, People.NAME AS Who, * FROM people");
+    EXPECT_TRUE(result.isQuery);
+    EXPECT_EQ(result.affected, 0);
+    std::vector<std::string> names;
+    for (const Field& field : result.fields) {
+        names.push_back(field.name);
+    }
+    EXPECT_THAT(names, ElementsAre("Age", "Who", "Name", "Age", "Town", "Pay"));
+    EXPECT_EQ(result.fields[0].type, ColumnType::Long);
+    EXPECT_EQ(result.fields[5].type, ColumnType::Money);
+    ASSERT_EQ(result.rows.size(), 5U);
+    EXPECT_EQ(result.rows[0], (Row{30, "Ann", "Ann", 30, "Bonn", "9.5000"}));
+    EXPECT_EQ(people().select("SELECT people.* FROM People").fields.size(), 4U);
+}
+
+TEST(SqlSelect, KeepsOnlyWhatIsTrue) {
+    EXPECT_THAT(namesBy("WHERE Age = 30"), ElementsAre("Ann", "Dora"));
+    EXPECT_THAT(namesBy("WHERE NOT Age = 30"), ElementsAre("bob", "Eve"));  // null is unknown
+    EXPECT_THAT(namesBy("WHERE Town = 'kiel'"), ElementsAre("bob", "Dora"));
+    EXPECT_THAT(namesBy("WHERE Age"), ElementsAre("Ann", "bob", "Dora", "Eve"));
+    EXPECT_TRUE(namesBy("WHERE Null").empty());
+    EXPECT_THAT(namesBy("WHERE Pay > 9.5"), ElementsAre("bob", "Dora"));
+}
+
+TEST(SqlSelect, DecodesOnlyWhatItNeeds) {
+    const MemoryTable table = people();
+    Statement statement = parse("SELECT Name FROM People WHERE Age > 40");
+    test::MemoryRows rows(table.rows);
+    select(std::get<Select>(statement), table.shape, rows);
+    EXPECT_EQ(rows.decoded, 5 + 1);  // every age, one name
+}
+
+TEST(SqlSelect, OrdersRows) {
+    EXPECT_THAT(namesBy("ORDER BY Age"), ElementsAre("Cid", "bob", "Ann", "Dora", "Eve"));
+    EXPECT_THAT(namesBy("ORDER BY Age DESC, Name DESC"),
+                ElementsAre("Eve", "Dora", "Ann", "bob", "Cid"));
+    EXPECT_THAT(namesBy("ORDER BY Name DESC"), ElementsAre("Eve", "Dora", "Cid", "bob", "Ann"));
+    EXPECT_THAT(namesBy("ORDER BY Town, Name DESC"),
+                ElementsAre("Cid", "Eve", "Ann", "Dora", "bob"));
+    // As numbers: as texts 10 and 100 would come before 9.5.
+    EXPECT_THAT(namesBy("ORDER BY Pay"), ElementsAre("Cid", "Eve", "Ann", "bob", "Dora"));
+}
+
+TEST(SqlSelect, NotANumberHasAPlaceInTheOrder) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const MemoryTable table{{"T", {column("x", ColumnType::Double, 8)}},
+                            {{2.0}, {nan}, {1.0}, {nan}, {Null{}}}};
+    const Result result = table.select("SELECT x FROM T ORDER BY x");
+    EXPECT_TRUE(result.rows[0][0].isNull());
+    EXPECT_EQ(result.rows[3][0], Variant(1.0));
+    EXPECT_EQ(result.rows[4][0], Variant(2.0));
+    EXPECT_EQ(table.select("SELECT DISTINCT x FROM T").rows.size(), 4U);
+}
+
+TEST(SqlSelect, TopCutsButNotBetweenEquals) {
+    EXPECT_THAT(firstColumn(people().select("SELECT TOP 2 Name FROM People")),
+                ElementsAre("Ann", "bob"));
+    EXPECT_EQ(people().select("SELECT TOP 9 * FROM People").rows.size(), 5U);
+    EXPECT_THAT(firstColumn(people().select("SELECT TOP 1 Name FROM People ORDER BY Age DESC")),
+                ElementsAre("Eve"));
+    EXPECT_THAT(firstColumn(people().select("SELECT TOP 2 Name FROM People ORDER BY Age DESC")),
+                ElementsAre("Eve", "Ann", "Dora"));
+}
+
+TEST(SqlSelect, DistinctComparesAsComparisonsDo) {
+    EXPECT_THAT(firstColumn(people().select("SELECT DISTINCT Town FROM People")),
+                ElementsAre("Bonn", "KIEL", "Null"));
+    EXPECT_EQ(people().select("SELECT DISTINCT Town, Age FROM People").rows.size(), 5U);
+    EXPECT_THAT(firstColumn(people().select("SELECT DISTINCT TOP 1 Town FROM People ORDER BY Town "
+                                            "DESC")),
+                ElementsAre("KIEL"));
+    EXPECT_THAT(
+        caught([] { people().select("SELECT DISTINCT Town FROM People ORDER BY Age"); }).text,
+        testing::StartsWith("line 1, column 43: expected a column of the DISTINCT list"));
+}
+
+TEST(SqlSelect, CountsAndFindsTheSmallestAndLargest) {
+    const Result result = people().select(
+        "SELECT COUNT(*), COUNT(Age) AS Known, MIN(Pay), MAX(Pay), MIN(Name), MAX(People.Town) "
+        "FROM People");
+    ASSERT_EQ(result.rows.size(), 1U);
+    EXPECT_EQ(result.rows[0], (Row{5, 4, "-1.0000", "100.0000", "Ann", "KIEL"}));
+    EXPECT_EQ(result.fields[0].name, "Expr1000");
+    EXPECT_EQ(result.fields[0].type, ColumnType::Long);
+    EXPECT_EQ(result.fields[1].name, "Known");
+    EXPECT_EQ(result.fields[2].type, ColumnType::Money);
+    EXPECT_EQ(people().select("SELECT COUNT(*), MAX(Age) FROM People WHERE False").rows[0],
+              (Row{0, Null{}}));
+}
+
+TEST(SqlSelect, RefusesWhatHasNoMeaning) {
+    struct Case {
+        const char* text;
+        ErrNo number;
+        const char* message;
+    };
+    static constexpr Case cases[] = {
+        {"SELECT Nme FROM People", ErrNo::NotFound,
+         "line 1, column 8: no column Nme, expected one of table People"},
+        {"SELECT Name FROM People WHERE x = 1", ErrNo::NotFound, "line 1, column 31: no column x"},
+        {"SELECT Name FROM People ORDER BY x", ErrNo::NotFound, "line 1, column 34: no column x"},
+        {"SELECT T.* FROM People", ErrNo::NotFound, "line 1, column 8: no table T is read here"},
+        {"SELECT MAX(x) FROM People", ErrNo::NotFound, "line 1, column 12: no column x"},
+        {"SELECT Name, COUNT(*) FROM People", ErrNo::Syntax, "line 1, column 8: expected COUNT"},
+        {"SELECT COUNT(*), * FROM People", ErrNo::Syntax, "line 1, column 18: expected COUNT"},
+        {"SELECT COUNT(*) FROM People ORDER BY Age", ErrNo::Syntax,
+         "line 1, column 38: expected no ORDER BY"},
+        {"SELECT Name FROM People WHERE Name > 5", ErrNo::TypeMismatch,
+         "line 1, column 36: data type mismatch"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        const auto error = caught([&] { people().select(c.text); });
+        EXPECT_EQ(error.number, c.number);
+        EXPECT_THAT(error.text, testing::StartsWith(c.message));
+    }
+}
+
+}  // namespace
+}  // namespace vl::sql
