@@ -1,0 +1,65 @@
+# The door to the repository: `make run` shows the program, `make test` proves it, `make help`
+# tells the rest. Both install what they lack by themselves (scripts/packages/ says what that is).
+# The building itself is CMake's (CMakePresets.json); build folders are build/PRESET.
+
+JOBS ?= $(shell nproc)
+
+# A list of all our sources, for the tools that look at each.
+SOURCES = $(shell git ls-files '*.cpp' '*.h')
+
+.DEFAULT_GOAL := help
+.PHONY: help setup run test asan bench format lint clean
+
+help:
+	@echo "make run      build the program and show it: on this display, or without one on a"
+	@echo "              virtual desktop, with a picture in run/picture.png"
+	@echo "make test     build and run all tests"
+	@echo "make asan     the tests under the address and undefined-behaviour sanitizers"
+	@echo "make bench    build and run the benchmarks"
+	@echo "make format   clang-format all sources"
+	@echo "make lint     check the format, run clang-tidy, look over the scripts"
+	@echo "make setup    install everything that run, test and bench need (the others do it too)"
+	@echo "make clean    remove build/ and run/"
+	@echo "JOBS=N        build with N processes (default: one per processor, here $(JOBS))"
+
+setup:
+	@scripts/setup.sh build run desktop test bench
+
+run:
+	@scripts/setup.sh build run $(if $(DISPLAY)$(WAYLAND_DISPLAY),,desktop)
+	@cmake --preset release -DVL_BENCH=OFF
+	@cmake --build --preset release -j $(JOBS) --target vlreminders remindb
+	@scripts/run.sh build/release
+
+test:
+	@scripts/setup.sh build run desktop test
+	@cmake --preset dev
+	@cmake --build --preset dev -j $(JOBS)
+	@ctest --preset dev -j $(JOBS)
+
+asan:
+	@scripts/setup.sh build run desktop test
+	@cmake --preset asan
+	@cmake --build --preset asan -j $(JOBS)
+	@ctest --preset asan -j $(JOBS)
+
+bench:
+	@scripts/setup.sh build bench
+	@cmake --preset release -DVL_BENCH=ON
+	@cmake --build --preset release -j $(JOBS)
+	@for program in build/release/bench/*_bench; do $$program || exit 1; done
+
+format:
+	@scripts/setup.sh lint
+	@clang-format -i $(SOURCES)
+
+lint:
+	@scripts/setup.sh build test bench lint
+	@clang-format --dry-run --Werror $(SOURCES)
+	@pyflakes3 $$(git ls-files '*.py')
+	@shellcheck -S warning $$(git ls-files '*.sh') .ci/run
+	@cmake --preset tidy
+	@cmake --build --preset tidy -j $(JOBS)
+
+clean:
+	@rm -rf build run
