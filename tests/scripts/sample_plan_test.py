@@ -2,31 +2,16 @@
 
     sample_plan_test.py SAMPLE-FILE        (read with mdb-json, which is not ours)
 """
-import json
-import os
-import subprocess
 import sys
 import unittest
 from datetime import date, datetime, time, timedelta, timezone
 from zoneinfo import ZoneInfo
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "scripts"))
-import sample_plan as sp  # noqa: E402
+import sample  # first: it names the folder of the scripts
+import sample_plan as sp
 
 MINUTE = timedelta(minutes=1)
 DAY = timedelta(days=1)
-
-
-def read_sample(path):
-    text = subprocess.run(["mdb-json", "-D", "%Y-%m-%dT%H:%M:%S", "-T", "%Y-%m-%dT%H:%M:%S", path,
-                           "Reminders"], check=True, stdout=subprocess.PIPE, text=True).stdout
-    events = []
-    for line in text.splitlines():
-        row = json.loads(line)
-        for column in sp.MOVED_COLUMNS:
-            row[column] = datetime.fromisoformat(row[column]) if column in row else None
-        events.append(row)
-    return events
 
 
 def local_in(zone):
@@ -166,5 +151,5 @@ class PlanTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    EVENTS = read_sample(sys.argv.pop())
+    EVENTS = sample.read(sys.argv.pop())
     unittest.main()

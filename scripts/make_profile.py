@@ -1,0 +1,77 @@
+#!/usr/bin/python3
+"""A profile to run the program on: settings of its own and the sample database, moved to now.
+
+    make_profile.py FOLDER REMINDB
+
+FOLDER/db holds the database, FOLDER/data, config, cache and state are for the XDG variables, so
+that nothing of the user's is read or written. REMINDB is the program that reads and writes the
+file. Prints the reminder that falls due a minute from now.
+"""
+import json
+import os
+import shutil
+import subprocess
+import sys
+from datetime import datetime, timezone
+
+import sample_plan
+
+SAMPLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data",
+                      "first-light.RemindDB")
+DATABASE = "Velmora.RemindDB"
+_READ = ("EventID", "GUID", "Subject", "reminders") + sample_plan.MOVED_COLUMNS
+
+
+def _sql(remindb, file, statement):
+    done = subprocess.run([remindb, "sql", file, statement], stdout=subprocess.PIPE, check=True,
+                          text=True)
+    return done.stdout
+
+
+def read_events(remindb, file):
+    """The columns that the plan needs, dates as `datetime`."""
+    rows = _sql(remindb, file, f"SELECT {', '.join(_READ)} FROM Reminders")
+    events = [json.loads(line) for line in rows.splitlines()]
+    for event in events:
+        for column in sample_plan.MOVED_COLUMNS:
+            if event.get(column) is not None:
+                event[column] = datetime.fromisoformat(event[column])
+            else:
+                event[column] = None
+    return events
+
+
+def _literal(value):
+    return f"#{value:%Y-%m-%d %H:%M:%S}#" if isinstance(value, datetime) else str(value)
+
+
+def _local(moment):
+    return moment.astimezone().replace(tzinfo=None)
+
+
+def environment(folder):
+    """What the program's environment needs to live in the profile."""
+    return {f"XDG_{kind.upper()}_HOME": os.path.join(folder, kind)
+            for kind in ("data", "config", "cache", "state")}
+
+
+def make(folder, remindb):
+    """Makes the profile anew; gives the reminder that falls due in a minute."""
+    db = os.path.join(folder, "db")
+    for path in (db, *environment(folder).values()):
+        shutil.rmtree(path, ignore_errors=True)
+        os.makedirs(path)
+    file = os.path.join(db, DATABASE)
+    shutil.copyfile(SAMPLE, file)
+
+    now = datetime.now(timezone.utc).replace(microsecond=0)
+    plan = sample_plan.plan(read_events(remindb, file), now, _local)
+    for guid, values in plan.changes.items():
+        assignments = ", ".join(f"{column} = {_literal(v)}" for column, v in values.items())
+        _sql(remindb, file, f'UPDATE Reminders SET {assignments} WHERE GUID = "{guid}"')
+    return plan.due
+
+
+if __name__ == "__main__":
+    due = make(os.path.abspath(sys.argv[1]), sys.argv[2])
+    print(f"{due.subject}: reminder at {due.time:%H:%M:%S}")
