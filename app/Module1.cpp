@@ -1,0 +1,62 @@
+#include "app/Module1.h"
+
+#include <cstdlib>
+#include <string_view>
+
+#include "app/DataFolders.h"
+#include "app/Files.h"
+#include "app/TimeText.h"
+#include "base/ErrorState.h"
+
+namespace vl {
+
+namespace {
+
+bool isDevelopmentRun() {
+#ifdef NDEBUG
+    return false;
+#else
+    const char* wanted = std::getenv("VL_DEBUG");
+    return wanted != nullptr && std::string_view(wanted) == "1";
+#endif
+}
+
+}  // namespace
+
+Module1::Module1(const CommandLine& commandLine)
+    : values(findData()),
+      settings(settingsIn(values.AppDataFolder)),
+      reminders(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")),
+      period(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")) {
+    openDatabaseFolder(commandLine.DBFolder);
+}
+
+AppValues Module1::findData() {
+    const ErrScope scope;
+    AppValues values;
+    values.DebugMode = isDevelopmentRun();
+    const std::string own = programFolder();
+    if (!values.DebugMode) {
+        values.IsPortable = isPortable(own);
+    }
+    values.AppDataFolder = findAppDataFolder(own, values.DebugMode);
+    values.ShortTimeFormat = shortTimeFormat();
+    return values;
+}
+
+Settings Module1::settingsIn(const std::string& AppDataFolder) {
+    Settings settings;
+    settings.filename = joinPath(AppDataFolder, kSettingsName);
+    return settings;
+}
+
+void Module1::openDatabaseFolder(const std::string& DBFolder) {
+    const ErrScope scope;
+    provideTemplate(values.AppDataFolder, installedDataFolders());
+    if (!DBFolder.empty()) {
+        values.DBFolder = DBFolder;
+        db.DBFullName = provideDatabase(DBFolder, values.AppDataFolder);
+    }
+}
+
+}  // namespace vl
