@@ -1,0 +1,53 @@
+// An open or closed way to a database file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "db/jet/Database.h"
+#include "db/sql/Sql.h"
+
+namespace vl {
+
+/// Takes its options before it is opened, under the names and with the values that data access
+/// libraries give them. The file is opened for reading; the first statement that writes opens it
+/// anew for both, and so it stays until `Close`.
+/// `Open` and `Execute` throw `Error`, and leave the connection as it was.
+class Connection {
+public:
+    static constexpr int kStateClosed = 0;
+    static constexpr int kStateOpen = 1;
+    static constexpr int kIsolated = 1'048'576;
+    static constexpr int kServerSide = 2;
+
+    int ConnectionTimeout = 15;  ///< seconds
+    int CommandTimeout = 30;     ///< seconds
+    int IsolationLevel = 4096;
+    int CursorLocation = kServerSide;
+
+    /// What it was last opened with, also when that failed; kept when it is closed.
+    const std::string& ConnectionString() const noexcept { return connectionString_; }
+
+    int State() const noexcept { return db_ ? kStateOpen : kStateClosed; }
+
+    /// Opens the file that "Data Source=" names. User and password are those of a file without
+    /// accounts: empty, or "admin" in the text. Throws `ErrNo::Exists` when it is open already,
+    /// `ErrNo::NotFound` for an empty name, `ErrNo::Unsupported` for a user or a password, and
+    /// whatever `jet::Database::open` throws.
+    void Open(std::string_view connectionString, std::string_view user = {},
+              std::string_view password = {});
+
+    void Close() noexcept { db_.reset(); }
+
+    /// One statement, as `sql::execute`. Throws `ErrNo::NotFound` on a closed connection.
+    sql::Result Execute(std::string_view statement);
+
+private:
+    std::string connectionString_;
+    std::string file_;
+    std::optional<jet::Database> db_;
+    jet::Access access_ = jet::Access::Read;
+};
+
+}  // namespace vl

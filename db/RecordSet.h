@@ -1,0 +1,66 @@
+// The rows of a query, walked one by one.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Variant.h"
+#include "db/sql/Sql.h"
+
+namespace vl {
+
+/// What a cursor type was asked for does not matter here: every record set is a copy of its rows,
+/// which later writes do not change. One that was never opened, or is closed, holds no rows and no
+/// fields. Only `value` throws.
+class RecordSet {
+public:
+    /// `type` is the data access library's code: 2 small, 3 long, 4 single, 5 double, 6 currency,
+    /// 7 date, 11 yes/no, 17 byte, 72 GUID, 128 binary, 131 numeric, 202 text, 203 memo, 205 OLE.
+    struct Field {
+        std::string name;
+        int type = 0;
+    };
+
+    static constexpr int kStateClosed = 0;
+    static constexpr int kStateOpen = 1;
+
+    RecordSet() = default;
+    /// Open, on the first row.
+    explicit RecordSet(sql::Result result);
+
+    int State() const noexcept { return open_ ? kStateOpen : kStateClosed; }
+    bool isOpen() const noexcept { return open_; }
+    void Close() noexcept;
+
+    // The underscores keep the names apart from the C library's macro EOF.
+
+    /// Before the first row: nothing moves there, so only a record set without rows stands there.
+    bool BOF_() const noexcept { return rows_.empty(); }
+    /// Behind the last row, from the beginning when there is none.
+    bool EOF_() const noexcept { return current_ >= rows_.size(); }
+    void MoveFirst() noexcept { current_ = 0; }
+    /// At the end nothing happens.
+    void MoveNext() noexcept;
+    /// All rows, wherever the walk is.
+    std::size_t RecordCount() const noexcept { return rows_.size(); }
+
+    /// In the order of the statement; `*` gives the table's.
+    const std::vector<Field>& fields() const noexcept { return fields_; }
+
+    /// A field of the current row by its place (from 0) or its name, without regard to case. The
+    /// reference lasts until the record set is closed.
+    /// Throws `Error` (`ErrNo::NotFound`) when there is no current row or no such field.
+    const Variant& value(std::size_t field) const;
+    const Variant& value(std::string_view field) const;
+
+private:
+    bool open_ = false;
+    std::vector<Field> fields_;
+    std::vector<std::vector<Variant>> rows_;
+    std::size_t current_ = 0;
+};
+
+}  // namespace vl

@@ -1,0 +1,89 @@
+#include "db/Connection.h"
+
+#include <gmock/gmock.h>
+
+#include "base/ErrorState.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+std::string stringFor(const std::string& file) {
+    return "Provider=Microsoft.Jet.OLEDB.4.0; Data Source=" + file + "; User Id=admin;";
+}
+
+template <class Step>
+ErrNo errorOf(Step&& step) {
+    try {
+        step();
+    } catch (const Error& e) {
+        return e.number();
+    }
+    return ErrNo::None;
+}
+
+class ConnectionTest : public testing::Test {
+protected:
+    std::string copyTo(const std::string& name) {
+        const auto path = folder_ / name;
+        vl::test::writeFile(path,
+                            vl::test::readFile(vl::test::repoFile("data/first-light.RemindDB")));
+        return path.string();
+    }
+
+    vl::test::TempFolder folder_;
+    Connection connection_;
+};
+
+TEST_F(ConnectionTest, OpensAndCloses) {
+    EXPECT_EQ(connection_.State(), Connection::kStateClosed);
+    EXPECT_EQ(connection_.ConnectionString(), "");
+    const std::string text = stringFor(copyTo("a.RemindDB"));
+    connection_.Open(text);
+    EXPECT_EQ(connection_.State(), Connection::kStateOpen);
+    EXPECT_EQ(connection_.ConnectionString(), text);
+    EXPECT_EQ(errorOf([&] { connection_.Open(text); }), ErrNo::Exists);
+    EXPECT_EQ(connection_.State(), Connection::kStateOpen);
+    connection_.Close();
+    connection_.Close();
+    EXPECT_EQ(connection_.State(), Connection::kStateClosed);
+    EXPECT_EQ(connection_.ConnectionString(), text);
+}
+
+TEST_F(ConnectionTest, TakesThePathAsItStands) {
+    for (const char* name : {"with blanks .RemindDB", "semi;colon.RemindDB", "equal=sign.RemindDB",
+                             "\xC3\xA4\xE6\x9C\x83.RemindDB", "; User Id=odd; User Id=.RemindDB"}) {
+        SCOPED_TRACE(name);
+        Connection connection;
+        connection.Open(stringFor(copyTo(name)));
+        EXPECT_EQ(connection.State(), Connection::kStateOpen);
+    }
+    connection_.Open("data source=" + copyTo("plain.RemindDB"));
+    EXPECT_EQ(connection_.State(), Connection::kStateOpen);
+}
+
+TEST_F(ConnectionTest, SaysWhyItDoesNotOpen) {
+    const std::string file = copyTo("a.RemindDB");
+    vl::test::writeFile(folder_ / "text.RemindDB", "not a database");
+    EXPECT_EQ(errorOf([&] { connection_.Open(stringFor("")); }), ErrNo::NotFound);
+    EXPECT_EQ(errorOf([&] { connection_.Open("nothing"); }), ErrNo::NotFound);
+    EXPECT_EQ(errorOf([&] { connection_.Open(stringFor(file + "x")); }), ErrNo::NotFound);
+    EXPECT_EQ(errorOf([&] { connection_.Open(stringFor((folder_ / "text.RemindDB").string())); }),
+              ErrNo::Format);
+    EXPECT_EQ(errorOf([&] { connection_.Open(stringFor(file), "admin", "secret"); }),
+              ErrNo::Unsupported);
+    EXPECT_EQ(connection_.State(), Connection::kStateClosed);
+    EXPECT_EQ(errorOf([&] { connection_.Execute("SELECT * FROM Reminders"); }), ErrNo::NotFound);
+}
+
+TEST_F(ConnectionTest, WritesThoughItWasOpenedForReading) {
+    connection_.Open(stringFor(copyTo("a.RemindDB")));
+    EXPECT_EQ(connection_.Execute("SELECT * FROM Reminders WHERE Hidden").rows.size(), 0U);
+    EXPECT_EQ(
+        connection_.Execute("UPDATE Reminders SET Hidden = True WHERE EventID < 1004").affected, 3);
+    EXPECT_EQ(connection_.Execute("SELECT * FROM Reminders WHERE Hidden").rows.size(), 3U);
+    EXPECT_EQ(connection_.State(), Connection::kStateOpen);
+}
+
+}  // namespace
+}  // namespace vl

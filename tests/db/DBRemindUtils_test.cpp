@@ -1,0 +1,267 @@
+#include "db/DBRemindUtils.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+constexpr const char* kAllHidden = "UPDATE Reminders SET Hidden = True;";
+constexpr const char* kAll = "SELECT * FROM Reminders";
+
+class DBRemindUtilsTest : public testing::Test {
+protected:
+    DBRemindUtilsTest() {
+        path_ = (folder_ / "Velmora.RemindDB").string();
+        vl::test::writeFile(path_,
+                            vl::test::readFile(vl::test::repoFile("data/first-light.RemindDB")));
+        db_.DBFullName = path_;
+    }
+
+    std::string bytes() const { return vl::test::readFile(path_); }
+
+    vl::test::TempFolder folder_;
+    std::string path_;
+    DBRemindUtils db_;
+};
+
+TEST_F(DBRemindUtilsTest, OpenDBConnectsWithItsOptions) {
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.ConnectString(), "");
+    EXPECT_TRUE(db_.OpenDB());
+    EXPECT_TRUE(db_.isOpen);
+    EXPECT_EQ(db_.ADOConnectString,
+              "Provider=Microsoft.Jet.OLEDB.4.0; Data Source=" + path_ + "; User Id=admin;");
+    EXPECT_EQ(db_.ConnectString(), db_.ADOConnectString);
+    EXPECT_EQ(db_.Connection().State(), Connection::kStateOpen);
+    EXPECT_EQ(db_.Connection().ConnectionTimeout, 60);
+    EXPECT_EQ(db_.Connection().CommandTimeout, 60);
+    EXPECT_EQ(db_.Connection().IsolationLevel, 1048576);
+    EXPECT_EQ(db_.Connection().CursorLocation, 2);
+    EXPECT_EQ(db_.LastError(), ErrNo::None);
+    EXPECT_TRUE(db_.OpenDB());  // a new connection takes the old one's place
+}
+
+TEST_F(DBRemindUtilsTest, AnEmptyNameDoesNotOpen) {
+    db_.OpenDB();
+    db_.DBFullName.clear();
+    EXPECT_FALSE(db_.OpenDB());
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.ADOConnectString,
+              "Provider=Microsoft.Jet.OLEDB.4.0; Data Source=; User Id=admin;");
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+    const auto rows = db_.OpenRS(kAll);
+    ASSERT_NE(rows, nullptr);
+    EXPECT_FALSE(rows->isOpen());
+    EXPECT_TRUE(rows->EOF_());
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+}
+
+TEST_F(DBRemindUtilsTest, WhatIsNoDatabaseDoesNotOpen) {
+    vl::test::writeFile(path_, std::string(8192, 'x'));
+    EXPECT_FALSE(db_.OpenDB());
+    EXPECT_EQ(db_.LastError(), ErrNo::Format);
+    EXPECT_EQ(db_.Execute(kAllHidden), 0);
+    EXPECT_EQ(db_.LastError(), ErrNo::Format);
+    EXPECT_EQ(bytes(), std::string(8192, 'x'));
+}
+
+TEST_F(DBRemindUtilsTest, CloseDBCloses) {
+    db_.CloseDB();
+    EXPECT_FALSE(db_.isOpen);
+    db_.OpenDB();
+    db_.CloseDB();
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.Connection().State(), Connection::kStateClosed);
+    EXPECT_EQ(db_.ConnectString(), db_.ADOConnectString);
+}
+
+TEST_F(DBRemindUtilsTest, ReConnectOpensOnlyWhatIsClosed) {
+    db_.ReConnect();
+    EXPECT_TRUE(db_.isOpen);
+    db_.DBFullName = "elsewhere";
+    db_.ReConnect();
+    EXPECT_THAT(db_.ADOConnectString, testing::HasSubstr(path_));
+    db_.CloseDB();
+    db_.ReConnect();
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_THAT(db_.ADOConnectString, testing::HasSubstr("elsewhere"));
+}
+
+TEST_F(DBRemindUtilsTest, CloseAndOpenDBKeepsToTheConnectionsText) {
+    db_.CloseAndOpenDB();  // there is no text yet
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+    db_.OpenDB();
+    db_.DBFullName = "elsewhere";
+    db_.CloseAndOpenDB();
+    EXPECT_TRUE(db_.isOpen);
+    EXPECT_EQ(db_.Connection().State(), Connection::kStateOpen);
+    EXPECT_THAT(db_.ConnectString(), testing::HasSubstr(path_));
+    EXPECT_EQ(db_.Connection().IsolationLevel, 1048576);
+    std::filesystem::remove(path_);
+    db_.CloseAndOpenDB();
+    EXPECT_FALSE(db_.isOpen);
+}
+
+TEST_F(DBRemindUtilsTest, OpenRSOpensAndLeavesOpen) {
+    const auto rows =
+        db_.OpenRS("SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\"");
+    EXPECT_TRUE(db_.isOpen);
+    ASSERT_TRUE(rows->isOpen());
+    EXPECT_EQ(rows->RecordCount(), 10U);
+    EXPECT_EQ(rows->fields().size(), 45U);
+    EXPECT_EQ(rows->value("Subject"), Variant("Stand-up meeting"));
+    db_.CloseDB();
+    EXPECT_EQ(rows->value("EventID"), Variant(1001));  // rows outlive the connection
+    EXPECT_TRUE(db_.OpenRS(kAll, 3)->isOpen());
+}
+
+TEST_F(DBRemindUtilsTest, OpenRSOfABrokenStatementIsUnopened) {
+    for (const char* statement :
+         {"", "SELECT * FROM Nowhere", "SELECT x FROM Reminders", "SELECT", kAllHidden}) {
+        SCOPED_TRACE(statement);
+        const std::string before = bytes();
+        const auto rows = db_.OpenRS(statement);
+        ASSERT_NE(rows, nullptr);
+        EXPECT_FALSE(rows->isOpen());
+        EXPECT_TRUE(rows->EOF_());
+        EXPECT_NE(db_.LastError(), ErrNo::None);
+        EXPECT_TRUE(db_.isOpen);
+        EXPECT_EQ(bytes(), before);
+    }
+    EXPECT_TRUE(db_.OpenRS(kAll)->isOpen());
+    EXPECT_EQ(db_.LastError(), ErrNo::None);
+}
+
+TEST_F(DBRemindUtilsTest, ExecuteOpensCountsAndCloses) {
+    EXPECT_EQ(
+        db_.Execute("UPDATE Reminders SET NextReminder = " +
+                    DBRemindUtils::ToSQLDateTime(DateTime::fromCivil(2026, 11, 20, 14, 30), true) +
+                    " WHERE (GUID=\"{956ABE94-E18E-437E-878F-EF5EC79876F1}\");"),
+        1);
+    EXPECT_EQ(db_.LastError(), ErrNo::None);
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.Connection().State(), Connection::kStateClosed);
+    const auto rows = db_.OpenRS(
+        "SELECT NextReminder FROM Reminders WHERE "
+        "GUID=\"{956ABE94-E18E-437E-878F-EF5EC79876F1}\"");
+    EXPECT_EQ(rows->value(0), Variant(DateTime::fromCivil(2026, 11, 20, 14, 30)));
+    EXPECT_TRUE(db_.isOpen);
+    EXPECT_EQ(db_.Execute(kAllHidden), 12);  // through the connection that a read left open
+    EXPECT_FALSE(db_.isOpen);
+    EXPECT_EQ(db_.Execute("UPDATE Reminders SET Hidden = 0 WHERE (GUID=\"nobody\");"), 0);
+    EXPECT_EQ(db_.LastError(), ErrNo::None);
+}
+
+TEST_F(DBRemindUtilsTest, AFailedStatementChangesNothingAndCloses) {
+    const std::string before = bytes();
+    struct Case {
+        const char* statement;
+        ErrNo error;
+    };
+    static constexpr Case cases[] = {
+        {"UPDATE Reminders SET status = \"a\"b\" WHERE (GUID=\"x\");", ErrNo::Syntax},
+        {"UPDATE Reminders SET Nowhere = 1", ErrNo::NotFound},
+        {"UPDATE Reminders SET Hidden = \"maybe\"", ErrNo::TypeMismatch},
+        {"DELETE * FROM Reminders;", ErrNo::Unsupported},
+        {"", ErrNo::Syntax},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.statement);
+        db_.OpenDB();
+        EXPECT_EQ(db_.Execute(c.statement), 0);
+        EXPECT_EQ(db_.LastError(), c.error);
+        EXPECT_FALSE(db_.isOpen);
+        EXPECT_EQ(bytes(), before);
+    }
+}
+
+TEST_F(DBRemindUtilsTest, LastErrorOutlivesCloseDB) {
+    db_.OpenRS("SELECT x FROM Reminders");
+    db_.CloseDB();
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+}
+
+TEST(DBRemindUtilsToSQLDateTime, LeavesMidnightOut) {
+    struct Case {
+        DateTime date;
+        const char* text;
+    };
+    const Case cases[] = {
+        {DateTime::fromCivil(2026, 11, 15), "2026-11-15"},
+        {DateTime::fromCivil(2026, 11, 15, 0, 0, 1), "2026-11-15 00:00:01"},
+        {DateTime::fromCivil(2026, 11, 15, 14, 30), "2026-11-15 14:30:00"},
+        {DateTime::fromCivil(2026, 11, 15, 23, 59, 59), "2026-11-15 23:59:59"},
+        {DateTime(), "1899-12-30"},
+        {DateTime(-1.25), "1899-12-29 06:00:00"},
+        {DateTime::fromCivil(2026, 1, 2, 3, 4, 5), "2026-01-02 03:04:05"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(DBRemindUtils::ToSQLDateTime(c.date, false), c.text);
+        EXPECT_EQ(DBRemindUtils::ToSQLDateTime(c.date, true), "#" + std::string(c.text) + "#");
+    }
+}
+
+TEST_F(DBRemindUtilsTest, FieldExistsDBLooksIntoTheFile) {
+    EXPECT_TRUE(db_.FieldExistsDB("Reminders", "NextReminder"));
+    EXPECT_TRUE(db_.FieldExistsDB("reminders", "NEXTREMINDER"));
+    EXPECT_FALSE(db_.FieldExistsDB("Reminders", "NextReminders"));
+    EXPECT_EQ(db_.LastError(), ErrNo::None);
+    EXPECT_FALSE(db_.FieldExistsDB("Reminder", "NextReminder"));
+    EXPECT_FALSE(db_.isOpen);
+    db_.DBFullName += "x";
+    EXPECT_FALSE(db_.FieldExistsDB("Reminders", "NextReminder"));
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+}
+
+TEST_F(DBRemindUtilsTest, GetDeletedColListsTheDeletedRows) {
+    const auto one = db_.GetDeletedCol();
+    ASSERT_EQ(one->Count(), 1);
+    EXPECT_EQ(one->Item(1), Variant("{AAB5536C-C33C-4286-B8E3-52AED7DF151C}"));
+    EXPECT_TRUE(one->Exists("{aab5536c-c33c-4286-b8e3-52aed7df151c}"));
+    EXPECT_EQ(db_.Execute("UPDATE Reminders SET deleted = (EventID >= 1011)"), 12);
+    const auto two = db_.GetDeletedCol();
+    ASSERT_EQ(two->Count(), 2);
+    EXPECT_EQ(two->Key(2), "{AD32DEC8-9C9E-49B8-B224-7234B76CD9ED}");
+    db_.DBFullName.clear();
+    db_.CloseDB();
+    EXPECT_EQ(db_.GetDeletedCol()->Count(), 0);
+    EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+}
+
+// Every procedure, succeeding and failing, leaves what was pending.
+TEST_F(DBRemindUtilsTest, KeepsPendingError) {
+    const std::function<void(DBRemindUtils&)> procedures[] = {
+        [](DBRemindUtils& db) { db.OpenDB(); },
+        [](DBRemindUtils& db) { db.ReConnect(); },
+        [](DBRemindUtils& db) { db.CloseDB(); },
+        [](DBRemindUtils& db) { db.CloseAndOpenDB(); },
+        [](DBRemindUtils& db) { db.OpenRS(kAll); },
+        [](DBRemindUtils& db) { db.OpenRS("SELECT x FROM Reminders"); },
+        [](DBRemindUtils& db) { db.Execute(kAllHidden); },
+        [](DBRemindUtils& db) { db.Execute("nonsense"); },
+        [](DBRemindUtils& db) { db.FieldExistsDB("Reminders", "id"); },
+        [](DBRemindUtils& db) { db.FieldExistsDB("Nowhere", "id"); },
+        [](DBRemindUtils& db) { db.GetDeletedCol(); },
+    };
+    for (const std::string& file : {path_, std::string("no such file"), std::string()}) {
+        for (std::size_t i = 0; i < std::size(procedures); ++i) {
+            for (const ErrNo pending : {ErrNo::None, ErrNo::Overflow}) {
+                SCOPED_TRACE(testing::Message() << file << ", procedure " << i);
+                DBRemindUtils db;
+                db.DBFullName = file;
+                ErrorState::set(pending);
+                procedures[i](db);
+                EXPECT_EQ(ErrorState::number(), pending);
+                ErrorState::clear();
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vl
