@@ -47,7 +47,8 @@ bench:
 	@scripts/setup.sh build bench
 	@cmake --preset release -DVL_BENCH=ON
 	@cmake --build --preset release -j $(JOBS)
-	@for program in build/release/bench/*_bench; do $$program || exit 1; done
+	@for program in $$(find build/release/bench -name '*bench*' -type f -executable); do \
+	    $$program || exit 1; done
 
 format:
 	@scripts/setup.sh lint
