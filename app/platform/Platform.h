@@ -1,0 +1,54 @@
+// What each system does in its own way. One of posix.cpp and windows.cpp is built.
+//
+// Texts are UTF-8 here as everywhere. These are engines: what fails throws `Error`, where no other
+// way is told.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vl::platform {
+
+std::filesystem::path pathOf(std::string_view text);
+std::string textOf(const std::filesystem::path& path);
+
+/// Where the system keeps programs' data, for all users or this one, without our own folder.
+/// Empty when it cannot be told.
+std::string dataRoot(bool allUsers);
+
+/// The folder of the running program; empty when it cannot be told.
+std::string programFolder();
+
+/// Folders in which the installation put what all users share, the likeliest first.
+std::vector<std::string> sharedFolders();
+
+/// The separator to put behind `folder`.
+char separatorOf(std::string_view folder);
+
+/// Makes `path` hold `bytes` and nothing else, as one change: a temporary file in the same folder
+/// is written, forced to the disk and renamed. A file that is there keeps its permissions; a link
+/// is followed. Throws `Error` (`ErrNo::ReadOnly`, `ErrNo::Io`), and then `path` is as it was.
+void replaceFile(const std::string& path, std::string_view bytes);
+
+/// The user's short time format in the letters of `shortTimeText`; empty when there is none.
+std::string shortTimeFormat();
+/// "AM" or "PM" in the user's language.
+std::string dayHalfText(bool afternoon);
+
+/// Text of a settings file to UTF-8 and back: the system code page on Windows, nothing elsewhere.
+std::string fromSettingsText(std::string_view bytes);
+std::string toSettingsText(std::string_view text);
+/// What ends a line of a new file.
+std::string_view lineEnd();
+
+/// Starts a program that lives its own life: not waited for, no window of ours, no shell between.
+/// `arguments[0]` is the program, looked up in PATH when it names no folder. Throws `Error`
+/// (`ErrNo::NotFound`, `ErrNo::Io`) when it does not start.
+void startProgram(const std::vector<std::string>& arguments);
+
+/// Opens a file or address as the desktop does. Throws like `startProgram`.
+void openWithDesktop(const std::string& target);
+
+}  // namespace vl::platform
