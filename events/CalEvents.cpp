@@ -1,29 +1,14 @@
 #include "events/CalEvents.h"
 
+#include "RowReader.h"
+#include "app/TimeZone.h"
 #include "base/ErrorState.h"
-#include "base/Text.h"
 
 namespace vl {
 
 namespace {
 
-// Type codes of the record set whose nulls read as 0; all others read as an empty text.
-constexpr int kTypeInteger = 3;
-constexpr int kTypeDate = 7;
-
-constexpr std::size_t kSubjectUnits = 50;
-
-constexpr int kMaster = 1;
-
 std::string quoted(std::string_view value) { return "\"" + std::string(value) + "\""; }
-
-void clearExceptionFields(calEvent& master) {
-    master.RExceptionStartTimeOrig = DateTime();
-    master.RExceptionEndTimeOrig = DateTime();
-    master.BeforeMoveStartDateTime = DateTime();
-    master.ISRecurrenceExceptionDeleted = 0;
-    master.recurringEventId.clear();
-}
 
 }  // namespace
 
@@ -34,7 +19,7 @@ void CalEvents::Add(const std::shared_ptr<calEvent>& event, std::string_view sKe
     if (!mCol) {
         mCol = std::make_shared<GenCollection>();
     }
-    mCol->Add(Variant(ObjectRef(event)), sKey);
+    mCol->Add(Variant(event), sKey);
 }
 
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
@@ -47,9 +32,11 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     const auto rows = db_.OpenRS(query(IncludeAllDone, Dismissed));
     if (rows && rows->isOpen() && !rows->EOF_()) {
         result = 1;
+        const TimeZone local = TimeZone::local();
+        const RowReader reader(*rows, local);
         for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
             attempt([&] {
-                const auto event = readEvent(*rows);
+                const auto event = readEvent(reader);
                 mCol->Remove(event->GUID);
                 Add(event, event->GUID);
             });
@@ -75,42 +62,19 @@ std::string CalEvents::query(bool IncludeAllDone, std::optional<bool> Dismissed)
     return text;
 }
 
-std::shared_ptr<calEvent> CalEvents::readEvent(const RecordSet& row) const {
+std::shared_ptr<calEvent> CalEvents::readEvent(const RowReader& row) const {
     auto event = std::make_shared<calEvent>();
-    FillEvent(row, *event);
+    row.fill(*event);
     event->SetRemindersCol(defaultReminders_);
     return event;
 }
 
 void CalEvents::FillEvent(const RecordSet& row, calEvent& event) {
     const ErrScope scope;
-    for (std::size_t i = 0; i < row.fields().size(); ++i) {
-        const auto& field = row.fields()[i];
-        attempt([&] {
-            const Variant& value = row.value(i);
-            if (!value.isNull()) {
-                event.setProperty(field.name, value);
-            } else if (field.type == kTypeInteger || field.type == kTypeDate) {
-                event.setProperty(field.name, Variant(0));
-            } else {
-                event.setProperty(field.name, Variant(""));
-            }
-        });
-    }
-    if (!event.recurrence.empty()) {
-        attempt([&] { event.LoadRecurrence(); });
-        event.RecurrenceState = kMaster;
-    }
-    if (event.RecurrenceState == kMaster) {
-        clearExceptionFields(event);
-    }
-    const auto cut = text::leftUtf16(event.Subject, kSubjectUnits);
-    event.Subject.resize(cut.size());
+    RowReader(row, TimeZone::local()).fill(event);
 }
 
-std::shared_ptr<calEvent> CalEvents::at(std::size_t position) const {
-    return mCol ? objectAt<calEvent>(*mCol, position) : nullptr;
-}
+GenCollection CalEvents::events() const { return mCol ? *mCol : GenCollection(); }
 
 std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const {
     const ErrScope scope;
@@ -118,8 +82,8 @@ std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const
     attempt([&] {
         const auto rows = db_.OpenRS(statement);
         if (rows && rows->isOpen() && !rows->EOF_()) {
-            rows->MoveFirst();
-            event = readEvent(*rows);
+            const TimeZone local = TimeZone::local();
+            event = readEvent(RowReader(*rows, local));
             rows->Close();
         }
     });

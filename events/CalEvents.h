@@ -13,6 +13,8 @@
 
 namespace vl {
 
+class RowReader;
+
 /// The set of events behind checks and views. Two of these live: one for the checks, one behind
 /// the period views. Events are shared with who asks for them, and both queries write
 /// `InstanceStart`, `iRemMinutes` and `iRemMinutesNext` into them, so these hold what the last
@@ -59,9 +61,9 @@ public:
 
 private:
     std::string query(bool IncludeAllDone, std::optional<bool> Dismissed) const;
-    std::shared_ptr<calEvent> readEvent(const RecordSet& row) const;
+    std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
-    std::shared_ptr<calEvent> at(std::size_t position) const;
+    GenCollection events() const;  // for walking; empty while there is no set
 
     DBRemindUtils& db_;
     const Clock& clock_;

@@ -6,6 +6,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
+#include "model/clsReminder.h"
 
 namespace vl {
 
@@ -122,8 +123,8 @@ void record(calEvent& event, const Due& due) {
 class MastersOf {
 public:
     explicit MastersOf(GenCollection& result) : result_(result) {
-        for (std::size_t i = 1; i <= result.Count(); ++i) {
-            const auto event = objectAt<calEvent>(result, i);
+        for (const Variant& item : result) {
+            const auto event = objectIn<calEvent>(item);
             if (event && !event->id.empty()) {
                 byId_.emplace(text::foldCase(event->id), event->GUID);
             }
@@ -147,7 +148,7 @@ bool replacesItsSeries(const calEvent& event) {
 }
 
 void putInto(GenCollection& result, const std::shared_ptr<calEvent>& event) {
-    result.Add(Variant(ObjectRef(event)), event->GUID);
+    result.Add(Variant(event), event->GUID);
 }
 
 }  // namespace
@@ -157,8 +158,8 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
     const Window window{FromTime, ToTime};
     auto result = std::make_shared<GenCollection>();
     std::vector<std::shared_ptr<calEvent>> exceptions;
-    for (std::size_t i = 1; mCol && i <= mCol->Count(); ++i) {
-        const auto event = at(i);
+    for (const Variant& item : events()) {
+        const auto event = objectIn<calEvent>(item);
         if (!event || !takesPlace(*event)) {
             continue;
         }
@@ -190,8 +191,8 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
     const Window period{FromDate, ToDate};
     auto result = std::make_shared<GenCollection>();
     std::vector<std::shared_ptr<calEvent>> exceptions;
-    for (std::size_t i = 1; mCol && i <= mCol->Count(); ++i) {
-        const auto event = at(i);
+    for (const Variant& item : events()) {
+        const auto event = objectIn<calEvent>(item);
         if (!event || !takesPlace(*event)) {
             continue;
         }

@@ -197,12 +197,17 @@ private:
     std::shared_ptr<KeyedSlots> items_;  // never null
 };
 
+/// The object a value refers to; null when it refers to none, or to none of type `T`.
+template <class T>
+std::shared_ptr<T> objectIn(const Variant& value) {
+    const auto* object = value.get<ObjectRef>();
+    return object != nullptr ? std::dynamic_pointer_cast<T>(*object) : nullptr;
+}
+
 /// The object at a position or under a key; null when there is none, or none of type `T`.
 template <class T>
 std::shared_ptr<T> objectAt(const GenCollection& col, IndexKey index) {
-    const Variant found = col.Item(index);
-    const auto* object = found.get<ObjectRef>();
-    return object != nullptr ? std::dynamic_pointer_cast<T>(*object) : nullptr;
+    return objectIn<T>(col.Item(index));
 }
 
 }  // namespace vl

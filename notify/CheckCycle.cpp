@@ -82,8 +82,8 @@ std::shared_ptr<GenCollection> CheckCycle::askForDue(int interval) {
 
 void CheckCycle::takeIn(const GenCollection& due, std::string& message) {
     state_.EvCol = std::make_shared<GenCollection>();
-    for (std::size_t i = 1; i <= due.Count(); ++i) {
-        const auto event = objectAt<calEvent>(due, i);
+    for (const Variant& item : due) {
+        const auto event = objectIn<calEvent>(item);
         if (event && !state_.LastEventsReminded->Exists(event->GUID)) {
             takeIn(event, message);
         }
@@ -97,10 +97,10 @@ void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& mes
     const std::string line = " " + text + " (" + shortTimeText(time) + ")";
     message += event->Summary() + line + "\r\n";
     const auto entry = pair(event->Summary(), line);
-    state_.EvCol->Add(Variant(ObjectRef(entry)), event->GUID);
-    lines_.Add(Variant(ObjectRef(entry)), event->GUID, {}, {}, true);
+    state_.EvCol->Add(Variant(entry), event->GUID);
+    lines_.Add(Variant(entry), event->GUID, 0, 0, true);
     event->dLastReminder = time;
-    state_.NewReminders->Add(Variant(ObjectRef(event)), event->GUID, {}, {}, true);
+    state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
     attempt([&] { screen_.AddItemR(event, kNewRemindersGrid); });
     attempt([&] { screen_.UpdateItemR(event, kAllRemindersGrid); });
     state_.dLastReminder = clock_.now();
@@ -108,9 +108,9 @@ void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& mes
 
 void CheckCycle::rebuildIndex() {
     state_.LastEventsReminded = std::make_shared<GenCollection>();
-    for (std::size_t i = 1; i <= state_.NewReminders->Count(); ++i) {
-        if (const auto event = objectAt<calEvent>(*state_.NewReminders, i)) {
-            state_.LastEventsReminded->Add(Variant(ObjectRef(event)), event->GUID);
+    for (const Variant& item : *state_.NewReminders) {
+        if (const auto event = objectIn<calEvent>(item)) {
+            state_.LastEventsReminded->Add(Variant(event), event->GUID);
         }
     }
 }
@@ -161,9 +161,10 @@ void CheckCycle::fillWithListed() {
     if (state_.EvCol->Count() > 0) {
         return;
     }
-    for (std::size_t i = 1; i <= state_.NewReminders->Count(); ++i) {
-        const std::string GUID = state_.NewReminders->Key(i);
-        state_.EvCol->Add(lines_.Item(GUID), GUID);
+    for (const Variant& item : *state_.NewReminders) {
+        if (const auto event = objectIn<calEvent>(item)) {
+            state_.EvCol->Add(lines_.Item(event->GUID), event->GUID);
+        }
     }
 }
 
@@ -178,9 +179,9 @@ void CheckCycle::DoRemoveDeleted() {
     const ErrScope scope;
     auto deleted = std::make_shared<GenCollection>();
     attempt([&] { deleted = db_.GetDeletedCol(); });
-    for (std::size_t i = 1; i <= deleted->Count(); ++i) {
+    for (const Variant& item : *deleted) {
         std::string GUID;
-        if (!attempt([&] { GUID = deleted->Item(i).toText(); })) {
+        if (!attempt([&] { GUID = item.toText(); })) {
             continue;
         }
         RemoveGUIDAll(GUID);

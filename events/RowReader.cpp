@@ -1,0 +1,57 @@
+#include "RowReader.h"
+
+#include "base/ErrorState.h"
+#include "base/Text.h"
+
+namespace vl {
+
+namespace {
+
+// Type codes of the record set whose nulls read as 0.
+constexpr int kTypeInteger = 3;
+constexpr int kTypeDate = 7;
+
+constexpr std::size_t kSubjectUnits = 50;
+constexpr int kMaster = 1;
+
+void clearExceptionFields(calEvent& master) {
+    master.RExceptionStartTimeOrig = DateTime();
+    master.RExceptionEndTimeOrig = DateTime();
+    master.BeforeMoveStartDateTime = DateTime();
+    master.ISRecurrenceExceptionDeleted = 0;
+    master.recurringEventId.clear();
+}
+
+}  // namespace
+
+RowReader::RowReader(const RecordSet& rows, const TimeZone& local) : rows_(rows), local_(local) {
+    for (std::size_t i = 0; i < rows.fields().size(); ++i) {
+        const auto& field = rows.fields()[i];
+        if (const EventProperty* property = calEvent::findProperty(field.name)) {
+            const bool zero = field.type == kTypeInteger || field.type == kTypeDate;
+            columns_.push_back({i, property, zero});
+        }
+    }
+}
+
+void RowReader::fill(calEvent& event) const {
+    static const Variant kZero(0);
+    static const Variant kNoText("");
+    for (const Column& column : columns_) {
+        attempt([&] {
+            const Variant& value = rows_.value(column.field);
+            const Variant& substitute = column.nullIsZero ? kZero : kNoText;
+            event.setProperty(*column.property, value.isNull() ? substitute : value);
+        });
+    }
+    if (!event.recurrence.empty()) {
+        attempt([&] { event.LoadRecurrence(local_); });
+        event.RecurrenceState = kMaster;
+    }
+    if (event.RecurrenceState == kMaster) {
+        clearExceptionFields(event);
+    }
+    event.Subject.resize(text::leftUtf16(event.Subject, kSubjectUnits).size());
+}
+
+}  // namespace vl
