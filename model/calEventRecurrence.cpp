@@ -1,0 +1,185 @@
+// The occurrences of an event.
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "events/GenCollection.h"
+#include "model/Recurrence.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+namespace {
+
+// Picks the text at "start.timeZone" out of a JSON text without building a tree, and stops there.
+class StartZone final : public nlohmann::json_sax<nlohmann::json> {
+public:
+    std::string zone;
+
+    bool key(string_t& name) override {
+        here_ = (depth_ == 1 && name == "start") || (depth_ == 2 && inStart_ && name == "timeZone");
+        return true;
+    }
+    bool string(string_t& value) override {
+        if (here_ && depth_ == 2) {
+            zone = value;
+            return false;
+        }
+        return scalar();
+    }
+    bool start_object(std::size_t) override {
+        inStart_ = inStart_ || (here_ && depth_ == 1);
+        return open();
+    }
+    bool start_array(std::size_t) override { return open(); }
+    bool end_object() override { return close(); }
+    bool end_array() override { return close(); }
+    bool null() override { return scalar(); }
+    bool boolean(bool) override { return scalar(); }
+    bool number_integer(number_integer_t) override { return scalar(); }
+    bool number_unsigned(number_unsigned_t) override { return scalar(); }
+    bool number_float(number_float_t, const string_t&) override { return scalar(); }
+    bool binary(binary_t&) override { return scalar(); }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception&) override {
+        return false;
+    }
+
+private:
+    bool scalar() {
+        here_ = false;
+        return true;
+    }
+    bool open() {
+        here_ = false;
+        ++depth_;
+        return true;
+    }
+    // After "start" nothing else is of interest.
+    bool close() { return !(--depth_ == 1 && inStart_); }
+
+    int depth_ = 0;
+    bool here_ = false;     // the value that follows is the one looked for
+    bool inStart_ = false;  // inside the object "start"
+};
+
+std::shared_ptr<GenCollection> collectionOf(const std::vector<DateTime>& dates) {
+    auto collection = std::make_shared<GenCollection>();
+    for (const DateTime date : dates) {
+        collection->Add(date);
+    }
+    return collection;
+}
+
+}  // namespace
+
+std::string calEvent::zoneOfSeries() const {
+    StartZone finder;
+    if (!IsAllDayEvent) {
+        nlohmann::json::sax_parse(JSON, &finder);
+    }
+    return TimeZone::named(finder.zone) ? finder.zone : std::string();
+}
+
+void calEvent::LoadRecurrence() {
+    if (recurrence.empty()) {
+        LoadRecurrence(TimeZone::utc());  // not asked for
+    } else {
+        LoadRecurrence(TimeZone::local());
+    }
+}
+
+void calEvent::LoadRecurrence(const TimeZone& local) {
+    const ErrScope scope;
+    RRULE.clear();
+    ExDates.reset();
+    RDates.reset();
+    compiled_.reset();
+    if (!recurrence.empty()) {
+        Recurrence::Source source{recurrence, StartDateTime, IsAllDayEvent, {}};
+        attempt([&] { source.zone = zoneOfSeries(); });
+        attempt([&] {
+            compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, local));
+            ExDates = collectionOf(compiled_->ExDates());
+            RDates = collectionOf(compiled_->RDates());
+            RRULE = compiled_->RRULE();
+        });
+    }
+    isRecurrenceLoaded = true;
+}
+
+bool calEvent::IsRepeating() const { return compiled_ && compiled_->repeats(); }
+
+std::vector<DateTime> calEvent::ICalRecEvents(DateTime dStart, DateTime dEnd,
+                                              std::size_t iMax) const {
+    const ErrScope scope;
+    std::vector<DateTime> starts;
+    attempt([&] {
+        if (compiled_) {
+            starts = compiled_->between(dStart, dEnd, iMax);
+        } else if (iMax > 0 && dStart <= StartDateTime && StartDateTime <= dEnd) {
+            starts.push_back(StartDateTime);
+        }
+    });
+    return starts;
+}
+
+std::vector<DateTime> calEvent::ICalDelExceptions(std::vector<DateTime> dates) const {
+    const ErrScope scope;
+    if (compiled_) {
+        attempt([&] {
+            const std::vector<DateTime>& excluded = compiled_->ExDates();  // sorted
+            const auto holds = [&](DateTime date) {
+                return std::binary_search(excluded.begin(), excluded.end(), date);
+            };
+            // A date without a time excludes all of its day.
+            std::erase_if(dates, [&](DateTime d) { return holds(d) || holds(d.date()); });
+        });
+    }
+    return dates;
+}
+
+DateTime calEvent::NextInstance(DateTime dCurrent) const {
+    const ErrScope scope;
+    DateTime next;
+    attempt([&] {
+        if (compiled_) {
+            next = compiled_->next(dCurrent);
+        } else if (StartDateTime > dCurrent) {
+            next = StartDateTime;
+        }
+    });
+    return next;
+}
+
+DateTime calEvent::PreviousInstance(DateTime dCurrent) const {
+    const ErrScope scope;
+    DateTime previous;
+    attempt([&] {
+        if (compiled_) {
+            previous = compiled_->previous(dCurrent);
+        } else if (StartDateTime < dCurrent) {
+            previous = StartDateTime;
+        }
+    });
+    return previous;
+}
+
+DateTime calEvent::LastInstance() const {
+    const ErrScope scope;
+    DateTime last = compiled_ ? DateTime() : StartDateTime;
+    attempt([&] {
+        if (compiled_) {
+            last = compiled_->last();
+        }
+    });
+    return last;
+}
+
+std::string calEvent::RecurrenceInWords() const {
+    const ErrScope scope;
+    std::string words;
+    attempt([&] { words = compiled_ ? compiled_->inWords() : std::string(); });
+    return words;
+}
+
+}  // namespace vl
