@@ -27,6 +27,12 @@ struct Window {
     std::vector<DateTime>& out;
     bool sorted = true;
     std::int64_t last = std::numeric_limits<std::int64_t>::min();
+
+    void add(std::int64_t local) {
+        sorted = sorted && local > last;
+        last = std::max(last, local);
+        out.push_back(fromSeconds(local));
+    }
 };
 
 /// Takes the instances of one rule into a window.
@@ -52,10 +58,11 @@ public:
             (window_.lists != nullptr && window_.lists->excludes(wall, clock_))) {
             return true;
         }
-        window_.sorted = window_.sorted && local > window_.last;
-        window_.last = std::max(window_.last, local);
-        window_.out.push_back(fromSeconds(local));
-        return ++taken_ < window_.max || earlierFollows(wall);
+        window_.add(local);
+        // One that is not later than all before it may be a double of one of them.
+        taken_ += local > last_ ? 1 : 0;
+        last_ = std::max(last_, local);
+        return taken_ < window_.max || earlierFollows(wall);
     }
 
 private:
@@ -65,7 +72,7 @@ private:
         LocalClock ahead = clock_;
         while (ahead.stretchEnd() < wall + kWidest) {
             const std::int64_t begin = ahead.stretchEnd();
-            if (ahead.toLocal(begin) <= window_.last) {
+            if (ahead.toLocal(begin) <= last_) {
                 return true;
             }
         }
@@ -76,6 +83,7 @@ private:
     Window& window_;
     LocalClock& clock_;
     std::size_t taken_ = 0;
+    std::int64_t last_ = std::numeric_limits<std::int64_t>::min();
 };
 
 void collect(const Rule& rule, Window& window, LocalClock& clock) {
@@ -144,18 +152,13 @@ void Recurrence::between(DateTime from, DateTime to, std::size_t max,
         return;
     }
     Window window{first, last, max, start_, lists_.get(), out};
-    const auto add = [&](std::int64_t local) {
-        window.sorted = window.sorted && local > window.last;
-        window.last = std::max(window.last, local);
-        out.push_back(fromSeconds(local));
-    };
     if (startKept_ && first <= start_ && start_ <= last) {
-        add(start_);
+        window.add(start_);
     }
     if (lists_) {
         for (const std::int64_t added : lists_->added) {
             if (first <= added && added <= last) {
-                add(added);
+                window.add(added);
             }
         }
     }
