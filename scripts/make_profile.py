@@ -23,8 +23,8 @@ _READ = ("EventID", "GUID", "Subject", "reminders") + sample_plan.MOVED_COLUMNS
 
 
 def _sql(remindb, file, statement):
-    done = subprocess.run([remindb, "sql", file, statement], stdout=subprocess.PIPE, check=True,
-                          text=True)
+    done = subprocess.run([remindb, "sql", file, statement, "--json"], stdout=subprocess.PIPE,
+                          check=True, text=True)
     return done.stdout
 
 

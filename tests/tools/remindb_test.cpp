@@ -1,0 +1,198 @@
+// remindb as its users run it.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+std::string quoted(const std::string& argument) {
+    std::string out = "'";
+    for (const char c : argument) {
+        out += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return out + "'";
+}
+
+Outcome remindb(const std::vector<std::string>& arguments) {
+    const test::TempFolder folder;
+    std::string command = quoted(VL_REMINDB);
+    for (const std::string& argument : arguments) {
+        command += ' ' + quoted(argument);
+    }
+    command += " >" + quoted((folder / "out").string()) + " 2>" + quoted((folder / "err").string());
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::readFile(folder / "out"),
+            test::readFile(folder / "err")};
+}
+
+std::string firstLight() { return test::repoFile("data/first-light.RemindDB").string(); }
+
+std::vector<Json> linesOf(const std::string& text) {
+    std::vector<Json> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(Json::parse(line));
+    }
+    return lines;
+}
+
+TEST(Remindb, TablesTellsWhatAnotherReaderFound) {
+    const auto run = remindb({"tables", firstLight(), "--json"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.err, "");
+    const auto dump = linesOf(test::readFile(
+        test::repoFile("tests/data/expected/first-light.RemindDB/Reminders.a.jsonl")));
+    EXPECT_THAT(linesOf(run.out), testing::ElementsAre(dump.at(0)));
+}
+
+TEST(Remindb, TablesIsReadable) {
+    const auto run = remindb({"tables", firstLight()});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.out, StartsWith("Reminders: 12 rows\n  columns\n"));
+    EXPECT_THAT(run.out, HasSubstr("    GUID                          text(255)\n"));
+    EXPECT_THAT(run.out, HasSubstr("  indexes\n    PrimaryKey  primary unique required on GUID\n"));
+}
+
+TEST(Remindb, SqlGivesTheRowsThatAnotherReaderFound) {
+    const auto run = remindb({"sql", firstLight(), "SELECT * FROM Reminders", "--json"});
+    EXPECT_EQ(run.code, 0);
+    auto dump = linesOf(test::readFile(
+        test::repoFile("tests/data/expected/first-light.RemindDB/Reminders.a.jsonl")));
+    dump.erase(dump.begin());
+    EXPECT_THAT(linesOf(run.out), testing::ElementsAreArray(dump));
+}
+
+TEST(Remindb, SqlGivesATableToRead) {
+    const auto run = remindb({"sql", firstLight(),
+                              "SELECT EventID, StartDateTime, Deleted, Dismissed FROM Reminders "
+                              "WHERE EventID IN (1010, 1011) ORDER BY EventID"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.out, StartsWith("EventID\tStartDateTime\tdeleted\tDismissed\n1010\t2026-"));
+    EXPECT_THAT(run.out, HasSubstr("\ttrue\t\n1011\t2023-"));
+    EXPECT_THAT(run.out, HasSubstr("\tfalse\t2023-05-31T09:05:12\n"));
+    const auto body =
+        remindb({"sql", firstLight(), "SELECT Body FROM Reminders WHERE EventID = 1002"});
+    EXPECT_EQ(body.out, "Body\nBring the insurance card.\\r\\nX-ray pictures are already there.\n");
+}
+
+TEST(Remindb, SqlChangesTheFile) {
+    const test::TempFolder folder;
+    const std::string file = (folder / "copy.RemindDB").string();
+    test::writeFile(file, test::readFile(firstLight()));
+    EXPECT_EQ(remindb({"sql", file, "UPDATE Reminders SET Hidden = -1 WHERE EventID = 1001;"}).out,
+              "1 row changed\n");
+    EXPECT_EQ(
+        remindb({"sql", file, "UPDATE Reminders SET Hidden = -1 WHERE EventID > 1010", "--json"})
+            .out,
+        "{\"affected\":2}\n");
+    EXPECT_EQ(
+        remindb({"--json", "sql", file, "SELECT EventID AS e FROM Reminders WHERE Hidden"}).out,
+        "{\"e\":1001}\n{\"e\":1011}\n{\"e\":1012}\n");
+    EXPECT_EQ(remindb({"sql", file, "SELECT Count(*) AS n FROM Reminders WHERE NOT Hidden"}).out,
+              "n\n9\n");
+}
+
+TEST(Remindb, SaysWhatFailed) {
+    const std::string file = firstLight();
+    struct Case {
+        std::vector<std::string> arguments;
+        int code;
+        const char* message;
+    };
+    const Case cases[] = {
+        {{}, 2, "expected a command: tables or sql"},
+        {{"--json"}, 2, "expected a command"},
+        {{"compact", file}, 2, "unknown command compact"},
+        {{"tables"}, 2, "tables expects a file"},
+        {{"tables", file, file}, 2, "tables expects a file"},
+        {{"sql", file}, 2, "sql expects a file and one statement"},
+        {{"sql", file, "SELECT", "*"}, 2, "sql expects a file and one statement"},
+        {{"tables", file, "--xml"}, 2, "unknown option --xml"},
+        {{"tables", file + "x"}, 1, "first-light.RemindDBx"},
+        {{"tables", VL_REMINDB}, 1, "remindb"},
+        {{"sql", file, "SELEKT"}, 1, "line 1, column 1: expected SELECT or UPDATE, found SELEKT"},
+        {{"sql", file, "SELECT a FROM Reminders"}, 1, "line 1, column 8: no column a"},
+        {{"sql", file, "SELECT * FROM T"}, 1, "line 1, column 15: "},
+        {{"sql", file, "DELETE * FROM Reminders"}, 1, "the statement DELETE is not supported"},
+    };
+    const std::string before = test::readFile(file);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message);
+        const auto run = remindb(c.arguments);
+        EXPECT_EQ(run.code, c.code);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith("remindb: "));
+        EXPECT_THAT(run.err, HasSubstr(c.message));
+    }
+    EXPECT_EQ(test::readFile(file), before);
+}
+
+TEST(Remindb, ExplainsItself) {
+    const auto help = remindb({"--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_THAT(help.out, StartsWith("usage: remindb tables FILE [--json]\n"));
+    EXPECT_EQ(help.err, "");
+    const auto version = remindb({"--version"});
+    EXPECT_EQ(version.code, 0);
+    EXPECT_THAT(version.out, testing::MatchesRegex("remindb [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(Remindb, SaysWhenItCannotWrite) {
+    const std::string command =
+        quoted(VL_REMINDB) + " tables " + quoted(firstLight()) + " >/dev/full 2>/dev/null";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+// Every table of the files that others made, against what another reader found in them. Without
+// the shared folder there is nothing to compare.
+TEST(RemindbSamples, AgreesWithAnotherReader) {
+    int tables = 0;
+    std::size_t rows = 0;
+    const fs::path shared = test::sharedFolder();
+    if (!shared.empty()) {
+        const fs::path samples = shared / "jet4" / "samples";
+        for (const auto& entry : fs::recursive_directory_iterator(samples / "dumps")) {
+            const std::string name = entry.path().filename().string();
+            const std::size_t suffix = name.find(".a.jsonl");
+            if (suffix == std::string::npos) {
+                continue;
+            }
+            SCOPED_TRACE(entry.path());
+            const fs::path file = samples / entry.path().parent_path().filename();
+            const std::string table = name.substr(0, suffix);
+            const auto run =
+                remindb({"sql", file.string(), "SELECT * FROM [" + table + "]", "--json"});
+            ASSERT_EQ(run.code, 0) << run.err;
+            auto expected = linesOf(test::readFile(entry.path()));
+            expected.erase(expected.begin());
+            ASSERT_EQ(linesOf(run.out), expected);
+            ++tables;
+            rows += expected.size();
+        }
+        EXPECT_GT(tables, 0);
+    }
+    std::cout << "compared " << tables << " tables, " << rows << " rows"
+              << (shared.empty() ? " (no shared folder)" : "") << '\n';
+}
+
+}  // namespace
+}  // namespace vl
