@@ -65,14 +65,14 @@ def wait_listed(wanted, timeout):
 # ---- the toast ------------------------------------------------------------------------------------
 def toast_link(wanted):
     """The link that speaks of the reminder `wanted`; raises when there is none."""
-    for window in tree.windows():
-        if tree.name(window) == TITLE or tree.role(window) == "tool tip":
-            continue
-        for node in tree.walk(window):
-            if tree.role(node) in ("label", "link", "push button") and wanted in tree.name(node):
-                return node
-    raise NotThere(f"no link with {wanted!r}; there are the windows "
-                   f"{[tree.name(w) for w in tree.windows()]}")
+    found = [node for window in tree.windows()
+             if tree.name(window) != TITLE and tree.role(window) != "tool tip"
+             for node in tree.walk(window)
+             if tree.role(node) in ("label", "link") and wanted in tree.name(node)]
+    if not found:
+        raise NotThere(f"no link with {wanted!r}; there are the windows "
+                       f"{[tree.name(w) for w in tree.windows()]}")
+    return found[-1]  # the toast's title, which may name it as well, comes first
 
 
 def wait_toast(wanted, timeout):
@@ -80,9 +80,9 @@ def wait_toast(wanted, timeout):
 
 
 def click_link(node):
-    """At its beginning: the widget may be wider than its text."""
+    """At its beginning: the widget may be wider than its text, and have more than one line."""
     x, y, width, height = tree.box(node)
-    act.click_at(x + min(20, width // 2), y + height // 2)
+    act.click_at(x + min(20, width // 2), y + min(10, height // 2))
 
 
 # ---- the tray -------------------------------------------------------------------------------------
