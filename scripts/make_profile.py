@@ -23,22 +23,27 @@ _READ = ("EventID", "GUID", "Subject", "reminders") + sample_plan.MOVED_COLUMNS
 
 
 def _sql(remindb, file, statement):
+    """The rows of a query; of a change one row that says how many were affected."""
     done = subprocess.run([remindb, "sql", file, statement, "--json"], stdout=subprocess.PIPE,
                           check=True, text=True)
-    return done.stdout
+    return [json.loads(line) for line in done.stdout.splitlines()]
 
 
 def read_events(remindb, file):
     """The columns that the plan needs, dates as `datetime`."""
-    rows = _sql(remindb, file, f"SELECT {', '.join(_READ)} FROM Reminders")
-    events = [json.loads(line) for line in rows.splitlines()]
+    events = _sql(remindb, file, f"SELECT {', '.join(_READ)} FROM Reminders")
     for event in events:
         for column in sample_plan.MOVED_COLUMNS:
-            if event.get(column) is not None:
+            if event[column] is not None:
                 event[column] = datetime.fromisoformat(event[column])
-            else:
-                event[column] = None
     return events
+
+
+def _change(remindb, file, guid, values):
+    assignments = ", ".join(f"{column} = {_literal(v)}" for column, v in values.items())
+    done = _sql(remindb, file, f'UPDATE Reminders SET {assignments} WHERE GUID = "{guid}"')
+    if done != [{"affected": 1}]:
+        raise RuntimeError(f"moving the event {guid}: expected one row, got {done}")
 
 
 def _literal(value):
@@ -67,8 +72,7 @@ def make(folder, remindb):
     now = datetime.now(timezone.utc).replace(microsecond=0)
     plan = sample_plan.plan(read_events(remindb, file), now, _local)
     for guid, values in plan.changes.items():
-        assignments = ", ".join(f"{column} = {_literal(v)}" for column, v in values.items())
-        _sql(remindb, file, f'UPDATE Reminders SET {assignments} WHERE GUID = "{guid}"')
+        _change(remindb, file, guid, values)
     return plan.due
 
 

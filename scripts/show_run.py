@@ -56,6 +56,6 @@ def show(folder, build):
 if __name__ == "__main__":
     try:
         show(os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2]))
-    except (NotThere, Ended, OSError, subprocess.CalledProcessError) as failure:
+    except (NotThere, Ended, OSError, RuntimeError, subprocess.CalledProcessError) as failure:
         print(f"make run: nothing was notified: {failure}", file=sys.stderr)
         sys.exit(1)

