@@ -49,7 +49,7 @@ public:
     std::size_t count(const std::string& beginning) const {
         std::size_t n = 0;
         for (const std::string& call : calls) {
-            n += call.starts_with(beginning) ? 1 : 0;
+            n += call.starts_with(beginning) ? 1U : 0U;
         }
         return n;
     }
