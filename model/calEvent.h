@@ -184,6 +184,26 @@ public:
     /// A timed event that is not unscheduled.
     bool isScheduled() const { return !IsAllDayEvent && !IsUnScheduled; }
 
+    // ---- single columns of the event's row (calEventDatabase.cpp)
+
+    /// Each writes the property of its name into the row with the event's `GUID`, and nothing
+    /// without one. The property keeps its value whatever happened to the row. Returns the number
+    /// of rows written; why there is none `DBRemindUtils::LastError` tells.
+    std::int64_t SaveStatusDB(DBRemindUtils& db) const;
+    std::int64_t SaveNextReminderDB(DBRemindUtils& db) const;
+    std::int64_t SaveHiddenDB(DBRemindUtils& db) const;
+    std::int64_t SaveDismissedDB(DBRemindUtils& db) const;
+
+    /// Does nothing: the row is the host's to remove. Always false.
+    static bool DeleteDB() noexcept { return false; }
+
+    /// The statements of the writers above; empty without a `GUID`. Texts are not escaped: with a
+    /// double quote in it a statement is broken, and fails.
+    std::string StatusStatement() const;
+    std::string NextReminderStatement() const;
+    std::string HiddenStatement() const;
+    std::string DismissedStatement() const;
+
     // ---- occurrences (calEventRecurrence.cpp)
 
     /// Compiles `recurrence` into `RRULE`, `ExDates` and `RDates`; the series runs on the wall
