@@ -52,6 +52,10 @@ void checkFile(const std::filesystem::path& file, std::size_t atLeast) {
     }
 }
 
+TEST(RecurrenceCases, ConfirmedByTwoLibrariesHold) {
+    checkFile(test::repoFile("tests/data/recurrence/confirmed.jsonl"), 175);
+}
+
 TEST(RecurrenceCases, OfTheNeighbouringFolderHold) {
     const std::filesystem::path folder = test::sharedFolder();
     if (folder.empty()) {
