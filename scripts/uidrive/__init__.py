@@ -5,8 +5,8 @@ Reads widgets through the accessibility bus (AT-SPI), acts with real mouse and k
 and needs the system's python (/usr/bin/python3), which has the bindings.
 
 A "node" is an accessible object. Where something is looked for, `within` is a node, a window's
-title, or None for all windows. Names are compared without "&" and without a final ellipsis.
-Every wait is bounded and ends in `NotThere`.
+title, or None for all windows. Names are compared without "&", without a final ellipsis and
+without regard to case. Every wait is bounded and ends in `NotThere`.
 
     waiting   NotThere, wait_for, wait_gone
     tree      reading: windows, widgets, tabs, grids

@@ -38,7 +38,7 @@ def same(text, wanted):
     """`wanted`: a text, or a compiled pattern that is searched for."""
     if isinstance(wanted, re.Pattern):
         return bool(wanted.search(text or ""))
-    return plain(text) == plain(wanted)
+    return plain(text).casefold() == plain(wanted).casefold()
 
 
 def name(node):
