@@ -1,27 +1,11 @@
 #include "app/Module1.h"
 
-#include <cstdlib>
-#include <string_view>
-
 #include "app/DataFolders.h"
 #include "app/Files.h"
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
 
 namespace vl {
-
-namespace {
-
-bool isDevelopmentRun() {
-#ifdef NDEBUG
-    return false;
-#else
-    const char* wanted = std::getenv("VL_DEBUG");
-    return wanted != nullptr && std::string_view(wanted) == "1";
-#endif
-}
-
-}  // namespace
 
 Module1::Module1(const CommandLine& commandLine)
     : values(findData()),
