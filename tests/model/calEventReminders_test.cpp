@@ -37,7 +37,8 @@ std::vector<std::pair<std::string, std::int32_t>> listed(const calEvent& event) 
     return list;
 }
 
-// An instance at 10:00 with pop-ups at these offsets, in this order.
+// An instance at 10:00 with reminders at these offsets, in this order. Every other one is an
+// e-mail: nothing in the schedule asks for the method.
 calEvent withOffsets(const std::vector<std::int32_t>& offsets, DateTime start = at(10, 0)) {
     calEvent event;
     event.InstanceStart = start;
@@ -45,6 +46,7 @@ calEvent withOffsets(const std::vector<std::int32_t>& offsets, DateTime start = 
     for (const std::int32_t minutes : offsets) {
         auto reminder = std::make_shared<clsReminder>();
         reminder->Minutes = minutes;
+        reminder->Method = event.RemindersCol->Count() % 2 == 1 ? "email" : "popup";
         event.RemindersCol->Add(reminder);
     }
     return event;
@@ -242,6 +244,14 @@ TEST(Schedule, FindsTheFirstReminderAfterTheStart) {
     EXPECT_EQ(withOffsets({15, -5, -20}).FirstReminderAfterEventStart(), at(10, 5));
     EXPECT_TRUE(withOffsets({0, 15}).FirstReminderAfterEventStart().isZero()) << "0 is the start";
     EXPECT_EQ(withOffsets({-1}).FirstReminderAfterEventStart(), at(10, 1));
+}
+
+TEST(Schedule, OfAnAllDayEventCountsFromMidnight) {
+    calEvent event = withOffsets({360, -540}, at(0, 0));
+    event.IsAllDayEvent = true;
+    EXPECT_EQ(event.FirstReminderD(), at(18, 0, 0, 19));
+    EXPECT_EQ(event.NextReminderD(at(0, 0)), at(9, 0));
+    EXPECT_EQ(event.FirstReminderAfterEventStart(), at(9, 0));
 }
 
 TEST(Schedule, KeepsTheSecondsOfTheStart) {
