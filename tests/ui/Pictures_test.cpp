@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include "ui/Tones.h"
+#include "ui/TrayPictures.h"
+
+namespace vl {
+namespace {
+
+int differingPixels(const QImage& a, const QImage& b) {
+    int n = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            // By opacity alone: as a panel shows them that draws its icons in one colour.
+            n += std::abs(qAlpha(a.pixel(x, y)) - qAlpha(b.pixel(x, y))) > 128 ? 1 : 0;
+        }
+    }
+    return n;
+}
+
+TEST(TrayPictures, AreThereAtEverySizeAPanelAsksFor) {
+    const TrayPictures pictures;
+    for (const int size : {16, 22, 24, 32, 48, 64}) {
+        SCOPED_TRACE(size);
+        EXPECT_TRUE(pictures.Pic1.availableSizes().contains(QSize(size, size)));
+        EXPECT_TRUE(pictures.Pic2.availableSizes().contains(QSize(size, size)));
+    }
+}
+
+TEST(TrayPictures, DifferInOutline) {
+    const TrayPictures pictures;
+    for (const int size : {16, 22, 64}) {
+        SCOPED_TRACE(size);
+        const QImage plain = pictures.Pic1.pixmap(size).toImage();
+        const QImage dotted = pictures.Pic2.pixmap(size).toImage();
+        EXPECT_GE(differingPixels(plain, dotted), size * size / 20);
+    }
+}
+
+QPalette paletteOf(QRgb base, QRgb text, QRgb highlight) {
+    QPalette palette;
+    palette.setColor(QPalette::Base, QColor(base));
+    palette.setColor(QPalette::Text, QColor(text));
+    palette.setColor(QPalette::Highlight, QColor(highlight));
+    return palette;
+}
+
+TEST(Tones, CanBeReadOnAnyBase) {
+    const QPalette palettes[] = {
+        paletteOf(0xffffffff, 0xff000000, 0xff308cc6),
+        paletteOf(0xff1e1e1e, 0xfff0f0f0, 0xff2a82da),
+        paletteOf(0xff000000, 0xffffffff, 0xff000080),
+        paletteOf(0xffffffff, 0xff000000, 0xffffff00),
+    };
+    for (const QPalette& palette : palettes) {
+        const QColor base = palette.color(QPalette::Base);
+        SCOPED_TRACE(base.name().toStdString());
+        const Tones tones(palette);
+        EXPECT_GE(contrast(tones.accent, base), 4.5);
+        EXPECT_GE(contrast(tones.warm, base), 4.5);
+        EXPECT_GE(contrast(tones.dimmed, base), 3.0);
+        EXPECT_LT(contrast(tones.dimmed, base), contrast(palette.color(QPalette::Text), base));
+    }
+}
+
+TEST(Tones, ContrastIsThatOfTheStandard) {
+    EXPECT_NEAR(contrast(Qt::black, Qt::white), 21.0, 0.01);
+    EXPECT_NEAR(contrast(Qt::white, Qt::white), 1.0, 0.01);
+    EXPECT_NEAR(contrast(QColor(0x76, 0x76, 0x76), Qt::white), 4.54, 0.01);
+}
+
+}  // namespace
+}  // namespace vl

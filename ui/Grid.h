@@ -1,0 +1,80 @@
+// One of the window's three grids: rows, sorting, searching and painting in one widget.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <QTreeView>
+
+#include "ui/GridModel.h"
+#include "ui/GridProxy.h"
+
+namespace vl {
+
+/// Rows are keyed by GUID (without regard to case). A refill keeps what the user has selected, the
+/// current row, the place in the list and the focus; where the current row is gone, the one that
+/// took its place becomes current. Ten thousand rows are refilled and sorted in well under a
+/// quarter of a second.
+class Grid final : public QTreeView {
+    Q_OBJECT
+
+public:
+    /// `grid` is 0 new reminders, 1 all reminders, 2 events.
+    Grid(int grid, TimeText timeText, QWidget* parent = nullptr);
+
+    /// Widths and sorting as they are at first: by the reminder's time, or the event's date.
+    void InitGrid();
+    /// Sorts again by the column the grid remembers.
+    void DoSort();
+
+    void setRows(std::vector<GridRow> rows);
+    void putRow(GridRow row);
+    /// False when the GUID has no row.
+    bool updateRow(GridRow row);
+    bool RemoveGUID(std::string_view GUID);
+
+    /// Makes the row current, alone selected and visible. False when it is not shown.
+    bool SelectGUID(std::string_view GUID);
+    void selectFirst();
+    /// Of the selected rows, from top to bottom.
+    std::vector<std::string> SelectedGUIDs() const;
+    /// Null when no row is current.
+    const GridRow* currentRow() const;
+
+    void setNow(DateTime now) { model_.setNow(now); }
+    void setDismissedView(bool on);
+    void setSearch(const QString& search) { proxy_.setSearch(search); }
+    /// What an empty grid says.
+    void setEmptyText(const QString& text);
+    const QString& emptyText() const { return emptyText_; }
+
+    bool contains(std::string_view GUID) const { return model_.find(GUID).has_value(); }
+    std::size_t rowCount() const { return model_.rows().size(); }
+    /// Rows are there, but the search shows none of them.
+    bool allFilteredOut() const;
+    const GridModel& rows() const { return model_; }
+
+signals:
+    /// Another row is current, or the current row shows something else.
+    void currentRowChanged();
+    /// The number of rows has changed.
+    void countChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                     const QList<int>& roles) override;
+
+private:
+    struct Place;
+    Place place() const;
+    void restore(const Place& place);
+
+    GridModel model_;
+    GridProxy proxy_;
+    QString emptyText_;
+};
+
+}  // namespace vl

@@ -1,0 +1,44 @@
+// What one row of a grid shows.
+#pragma once
+
+#include <memory>
+
+#include <QString>
+
+#include "base/DateTime.h"
+#include "ui/Wording.h"
+
+namespace vl {
+
+class calEvent;
+
+/// A snapshot, taken from the event when the row is filled: both queries of the event sets write
+/// their working values into shared events, so what a row shows must not depend on them later.
+struct GridRow {
+    QString GUID;
+    QString summary;    ///< at most 50 UTF-16 units, on one line
+    QString detail;     ///< the second line, in parentheses; may be empty
+    DateTime due;       ///< what "Due" counts to: the reminder, or the event's start
+    DateTime reminder;  ///< 0 in the events grid
+    Span span;          ///< the occurrence shown
+    DateTime dismissed;
+    QString repeats;
+    QString location;
+    QString field;
+    QString source;
+    QString toolTip;
+    QString message;  ///< the line under the grids while this row is current
+
+    /// For what is done to the row; not shown, and left out of comparisons.
+    std::shared_ptr<calEvent> event;
+
+    bool isEvent() const { return reminder.isZero(); }
+};
+
+/// True when a reader could not tell the two apart.
+bool showsTheSame(const GridRow& a, const GridRow& b);
+
+/// "summary" cut to 50 UTF-16 units, its line breaks turned into blanks.
+QString rowSummary(std::string_view subject);
+
+}  // namespace vl
