@@ -40,9 +40,9 @@ Grid::Grid(int grid, TimeText timeText, QWidget* parent)
     setSortingEnabled(true);
     header()->setStretchLastSection(false);
     header()->setHighlightSections(false);
-    connect(&proxy_, &QAbstractItemModel::rowsInserted, this, &Grid::countChanged);
-    connect(&proxy_, &QAbstractItemModel::rowsRemoved, this, &Grid::countChanged);
-    connect(&proxy_, &QAbstractItemModel::modelReset, this, &Grid::countChanged);
+    connect(&model_, &QAbstractItemModel::rowsInserted, this, &Grid::countChanged);
+    connect(&model_, &QAbstractItemModel::rowsRemoved, this, &Grid::countChanged);
+    connect(&model_, &QAbstractItemModel::modelReset, this, &Grid::countChanged);
 }
 
 void Grid::InitGrid() {

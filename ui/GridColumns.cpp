@@ -28,12 +28,12 @@ QString subject(Row r, Context) {
 }
 
 QString due(Row r, Context c) {
-    return qtText(r.isEvent() ? eventDueText(r.span, c.now) : dueText(r.due, c.now));
+    return qtText(r.ofEvent ? eventDueText(r.span, c.now) : dueText(r.due, c.now));
 }
 
 SortKey dueKey(Row r, Context) { return inTime(r.due); }
 
-QString dueTip(Row r, Context c) { return fullMoment(r.due, !r.isEvent() || saysTime(r), c); }
+QString dueTip(Row r, Context c) { return fullMoment(r.due, !r.ofEvent || saysTime(r), c); }
 
 QString reminder(Row r, Context c) { return moment(r.reminder, true, c); }
 QString reminderTip(Row r, Context c) { return fullMoment(r.reminder, true, c); }
@@ -62,9 +62,9 @@ SortKey byText(Row r, Context) {
 }
 
 constexpr GridColumn kSubject{
-    CIDSubject, "Subject", "Subject", 34, subject, byText<&GridRow::summary>, nullptr};
-constexpr GridColumn kDue{CIDDue, "Due", "Due", 15, due, dueKey, dueTip};
-constexpr GridColumn kEventDate{CIDEventD, "Event Date", "Dismissed", 18,
+    CIDSubject, "Subject", "Subject", 36, subject, byText<&GridRow::summary>, nullptr};
+constexpr GridColumn kDue{CIDDue, "Due", "Due", 21, due, dueKey, dueTip};
+constexpr GridColumn kEventDate{CIDEventD, "Event Date", "Dismissed", 23,
                                 eventDate, eventDateKey, eventDateTip};
 constexpr GridColumn kRepeats{CIDRepeats,
                               "Repeats",
@@ -98,7 +98,7 @@ constexpr GridColumn kSource{CIDSource,
 constexpr GridColumn kReminderColumns[] = {
     kSubject,
     kDue,
-    {CIDReminderD, "Reminder", "Reminder", 18, reminder,
+    {CIDReminderD, "Reminder", "Reminder", 23, reminder,
      [](Row r, Context) { return inTime(r.reminder); }, reminderTip},
     kEventDate,
     kRepeats,
@@ -111,7 +111,7 @@ constexpr GridColumn kEventColumns[] = {
     kSubject,
     kDue,
     kEventDate,
-    {CIDEnds, "Ends", "Ends", 18, ends, [](Row r, Context) { return inTime(r.span.end); }, endsTip},
+    {CIDEnds, "Ends", "Ends", 23, ends, [](Row r, Context) { return inTime(r.span.end); }, endsTip},
     kRepeats,
     kLocation,
     kField,
@@ -134,7 +134,7 @@ int columnIndex(std::span<const GridColumn> columns, std::string_view id) {
 }
 
 DueState rowState(const GridRow& row, DateTime now) {
-    return row.isEvent() ? eventState(row.span, now) : dueState(row.due, now);
+    return row.ofEvent ? eventState(row.span, now) : dueState(row.due, now);
 }
 
 }  // namespace vl

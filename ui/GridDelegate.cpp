@@ -9,7 +9,6 @@ namespace vl {
 
 namespace {
 
-constexpr int kPadding = 6;     // left and right of a cell's text
 constexpr int kLineMargin = 4;  // above and below the two lines
 
 QFont smaller(const QFont& font) {
@@ -85,7 +84,8 @@ void GridDelegate::paintSubject(QPainter& painter, const QStyleOptionViewItem& c
     const QString detail = index.data(GridModel::DetailRole).toString();
     const QFont small = smaller(cell.font);
     const QFontMetrics smallMetrics(small);
-    const QRect area = cell.rect.adjusted(kPadding, 0, -kPadding, 0);
+    const int padding = 1 + QApplication::style()->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell);
+    const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
     const int height = cell.fontMetrics.height() + (detail.isEmpty() ? 0 : smallMetrics.height());
     const int top = area.top() + (area.height() - height) / 2;
     const int align = static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine;

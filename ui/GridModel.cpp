@@ -42,7 +42,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case DueStateRole:
             return static_cast<int>(rowState(row, context_.now));
         case OverdueRole:
-            return !row.isEvent();
+            return !row.ofEvent;
         case DismissedRole:
             return row.dismissed > DateTime();
         case SummaryRole:

@@ -15,7 +15,7 @@ constexpr std::size_t kSummaryUnits = 50;
 auto shown(const GridRow& r) {
     return std::tie(r.GUID, r.summary, r.detail, r.due, r.reminder, r.span.start, r.span.end,
                     r.span.allDay, r.dismissed, r.repeats, r.location, r.field, r.source, r.toolTip,
-                    r.message);
+                    r.ofEvent);
 }
 
 }  // namespace

@@ -16,23 +16,21 @@ class calEvent;
 /// their working values into shared events, so what a row shows must not depend on them later.
 struct GridRow {
     QString GUID;
-    QString summary;    ///< at most 50 UTF-16 units, on one line
-    QString detail;     ///< the second line, in parentheses; may be empty
-    DateTime due;       ///< what "Due" counts to: the reminder, or the event's start
-    DateTime reminder;  ///< 0 in the events grid
-    Span span;          ///< the occurrence shown
+    QString summary;       ///< at most 50 UTF-16 units, on one line
+    QString detail;        ///< the second line, in parentheses; may be empty
+    DateTime due;          ///< what "Due" counts to: the reminder, or the event's start
+    DateTime reminder;     ///< 0 in the events grid
+    bool ofEvent = false;  ///< a row of the events grid: it is never overdue
+    Span span;             ///< the occurrence shown
     DateTime dismissed;
     QString repeats;
     QString location;
     QString field;
     QString source;
     QString toolTip;
-    QString message;  ///< the line under the grids while this row is current
 
     /// For what is done to the row; not shown, and left out of comparisons.
     std::shared_ptr<calEvent> event;
-
-    bool isEvent() const { return reminder.isZero(); }
 };
 
 /// True when a reader could not tell the two apart.

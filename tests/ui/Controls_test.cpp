@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include "ui/Balloon.h"
+#include "ui/UpDown.h"
+
+namespace vl {
+namespace {
+
+TEST(UpDown, TellsEveryStep) {
+    UpDown updown;
+    updown.show();
+    QSignalSpy stepped(&updown, &UpDown::stepped);
+    QTest::keyClick(&updown, Qt::Key_Up);
+    QTest::keyClick(&updown, Qt::Key_Down);
+    ASSERT_EQ(stepped.count(), 2);
+    EXPECT_EQ(stepped.at(0).at(0).toInt(), 1);
+    EXPECT_EQ(stepped.at(1).at(0).toInt(), -1);
+}
+
+TEST(UpDown, WrapsAtBothEnds) {
+    EXPECT_EQ(wrapped(0, 17), 17);
+    EXPECT_EQ(wrapped(1, 17), 1);
+    EXPECT_EQ(wrapped(17, 17), 17);
+    EXPECT_EQ(wrapped(18, 17), 1);
+    EXPECT_EQ(wrapped(-4, 17), 17);
+}
+
+TEST(BalloonSeconds, AreWhole) {
+    EXPECT_EQ(balloonSeconds(5000), 5);
+    EXPECT_EQ(balloonSeconds(499), 0);
+    EXPECT_EQ(balloonSeconds(1500), 2);
+    EXPECT_EQ(balloonSeconds(2500), 2);
+}
+
+}  // namespace
+}  // namespace vl

@@ -1,0 +1,158 @@
+#include "ui/Toast.h"
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+namespace vl {
+namespace {
+
+TEST(ToastMarkup, ReadsOneLinkPerHyperlink) {
+    const QString markup =
+        "<Grid VerticalAlignment='Center'>    <Grid.ColumnDefinitions>        <ColumnDefinition/>"
+        "    </Grid.ColumnDefinitions>    <Grid.RowDefinitions>      <RowDefinition/>"
+        "    </Grid.RowDefinitions>"
+        "    <Border Grid.Column='0' Grid.Row='0'><TextBlock><Hyperlink Tag='1' "
+        "Click='MarkupHyperlinkClick'>Tom &amp; Ann &lt;b&gt; &apos;x&apos; &quot;y&quot;  5 "
+        "minutes "
+        "(14:30)</Hyperlink></TextBlock></Border>"
+        "    <Border Grid.Column='0' Grid.Row='1'><TextBlock><Hyperlink Tag='12' "
+        "Click='MarkupHyperlinkClick'>one<LineBreak/>two</Hyperlink></TextBlock></Border></Grid>";
+    const std::vector<ToastLink> expected{{1, "Tom & Ann <b> 'x' \"y\"  5 minutes (14:30)"},
+                                          {12, "one\ntwo"}};
+    EXPECT_EQ(readToastMarkup(markup), expected);
+}
+
+TEST(ToastMarkup, KeepsGoingWhereItCan) {
+    struct Case {
+        const char* markup;
+        int links;
+    };
+    static constexpr Case cases[] = {
+        {"", 0},
+        {"no markup", 0},
+        {"<Grid></Grid>", 0},
+        {"<Grid><Hyperlink Tag='1'></Hyperlink></Grid>", 1},  // empty, but it has its place
+        {"<Grid><Hyperlink Tag='1'>a</Hyperlink><Hyperlink Tag=", 1},  // torn
+        {"<Grid><Hyperlink Tag='1'>a", 0},
+        {"<Grid><Hyperlink Tag='1'>a & b</Hyperlink></Grid>", 0},  // not escaped
+        {"<Grid><Hyperlink Tag='1'>a\x01 b</Hyperlink></Grid>", 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.markup);
+        EXPECT_EQ(readToastMarkup(c.markup).size(), static_cast<std::size_t>(c.links));
+    }
+    EXPECT_EQ(readToastMarkup("<G><Hyperlink Tag='x'>a</Hyperlink></G>").at(0).tag, 0);
+}
+
+ToastContent withLinks(int n) {
+    ToastContent content;
+    content.title = "Reminders";
+    for (int i = 1; i <= n; ++i) {
+        content.links.push_back({i, QString("Reminder %1  15 minutes (14:30)").arg(i)});
+    }
+    return content;
+}
+
+class ToastTest : public testing::Test {
+protected:
+    // Labels of an earlier content wait for the event loop to be deleted.
+    QList<QLabel*> links() const {
+        QList<QLabel*> shown;
+        for (QLabel* label : toast.findChildren<QLabel*>()) {
+            if (label->objectName().startsWith("lblPopupLink") && label->isVisible()) {
+                shown << label;
+            }
+        }
+        return shown;
+    }
+
+    Toast toast{QIcon()};
+    QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+};
+
+TEST_F(ToastTest, StandsInTheCornerAndLeavesTheFocusAlone) {
+    toast.present(withLinks(2), QPoint(-1, -1));
+    EXPECT_TRUE(toast.isVisible());
+    EXPECT_EQ(toast.width(), 300);
+    EXPECT_TRUE(screen.contains(toast.geometry()));
+    EXPECT_LT(screen.right() - toast.geometry().right(), 20);
+    EXPECT_LT(screen.bottom() - toast.geometry().bottom(), 20);
+    EXPECT_TRUE(toast.testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(toast.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+    EXPECT_TRUE(toast.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+TEST_F(ToastTest, GrowsWithItsContentUpToTheScreen) {
+    toast.present(withLinks(1), {});
+    const int one = toast.height();
+    toast.present(withLinks(5), {});
+    EXPECT_GT(toast.height(), one);
+    toast.present(withLinks(100), {});
+    EXPECT_TRUE(screen.contains(toast.geometry()));
+    QScrollBar* bar = toast.findChild<QScrollArea*>()->verticalScrollBar();
+    EXPECT_TRUE(QTest::qWaitFor([bar] { return bar->maximum() > 0; }));
+    EXPECT_EQ(links().size(), 100);
+    toast.present(withLinks(1), {});
+    EXPECT_EQ(toast.height(), one);
+}
+
+TEST_F(ToastTest, ShowsATextOfItsOwnInsteadOfLinks) {
+    ToastContent content = withLinks(3);
+    content.text = "Not yet";
+    content.width = 250;
+    toast.present(content, {});
+    EXPECT_EQ(toast.width(), 250);
+    EXPECT_TRUE(links().isEmpty());
+    ASSERT_NE(toast.findChild<QLabel*>("lblPopupText"), nullptr);
+    EXPECT_EQ(toast.findChild<QLabel*>("lblPopupText")->text(), "Not yet");
+}
+
+TEST_F(ToastTest, TellsTheTagOfAClickedLink) {
+    toast.present(withLinks(3), {});
+    QSignalSpy clicked(&toast, &Toast::linkClicked);
+    QLabel* second = toast.findChild<QLabel*>("lblPopupLink2");
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->accessibleName(), "Reminder 2  15 minutes (14:30)");
+    QTest::mouseClick(second, Qt::LeftButton, {}, QPoint(10, second->height() / 2));
+    ASSERT_EQ(clicked.count(), 1);
+    EXPECT_EQ(clicked.at(0).at(0).toInt(), 2);
+}
+
+TEST_F(ToastTest, TextIsNeverMarkup) {
+    ToastContent content;
+    content.title = "<b>title</b>";
+    content.links = {{1, "<i>x</i> & y"}};
+    toast.present(content, {});
+    EXPECT_EQ(toast.findChild<QLabel*>("lblPopupTitle")->textFormat(), Qt::PlainText);
+    EXPECT_TRUE(links().at(0)->text().contains("&lt;i&gt;x&lt;/i&gt; &amp; y"));
+}
+
+TEST_F(ToastTest, StaysWithoutADelayAndGoesWithOne) {
+    QSignalSpy closed(&toast, &Toast::closed);
+    toast.present(withLinks(1), {});
+    EXPECT_FALSE(closed.wait(60));
+    ToastContent brief = withLinks(1);
+    brief.delay = std::chrono::milliseconds(20);
+    toast.present(brief, {});
+    EXPECT_TRUE(closed.wait(5000));
+    EXPECT_EQ(closed.count(), 1);
+}
+
+TEST_F(ToastTest, TheCrossCloses) {
+    toast.present(withLinks(1), {});
+    QSignalSpy closed(&toast, &Toast::closed);
+    QTest::mouseClick(toast.findChild<QToolButton*>("butPopupClose"), Qt::LeftButton);
+    EXPECT_EQ(closed.count(), 1);
+}
+
+}  // namespace
+}  // namespace vl

@@ -1,0 +1,37 @@
+#include "ui/FormFont.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QPushButton>
+
+namespace vl {
+
+namespace {
+
+bool isOfAGrid(const QWidget* control) {
+    for (; control; control = control->parentWidget()) {
+        if (qobject_cast<const QAbstractItemView*>(control)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void applyFormFont(QWidget& form) {
+    for (QWidget* control : form.findChildren<QWidget*>()) {
+        if (isOfAGrid(control)) {
+            continue;
+        }
+        QFont font = control->font();
+        font.setFamily("Arial");
+        font.setPointSizeF(QApplication::font().pointSizeF());
+        control->setFont(font);
+        if (auto* button = qobject_cast<QPushButton*>(control); button && button->text() == "&OK") {
+            button->setDefault(true);
+        }
+    }
+}
+
+}  // namespace vl

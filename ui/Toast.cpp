@@ -1,0 +1,229 @@
+#include "ui/Toast.h"
+
+#include <algorithm>
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLabel>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "ui/Tones.h"
+
+namespace vl {
+
+namespace {
+
+constexpr int kMargin = 12;    // around the body's lines
+constexpr int kFromEdge = 10;  // from the edges of the screen
+constexpr int kPictureSize = 16;
+
+// The label would take the application's link colour, which a light palette leaves at pure blue.
+QString linkHtml(const ToastLink& link, const QColor& colour) {
+    QString text = link.text.toHtmlEscaped();
+    text.replace(u'\n', QStringLiteral("<br>"));
+    return QStringLiteral(
+               "<a href=\"%1\" style=\"text-decoration:none; color:%2; "
+               "white-space:pre-wrap\">%3</a>")
+        .arg(QString::number(link.tag), colour.name(), text);
+}
+
+// A cross in the colour of the text: the style's own cannot be seen on a dark band.
+QIcon crossIcon(const QColor& colour, qreal ratio) {
+    QPixmap pixmap(QSize(kPictureSize, kPictureSize) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour, 1.6, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(4.5, 4.5), QPointF(11.5, 11.5));
+    painter.drawLine(QPointF(11.5, 4.5), QPointF(4.5, 11.5));
+    return pixmap;
+}
+
+}  // namespace
+
+Toast::Toast(const QIcon& picture, QWidget* parent)
+    : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                          Qt::WindowDoesNotAcceptFocus) {
+    setObjectName("Popup1");
+    setWindowTitle(tr("Reminders"));
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+    body_ = new QWidget;
+    lines_ = new QVBoxLayout(body_);
+    lines_->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    lines_->setSpacing(8);
+    scroll_ = new QScrollArea(this);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setWidgetResizable(true);
+    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    scroll_->setWidget(body_);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(1, 1, 1, 1);  // the edge
+    all->setSpacing(0);
+    all->addWidget(makeBand(picture));
+    all->addWidget(scroll_, 1);
+    wait_.setSingleShot(true);
+    connect(&wait_, &QTimer::timeout, this, &Toast::closed);
+    applyTones();
+}
+
+QWidget* Toast::makeBand(const QIcon& picture) {
+    band_ = new QWidget(this);
+    band_->setAutoFillBackground(true);
+    auto* bell = new QLabel(band_);
+    bell->setPixmap(picture.pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatio()));
+    title_ = new QLabel(band_);
+    title_->setObjectName("lblPopupTitle");
+    title_->setTextFormat(Qt::PlainText);
+    title_->setWordWrap(true);
+    QFont bold = title_->font();
+    bold.setBold(true);
+    title_->setFont(bold);
+    close_ = new QToolButton(band_);
+    close_->setObjectName("butPopupClose");
+    close_->setAccessibleName(tr("Close"));
+    close_->setToolTip(tr("Close"));
+    close_->setAutoRaise(true);
+    close_->setFocusPolicy(Qt::NoFocus);
+    close_->setIconSize(QSize(kPictureSize, kPictureSize));
+    connect(close_, &QToolButton::clicked, this, &Toast::closed);
+    auto* row = new QHBoxLayout(band_);
+    row->setContentsMargins(kMargin, 6, 6, 6);
+    row->setSpacing(8);
+    row->addWidget(bell, 0, Qt::AlignVCenter);
+    row->addWidget(title_, 1);
+    row->addWidget(close_, 0, Qt::AlignTop);
+    return band_;
+}
+
+void Toast::applyTones() {
+    const QPalette own = palette();
+    QPalette body = own;
+    body.setColor(QPalette::Window, own.color(QPalette::Base));
+    body.setColor(QPalette::WindowText, own.color(QPalette::Text));
+    scroll_->setPalette(body);
+    body_->setPalette(body);
+    QPalette band = body;
+    band.setColor(QPalette::Window,
+                  mixed(own.color(QPalette::Highlight), own.color(QPalette::Base), 0.16));
+    band_->setPalette(band);
+    title_->setPalette(band);
+    close_->setIcon(crossIcon(own.color(QPalette::Text), devicePixelRatio()));
+}
+
+void Toast::present(const ToastContent& content, QPoint near) {
+    setUpdatesEnabled(false);
+    content_ = content;
+    title_->setText(content.title);
+    fillBody();
+    setWindowOpacity(std::clamp(content.opacity, 0.2, 1.0));
+    place(content.width, near);
+    scroll_->verticalScrollBar()->setValue(0);
+    setUpdatesEnabled(true);
+    show();
+    raise();
+    startWaiting();
+}
+
+void Toast::fillBody() {
+    // A link may just be telling us that it was clicked.
+    while (QLayoutItem* item = lines_->takeAt(0)) {
+        if (QWidget* label = item->widget()) {
+            label->hide();
+            label->deleteLater();
+        }
+        delete item;
+    }
+    const QColor colour = Tones(palette()).accent;
+    if (!content_.text.isEmpty()) {
+        auto* label = new QLabel(body_);
+        label->setObjectName("lblPopupText");
+        label->setTextFormat(Qt::PlainText);
+        label->setText(content_.text);
+        addLine(label, content_.bold);
+    } else {
+        for (const ToastLink& link : content_.links) {
+            auto* label = new QLabel(body_);
+            label->setObjectName("lblPopupLink" + QString::number(link.tag));
+            label->setTextFormat(Qt::RichText);
+            label->setText(linkHtml(link, colour));
+            label->setAccessibleName(link.text);
+            label->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+            connect(label, &QLabel::linkActivated, this,
+                    [this](const QString& tag) { emit linkClicked(tag.toInt()); });
+            addLine(label, content_.bold);
+        }
+    }
+}
+
+void Toast::addLine(QLabel* label, bool bold) {
+    QFont font = label->font();
+    font.setBold(bold);
+    label->setFont(font);
+    label->setPalette(body_->palette());
+    label->setWordWrap(true);
+    lines_->addWidget(label);
+    label->show();
+}
+
+void Toast::place(int width, QPoint near) {
+    const QScreen* screen = QGuiApplication::screenAt(near);
+    if (!screen) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    const QRect free =
+        screen->availableGeometry().adjusted(kFromEdge, kFromEdge, -kFromEdge, -kFromEdge);
+    const int w = std::min(width, free.width());
+    ensurePolished();
+    band_->layout()->invalidate();
+    lines_->invalidate();
+    const int content =
+        band_->layout()->totalHeightForWidth(w - 2) + lines_->totalHeightForWidth(w - 2) + 2;
+    const int h = std::min(content, free.height());
+    setFixedSize(w, h);
+    move(free.right() + 1 - w, free.bottom() + 1 - h);
+}
+
+void Toast::startWaiting() {
+    if (content_.delay) {
+        wait_.start(*content_.delay);
+    } else {
+        wait_.stop();
+    }
+}
+
+void Toast::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Base));
+    painter.setPen(mixed(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.3));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void Toast::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && lines_) {
+        applyTones();
+        fillBody();
+    }
+}
+
+void Toast::enterEvent(QEnterEvent* event) {
+    QWidget::enterEvent(event);
+    wait_.stop();
+}
+
+void Toast::leaveEvent(QEvent* event) {
+    QWidget::leaveEvent(event);
+    if (isVisible()) {
+        startWaiting();
+    }
+}
+
+}  // namespace vl

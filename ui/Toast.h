@@ -1,0 +1,71 @@
+// The pop-up in the corner of the screen.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include <QTimer>
+#include <QWidget>
+
+#include "ui/ToastMarkup.h"
+
+class QLabel;
+class QScrollArea;
+class QToolButton;
+class QVBoxLayout;
+
+namespace vl {
+
+struct ToastContent {
+    QString title;                 ///< bold, in a band above the body
+    QString text;                  ///< a text of its own, shown instead of the links
+    std::vector<ToastLink> links;  ///< one a line
+    bool bold = false;             ///< the body's font
+    int width = 300;
+    double opacity = 1.0;
+    std::optional<std::chrono::milliseconds> delay;  ///< none: stays until closed
+};
+
+/// Lies above other windows and never takes the focus. Grows with its content up to the height of
+/// the screen and scrolls beyond. It does not go away while the mouse rests on it.
+class Toast final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Toast(const QIcon& picture, QWidget* parent = nullptr);
+
+    /// Shows it in the lower right corner of the screen that holds `near` (the primary one when
+    /// `near` is on none). A toast that is open changes its content where it stands.
+    void present(const ToastContent& content, QPoint near);
+
+signals:
+    void linkClicked(int tag);
+    /// The user has closed it, or its time is over.
+    void closed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    QWidget* makeBand(const QIcon& picture);
+    void applyTones();
+    void fillBody();
+    void addLine(QLabel* label, bool bold);
+    void place(int width, QPoint near);
+    void startWaiting();
+
+    QWidget* band_ = nullptr;
+    QLabel* title_ = nullptr;
+    QScrollArea* scroll_ = nullptr;
+    QWidget* body_ = nullptr;
+    QVBoxLayout* lines_ = nullptr;
+    QToolButton* close_ = nullptr;
+    ToastContent content_;
+    QTimer wait_;
+};
+
+}  // namespace vl

@@ -1,0 +1,31 @@
+#include "ui/UpDown.h"
+
+#include <QLineEdit>
+#include <QStyleOptionSpinBox>
+
+namespace vl {
+
+UpDown::UpDown(QWidget* parent) : QAbstractSpinBox(parent) {
+    lineEdit()->setReadOnly(true);
+    lineEdit()->hide();
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize UpDown::sizeHint() const {
+    QStyleOptionSpinBox option;
+    initStyleOption(&option);
+    option.rect = QRect(0, 0, 100, QAbstractSpinBox::sizeHint().height());
+    const QRect arrow =
+        style()->subControlRect(QStyle::CC_SpinBox, &option, QStyle::SC_SpinBoxUp, this);
+    return {arrow.width() + 4, option.rect.height()};
+}
+
+int wrapped(int position, int count) {
+    if (position < 1) {
+        return count;
+    }
+    return position > count ? 1 : position;
+}
+
+}  // namespace vl
