@@ -8,6 +8,7 @@ namespace vl {
 
 namespace {
 
+// A grid is left alone; it follows the tab it stands on.
 bool isOfAGrid(const QWidget* control) {
     for (; control; control = control->parentWidget()) {
         if (qobject_cast<const QAbstractItemView*>(control)) {

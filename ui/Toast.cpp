@@ -54,6 +54,7 @@ Toast::Toast(const QIcon& picture, QWidget* parent)
     setWindowTitle(tr("Reminders"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_AlwaysShowToolTips);
+    QWidget* band = makeBand(picture);  // first: who hears it read hears the title first
     body_ = new QWidget;
     lines_ = new QVBoxLayout(body_);
     lines_->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
@@ -67,7 +68,7 @@ Toast::Toast(const QIcon& picture, QWidget* parent)
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(1, 1, 1, 1);  // the edge
     all->setSpacing(0);
-    all->addWidget(makeBand(picture));
+    all->addWidget(band);
     all->addWidget(scroll_, 1);
     wait_.setSingleShot(true);
     connect(&wait_, &QTimer::timeout, this, &Toast::closed);

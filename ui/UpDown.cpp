@@ -8,6 +8,7 @@ namespace vl {
 UpDown::UpDown(QWidget* parent) : QAbstractSpinBox(parent) {
     lineEdit()->setReadOnly(true);
     lineEdit()->hide();
+    setFrame(false);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }

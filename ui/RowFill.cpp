@@ -1,0 +1,84 @@
+#include "ui/RowFill.h"
+
+#include "base/ErrorState.h"
+#include "events/GenCollection.h"
+#include "notify/ReminderScreen.h"
+#include "ui/QtText.h"
+
+namespace vl {
+
+namespace {
+
+// The events of a series are as long as the first one.
+Span spanAt(const calEvent& event, DateTime start) {
+    const auto length = event.EndDateTime.milliseconds() - event.StartDateTime.milliseconds();
+    const auto end = DateTime::fromMilliseconds(start.milliseconds() + (length > 0 ? length : 0));
+    return {start, end, event.IsAllDayEvent};
+}
+
+// Of a path as either system writes it.
+QString fileName(std::string_view path) {
+    return qtText(path.substr(path.find_last_of("\\/") + 1));
+}
+
+std::string inParentheses(const std::string& text) {
+    return text.empty() ? text : '(' + text + ')';
+}
+
+}  // namespace
+
+RowOccurrence recordedOccurrence(const calEvent& event) {
+    const DateTime start = event.InstanceStart.isZero() ? event.StartDateTime : event.InstanceStart;
+    return {start, event.RecordedReminderD()};
+}
+
+RowOccurrence nearestOccurrence(calEvent& event, DateTime now) {
+    const ErrScope scope;
+    DateTime start = event.StartDateTime;
+    if (event.IsRepeating()) {
+        attempt([&] {
+            const DateTime next = event.NextInstance(now);
+            start = next.isZero() ? event.LastInstance() : next;
+        });
+    }
+    event.InstanceStart = start;
+    DateTime reminder = event.NextReminderD(now);
+    if (reminder.isZero() && event.RemindersCol && event.RemindersCol->Count() > 0) {
+        reminder = event.FirstReminderD();
+    }
+    return {start, reminder};
+}
+
+GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,
+              const TimeText& time) {
+    const ErrScope scope;
+    GridRow row;
+    row.event = event;
+    row.GUID = qtText(event->GUID);
+    row.summary = rowSummary(event->Summary());
+    row.span = spanAt(*event, occurrence.start);
+    row.ofEvent = grid == kEventsGrid;
+    row.reminder = row.ofEvent ? DateTime() : occurrence.reminder;
+    row.due = row.ofEvent ? occurrence.start : occurrence.reminder;
+    row.dismissed = event->Dismissed;
+    row.location = qtText(event->Location).simplified();
+    row.field = qtText(event->FieldName);
+    row.source = fileName(event->VLBase);
+    attempt([&] {
+        row.detail =
+            qtText(inParentheses(row.ofEvent ? durationText(row.span) : event->ReminderText()));
+    });
+    attempt([&] { row.repeats = qtText(event->RecurrenceInWords()); });
+    attempt([&] { row.toolTip = qtText(event->ToolTip(occurrence.start, wordsOf(time))); });
+    return row;
+}
+
+DateWords wordsOf(const TimeText& time) {
+    return {[](DateTime d) { return fullMomentText(d, false, {}); }, time};
+}
+
+DateWords wordsOf(const TimeText& time, DateTime now) {
+    return {[now](DateTime d) { return dayText(d, now); }, time};
+}
+
+}  // namespace vl

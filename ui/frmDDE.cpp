@@ -1,0 +1,203 @@
+#include "ui/frmDDE.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTabWidget>
+
+#include "app/TimeText.h"
+#include "base/ErrorState.h"
+#include "ui/UpDown.h"
+
+namespace vl {
+
+namespace {
+
+struct Tab {
+    const char* caption;
+    const char* gridName;
+    const char* accessibleName;
+};
+
+constexpr std::array<Tab, kGridCount> kTabs{{
+    {"&New Reminders", "G0", "New Reminders"},
+    {"&All Reminders", "G1", "All Reminders"},
+    {"&Events", "G2", "Events"},
+}};
+
+// Named and described in one place: tests, screen readers and drivers go by these.
+// A control that shows a text of its own is known by that to who cannot see it.
+template <class Control>
+Control* named(Control* control, const char* name, const char* accessibleName = nullptr) {
+    control->setObjectName(name);
+    if (accessibleName) {
+        control->setAccessibleName(QObject::tr(accessibleName));
+    }
+    return control;
+}
+
+}  // namespace
+
+frmDDE::frmDDE(const WindowParts& parts)
+    : parts_(parts),
+      state_(parts.state),
+      check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this),
+      update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
+      tray_(pictures_, parts.state),
+      popup_(pictures_.Pic2),
+      timeText_([](DateTime d) { return shortTimeText(d); }) {
+    build();
+    wire();
+    wireTray();
+}
+
+frmDDE::~frmDDE() = default;
+
+void frmDDE::build() {
+    setObjectName("frmDDE");
+    setWindowTitle(tr("VL Reminders"));
+    setWindowIcon(pictures_.Pic1);
+    auto* lblPeriod = new QLabel(tr("&Period"), this);
+    lblPeriod->setObjectName("lblPeriod");
+    cboPeriod = named(new QComboBox(this), "cboPeriod", "Period");
+    cboPeriod->setMaxVisibleItems(20);
+    lblPeriod->setBuddy(cboPeriod);
+    UpDown1 = named(new UpDown(this), "UpDown1", "Step through the periods");
+    txtSearch = named(new QLineEdit(this), "txtSearch", "Search subject and location");
+    txtSearch->setPlaceholderText(tr("Search..."));
+    txtSearch->setClearButtonEnabled(true);
+    txtSearch->setMaximumWidth(260);
+    lblTime = named(new QLabel(this), "lblTime");
+    tabs = named(new QTabWidget(this), "tabs", "Lists");
+    for (int i = 0; i < kGridCount; ++i) {
+        const Tab& tab = kTabs[static_cast<std::size_t>(i)];
+        grids_[static_cast<std::size_t>(i)] =
+            named(new Grid(i, timeText_, tabs), tab.gridName, tab.accessibleName);
+        tabs->addTab(&grid(i), tr(tab.caption));
+    }
+    lblStatus = named(new QLabel(this), "lblStatus");
+    lblStatus->setTextFormat(Qt::PlainText);
+    // A long line is cut by the window; it must not widen it.
+    lblStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    butHide = named(new QPushButton(tr("&Hide"), this), "butHide");
+    butHide->setToolTip(tr("Hide the window; reminders still come"));
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(lblPeriod);
+    top->addWidget(cboPeriod);
+    top->addWidget(UpDown1);
+    top->addStretch(1);
+    top->addWidget(txtSearch, 2);
+    top->addStretch(1);
+    top->addWidget(lblTime);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(butHide);
+    auto* all = new QVBoxLayout(this);
+    all->addLayout(top);
+    all->addWidget(tabs, 1);
+    all->addWidget(lblStatus);
+    all->addLayout(buttons);
+}
+
+void frmDDE::wire() {
+    for (QTimer* timer : {&TimerCheck, &TimerUpdate}) {
+        timer->setTimerType(Qt::CoarseTimer);
+    }
+    connect(&TimerCheck, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
+    connect(&TimerUpdate, &QTimer::timeout, this, &frmDDE::TimerUpdate_Tick);
+    connect(&TimerFlash, &QTimer::timeout, this, &frmDDE::TimerFlash_Tick);
+
+    connect(cboPeriod, &QComboBox::currentIndexChanged, this, &frmDDE::cboPeriod_Changed);
+    connect(UpDown1, &UpDown::stepped, this, &frmDDE::DoUD);
+    connect(tabs, &QTabWidget::currentChanged, this, &frmDDE::tabs_Changed);
+    connect(txtSearch, &QLineEdit::textChanged, this, &frmDDE::txtSearch_Changed);
+    connect(butHide, &QPushButton::clicked, this, &frmDDE::HideMe);
+    for (Grid* each : grids_) {
+        connect(each, &Grid::currentRowChanged, this, &frmDDE::currentRowChanged);
+        connect(each, &Grid::countChanged, this, &frmDDE::UpdateUI);
+    }
+    const auto* toSearch = new QShortcut(QKeySequence::Find, this);
+    connect(toSearch, &QShortcut::activated, txtSearch, [this] { txtSearch->setFocus(); });
+    const auto* clearSearch =
+        new QShortcut(Qt::Key_Escape, txtSearch, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(clearSearch, &QShortcut::activated, txtSearch, &QLineEdit::clear);
+}
+
+void frmDDE::wireTray() {
+    connect(&tray_, &Tray::clicked, this, &frmDDE::Tray_Click);
+    connect(&tray_, &Tray::balloonClicked, this, [this] { showWindow(); });
+    connect(&tray_, &Tray::menuOpening, this, &frmDDE::mnuTray_Opening);
+    connect(&tray_, &Tray::showHide, this, &frmDDE::ShowHide);
+    connect(&tray_, &Tray::mute, this,
+            [this] { changeSetting([](ReminderState& s) { s.bMuted = !s.bMuted; }); });
+    connect(&tray_, &Tray::silent, this,
+            [this] { changeSetting([](ReminderState& s) { s.bSilent = !s.bSilent; }); });
+    connect(&tray_, &Tray::notifType, this, [this](const QString& letter) {
+        changeSetting([&letter](ReminderState& s) { s.sNotifType = letter.toStdString(); });
+    });
+    connect(&tray_, &Tray::onTop, this, [this] {
+        state_.bOnTop = !state_.bOnTop;
+        SetOnTop();
+        SaveSettings();
+    });
+    connect(&tray_, &Tray::refresh, this, &frmDDE::mnuRefresh_Click);
+    connect(&tray_, &Tray::exit, this, &frmDDE::Exit);
+    connect(&popup_, &Toast::linkClicked, this, &frmDDE::MarkupHyperlinkClick);
+    connect(&popup_, &Toast::closed, this, &frmDDE::HidePopUp);
+}
+
+void frmDDE::TimerCheck_Tick() {
+    check_.Tick(TimerCheck.interval());
+    if (!isVisible()) {
+        TimerUpdate_Tick();
+    }
+}
+
+// Hidden, there is no clock to show and no row to age: it then runs with each check.
+void frmDDE::TimerUpdate_Tick() {
+    update_.Tick();
+    if (!isVisible()) {
+        TimerUpdate.stop();
+    }
+}
+
+void frmDDE::TimerFlash_Tick() {
+    if (grid(kNewRemindersGrid).rowCount() == 0) {
+        TimerFlash.stop();
+        SetFlashingIcon(false);
+        return;
+    }
+    flashOn_ = !flashOn_;
+    SetFlashingIcon(flashOn_);
+}
+
+void frmDDE::closeEvent(QCloseEvent* event) {
+    if (exiting_) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    HideMe();
+}
+
+void frmDDE::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!event->spontaneous() && !loading_) {
+        TimerUpdate.start();
+        TimerUpdate_Tick();
+    }
+}
+
+void frmDDE::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (!event->spontaneous() && !exiting_) {
+        TimerUpdate_Tick();
+    }
+}
+
+}  // namespace vl

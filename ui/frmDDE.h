@@ -1,0 +1,188 @@
+// The main window: period list, three grids, status line.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <QStringList>
+#include <QTimer>
+#include <QWidget>
+
+#include "base/Clock.h"
+#include "events/CalEvents.h"
+#include "notify/CheckCycle.h"
+#include "notify/ReminderScreen.h"
+#include "notify/ReminderState.h"
+#include "notify/UpdateCycle.h"
+#include "ui/Grid.h"
+#include "ui/RowFill.h"
+#include "ui/Toast.h"
+#include "ui/Tray.h"
+#include "ui/TrayPictures.h"
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTabWidget;
+
+namespace vl {
+
+class Settings;
+class SoundPlayer;
+class UpDown;
+
+/// What the window works with. All of it must outlive the window.
+struct WindowParts {
+    CalEvents& reminders;  ///< the set that the checks read and ask
+    CalEvents& period;     ///< the set behind the views
+    DBRemindUtils& db;
+    Settings& settings;
+    const Clock& clock;
+    ReminderState& state;
+    SoundPlayer& sound;
+    bool DebugMode = false;
+    /// Whether the desktop shows tray icons. Without one the window is never hidden beyond reach.
+    std::function<bool()> hasTray = &Tray::isThere;
+};
+
+/// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. The window
+/// wires and shows; what is decided is decided below it. Slots and the screen's methods are
+/// procedures: nothing is thrown out of them.
+class frmDDE final : public QWidget, public ReminderScreen {
+    Q_OBJECT
+
+public:
+    explicit frmDDE(const WindowParts& parts);
+    ~frmDDE() override;
+
+    /// The load handler: settings, period list, events, timers. The first check runs as soon as
+    /// the event loop does. Call it once; the window stays hidden.
+    void Load();
+
+    /// Writes placement and settings, in the order of the settings' table.
+    void SaveSettings();
+    /// Closes the pop-up, hides the window and saves. Without a tray it is minimized instead.
+    void HideMe();
+    /// Closes the pop-up and notes when.
+    void HidePopUp();
+    /// Visible or not; saves nothing.
+    void ShowHide();
+    /// Saves, then ends the event loop.
+    void Exit();
+    /// The text of the tray's tooltip, which it also sets.
+    QString GetIconText();
+    /// Puts `bOnTop` into effect; window, place and focus stay.
+    void SetOnTop();
+    /// Makes the row current and visible in the grid of the selected tab.
+    bool SelectGUID(std::string_view GUID);
+
+    // ReminderScreen
+    void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
+    void UpdateItemR(const std::shared_ptr<calEvent>& event, int grid) override;
+    void RemoveGUID(std::string_view GUID, int grid) override;
+    void FirstNewRowCurrent() override;
+    void ShowNewReminders(std::string_view GUID) override;
+    void ShowPopUp(const PopUpRequest& request) override;
+    void ShowSystem(const std::string& title, const std::string& text, int timeoutMs) override;
+    void PlayReminderSound() override;
+    void DoPeriod() override;
+    void SetIcon() override;
+    void ShowTime() override;
+    void UpdateUI() override;
+    void UpdateG1() override;
+    bool GetHasFocus() const override;
+    bool IsWindowVisible() const override;
+    int CheckInterval() const override;
+    void SetCheckInterval(int milliseconds) override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private slots:
+    void TimerCheck_Tick();
+    void TimerUpdate_Tick();
+    void TimerFlash_Tick();
+    void cboPeriod_Changed(int index);
+    void DoUD(int steps);
+    void tabs_Changed();
+    void txtSearch_Changed(const QString& search);
+    void currentRowChanged();
+    void Tray_Click();
+    void mnuTray_Opening();
+    void MarkupHyperlinkClick(int tag);
+    void mnuRefresh_Click();
+    void lookForTray();
+
+private:
+    // building (frmDDE.cpp)
+    void build();
+    void wire();
+    void wireTray();
+
+    // the load handler's steps (frmDDELoad.cpp)
+    void placeWindow();
+    void readSettings();
+    void rememberCaptions();
+    void readPeriodSettings();
+    void fillPeriods();
+    void readEvents();
+    void startTimers();
+    void selectSavedPeriod();
+    double setting(const char* section, const char* key, double byDefault) const;
+
+    // views (frmDDEViews.cpp)
+    void ShowPeriod();
+    void DoPeriodSS();
+    void DoShowHidden();
+    std::vector<GridRow> rowsOf(const GenCollection& events, int grid) const;
+    bool isListed(const calEvent& event) const;
+    Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
+    Grid& selectedGrid() const;
+    void showCaptions();
+    void showEmptyTexts();
+    void showStatus();
+
+    // showing (frmDDEShow.cpp)
+    void showWindow();
+    void hideWindow();
+    void keepPlace();
+    QPoint nearTray() const;
+    void SetFlashingIcon(bool on);
+    void changeSetting(const std::function<void(ReminderState&)>& change);
+
+    WindowParts parts_;
+    ReminderState& state_;
+    TrayPictures pictures_;  // Pic1, Pic2
+    CheckCycle check_;
+    UpdateCycle update_;
+    Tray tray_;
+    Toast popup_;
+    QTimer TimerCheck;
+    QTimer TimerUpdate;
+    QTimer TimerFlash;
+    TimeText timeText_;
+
+    QComboBox* cboPeriod = nullptr;
+    UpDown* UpDown1 = nullptr;
+    QLineEdit* txtSearch = nullptr;
+    QLabel* lblTime = nullptr;
+    QTabWidget* tabs = nullptr;
+    QLabel* lblStatus = nullptr;
+    QPushButton* butHide = nullptr;
+    std::array<Grid*, kGridCount> grids_{};
+
+    QStringList captions_;  // of the tabs, without counts
+    bool loading_ = false;
+    bool exiting_ = false;
+    bool flashOn_ = false;
+    bool noTray_ = false;  // what the status line says instead of the current row
+};
+
+}  // namespace vl

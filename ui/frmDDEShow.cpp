@@ -1,0 +1,204 @@
+// Showing and hiding: the window, the pop-up, the tray icon; and what the menu does.
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QTabWidget>
+#include <QWindow>
+
+#include "app/Sound.h"
+#include "base/ErrorState.h"
+#include "notify/PopUpMarkup.h"
+#include "notify/TrayText.h"
+#include "ui/QtText.h"
+#include "ui/frmDDE.h"
+
+namespace vl {
+
+void frmDDE::ShowNewReminders(std::string_view GUID) {
+    showWindow();
+    tabs->setCurrentIndex(kNewRemindersGrid);
+    grid(kNewRemindersGrid).scrollToTop();
+    grid(kNewRemindersGrid).setFocus();
+    SelectGUID(GUID);
+}
+
+void frmDDE::showWindow() {
+    keepPlace();
+    if (!isVisible()) {
+        selectedGrid().setFocus();
+    }
+    if (isMinimized()) {
+        showNormal();
+    }
+    show();
+    raise();
+    activateWindow();
+}
+
+void frmDDE::hideWindow() {
+    if (parts_.hasTray()) {
+        hide();
+    } else {
+        showMinimized();
+    }
+}
+
+// A window shown again is placed anew by the window manager, unless it asks for its old place.
+void frmDDE::keepPlace() {
+    if (!isVisible() && windowHandle()) {
+        windowHandle()->setPosition(windowHandle()->position());
+    }
+}
+
+void frmDDE::HideMe() {
+    HidePopUp();
+    hideWindow();
+    SaveSettings();
+}
+
+void frmDDE::ShowHide() {
+    if (isVisible() && !isMinimized()) {
+        hideWindow();
+    } else {
+        showWindow();
+    }
+}
+
+void frmDDE::Exit() {
+    SaveSettings();
+    exiting_ = true;
+    QCoreApplication::exit(0);
+}
+
+void frmDDE::SetOnTop() {
+    if (windowFlags().testFlag(Qt::WindowStaysOnTopHint) == state_.bOnTop) {
+        return;
+    }
+    const Qt::WindowFlags flags = windowFlags().setFlag(Qt::WindowStaysOnTopHint, state_.bOnTop);
+    if (windowHandle() && QGuiApplication::platformName() == u"xcb") {
+        // The documented way hides the window and makes a new one at another place.
+        overrideWindowFlags(flags);
+        windowHandle()->setFlag(Qt::WindowStaysOnTopHint, state_.bOnTop);
+        return;
+    }
+    const bool visible = isVisible();
+    setWindowFlags(flags);
+    if (visible) {
+        show();
+    }
+}
+
+void frmDDE::ShowPopUp(const PopUpRequest& request) {
+    const ErrScope scope;
+    attempt([&] {
+        ToastContent content;
+        content.title = qtText(request.title);
+        content.text = qtText(request.sContent);
+        content.links = readToastMarkup(qtText(popUpMarkup(*state_.EvCol)));
+        content.bold = request.Bold;
+        content.width = request.iWidth;
+        content.opacity = request.Opacity / 100.0;
+        if (request.ShowDelay >= 0) {
+            content.delay = std::chrono::milliseconds(request.ShowDelay);
+        }
+        popup_.present(content, nearTray());
+    });
+}
+
+QPoint frmDDE::nearTray() const {
+    const QRect icon = tray_.geometry();
+    return icon.isEmpty() ? QPoint(-1, -1) : icon.center();
+}
+
+void frmDDE::HidePopUp() {
+    popup_.hide();
+    state_.dLastShown = parts_.clock.now();
+}
+
+void frmDDE::MarkupHyperlinkClick(int tag) {
+    const ErrScope scope;
+    std::string GUID;
+    attempt([&] { GUID = state_.EvCol->Key(static_cast<std::size_t>(tag)); });
+    showWindow();
+    tabs->setCurrentIndex(kNewRemindersGrid);
+    SelectGUID(GUID);
+    HidePopUp();
+}
+
+void frmDDE::ShowSystem(const std::string& title, const std::string& text, int timeoutMs) {
+    tray_.balloon(qtText(title), qtText(text), balloonSeconds(timeoutMs));
+}
+
+void frmDDE::PlayReminderSound() {
+    const ErrScope scope;
+    attempt([&] { parts_.sound.play(); });
+}
+
+void frmDDE::SetIcon() {
+    const bool anyNew = grid(kNewRemindersGrid).rowCount() > 0;
+    tray_.setNew(anyNew && (!TimerFlash.isActive() || flashOn_));
+    GetIconText();
+}
+
+void frmDDE::SetFlashingIcon(bool on) { tray_.setNew(on); }
+
+QString frmDDE::GetIconText() {
+    const QString text = qtText(iconText(tabs->currentIndex(), selectedGrid().rowCount(),
+                                         grid(kNewRemindersGrid).rowCount(), IsWindowVisible()));
+    tray_.setToolTip(text);
+    return text;
+}
+
+bool frmDDE::GetHasFocus() const { return isVisible() && isActiveWindow(); }
+
+bool frmDDE::IsWindowVisible() const { return isVisible(); }
+
+int frmDDE::CheckInterval() const { return TimerCheck.interval(); }
+
+void frmDDE::SetCheckInterval(int milliseconds) { TimerCheck.setInterval(milliseconds); }
+
+void frmDDE::Tray_Click() {
+    switch (trayClick(state_.bHasFocus, isVisible())) {
+        case TrayClick::Hide:
+            hideWindow();
+            HidePopUp();
+            break;
+        case TrayClick::BringForward:
+            showWindow();
+            break;
+        case TrayClick::Show:
+            showWindow();
+            HidePopUp();
+            break;
+    }
+    state_.bHasFocus = isVisible();
+}
+
+void frmDDE::mnuTray_Opening() {
+    if (state_.bHasFocus) {
+        raise();
+    }
+    GetIconText();
+}
+
+void frmDDE::changeSetting(const std::function<void(ReminderState&)>& change) {
+    change(state_);
+    SaveSettings();
+}
+
+void frmDDE::mnuRefresh_Click() {
+    const ErrScope scope;
+    for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
+        attempt([&] { set->ReadDB(true, true); });
+    }
+    DoPeriod();
+}
+
+void frmDDE::lookForTray() {
+    if (!parts_.hasTray()) {
+        noTray_ = true;
+        showWindow();
+        UpdateUI();
+    }
+}
+
+}  // namespace vl

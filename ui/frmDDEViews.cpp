@@ -1,0 +1,217 @@
+// Periods, rows, captions and the status line.
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTabBar>
+#include <QTabWidget>
+
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "db/DBRemindUtils.h"
+#include "notify/Periods.h"
+#include "ui/QtText.h"
+#include "ui/UpDown.h"
+#include "ui/frmDDE.h"
+
+namespace vl {
+
+namespace {
+
+bool isPeriod(const ReminderState& state, std::string_view code) {
+    return text::equalsNoCase(state.sPeriod, code);
+}
+
+}  // namespace
+
+void frmDDE::cboPeriod_Changed(int index) {
+    if (!loading_ && index >= 0) {
+        ShowPeriod();
+    }
+}
+
+void frmDDE::DoUD(int steps) {
+    cboPeriod->setCurrentIndex(wrapped(cboPeriod->currentIndex() + 1 + steps, cboPeriod->count()) -
+                               1);
+}
+
+void frmDDE::ShowPeriod() {
+    state_.sPeriod = plainText(cboPeriod->currentData().toString());
+    DoPeriod();
+    selectedGrid().setFocus();
+    TimerUpdate_Tick();
+}
+
+void frmDDE::DoPeriod() {
+    const ErrScope scope;
+    attempt([&] {
+        const DateTime now = parts_.clock.now();
+        const PeriodRange range = periodRange(state_.sPeriod, now);
+        state_.dShownStart = range.from;
+        state_.dShownEnd = range.to;
+        for (Grid* each : grids_) {
+            each->setNow(now);
+        }
+        for (const int index : {kAllRemindersGrid, kEventsGrid}) {
+            grid(index).setDismissedView(isPeriod(state_, "Di"));
+        }
+        if (isPeriod(state_, "H")) {
+            DoShowHidden();
+        } else {
+            DoPeriodSS();
+        }
+    });
+    UpdateUI();
+}
+
+// Reminders before events, and each row copied at once: the second query changes what the first
+// one left in the events.
+void frmDDE::DoPeriodSS() {
+    const auto due = parts_.period.RemindCol(state_.dShownStart, state_.dShownEnd);
+    grid(kAllRemindersGrid).setRows(rowsOf(*due, kAllRemindersGrid));
+    const auto held = parts_.period.EventCol(state_.dShownStart, state_.dShownEnd);
+    grid(kEventsGrid).setRows(rowsOf(*held, kEventsGrid));
+}
+
+void frmDDE::DoShowHidden() {
+    std::vector<GridRow> reminders;
+    std::vector<GridRow> events;
+    const auto all = parts_.period.mCol;
+    for (std::size_t i = 1; all && i <= all->Count(); ++i) {
+        const auto event = objectAt<calEvent>(*all, i);
+        if (event && event->Hidden) {
+            const RowOccurrence nearest = nearestOccurrence(*event, parts_.clock.now());
+            if (!nearest.reminder.isZero()) {
+                reminders.push_back(rowOf(event, nearest, kAllRemindersGrid, timeText_));
+            }
+            events.push_back(rowOf(event, nearest, kEventsGrid, timeText_));
+        }
+    }
+    grid(kAllRemindersGrid).setRows(std::move(reminders));
+    grid(kEventsGrid).setRows(std::move(events));
+}
+
+std::vector<GridRow> frmDDE::rowsOf(const GenCollection& events, int grid) const {
+    std::vector<GridRow> rows;
+    for (std::size_t i = 1; i <= events.Count(); ++i) {
+        const auto event = objectAt<calEvent>(events, i);
+        if (event && isListed(*event)) {
+            rows.push_back(rowOf(event, recordedOccurrence(*event), grid, timeText_));
+        }
+    }
+    return rows;
+}
+
+bool frmDDE::isListed(const calEvent& event) const {
+    return !event.Hidden && (!isPeriod(state_, "Di") || event.Dismissed > DateTime());
+}
+
+void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
+    const ErrScope scope;
+    attempt([&] {
+        if (index == kNewRemindersGrid || isListed(*event)) {
+            grid(index).putRow(rowOf(event, recordedOccurrence(*event), index, timeText_));
+        }
+    });
+    if (index == kNewRemindersGrid && !TimerFlash.isActive()) {
+        flashOn_ = true;
+        TimerFlash.start();
+    }
+}
+
+void frmDDE::UpdateItemR(const std::shared_ptr<calEvent>& event, int index) {
+    if (grid(index).contains(event->GUID)) {
+        AddItemR(event, index);
+    }
+}
+
+void frmDDE::RemoveGUID(std::string_view GUID, int index) { grid(index).RemoveGUID(GUID); }
+
+Grid& frmDDE::selectedGrid() const { return grid(tabs->currentIndex()); }
+
+bool frmDDE::SelectGUID(std::string_view GUID) {
+    if (!selectedGrid().SelectGUID(GUID) && selectedGrid().contains(GUID)) {
+        txtSearch->clear();  // it is the search that hides the row
+    }
+    return selectedGrid().SelectGUID(GUID);
+}
+
+void frmDDE::FirstNewRowCurrent() { grid(kNewRemindersGrid).selectFirst(); }
+
+void frmDDE::tabs_Changed() {
+    currentRowChanged();
+    GetIconText();
+}
+
+void frmDDE::txtSearch_Changed(const QString& search) {
+    for (Grid* each : grids_) {
+        each->setSearch(search);
+    }
+    UpdateUI();
+}
+
+void frmDDE::currentRowChanged() {
+    const GridRow* row = selectedGrid().currentRow();
+    state_.curEvent = row ? row->event : nullptr;
+    showStatus();
+}
+
+void frmDDE::ShowTime() {
+    const DateTime now = parts_.clock.now();
+    lblTime->setText(qtText(timeText_(now)));
+    for (Grid* each : grids_) {
+        each->setNow(now);
+    }
+}
+
+void frmDDE::UpdateUI() {
+    showCaptions();
+    showEmptyTexts();
+    showStatus();
+}
+
+void frmDDE::UpdateG1() {
+    for (Grid* each : grids_) {
+        each->viewport()->update();
+    }
+}
+
+void frmDDE::showCaptions() {
+    for (int i = 0; i < captions_.size(); ++i) {
+        const QString caption = qtText(tabCaption(plainText(captions_[i]), grid(i).rowCount()));
+        if (tabs->tabText(i) != caption) {
+            tabs->setTabText(i, caption);
+        }
+    }
+}
+
+void frmDDE::showEmptyTexts() {
+    const std::string period = plainText(cboPeriod->currentText());
+    for (int i = 0; i < kGridCount; ++i) {
+        EmptyReason reason;
+        reason.grid = i;
+        reason.searching = grid(i).allFilteredOut();
+        reason.noDatabase = parts_.db.DBFullName.empty();
+        reason.periodCode = state_.sPeriod;
+        reason.periodText = period;
+        grid(i).setEmptyText(qtText(emptyText(reason)));
+    }
+}
+
+void frmDDE::showStatus() {
+    const ErrScope scope;
+    QString line;
+    if (noTray_ && !parts_.hasTray()) {
+        line = tr("This desktop shows no tray icons; the window is minimized instead of hidden");
+    } else if (const GridRow* row = selectedGrid().currentRow()) {
+        attempt([&] {
+            const DateWords words = wordsOf(timeText_, parts_.clock.now());
+            line = qtText(row->event->SBMessage(row->span.start, words));
+        });
+    }
+    if (lblStatus->text() != line) {
+        lblStatus->setText(line);
+        lblStatus->setToolTip(line);
+    }
+}
+
+}  // namespace vl
