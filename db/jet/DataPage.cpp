@@ -24,7 +24,7 @@ DataPage::DataPage(const Page& page) : bytes_(page.bytes()) {
     if (slots_ > kMostSlots) {
         page.origin().corrupt("has " + std::to_string(slots_) + " rows");
     }
-    const std::size_t lowest = kSlotTable + 2U * slots_;
+    const std::size_t lowest = kSlotTable + std::size_t{2} * slots_;
     std::size_t end = kPageSize;
     for (std::uint16_t i = 0; i < slots_; ++i) {
         const std::size_t begin = start(i);
@@ -57,7 +57,7 @@ ByteView DataPage::row(std::uint16_t index) const noexcept {
 }
 
 std::uint16_t DataPage::rawSlot(std::uint16_t index) const noexcept {
-    return u16(bytes_, kSlotTable + 2U * index);
+    return u16(bytes_, kSlotTable + std::size_t{2} * index);
 }
 
 std::size_t DataPage::start(std::uint16_t index) const noexcept {

@@ -51,7 +51,7 @@ std::optional<ByteView> RowView::field(const Column& column) const {
     if (column.variableIndex >= slots_) {
         return std::nullopt;
     }
-    const std::size_t at = mask_ - 4 - 2U * column.variableIndex;
+    const std::size_t at = mask_ - 4 - std::size_t{2} * column.variableIndex;
     const std::size_t begin = u16(bytes_, at);
     const std::size_t end = u16(bytes_, at - 2);
     if (begin < kFixedArea || begin > end || end > dataEnd_) {

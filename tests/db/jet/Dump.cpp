@@ -184,6 +184,11 @@ void compareWithDump(const jet::Table& table, const fs::path& dump, DumpKind kin
 void compareWithDumps(const fs::path& file, const fs::path& folder, Compared& compared) {
     SCOPED_TRACE(file.string());
     const jet::Database db = jet::Database::open(file.string(), jet::Access::Read);
+    for (const jet::TableInfo& info : db.tables()) {
+        // "f_..._Data" is a hidden table of the desktop product.
+        const bool system = info.name.starts_with("MSys") || info.name.starts_with("f_");
+        EXPECT_EQ(info.system, system) << info.name;
+    }
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
         const bool a = name.find(".a.") != std::string::npos;

@@ -69,6 +69,9 @@ void mutate(Random& random, std::vector<std::byte>& bytes) {
         }
         case 3: {  // a page in another's place
             const std::size_t pages = bytes.size() / 4096;
+            if (pages == 0) {
+                break;
+            }
             const std::size_t from = below(random, pages) * 4096;
             const std::size_t to = below(random, pages) * 4096;
             std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(from), 4096,
