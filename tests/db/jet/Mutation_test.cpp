@@ -1,5 +1,5 @@
-// Damaged files: whatever a page holds, reading gives values or an `Error`, never anything else,
-// and it ends.
+// Damaged files: whatever a page holds, reading and writing give values or an `Error`,
+// never anything else, and they end.
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -94,6 +94,17 @@ struct Outcome {
     long errors = 0;
 };
 
+// Tries to write every column of the row: whatever the damage, a value is written or refused.
+void writeAll(jet::Table& table, jet::RowId id) {
+    for (std::size_t i = 0; i < table.columns().size(); ++i) {
+        const ErrNo error = test::errorOf([&] {
+            table.updateInPlace(id, std::vector<jet::Table::Change>{{i, 1}});
+        });
+        EXPECT_NE(error, ErrNo::Io);
+        EXPECT_NE(error, ErrNo::ReadOnly);
+    }
+}
+
 // Every table's every value; a table that cannot be read does not keep the others from it.
 Outcome readAll(test::Disk& disk, const std::string& what) {
     Outcome outcome;
@@ -109,13 +120,16 @@ Outcome readAll(test::Disk& disk, const std::string& what) {
         }
     };
     guarded([&] {
-        const jet::Database db = test::openMemory(disk);
+        const jet::Database db = test::openMemory(disk, jet::Access::ReadWrite);
         for (const jet::TableInfo& info : db.tables()) {
             guarded([&] {
-                const jet::Table table = db.table(info.name);
+                jet::Table table = db.table(info.name);
                 jet::RowCursor row = table.scan();
-                while (row.next()) {
+                for (bool first = true; row.next(); first = false) {
                     ++outcome.rows;
+                    if (first) {
+                        writeAll(table, row.id());
+                    }
                     for (std::size_t i = 0; i < table.columns().size(); ++i) {
                         guarded([&] { row.value(i); });
                     }
