@@ -91,7 +91,7 @@ std::string provideDatabase(std::string_view DBFolder, std::string_view AppDataF
     if (DBFolder.empty()) {
         return {};
     }
-    const std::string DBFullName = joinPath(DBFolder, kDatabaseName);
+    std::string DBFullName = joinPath(DBFolder, kDatabaseName);
     copyIfMissing(joinPath(AppDataFolder, kDatabaseName), DBFullName);
     return DBFullName;
 }

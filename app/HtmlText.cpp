@@ -128,16 +128,14 @@ private:
             text::nextCharacter(html_, at_);
             one = html_.substr(start, at_ - start);
         }
-        if (one == "\xC2\xA0") {
-            one = " ";  // a blank that neither breaks nor joins others
-            lines_.character(one);
-        } else if (one.size() != 1 || !isSpace(one[0])) {
-            lines_.character(one);
-        } else if (!preformatted_) {
+        const bool noBreak = one == "\xC2\xA0";  // a blank that neither breaks nor joins others
+        one = noBreak ? " " : one;
+        const bool space = !noBreak && one.size() == 1 && isSpace(one[0]);
+        if (space && !preformatted_) {
             lines_.blank();
-        } else if (one[0] == '\n') {
+        } else if (space && one[0] == '\n') {
             lines_.lineBreak();
-        } else if (one[0] != '\r') {
+        } else if (!space || one[0] != '\r') {
             lines_.character(one);
         }
         if (!sawTag_) {

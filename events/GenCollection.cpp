@@ -70,12 +70,8 @@ Variant GenCollection::Add(const Variant& member, std::string_view sKey, std::in
         if (bReplace && isReplacedInPlace(member)) {
             own().setValue(taken, member);
         } else if (bReplace) {
-            // The arguments may refer to the very item that goes.
-            const Variant value = member;
-            const std::string key(sKey);
             own().remove(taken);
-            append(value, key);
-            return value;
+            append(member, sKey);
         }
         return member;
     }
@@ -142,10 +138,9 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
         own().setValue(slot, NewItem);
         return;
     }
-    const Variant value = NewItem;
     const std::string spelled = (*items_)[slot].key;
     own().remove(slot);
-    append(value, spelled);
+    append(NewItem, spelled);
 }
 
 std::size_t GenCollection::Count() const noexcept { return items_->live(); }

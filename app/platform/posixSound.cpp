@@ -12,8 +12,6 @@
 
 #include "Playing.h"
 
-extern char** environ;
-
 namespace vl {
 
 namespace {
