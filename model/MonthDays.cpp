@@ -47,8 +47,8 @@ std::uint32_t numberedInYearMask(const Rule& rule, const Month& month) noexcept 
         const int weekday = numbered.weekday;
         const std::int64_t day =
             numbered.number > 0
-                ? begin + (weekday - weekdayOf(begin) + 7) % 7 + 7 * (numbered.number - 1)
-                : end - 1 - (weekdayOf(end - 1) - weekday + 7) % 7 + 7 * (numbered.number + 1);
+                ? begin + (weekday - weekdayOf(begin) + 7) % 7 + 7LL * (numbered.number - 1)
+                : end - 1 - (weekdayOf(end - 1) - weekday + 7) % 7 + 7LL * (numbered.number + 1);
         const std::int64_t index = day - month.firstDay;
         if (index >= 0 && index < month.length && day >= begin && day < end) {
             mask |= 1U << index;

@@ -102,16 +102,17 @@ void collect(const Rule& rule, Window& window, LocalClock& clock) {
     workOfThread += walk.steps;
 }
 
+constexpr std::int64_t kCalendarCycle = std::int64_t{400} * 366 * kDaySeconds;
+
 /// About how long a rule takes from one instance to the next, at least.
 std::int64_t shortestStep(const Rule& rule) {
-    constexpr std::int64_t kLongest = 400 * 366 * kDaySeconds;
     std::int64_t unit = rule.unit();
     if (rule.frequency > Frequency::Daily) {
         unit *= rule.frequency == Frequency::Weekly    ? 7
                 : rule.frequency == Frequency::Monthly ? 31
                                                        : 366;
     }
-    return std::min(unit * rule.interval, kLongest);
+    return std::min(unit * rule.interval, kCalendarCycle);
 }
 
 }  // namespace
@@ -190,7 +191,7 @@ DateTime Recurrence::next(DateTime after) const {
 }
 
 DateTime Recurrence::lastUpTo(std::int64_t end) const {
-    std::int64_t span = 400 * 366 * kDaySeconds;
+    std::int64_t span = kCalendarCycle;
     for (const Rule& rule : rules_) {
         span = std::min(span, 2 * shortestStep(rule));
     }

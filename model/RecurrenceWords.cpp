@@ -264,7 +264,7 @@ private:
         };
         for (const std::string& hour : eachBit(hours, twoDigits)) {
             for (const std::string& minute : eachBit(minutes, twoDigits)) {
-                times.push_back(hour + ':' + minute);
+                times.push_back(std::string(hour).append(1, ':').append(minute));
             }
         }
         return " at " + joined(times);

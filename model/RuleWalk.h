@@ -324,7 +324,7 @@ private:
         std::size_t size = 0;
         for (; weeks != 0; weeks &= weeks - 1) {
             ++steps;
-            const std::int64_t first = begin + 7 * (std::countr_zero(weeks) - 1);
+            const std::int64_t first = begin + std::int64_t{7} * (std::countr_zero(weeks) - 1);
             const DayChunk chunk{first, limitedWeek(first, weekMask(), filter)};
             if (rule_.hasPositions()) {
                 chunks[size++] = chunk;
