@@ -25,9 +25,9 @@ void applyFormFont(QWidget& form) {
         if (isOfAGrid(control)) {
             continue;
         }
-        QFont font = control->font();
+        QFont font = QApplication::font();
         font.setFamily("Arial");
-        font.setPointSizeF(QApplication::font().pointSizeF());
+        font.setBold(control->font().bold());
         control->setFont(font);
         if (auto* button = qobject_cast<QPushButton*>(control); button && button->text() == "&OK") {
             button->setDefault(true);

@@ -12,9 +12,13 @@ namespace {
 constexpr int kLineMargin = 4;  // above and below the two lines
 
 QFont smaller(const QFont& font) {
-    QFont small = font;
-    small.setPointSizeF(font.pointSizeF() * 0.88);
-    return small;
+    QFont second = font;
+    if (font.pointSizeF() > 0) {
+        second.setPointSizeF(font.pointSizeF() * 0.88);
+    } else {  // a desktop that sets its font in pixels
+        second.setPixelSize(font.pixelSize() * 7 / 8);
+    }
+    return second;
 }
 
 bool isSelected(const QStyleOptionViewItem& option) {
@@ -82,8 +86,8 @@ void GridDelegate::paintSubject(QPainter& painter, const QStyleOptionViewItem& c
                                 const QModelIndex& index, const Tones& tone) {
     const QString summary = index.data(GridModel::SummaryRole).toString();
     const QString detail = index.data(GridModel::DetailRole).toString();
-    const QFont small = smaller(cell.font);
-    const QFontMetrics smallMetrics(small);
+    const QFont second = smaller(cell.font);
+    const QFontMetrics smallMetrics(second);
     const int padding = 1 + QApplication::style()->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell);
     const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
     const int height = cell.fontMetrics.height() + (detail.isEmpty() ? 0 : smallMetrics.height());
@@ -97,7 +101,7 @@ void GridDelegate::paintSubject(QPainter& painter, const QStyleOptionViewItem& c
     painter.drawText(QRect(area.left(), top, area.width(), cell.fontMetrics.height()), align,
                      cell.fontMetrics.elidedText(summary, Qt::ElideRight, area.width()));
     if (!detail.isEmpty()) {
-        painter.setFont(small);
+        painter.setFont(second);
         painter.setPen(
             isSelected(cell)
                 ? mixed(text, cell.palette.color(groupOf(cell), QPalette::Highlight), 0.8)

@@ -119,13 +119,13 @@ void Toast::applyTones() {
     close_->setIcon(crossIcon(own.color(QPalette::Text), devicePixelRatio()));
 }
 
-void Toast::present(const ToastContent& content, QPoint near) {
+void Toast::present(const ToastContent& content, QPoint anchor) {
     setUpdatesEnabled(false);
     content_ = content;
     title_->setText(content.title);
     fillBody();
     setWindowOpacity(std::clamp(content.opacity, 0.2, 1.0));
-    place(content.width, near);
+    place(content.width, anchor);
     scroll_->verticalScrollBar()->setValue(0);
     setUpdatesEnabled(true);
     show();
@@ -174,8 +174,8 @@ void Toast::addLine(QLabel* label, bool bold) {
     label->show();
 }
 
-void Toast::place(int width, QPoint near) {
-    const QScreen* screen = QGuiApplication::screenAt(near);
+void Toast::place(int width, QPoint anchor) {
+    const QScreen* screen = QGuiApplication::screenAt(anchor);
     if (!screen) {
         screen = QGuiApplication::primaryScreen();
     }

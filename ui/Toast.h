@@ -35,9 +35,9 @@ class Toast final : public QWidget {
 public:
     explicit Toast(const QIcon& picture, QWidget* parent = nullptr);
 
-    /// Shows it in the lower right corner of the screen that holds `near` (the primary one when
-    /// `near` is on none). A toast that is open changes its content where it stands.
-    void present(const ToastContent& content, QPoint near);
+    /// Shows it in the lower right corner of the screen that holds `anchor` (the primary one when
+    /// `anchor` is on none). A toast that is open changes its content where it stands.
+    void present(const ToastContent& content, QPoint anchor);
 
 signals:
     void linkClicked(int tag);
@@ -55,7 +55,7 @@ private:
     void applyTones();
     void fillBody();
     void addLine(QLabel* label, bool bold);
-    void place(int width, QPoint near);
+    void place(int width, QPoint anchor);
     void startWaiting();
 
     QWidget* band_ = nullptr;

@@ -190,6 +190,7 @@ void frmDDE::showEvent(QShowEvent* event) {
     if (!event->spontaneous() && !loading_) {
         TimerUpdate.start();
         TimerUpdate_Tick();
+        GetIconText();
     }
 }
 
@@ -197,6 +198,7 @@ void frmDDE::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     if (!event->spontaneous() && !exiting_) {
         TimerUpdate_Tick();
+        GetIconText();
     }
 }
 

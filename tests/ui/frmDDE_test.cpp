@@ -63,6 +63,14 @@ protected:
     std::string ini(const char* section, const char* key) const {
         return settings.GetIni(section, key, "(none)");
     }
+    static QMenu* trayMenu() {
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == "mnuTray") {
+                return qobject_cast<QMenu*>(top);
+            }
+        }
+        return nullptr;
+    }
     void takeIn(const std::shared_ptr<calEvent>& e) {
         e->InstanceStart = e->StartDateTime;
         state.NewReminders->Add(Variant(ObjectRef(e)), e->GUID);
@@ -186,10 +194,7 @@ TEST_F(frmDDETest, SavesEveryKey) {
 
 TEST_F(frmDDETest, MenuCommandsChangeAndSave) {
     load();
-    QMenu* menu = nullptr;
-    for (QWidget* top : QApplication::topLevelWidgets()) {
-        menu = top->objectName() == "mnuTray" ? qobject_cast<QMenu*>(top) : menu;
-    }
+    QMenu* menu = trayMenu();
     ASSERT_NE(menu, nullptr);
     const auto action = [menu](const char* name) { return menu->findChild<QAction*>(name); };
     action("mnuMute")->trigger();
@@ -238,6 +243,16 @@ TEST_F(frmDDETest, ShowHideSavesNothing) {
     window->ShowHide();
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(ini("Reminders", "Period"), "(none)");
+}
+
+TEST_F(frmDDETest, TheTrayTipFollowsTheWindow) {
+    load();
+    const auto tip = [this] { return trayMenu()->findChild<QAction*>("mnuShowHide")->text(); };
+    EXPECT_EQ(tip(), "0 New reminder: (click to show/hide)");
+    window->ShowHide();
+    EXPECT_EQ(tip(), "0 New reminder");
+    window->ShowHide();
+    EXPECT_EQ(tip(), "0 New reminder: (click to show/hide)");
 }
 
 TEST_F(frmDDETest, WithoutATrayTheWindowStaysWithinReach) {
