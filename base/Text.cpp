@@ -324,10 +324,10 @@ std::string fromNumber(double value) {
     std::array<char, 64> buffer{};
     const double size = std::fabs(value);
     const bool plain = value == 0.0 || (size >= 1e-5 && size < 1e15);
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
-                                   value == 0.0 ? 0.0 : value,
-                                   plain ? std::chars_format::fixed : std::chars_format::scientific)
-                         .ptr;
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value == 0.0 ? 0.0 : value,
+                      plain ? std::chars_format::fixed : std::chars_format::scientific)
+            .ptr;
     std::string out(buffer.data(), end);
     for (char& c : out) {
         if (c == 'e') {

@@ -44,17 +44,16 @@ int digits(std::string_view s) noexcept {
 }  // namespace
 
 std::string Variant::toText() const {
-    return std::visit(Overloaded{[](Empty) { return std::string(); },
-                                 [](bool v) { return std::string(v ? "True" : "False"); },
-                                 [](std::int32_t v) { return std::to_string(v); },
-                                 [](std::int64_t v) { return std::to_string(v); },
-                                 [](double v) { return text::fromNumber(v); },
-                                 [](DateTime v) { return formatDateTime(v); },
-                                 [](const std::string& v) { return v; },
-                                 [this](const auto&) -> std::string {
-                                     mismatch(nameOf(*this), "text");
-                                 }},
-                      value_);
+    return std::visit(
+        Overloaded{[](Empty) { return std::string(); },
+                   [](bool v) { return std::string(v ? "True" : "False"); },
+                   [](std::int32_t v) { return std::to_string(v); },
+                   [](std::int64_t v) { return std::to_string(v); },
+                   [](double v) { return text::fromNumber(v); },
+                   [](DateTime v) { return formatDateTime(v); },
+                   [](const std::string& v) { return v; },
+                   [this](const auto&) -> std::string { mismatch(nameOf(*this), "text"); }},
+        value_);
 }
 
 double Variant::toDouble() const {

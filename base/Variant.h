@@ -54,8 +54,8 @@ public:
     Variant(Bytes v) : value_(std::move(v)) {}
     Variant(ObjectRef v) : value_(std::move(v)) {}
     template <class T>
-        requires std::is_base_of_v<Object, T>
-    Variant(std::shared_ptr<T> v) : value_(ObjectRef(std::move(v))) {}
+    requires std::is_base_of_v<Object, T> Variant(std::shared_ptr<T> v)
+        : value_(ObjectRef(std::move(v))) {}
 
     template <class T>
     bool is() const noexcept {

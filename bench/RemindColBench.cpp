@@ -38,9 +38,8 @@ public:
             event->GUID = "{" + std::to_string(i) + "}";
             event->StartDateTime = kNow.addMinutes(minute(random));
             event->reminders =
-                i % 10 == 0
-                    ? R"({"overrides":[{"minutes":5},{"minutes":60},{"minutes":1440}]})"
-                    : R"({"overrides":[{"minutes":15}]})";
+                i % 10 == 0 ? R"({"overrides":[{"minutes":5},{"minutes":60},{"minutes":1440}]})"
+                            : R"({"overrides":[{"minutes":15}]})";
             event->SetRemindersCol();
             if (i % 5 == 0) {
                 event->recurrence = kRules[static_cast<std::size_t>(i / 5) % kRules.size()];

@@ -85,8 +85,7 @@ std::optional<Due> firstReminder(const calEvent& event, DateTime start, Accept&&
         }
         const DateTime time = start.addMinutes(-static_cast<std::int64_t>(reminder->Minutes));
         if (accept(time)) {
-            const auto later =
-                i > 1 ? objectAt<clsReminder>(*event.RemindersCol, i - 1) : nullptr;
+            const auto later = i > 1 ? objectAt<clsReminder>(*event.RemindersCol, i - 1) : nullptr;
             return Due{start, time, later ? later->Minutes : kNoReminder};
         }
     }

@@ -34,39 +34,66 @@ PeriodRange thisWeek(const Moments& m) { return {m.WeekStart, m.WeekEnd}; }
 
 constexpr std::array<Entry, 17> kEntries = {{
     {{"Previous 30 days", "D-30"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(-30), m.today}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(-30), m.today};
+     }},
     {{"Previous 14 days", "D-14"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(-14), m.today}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(-14), m.today};
+     }},
     {{"Previous Week", "W-1"},
      [](const Moments& m) -> PeriodRange {
          return {m.WeekStart.addDays(-7), m.WeekEnd.addDays(-7)};
      }},
     {{"Previous 7 days", "D-7"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(-7), m.today}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(-7), m.today};
+     }},
     {{"Yesterday", "D-1"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(-1), m.endOfDay(-1)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(-1), m.endOfDay(-1)};
+     }},
     {{"Past Reminders", "R"},
-     [](const Moments& m) -> PeriodRange { return {m.now.addDays(-1), m.now}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.now.addDays(-1), m.now};
+     }},
     {{"Next Reminders", "N"},
-     [](const Moments& m) -> PeriodRange { return {m.now, m.now.addDays(1)}; }},
-    {{"Today", "T"}, [](const Moments& m) -> PeriodRange { return {m.today, m.endOfDay(0)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.now, m.now.addDays(1)};
+     }},
+    {{"Today", "T"},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today, m.endOfDay(0)};
+     }},
     {{"Tomorrow", "D+1"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(1), m.endOfDay(1)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(1), m.endOfDay(1)};
+     }},
     {{"Today + Tomorrow", "T+D1"},
-     [](const Moments& m) -> PeriodRange { return {m.today, m.endOfDay(1)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today, m.endOfDay(1)};
+     }},
     {{"This Week", "W0"}, thisWeek},
     {{"Next 7 days", "D+7"},
-     [](const Moments& m) -> PeriodRange { return {m.today, m.today.addDays(7)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today, m.today.addDays(7)};
+     }},
     {{"Next Week", "W+1"},
      [](const Moments& m) -> PeriodRange {
          return {m.WeekStart.addDays(7), m.WeekEnd.addDays(7)};
      }},
     {{"Next 14 days", "D+14"},
-     [](const Moments& m) -> PeriodRange { return {m.today, m.today.addDays(14)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today, m.today.addDays(14)};
+     }},
     {{"Next 30 days", "D+30"},
-     [](const Moments& m) -> PeriodRange { return {m.today, m.today.addDays(30)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today, m.today.addDays(30)};
+     }},
     {{"Dismissed", "Di"},
-     [](const Moments& m) -> PeriodRange { return {m.today.addDays(-7), m.today.addDays(7)}; }},
+     [](const Moments& m) -> PeriodRange {
+         return {m.today.addDays(-7), m.today.addDays(7)};
+     }},
     {{"Hidden", "H"}, thisWeek},
 }};
 

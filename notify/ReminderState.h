@@ -13,8 +13,8 @@ namespace vl {
 /// The state of the reminder window that is no matter of the screen, in the order in which the
 /// window declares it. One object for the program, made at start and handed down by reference.
 struct ReminderState {
-    bool bMuted = false;          // neither sound nor notification
-    bool bSilent = false;         // no sound
+    bool bMuted = false;           // neither sound nor notification
+    bool bSilent = false;          // no sound
     std::string sNotifType = "D";  // D dialog, E e-mail, P pop-up, S system, T tray
     bool bOnTop = false;
     DateTime dLastShown;    // when the pop-up was last closed

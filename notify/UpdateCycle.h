@@ -18,8 +18,8 @@ inline constexpr int kCheckDebug = 2000;
 class UpdateCycle {
 public:
     /// `debugMode` shortens the checks' interval. What is handed in must outlive the cycle.
-    UpdateCycle(CheckCycle& check, const Clock& clock, ReminderState& state,
-                ReminderScreen& screen, bool debugMode);
+    UpdateCycle(CheckCycle& check, const Clock& clock, ReminderState& state, ReminderScreen& screen,
+                bool debugMode);
 
     void Tick();
 

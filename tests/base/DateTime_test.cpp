@@ -48,7 +48,8 @@ TEST(DateTime, SaysNothingWrongOfNonsense) {
 }
 
 TEST(DateTime, CalendarGoesThereAndBack) {
-    for (std::int64_t day = daysFromCivil(-400, 1, 1); day < daysFromCivil(10000, 1, 1); day += 17) {
+    for (std::int64_t day = daysFromCivil(-400, 1, 1); day < daysFromCivil(10000, 1, 1);
+         day += 17) {
         const Civil c = civilFromDays(day);
         ASSERT_EQ(daysFromCivil(c.year, c.month, c.day), day);
     }

@@ -51,7 +51,8 @@ TEST(Variant, EqualityIsOfTypeAndValue) {
 }
 
 TEST(VariantDate, ReadsWhatItWrites) {
-    for (const char* text : {"2026-11-15", "2026-11-15 00:00:01", "1899-12-30", "9999-12-31 23:59:59"}) {
+    for (const char* text :
+         {"2026-11-15", "2026-11-15 00:00:01", "1899-12-30", "9999-12-31 23:59:59"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(formatDateTime(parseDateTime(text)), text);
     }
@@ -59,8 +60,9 @@ TEST(VariantDate, ReadsWhatItWrites) {
 }
 
 TEST(VariantDate, RefusesWhatIsNoDate) {
-    for (const char* text : {"", "2026-02-29", "2026-13-01", "2026-11-15 24:00", "2026-11-15 1:00",
-                             "2026-11-15 10:60", "2026/11/15", "2026-11-15 10:00:00Z", "x026-11-15"}) {
+    for (const char* text :
+         {"", "2026-02-29", "2026-13-01", "2026-11-15 24:00", "2026-11-15 1:00", "2026-11-15 10:60",
+          "2026/11/15", "2026-11-15 10:00:00Z", "x026-11-15"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(errorOf([&] { (void)parseDateTime(text); }), ErrNo::TypeMismatch);
     }

@@ -260,10 +260,12 @@ TEST_F(FirstLight, AnIncrementalReadReplacesChangedEventsAndRemovesNone) {
     clock.time = at(14, 1);
     EXPECT_EQ(set.ReadDB(false, false), 0) << "nothing was changed since";
     EXPECT_EQ(named("Café"), before);
-    db.Execute("UPDATE Reminders SET Modified = #2026-11-20 14:05:00#, StartDateTime = "
-               "#2026-11-27 16:00:00# WHERE EventID=1012;");
-    db.Execute("UPDATE Reminders SET Modified = #2026-11-20 14:05:00#, Deleted = True "
-               "WHERE EventID=1001;");
+    db.Execute(
+        "UPDATE Reminders SET Modified = #2026-11-20 14:05:00#, StartDateTime = "
+        "#2026-11-27 16:00:00# WHERE EventID=1012;");
+    db.Execute(
+        "UPDATE Reminders SET Modified = #2026-11-20 14:05:00#, Deleted = True "
+        "WHERE EventID=1001;");
     clock.time = at(14, 6);
     EXPECT_EQ(set.ReadDB(false, false), 1);
     EXPECT_EQ(set.mCol->Count(), 10U);

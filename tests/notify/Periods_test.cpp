@@ -13,9 +13,9 @@ namespace {
 const DateTime kFriday = DateTime::fromCivil(2026, 11, 20, 14, 32, 10);
 
 TEST(Periods, StandInTheirOrder) {
-    static constexpr const char* codes[] = {"D-30", "D-14", "W-1",  "D-7", "D-1", "R",
-                                            "N",    "T",    "D+1",  "T+D1", "W0", "D+7",
-                                            "W+1",  "D+14", "D+30", "Di",  "H"};
+    static constexpr const char* codes[] = {"D-30", "D-14", "W-1",  "D-7",  "D-1", "R",
+                                            "N",    "T",    "D+1",  "T+D1", "W0",  "D+7",
+                                            "W+1",  "D+14", "D+30", "Di",   "H"};
     ASSERT_EQ(periods().size(), std::size(codes));
     for (std::size_t i = 0; i < std::size(codes); ++i) {
         EXPECT_STREQ(periods()[i].code, codes[i]);
