@@ -25,10 +25,8 @@ signals:
     /// The user has clicked it; not every desktop tells.
     void clicked();
 
-private slots:
-    void onAction(uint id, const QString& action);
-
 private:
+    Q_SLOT void onAction(uint id, const QString& action);
     bool askService(const QString& title, const QString& text, int seconds);
 
     QSystemTrayIcon& tray_;

@@ -105,7 +105,8 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
-private slots:
+private:
+    // what happens
     void TimerCheck_Tick();
     void TimerUpdate_Tick();
     void TimerFlash_Tick();
@@ -120,7 +121,6 @@ private slots:
     void mnuRefresh_Click();
     void lookForTray();
 
-private:
     // building (frmDDE.cpp)
     void build();
     void wire();
