@@ -103,12 +103,15 @@ void Grid::selectFirst() {
 }
 
 std::vector<std::string> Grid::SelectedGUIDs() const {
+    const QModelIndexList selected = selectionModel()->selectedRows();
     std::vector<int> rows;
-    for (const QModelIndex& index : selectionModel()->selectedRows()) {
+    rows.reserve(static_cast<std::size_t>(selected.size()));
+    for (const QModelIndex& index : selected) {
         rows.push_back(index.row());
     }
     std::sort(rows.begin(), rows.end());
     std::vector<std::string> GUIDs;
+    GUIDs.reserve(rows.size());
     for (const int row : rows) {
         GUIDs.push_back(plainText(proxy_.row(row).GUID));
     }

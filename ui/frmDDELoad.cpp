@@ -142,7 +142,7 @@ void frmDDE::SaveSettings() {
                                                      {"Width", normal.width()},
                                                      {"Height", normal.height()}};
     for (const auto& [key, value] : placement) {
-        attempt([&] { parts_.settings.SaveIni(kWindow, key, std::to_string(value)); });
+        parts_.settings.SaveIni(kWindow, key, std::to_string(value));
     }
     const std::pair<const char*, std::string> values[] = {
         {"Muted", flagText(state_.bMuted)},
@@ -156,7 +156,7 @@ void frmDDE::SaveSettings() {
         {"DBVersion", std::to_string(state_.DBVersion)},
     };
     for (const auto& [key, value] : values) {
-        attempt([&] { parts_.settings.SaveIni(kReminders, key, value); });
+        parts_.settings.SaveIni(kReminders, key, value);
     }
 }
 

@@ -117,7 +117,7 @@ void frmDDE::HidePopUp() {
 void frmDDE::MarkupHyperlinkClick(int tag) {
     const ErrScope scope;
     std::string GUID;
-    attempt([&] { GUID = state_.EvCol->Key(static_cast<std::size_t>(tag)); });
+    attempt([&] { GUID = state_.EvCol->Key(tag); });
     showWindow();
     tabs->setCurrentIndex(kNewRemindersGrid);
     SelectGUID(GUID);
