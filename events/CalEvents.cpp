@@ -74,8 +74,6 @@ void CalEvents::FillEvent(const RecordSet& row, calEvent& event) {
     RowReader(row, TimeZone::local()).fill(event);
 }
 
-GenCollection CalEvents::events() const { return mCol ? *mCol : GenCollection(); }
-
 std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const {
     const ErrScope scope;
     std::shared_ptr<calEvent> event;

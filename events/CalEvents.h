@@ -63,7 +63,8 @@ private:
     std::string query(bool IncludeAllDone, std::optional<bool> Dismissed) const;
     std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
-    GenCollection events() const;  // for walking; empty while there is no set
+    template <class Step>
+    void forEachHeld(Step&& step) const;  // every event that takes place
 
     DBRemindUtils& db_;
     const Clock& clock_;

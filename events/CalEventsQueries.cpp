@@ -12,9 +12,8 @@ namespace vl {
 
 namespace {
 
-constexpr std::int32_t kNoReminder = -100000;
+constexpr std::int32_t kNoReminder = calEvent::kNoReminder;
 constexpr int kException = 3;
-constexpr std::int32_t kEveryInstance = 2147483647;  // no cap on occurrences
 
 struct Window {
     DateTime from;
@@ -43,15 +42,15 @@ std::vector<DateTime> instances(const calEvent& event, Window window) {
     if (event.RRULE.empty()) {
         return {event.StartDateTime};
     }
-    return event.ICalRecEvents(window.from, window.to, kEveryInstance);
+    return event.ICalRecEvents(window.from, window.to);
 }
 
 // Where a repeating event has no instance near the window, its stored next reminder speaks for the
 // instance it was left with, or for itself.
 std::vector<DateTime> instancesForReminders(const calEvent& event, Window window) {
-    const Window near = widened(event, window);
-    auto starts = instances(event, near);
-    const Window stored{window.from, near.to};
+    const Window around = widened(event, window);
+    auto starts = instances(event, around);
+    const Window stored{window.from, around.to};
     if (starts.empty() && !event.NextReminder.isZero() && stored.holds(event.NextReminder)) {
         starts.push_back(event.InstanceStart.isZero() ? event.NextReminder : event.InstanceStart);
     }
@@ -117,106 +116,104 @@ void record(calEvent& event, const Due& due) {
     event.dReminder = due.time;
 }
 
-/// Takes the series out of a result whose changed occurrence stands in its place. Only what is in
-/// the result can be taken out of it, so the masters are looked up there, in one pass.
-class MastersOf {
+void forget(calEvent& event) {
+    event.InstanceStart = DateTime();
+    event.iRemMinutes = kNoReminder;
+    event.iRemMinutesNext = kNoReminder;
+    event.dReminder = DateTime();
+}
+
+/// The events a query found. A changed occurrence among them stands in the place of its series.
+class Answer {
 public:
-    explicit MastersOf(GenCollection& result) : result_(result) {
-        for (const Variant& item : result) {
-            const auto event = objectIn<calEvent>(item);
-            if (event && !event->id.empty()) {
-                byId_.emplace(text::foldCase(event->id), event->GUID);
-            }
+    void take(const std::shared_ptr<calEvent>& event) { found_->Add(Variant(event), event->GUID); }
+
+    /// Notes an event that is in the asked-for time, if it replaces an occurrence of a series.
+    void noteException(const std::shared_ptr<calEvent>& event) {
+        if (event->RecurrenceState == kException && !event->recurringEventId.empty()) {
+            exceptions_.push_back(event);
         }
     }
 
-    void remove(const calEvent& exception) {
-        const auto master = byId_.find(text::foldCase(exception.recurringEventId));
-        if (master != byId_.end()) {
-            result_.Remove(master->second);
+    /// The events without the series that are replaced.
+    std::shared_ptr<GenCollection> finish() {
+        if (!exceptions_.empty()) {
+            const auto masters = byId();
+            for (const auto& exception : exceptions_) {
+                const auto master = masters.find(text::foldCase(exception->recurringEventId));
+                if (master != masters.end()) {
+                    found_->Remove(master->second);
+                }
+            }
         }
+        return found_;
     }
 
 private:
-    GenCollection& result_;
-    std::unordered_map<std::string, std::string> byId_;
+    // Only what was found can be taken out again, so the masters are looked up there, in one pass.
+    std::unordered_map<std::string, std::string> byId() const {
+        std::unordered_map<std::string, std::string> guids;
+        for (const Variant& item : *found_) {
+            const auto event = objectIn<calEvent>(item);
+            if (event && !event->id.empty()) {
+                guids.emplace(text::foldCase(event->id), event->GUID);
+            }
+        }
+        return guids;
+    }
+
+    std::shared_ptr<GenCollection> found_ = std::make_shared<GenCollection>();
+    std::vector<std::shared_ptr<calEvent>> exceptions_;
 };
 
-bool replacesItsSeries(const calEvent& event) {
-    return event.RecurrenceState == kException && !event.recurringEventId.empty();
-}
-
-void putInto(GenCollection& result, const std::shared_ptr<calEvent>& event) {
-    result.Add(Variant(event), event->GUID);
-}
-
 }  // namespace
+
+// Each event is a step of its own: one that fails does not keep the others from being found.
+template <class Step>
+void CalEvents::forEachHeld(Step&& step) const {
+    for (const Variant& item : mCol ? *mCol : GenCollection()) {
+        const auto event = objectIn<calEvent>(item);
+        if (event && takesPlace(*event)) {
+            attempt([&] { step(event); });
+        }
+    }
+}
 
 std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime) const {
     const ErrScope scope;
     const Window window{FromTime, ToTime};
-    auto result = std::make_shared<GenCollection>();
-    std::vector<std::shared_ptr<calEvent>> exceptions;
-    for (const Variant& item : events()) {
-        const auto event = objectIn<calEvent>(item);
-        if (!event || !takesPlace(*event)) {
-            continue;
+    Answer answer;
+    forEachHeld([&](const std::shared_ptr<calEvent>& event) {
+        const auto starts = instancesForReminders(*event, window);
+        const auto due = dueIn(*event, window, starts);
+        forget(*event);
+        if (due) {
+            record(*event, *due);
+            answer.take(event);
+            answer.noteException(event);
         }
-        attempt([&] {
-            const auto starts = instancesForReminders(*event, window);
-            const auto due = dueIn(*event, window, starts);
-            record(*event, Due{DateTime(), DateTime(), kNoReminder});
-            event->iRemMinutes = kNoReminder;
-            if (due) {
-                record(*event, *due);
-                putInto(*result, event);
-                if (replacesItsSeries(*event)) {
-                    exceptions.push_back(event);
-                }
-            }
-        });
-    }
-    if (!exceptions.empty()) {
-        MastersOf masters(*result);
-        for (const auto& exception : exceptions) {
-            masters.remove(*exception);
-        }
-    }
-    return result;
+    });
+    return answer.finish();
 }
 
 std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime ToDate) const {
     const ErrScope scope;
     const Window period{FromDate, ToDate};
-    auto result = std::make_shared<GenCollection>();
-    std::vector<std::shared_ptr<calEvent>> exceptions;
-    for (const Variant& item : events()) {
-        const auto event = objectIn<calEvent>(item);
-        if (!event || !takesPlace(*event)) {
-            continue;
-        }
-        attempt([&] {
-            for (const DateTime start : instances(*event, period)) {
-                if (!period.holds(start)) {
-                    continue;
-                }
+    Answer answer;
+    forEachHeld([&](const std::shared_ptr<calEvent>& event) {
+        for (const DateTime start : instances(*event, period)) {
+            if (period.holds(start)) {
                 if (event->InstanceStart.isZero() || start < event->InstanceStart) {
                     event->InstanceStart = start;
                 }
-                putInto(*result, event);
+                answer.take(event);
             }
-            if (replacesItsSeries(*event) && period.holds(event->StartDateTime)) {
-                exceptions.push_back(event);
-            }
-        });
-    }
-    if (!exceptions.empty()) {
-        MastersOf masters(*result);
-        for (const auto& exception : exceptions) {
-            masters.remove(*exception);
         }
-    }
-    return result;
+        if (period.holds(event->StartDateTime)) {
+            answer.noteException(event);
+        }
+    });
+    return answer.finish();
 }
 
 }  // namespace vl
