@@ -15,10 +15,9 @@ constexpr std::size_t kEncryptionKeyAt = 0x3E;
 // What the header's block of 128 bytes at 0x18 is masked with at the encryption key.
 constexpr std::uint32_t kEncryptionMask = 0x4EBC8AFB;
 
-using std::string_view_literals::operator""sv;
-
-constexpr std::string_view kJet = "Standard Jet DB\0"sv;
-constexpr std::string_view kAce = "Standard ACE DB\0"sv;
+// With the zero byte that ends them.
+constexpr std::string_view kJet("Standard Jet DB", 16);
+constexpr std::string_view kAce("Standard ACE DB", 16);
 
 std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
