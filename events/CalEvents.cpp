@@ -29,7 +29,7 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
         dLastRead = DateTime();
     }
     int result = 0;
-    const auto rows = db_.OpenRS(query(IncludeAllDone, Dismissed));
+    const auto rows = db_.OpenRS(ReadStatement(IncludeAllDone, Dismissed, dLastRead));
     if (rows && rows->isOpen() && !rows->EOF_()) {
         result = 1;
         const TimeZone local = TimeZone::local();
@@ -48,7 +48,8 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     return result;
 }
 
-std::string CalEvents::query(bool IncludeAllDone, std::optional<bool> Dismissed) const {
+std::string CalEvents::ReadStatement(bool IncludeAllDone, std::optional<bool> Dismissed,
+                                     DateTime dLastRead) {
     std::string text = "SELECT * FROM Reminders WHERE Deleted=0";
     if (!IncludeAllDone) {
         text += " AND Status <> \"AllDone\"";
@@ -85,6 +86,7 @@ std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const
             rows->Close();
         }
     });
+    db_.CloseDB();
     return event;
 }
 

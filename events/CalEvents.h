@@ -38,6 +38,11 @@ public:
     /// Returns 1 when the query gave at least one row, else 0; never a count.
     int ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed = {});
 
+    /// The query of a read: of what is not deleted, without what is all done and by `Dismissed` as
+    /// above; since `dLastRead` only, when that is greater than 0.
+    static std::string ReadStatement(bool IncludeAllDone, std::optional<bool> Dismissed,
+                                     DateTime dLastRead);
+
     /// Copies the current row's columns into the properties of the same names; a column that the
     /// event does not know is passed over.
     static void FillEvent(const RecordSet& row, calEvent& event);
@@ -60,7 +65,6 @@ public:
     static std::string ReminderMSG(std::string_view message);
 
 private:
-    std::string query(bool IncludeAllDone, std::optional<bool> Dismissed) const;
     std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
     template <class Step>

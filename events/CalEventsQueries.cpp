@@ -46,13 +46,13 @@ std::vector<DateTime> instances(const calEvent& event, Window window) {
 }
 
 // Where a repeating event has no instance near the window, its stored next reminder speaks for the
-// instance it was left with, or for itself.
-std::vector<DateTime> instancesForReminders(const calEvent& event, Window window) {
+// instance it was left with by the last query, `left`, or for itself.
+std::vector<DateTime> instancesForReminders(const calEvent& event, Window window, DateTime left) {
     const Window around = widened(event, window);
     auto starts = instances(event, around);
     const Window stored{window.from, around.to};
     if (starts.empty() && !event.NextReminder.isZero() && stored.holds(event.NextReminder)) {
-        starts.push_back(event.InstanceStart.isZero() ? event.NextReminder : event.InstanceStart);
+        starts.push_back(left.isZero() ? event.NextReminder : left);
     }
     return starts;
 }
@@ -184,10 +184,10 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
     const Window window{FromTime, ToTime};
     Answer answer;
     forEachHeld([&](const std::shared_ptr<calEvent>& event) {
-        const auto starts = instancesForReminders(*event, window);
-        const auto due = dueIn(*event, window, starts);
+        const DateTime left = event->InstanceStart;
         forget(*event);
-        if (due) {
+        const auto starts = instancesForReminders(*event, window, left);
+        if (const auto due = dueIn(*event, window, starts)) {
             record(*event, *due);
             answer.take(event);
             answer.noteException(event);
@@ -201,6 +201,9 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
     const Window period{FromDate, ToDate};
     Answer answer;
     forEachHeld([&](const std::shared_ptr<calEvent>& event) {
+        if (period.holds(event->StartDateTime)) {
+            answer.noteException(event);
+        }
         for (const DateTime start : instances(*event, period)) {
             if (period.holds(start)) {
                 if (event->InstanceStart.isZero() || start < event->InstanceStart) {
@@ -208,9 +211,6 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
                 }
                 answer.take(event);
             }
-        }
-        if (period.holds(event->StartDateTime)) {
-            answer.noteException(event);
         }
     });
     return answer.finish();

@@ -53,10 +53,8 @@ void CheckCycle::Tick(int interval) {
 void CheckCycle::check(int interval) {
     DoRemoveDeleted();
     attempt([&] { reminders_.ReadDB(false, false); });
-    if (state_.dLastUpdated.isZero()) {
-        state_.dLastUpdated = clock_.today();  // the first check also takes what was due today
-    }
-    const auto due = askForDue(interval);
+    const DateTime upTo = clock_.now().addSeconds(interval / 1000);
+    const auto due = askForDue(upTo);
     if (due->Count() > 0) {
         std::string message;
         takeIn(*due, message);
@@ -65,14 +63,17 @@ void CheckCycle::check(int interval) {
         notify(message);
     }
     refreshPeriod();
-    // Now, not the upper bound: what was taken early is found once more, and heard again.
-    state_.dLastUpdated = clock_.now();
+    // Now, not the upper bound: what was taken early is found once more, and heard again. But
+    // never later than what was asked for: the machine may have slept inside the check.
+    state_.dLastUpdated = std::min(clock_.now(), upTo);
     attempt([&] { screen_.SetIcon(); });
     attempt([&] { db_.CloseDB(); });
 }
 
-std::shared_ptr<GenCollection> CheckCycle::askForDue(int interval) {
-    const DateTime upTo = clock_.now().addSeconds(interval / 1000);
+std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {
+    if (state_.dLastUpdated.isZero()) {
+        state_.dLastUpdated = clock_.today();  // the first check also takes what was due today
+    }
     // A clock turned back leaves the last check ahead of now.
     const DateTime from = std::min(state_.dLastUpdated, clock_.now());
     auto due = std::make_shared<GenCollection>();
@@ -194,6 +195,8 @@ void CheckCycle::DoRemoveDeleted() {
             state_.curEvent.reset();
         }
     }
+    // The host may put another file in this one's place: hold it no longer than a look takes.
+    attempt([&] { db_.CloseDB(); });
 }
 
 void CheckCycle::RemoveGUIDAll(std::string_view GUID) {
@@ -202,7 +205,8 @@ void CheckCycle::RemoveGUIDAll(std::string_view GUID) {
         attempt([&] { screen_.RemoveGUID(GUID, grid); });
     }
     // What is not listed any more may come again at once.
-    for (GenCollection* list : {state_.NewReminders.get(), state_.LastEventsReminded.get()}) {
+    for (GenCollection* list :
+         {state_.NewReminders.get(), state_.LastEventsReminded.get(), &lines_}) {
         list->Remove(GUID);
     }
 }

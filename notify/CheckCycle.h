@@ -42,7 +42,7 @@ private:
     };
 
     void check(int interval);
-    std::shared_ptr<GenCollection> askForDue(int interval);
+    std::shared_ptr<GenCollection> askForDue(DateTime upTo);
     void takeIn(const GenCollection& due, std::string& message);
     void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);
     void rebuildIndex();

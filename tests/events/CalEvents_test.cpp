@@ -185,6 +185,18 @@ TEST(ReminderMSG, JoinsTheFirstTwoParts) {
     EXPECT_EQ(CalEvents::ReminderMSG(""), "");
 }
 
+TEST(ReadStatement, IsBuiltPieceByPiece) {
+    const DateTime never;
+    EXPECT_EQ(CalEvents::ReadStatement(false, {}, never),
+              "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\"");
+    EXPECT_EQ(CalEvents::ReadStatement(true, {}, never), "SELECT * FROM Reminders WHERE Deleted=0");
+    EXPECT_EQ(CalEvents::ReadStatement(true, false, never),
+              "SELECT * FROM Reminders WHERE Deleted=0 AND Dismissed is Null");
+    EXPECT_EQ(CalEvents::ReadStatement(false, true, at(14, 30, 5)),
+              "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\" AND Dismissed is "
+              "not Null AND Modified > #2026-11-20 14:30:05#");
+}
+
 /// The real file, with the clock at the day its events lie around.
 class FirstLight : public testing::Test {
 protected:
@@ -310,6 +322,54 @@ TEST_F(FirstLight, FindsSingleEventsAfresh) {
     EXPECT_EQ(byId->GUID, byGuid->GUID);
     EXPECT_FALSE(set.EventByGUID("{nobody}"));
     EXPECT_FALSE(set.EventByID("a\"b")) << "not escaped: the statement is broken";
+}
+
+RecordSet oneRow(std::vector<sql::Field> fields, std::vector<Variant> row) {
+    sql::Result result;
+    result.isQuery = true;
+    result.fields = std::move(fields);
+    result.rows.push_back(std::move(row));
+    return RecordSet(std::move(result));
+}
+
+TEST(FillEvent, NullsReadByTheColumnsType) {
+    calEvent e;
+    e.EventID = 7;
+    e.StartDateTime = at(1, 0);
+    e.Location = "there";
+    e.IsAllDayEvent = true;
+    CalEvents::FillEvent(oneRow({{"EventID", jet::ColumnType::Long},
+                                 {"StartDateTime", jet::ColumnType::Date},
+                                 {"Location", jet::ColumnType::Text},
+                                 {"IsAllDayEvent", jet::ColumnType::Boolean},
+                                 {"NoSuchProperty", jet::ColumnType::Text}},
+                                {Null{}, Null{}, Null{}, Null{}, "x"}),
+                         e);
+    EXPECT_EQ(e.EventID, 0);
+    EXPECT_TRUE(e.StartDateTime.isZero());
+    EXPECT_EQ(e.Location, "");
+    EXPECT_TRUE(e.IsAllDayEvent) << "an empty text is no Boolean: the property stays";
+}
+
+TEST(FillEvent, AnyTextInRecurrenceMakesAMasterAndAMasterIsNoException) {
+    for (const char* recurrence : {"[]", "[\"RRULE:FREQ=DAILY\"]", "nonsense"}) {
+        SCOPED_TRACE(recurrence);
+        calEvent e;
+        CalEvents::FillEvent(oneRow({{"recurringEventId", jet::ColumnType::Text},
+                                     {"RExceptionStartTimeOrig", jet::ColumnType::Date},
+                                     {"RExceptionEndTimeOrig", jet::ColumnType::Date},
+                                     {"BeforeMoveStartDateTime", jet::ColumnType::Date},
+                                     {"ISRecurrenceExceptionDeleted", jet::ColumnType::Long},
+                                     {"recurrence", jet::ColumnType::Memo}},
+                                    {"master", at(1, 0), at(2, 0), at(3, 0), 1, recurrence}),
+                             e);
+        EXPECT_EQ(e.RecurrenceState, 1);
+        EXPECT_EQ(e.recurringEventId, "");
+        EXPECT_TRUE(e.RExceptionStartTimeOrig.isZero());
+        EXPECT_TRUE(e.RExceptionEndTimeOrig.isZero());
+        EXPECT_TRUE(e.BeforeMoveStartDateTime.isZero());
+        EXPECT_EQ(e.ISRecurrenceExceptionDeleted, 0);
+    }
 }
 
 TEST(FillEvent, CutsASubjectAtFiftyUnits) {
