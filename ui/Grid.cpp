@@ -69,8 +69,9 @@ void Grid::setRows(std::vector<GridRow> rows) {
     disconnect(onReset);
     if (reset) {
         restore(before);
-        emit currentRowChanged();
     }
+    // Also where all looks the same: the rows stand for other event objects now.
+    emit currentRowChanged();
 }
 
 void Grid::putRow(GridRow row) { model_.putRow(std::move(row)); }

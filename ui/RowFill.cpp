@@ -46,6 +46,10 @@ RowOccurrence nearestOccurrence(calEvent& event, DateTime now) {
     if (reminder.isZero() && event.RemindersCol && event.RemindersCol->Count() > 0) {
         reminder = event.FirstReminderD();
     }
+    event.dReminder = reminder;
+    event.iRemMinutes = reminder.isZero()
+                            ? calEvent::kNoReminder
+                            : static_cast<std::int32_t>(minutesBetween(reminder, start));
     return {start, reminder};
 }
 

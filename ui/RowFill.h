@@ -25,7 +25,7 @@ RowOccurrence nearestOccurrence(calEvent& event, DateTime now);
 GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,
               const TimeText& time);
 
-/// Days as people name them (`relative`), or in full.
+/// Days in full, or with `now` as people name them.
 DateWords wordsOf(const TimeText& time);
 DateWords wordsOf(const TimeText& time, DateTime now);
 

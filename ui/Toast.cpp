@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
@@ -193,7 +194,7 @@ void Toast::place(int width, QPoint anchor) {
 }
 
 void Toast::startWaiting() {
-    if (content_.delay) {
+    if (content_.delay && !underMouse()) {
         wait_.start(*content_.delay);
     } else {
         wait_.stop();
@@ -225,6 +226,12 @@ void Toast::leaveEvent(QEvent* event) {
     if (isVisible()) {
         startWaiting();
     }
+}
+
+// Closed by the window manager: whoever owns the toast hides it, as by its own button.
+void Toast::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    emit closed();
 }
 
 }  // namespace vl

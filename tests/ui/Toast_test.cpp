@@ -147,6 +147,27 @@ TEST_F(ToastTest, StaysWithoutADelayAndGoesWithOne) {
     EXPECT_EQ(closed.count(), 1);
 }
 
+TEST_F(ToastTest, ShownAgainUnderTheMouseItStays) {
+    QSignalSpy closed(&toast, &Toast::closed);
+    toast.present(withLinks(1), {});
+    toast.setAttribute(Qt::WA_UnderMouse);
+    ToastContent brief = withLinks(1);
+    brief.delay = std::chrono::milliseconds(20);
+    toast.present(brief, {});
+    EXPECT_FALSE(closed.wait(60));
+    toast.setAttribute(Qt::WA_UnderMouse, false);
+    QEvent left(QEvent::Leave);
+    QCoreApplication::sendEvent(&toast, &left);
+    EXPECT_TRUE(closed.wait(5000));
+}
+
+TEST_F(ToastTest, ClosedByTheDesktopItSaysSo) {
+    toast.present(withLinks(1), {});
+    QSignalSpy closed(&toast, &Toast::closed);
+    toast.close();
+    EXPECT_EQ(closed.count(), 1);
+}
+
 TEST_F(ToastTest, TheCrossCloses) {
     toast.present(withLinks(1), {});
     QSignalSpy closed(&toast, &Toast::closed);

@@ -333,7 +333,8 @@ TEST_F(frmDDETest, HiddenEventsAreInTheirOwnViewOnly) {
     list().setCurrentText("Previous 30 days");
     EXPECT_EQ(grid(2).rowCount(), 0U);
     list().setCurrentText("Hidden");
-    EXPECT_EQ(grid(1).rowCount(), 1U);
+    ASSERT_EQ(grid(1).rowCount(), 1U);
+    EXPECT_EQ(grid(1).rows().rows().at(0).detail, "(15 minutes)");
     ASSERT_EQ(grid(2).rowCount(), 1U);
     EXPECT_EQ(grid(2).rows().rows().at(0).span.start, hidden->StartDateTime);
 }
