@@ -38,7 +38,10 @@ def show(folder, build):
             rows = reminders.rows(reminders.NEW)
             return rows if due.subject in map(reminders.subject, rows) else None
 
-        rows = wait_for(listed, PATIENCE, f"the reminder of {due.subject!r}", step=0.5)
+        try:
+            rows = wait_for(listed, PATIENCE, f"the reminder of {due.subject!r}", step=0.5)
+        except (NotThere, Ended) as failure:
+            raise Ended(f"nothing was notified: {failure}") from failure
         desktop.wait_active(reminders.TITLE)
         time.sleep(0.5)  # the last repaint
         picture = os.path.join(folder, "picture.png")
@@ -57,5 +60,5 @@ if __name__ == "__main__":
     try:
         show(os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2]))
     except (NotThere, Ended, OSError, RuntimeError, subprocess.CalledProcessError) as failure:
-        print(f"make run: nothing was notified: {failure}", file=sys.stderr)
+        print(f"make run: {failure}", file=sys.stderr)
         sys.exit(1)

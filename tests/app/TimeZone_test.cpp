@@ -163,6 +163,7 @@ TEST(TimeZoneNamed, DatesAreConvertedToTheSecond) {
 
 TEST(TimeZoneNamed, MayBeAskedFromSeveralThreads) {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([] {
             for (int i = 0; i < 50; ++i) {

@@ -3,19 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "base/ErrorState.h"
+#include "support/ErrorOf.h"
 
 namespace vl {
 namespace {
 
-template <class F>
-ErrNo errorOf(F&& f) {
-    try {
-        f();
-    } catch (const Error& e) {
-        return e.number();
-    }
-    return ErrNo::None;
-}
+using test::errorOf;
 
 TEST(Variant, ConvertsWhatHasTheForm) {
     EXPECT_EQ(Variant().toText(), "");

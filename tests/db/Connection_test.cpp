@@ -3,23 +3,16 @@
 #include <gmock/gmock.h>
 
 #include "base/ErrorState.h"
+#include "support/ErrorOf.h"
 #include "support/Support.h"
 
 namespace vl {
 namespace {
 
+using test::errorOf;
+
 std::string stringFor(const std::string& file) {
     return "Provider=Microsoft.Jet.OLEDB.4.0; Data Source=" + file + "; User Id=admin;";
-}
-
-template <class Step>
-ErrNo errorOf(Step&& step) {
-    try {
-        step();
-    } catch (const Error& e) {
-        return e.number();
-    }
-    return ErrNo::None;
 }
 
 class ConnectionTest : public testing::Test {

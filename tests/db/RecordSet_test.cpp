@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 
 #include "base/ErrorState.h"
+#include "support/ErrorOf.h"
 #include "support/Support.h"
 
 namespace vl {
 namespace {
+
+using test::errorOf;
 
 using jet::ColumnType;
 
@@ -16,16 +19,6 @@ RecordSet people() {
     result.fields = {{"Name", ColumnType::Text}, {"Age", ColumnType::Long}};
     result.rows = {{"Ann", 30}, {"Bob", Null{}}};
     return RecordSet(std::move(result));
-}
-
-template <class Step>
-ErrNo errorOf(Step&& step) {
-    try {
-        step();
-    } catch (const Error& e) {
-        return e.number();
-    }
-    return ErrNo::None;
 }
 
 void expectNoRows(RecordSet& rs) {

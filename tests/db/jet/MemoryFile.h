@@ -8,6 +8,7 @@
 
 #include "base/ErrorState.h"
 #include "db/jet/Database.h"
+#include "support/ErrorOf.h"
 
 namespace vl::test {
 
@@ -66,17 +67,6 @@ private:
 
 inline jet::Database openMemory(Disk& disk, jet::Access access = jet::Access::Read) {
     return jet::Database::open(std::make_unique<MemoryFile>(disk), "memory", access);
-}
-
-/// The number of the error that `step` throws; `ErrNo::None` when it throws none.
-template <class Step>
-ErrNo errorOf(Step&& step) {
-    try {
-        step();
-    } catch (const Error& e) {
-        return e.number();
-    }
-    return ErrNo::None;
 }
 
 }  // namespace vl::test

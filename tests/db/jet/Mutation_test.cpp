@@ -35,6 +35,7 @@ std::vector<Sample> samples() {
     }
     std::sort(files.begin(), files.end());
     std::vector<Sample> all;
+    all.reserve(files.size());
     for (const fs::path& file : files) {
         all.push_back({file.filename().string(), test::readFile(file)});
     }

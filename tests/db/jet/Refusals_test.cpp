@@ -74,7 +74,7 @@ TEST(JetRefusal, RefusesADeletedRowAndTheBodyOfAMovedOne) {
     const RowId id = rowsOf(table).ids[2];
     const std::vector<Change> change = {{position(table, "EventID"), 5}};
     for (const unsigned flags : {0xC000U, 0x8000U}) {
-        const std::size_t slot = id.page * jet::kPageSize + 14 + 2U * id.row;
+        const std::size_t slot = id.page * jet::kPageSize + 14 + std::size_t{2} * id.row;
         const std::uint16_t before = jet::u16(disk.bytes, slot);
         jet::store(std::span(disk.bytes), slot, static_cast<std::uint16_t>(before | flags));
         EXPECT_EQ(errorOf([&] { table.updateInPlace(id, change); }), ErrNo::NotFound);

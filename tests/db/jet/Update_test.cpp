@@ -66,7 +66,7 @@ TEST(JetUpdate, BothReadersFindWhatWasWritten) {
         for (std::size_t r = 0; r < expected.ids.size(); ++r) {
             const auto n = static_cast<std::int32_t>(r);
             const Row values = {
-                DateTime::fromCivil(2026, 11, 20, 9, 30).addSeconds(61 * n),
+                DateTime::fromCivil(2026, 11, 20, 9, 30).addSeconds(std::int64_t{61} * n),
                 n % 3 == 0 ? Variant(Null{}) : Variant(DateTime::fromCivil(2026, 11, 20)),
                 n % 2 == 0, n % 4 == 0 ? Variant(Null{}) : Variant(-1000 - n), 7 * n};
             std::vector<Change> changes;

@@ -249,12 +249,15 @@ TEST(SqlSamples, EveryTableIsReadSortedAndCounted) {
             ASSERT_EQ(execute(db, "SELECT COUNT(*)" + from).rows[0][0].toInt32(),
                       static_cast<std::int32_t>(count));
             const std::string column = "[" + all.fields.at(0).name + "]";
-            const Result sorted = execute(db, "SELECT *" + from + " ORDER BY " + column);
+            const std::string every = "SELECT *" + from;
+            const Result sorted = execute(db, every + " ORDER BY " + column);
             ASSERT_THAT(sorted.rows, testing::UnorderedElementsAreArray(all.rows));
-            const auto matching = [&](const std::string& condition) {
-                return execute(db, "SELECT *" + from + " WHERE " + column + condition).rows.size();
+            const auto matching = [&](const char* condition) {
+                std::string statement = every;
+                statement.append(" WHERE ").append(column).append(condition);
+                return execute(db, statement).rows.size();
             };
-            EXPECT_EQ(matching(" IS NULL") + matching(" = " + column), count);
+            EXPECT_EQ(matching(" IS NULL") + matching((" = " + column).c_str()), count);
             ++tables;
             rows += count;
         }
