@@ -14,8 +14,8 @@ constexpr const char* kNoKey = "z";
 // From so many items on `Exists` looks the key up instead of walking the key list.
 constexpr std::size_t kLookUpFrom = 30;
 
-KeyedSlots::Slot slotFor(const Variant& member, std::string_view key) {
-    return {member, std::string(key.empty() ? kNoKey : key), !key.empty(), true};
+KeyedSlots::Item itemFor(const Variant& member, std::string_view key) {
+    return {member, std::string(key.empty() ? kNoKey : key), !key.empty()};
 }
 
 // Whole numbers stay whole; those that fit are kept in 32 bits, as counters begin.
@@ -49,13 +49,13 @@ KeyedSlots& GenCollection::own() {
     return *items_;
 }
 
-std::size_t GenCollection::find(IndexKey index) const {
+std::uint32_t GenCollection::find(IndexKey index) const {
     return index.isKey() ? items_->slotOf(index.key()) : items_->slotAt(index.position());
 }
 
 void GenCollection::append(const Variant& member, std::string_view key) {
     KeyedSlots& items = own();
-    items.insert(items.live() + 1, slotFor(member, key));
+    items.insert(items.count() + 1, itemFor(member, key));
 }
 
 bool GenCollection::isReplacedInPlace(const Variant& member) {
@@ -65,7 +65,7 @@ bool GenCollection::isReplacedInPlace(const Variant& member) {
 
 Variant GenCollection::Add(const Variant& member, std::string_view sKey, std::int64_t Before,
                            std::int64_t After, bool bReplace) {
-    const std::size_t taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
+    const auto taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
     if (taken != KeyedSlots::kNone) {
         if (bReplace && isReplacedInPlace(member)) {
             own().setValue(taken, member);
@@ -79,16 +79,16 @@ Variant GenCollection::Add(const Variant& member, std::string_view sKey, std::in
     if (Before == 0 && After == 0) {
         append(member, sKey);
     } else if (After == 0 && Before >= 1 && Before <= count) {
-        own().insert(static_cast<std::size_t>(Before), slotFor(member, sKey));
+        own().insert(static_cast<std::size_t>(Before), itemFor(member, sKey));
     } else if (Before == 0 && After >= 1 && After <= count) {
-        own().insert(static_cast<std::size_t>(After) + 1, slotFor(member, sKey));
+        own().insert(static_cast<std::size_t>(After) + 1, itemFor(member, sKey));
     }
     return member;
 }
 
 Variant GenCollection::AddCounter(std::string_view sKey) {
     const ErrScope scope;
-    const std::size_t slot = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
+    const auto slot = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
     if (slot == KeyedSlots::kNone) {
         return Add(1, sKey);
     }
@@ -101,11 +101,12 @@ Variant GenCollection::AddCounter(std::string_view sKey) {
 
 bool GenCollection::Exists(std::string_view key, bool CaseSensitive) const {
     const KeyedSlots& items = *items_;
-    if (items.live() >= kLookUpFrom) {
+    if (items.count() >= kLookUpFrom) {
         return items.slotOf(key) != KeyedSlots::kNone;
     }
-    for (std::size_t i = items.nextLive(0); i != KeyedSlots::kNone; i = items.nextLive(i + 1)) {
-        if (CaseSensitive ? items[i].key == key : text::equalsNoCase(items[i].key, key)) {
+    for (std::size_t i = 0; i < items.count(); ++i) {
+        const std::string& present = items.at(i).key;
+        if (CaseSensitive ? present == key : text::equalsNoCase(present, key)) {
             return true;
         }
     }
@@ -113,12 +114,12 @@ bool GenCollection::Exists(std::string_view key, bool CaseSensitive) const {
 }
 
 Variant GenCollection::Item(IndexKey vntIndexKey) const {
-    const std::size_t slot = find(vntIndexKey);
+    const auto slot = find(vntIndexKey);
     return slot == KeyedSlots::kNone ? Variant() : (*items_)[slot].value;
 }
 
 Variant GenCollection::itemOr(IndexKey index, bool AutoAdd, const Variant& Default) {
-    const std::size_t slot = find(index);
+    const auto slot = find(index);
     if (slot != KeyedSlots::kNone) {
         return (*items_)[slot].value;
     }
@@ -130,7 +131,7 @@ Variant GenCollection::itemOr(IndexKey index, bool AutoAdd, const Variant& Defau
 }
 
 void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, bool KeepPosition) {
-    const std::size_t slot = items_->slotOf(key);
+    const auto slot = items_->slotOf(key);
     if (slot == KeyedSlots::kNone) {
         return;
     }
@@ -143,10 +144,10 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
     append(NewItem, spelled);
 }
 
-std::size_t GenCollection::Count() const noexcept { return items_->live(); }
+std::size_t GenCollection::Count() const noexcept { return items_->count(); }
 
 void GenCollection::Remove(IndexKey Index) {
-    const std::size_t slot = find(Index);
+    const auto slot = find(Index);
     if (slot != KeyedSlots::kNone) {
         own().remove(slot);
     }
@@ -155,25 +156,17 @@ void GenCollection::Remove(IndexKey Index) {
 void GenCollection::Clear() { items_ = std::make_shared<KeyedSlots>(); }
 
 std::string GenCollection::Key(std::int64_t position) const {
-    const std::size_t slot = items_->slotAt(position);
+    const auto slot = items_->slotAt(position);
     return slot == KeyedSlots::kNone ? std::string() : (*items_)[slot].key;
 }
 
 std::size_t GenCollection::Position(std::string_view key) const {
-    const std::size_t slot = items_->slotOf(key);
+    const auto slot = items_->slotOf(key);
     return slot == KeyedSlots::kNone ? 0 : items_->positionOf(slot);
 }
 
-GenCollection::Walk::Walk(std::shared_ptr<const KeyedSlots> items)
-    : items_(std::move(items)), slot_(items_->nextLive(0)) {}
+const Variant& GenCollection::Walk::operator*() const { return items_->at(index_).value; }
 
-const Variant& GenCollection::Walk::operator*() const { return (*items_)[slot_].value; }
-
-GenCollection::Walk& GenCollection::Walk::operator++() {
-    slot_ = items_->nextLive(slot_ + 1);
-    return *this;
-}
-
-bool GenCollection::Walk::atEnd() const noexcept { return slot_ == KeyedSlots::kNone; }
+bool GenCollection::Walk::atEnd() const noexcept { return index_ == items_->count(); }
 
 }  // namespace vl

@@ -55,9 +55,11 @@ private:
 /// Positions count from 1. What is not there is `Empty`, or empty, or left alone: no method
 /// throws, and none changes the pending error.
 ///
-/// Cost: look-ups by key O(1), by position O(log n), append and remove O(log n) amortised, also
-/// in the middle; adding at a position before the end O(n). A copy is O(1) until one of the two
-/// is changed.
+/// Cost: look-ups by key and by position O(1), in whatever order they mix with changes; adding at
+/// the end and removing at both ends O(1) amortised; adding and removing elsewhere O(sqrt n), less
+/// than a microsecond at 100,000 items (bench/CollectionBench.cpp). An item takes about 110 bytes
+/// beside its texts; room once taken serves later items. A copy is O(1) until one of the two is
+/// changed.
 ///
 /// A walk (`for (const Variant& v : col)`) shows what the list held when the walk began, each
 /// value kept alive until the walk is over: items may be added, removed or replaced meanwhile,
@@ -172,24 +174,27 @@ public:
 
         const Variant& operator*() const;
         const Variant* operator->() const { return &**this; }
-        Walk& operator++();
+        Walk& operator++() {
+            ++index_;
+            return *this;
+        }
         void operator++(int) { ++*this; }
         friend bool operator==(const Walk& walk, std::default_sentinel_t) { return walk.atEnd(); }
 
     private:
         friend class GenCollection;
-        explicit Walk(std::shared_ptr<const KeyedSlots> items);
+        explicit Walk(std::shared_ptr<const KeyedSlots> items) : items_(std::move(items)) {}
         bool atEnd() const noexcept;
 
         std::shared_ptr<const KeyedSlots> items_;
-        std::size_t slot_;
+        std::size_t index_ = 0;
     };
     Walk begin() const { return Walk(items_); }
     static std::default_sentinel_t end() { return {}; }
 
 private:
     KeyedSlots& own();  // the list for changing: a copy of its own if a walk or a copy shares it
-    std::size_t find(IndexKey index) const;
+    std::uint32_t find(IndexKey index) const;
     Variant itemOr(IndexKey index, bool AutoAdd, const Variant& Default);
     void append(const Variant& member, std::string_view key);
     static bool isReplacedInPlace(const Variant& member);

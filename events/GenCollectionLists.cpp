@@ -73,11 +73,11 @@ std::string GenCollection::SaveAsList(std::string_view Delimiter, int Index, boo
     const KeyedSlots& items = *items_;
     std::string list;
     std::int64_t seen = 0;
-    for (std::size_t i = items.nextLive(0); i != KeyedSlots::kNone; i = items.nextLive(i + 1)) {
+    for (std::size_t i = 0; i < items.count(); ++i) {
         attempt([&] {
-            const std::string value = listText(items[i].value, Index);
+            const std::string value = listText(items.at(i).value, Index);
             if (SaveKeyValPair) {
-                list.append(items[i].key).append(Delimiter);
+                list.append(items.at(i).key).append(Delimiter);
             }
             list.append(value).append(Delimiter);
         });
@@ -106,12 +106,12 @@ std::vector<Variant> GenCollection::SaveAsArray() const {
 std::vector<std::vector<Variant>> GenCollection::SaveAs2DArray(bool Transposed) const {
     const KeyedSlots& items = *items_;
     std::vector<std::vector<Variant>> table(Transposed ? 2 : 0);
-    for (std::size_t i = items.nextLive(0); i != KeyedSlots::kNone; i = items.nextLive(i + 1)) {
+    for (std::size_t i = 0; i < items.count(); ++i) {
         if (Transposed) {
-            table[0].emplace_back(items[i].key);
-            table[1].push_back(items[i].value);
+            table[0].emplace_back(items.at(i).key);
+            table[1].push_back(items.at(i).value);
         } else {
-            table.push_back({items[i].key, items[i].value});
+            table.push_back({items.at(i).key, items.at(i).value});
         }
     }
     return table;

@@ -82,14 +82,14 @@ void GenCollection::SortByItem(std::string_view DataType, std::string_view sOrde
     }
     const KeyedSlots& items = *items_;
     std::vector<Row> rows;
-    rows.reserve(items.live());
-    for (std::size_t i = items.nextLive(0); i != KeyedSlots::kNone; i = items.nextLive(i + 1)) {
+    rows.reserve(items.count());
+    for (std::size_t i = 0; i < items.count(); ++i) {
         Row& row = rows.emplace_back();
-        row.id = text::leftUtf16(items[i].key, kFieldUnits);
-        if (bIgnoreEmpty && isEmptyValue(items[i].value)) {
+        row.id = text::leftUtf16(items.at(i).key, kFieldUnits);
+        if (bIgnoreEmpty && isEmptyValue(items.at(i).value)) {
             continue;
         }
-        attempt([&] { row.item = kind->stored(items[i].value); });
+        attempt([&] { row.item = kind->stored(items.at(i).value); });
         if (const auto* s = row.item.get<std::string>()) {
             row.folded = text::foldCase(*s);
         }

@@ -5,60 +5,57 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "KeyIndex.h"
+#include "SlotOrder.h"
 #include "base/Variant.h"
 
 namespace vl {
 
-/// A list of slots. A removed item leaves its slot behind, so that no other slot moves; a Fenwick
-/// tree over the slots (1 a live one, 0 a removed one) turns positions into slots and back. While
-/// nothing was removed a position simply is its slot plus one, and there is no tree.
+/// Items in slots that never move: an item keeps its slot until it is removed, and the slot then
+/// serves the next item. The order of the slots is a matter of its own (`SlotOrder`), and so are
+/// the keys (`KeyIndex`).
 ///
-/// Invariants: `live_` slots are live; the last slot is live; `byKey_` holds exactly the folded
-/// keys of live, keyed slots; `tree_` is empty or counts exactly the live slots.
+/// Invariants: `order_` and `free_` together hold every slot once; `byKey_` holds exactly the
+/// keyed items.
 ///
-/// Cost: by key O(1), by position and append O(log n), remove O(log n) amortised (the list is
-/// packed when more than half of it is removed), insert before the end O(n).
+/// Cost: by key and by position O(1), append and remove at both ends O(1) amortised, insert and
+/// remove elsewhere O(sqrt n).
 class KeyedSlots {
 public:
-    struct Slot {
+    using Slot = SlotOrder::Slot;
+    struct Item {
         Variant value;
         std::string key;  // as written; of an item without a key the placeholder
         bool keyed = false;
-        bool live = true;
+        std::uint32_t hash = 0;  // of the key, filled in here
     };
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    static constexpr Slot kNone = KeyIndex::kNone;
 
-    std::size_t live() const noexcept { return live_; }
+    std::size_t count() const noexcept { return order_.size(); }
 
     /// Slot of a position counted from 1, or of a key; `kNone` when there is none.
-    std::size_t slotAt(std::int64_t position) const noexcept;
-    std::size_t slotOf(std::string_view key) const;
-    /// Position, from 1, of a live slot.
-    std::size_t positionOf(std::size_t slot) const noexcept;
-    /// The first live slot from `slot` on; `kNone` behind the last.
-    std::size_t nextLive(std::size_t slot) const noexcept;
+    Slot slotAt(std::int64_t position) const noexcept;
+    Slot slotOf(std::string_view key) const noexcept;
+    /// Position, from 1, of the item in a slot.
+    std::size_t positionOf(Slot slot) const noexcept { return order_.indexOf(slot) + 1; }
 
-    const Slot& operator[](std::size_t slot) const noexcept { return slots_[slot]; }
-    void setValue(std::size_t slot, Variant value) { slots_[slot].value = std::move(value); }
+    const Item& operator[](Slot slot) const noexcept { return items_[slot]; }
+    /// The item at an index, counted from 0 and less than `count()`.
+    const Item& at(std::size_t index) const noexcept { return items_[order_.at(index)]; }
 
-    /// Puts an item before the one at `position` (1 .. live() + 1). The key of a keyed item must
+    void setValue(Slot slot, Variant value) { items_[slot].value = std::move(value); }
+    /// Puts an item before the one at `position` (1 .. count() + 1). The key of a keyed item must
     /// not be taken.
-    void insert(std::size_t position, Slot item);
-    void remove(std::size_t slot);
+    void insert(std::size_t position, Item item);
+    void remove(Slot slot);
 
 private:
-    void append(Slot item);
-    void pack();  // forgets removed slots
-    void buildTree();
-    std::size_t countThrough(std::size_t slot) const noexcept;
-
-    std::vector<Slot> slots_;
-    std::vector<std::uint32_t> tree_;  // tree_[i] counts slots (i & (i + 1)) .. i
-    std::unordered_map<std::string, std::size_t> byKey_;
-    std::size_t live_ = 0;
+    std::vector<Item> items_;  // by slot
+    std::vector<Slot> free_;
+    SlotOrder order_;
+    KeyIndex byKey_;
 };
 
 }  // namespace vl

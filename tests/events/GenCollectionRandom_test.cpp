@@ -101,29 +101,61 @@ TEST(GenCollectionRandom, BehavesAsTwoPlainLists) {
     }
 }
 
-TEST(GenCollectionRandom, ListsReadBackAsTheyWereWritten) {
+// Large enough that the order's rings are cut anew several times, and changed at every place.
+TEST(GenCollectionRandom, KeepsItsOrderWhileItGrowsAndShrinks) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
-    static constexpr const char* kDelimiters[] = {",", "/", " || ", "\r\n", "\xE2\x82\xAC"};
-    static constexpr const char* kPieces[] = {"a", "B", " ", "|", "\xC3\xA4", "1", ".", "z"};
-    for (int round = 0; round < 500; ++round) {
-        const std::string delimiter = kDelimiters[random() % std::size(kDelimiters)];
-        GenCollection col;
-        for (auto n = random() % 12; n > 0; --n) {
-            std::string value;
-            for (auto length = random() % 4; length > 0; --length) {
-                value += kPieces[random() % std::size(kPieces)];
+    GenCollection col;
+    std::vector<int> order;  // the values, each under its decimal text as key
+    int next = 0;
+    const auto insert = [&](std::size_t index) {
+        const auto before = index == order.size() ? 0 : static_cast<std::int64_t>(index) + 1;
+        col.Add(next, std::to_string(next), before);
+        order.insert(order.begin() + static_cast<std::ptrdiff_t>(index), next++);
+    };
+    const auto remove = [&](std::size_t index) {
+        if (random() % 2 == 0) {
+            col.Remove(index + 1);
+        } else {
+            col.Remove(std::to_string(order[index]));
+        }
+        order.erase(order.begin() + static_cast<std::ptrdiff_t>(index));
+    };
+    const auto expectSameOrder = [&] {
+        ASSERT_EQ(col.SaveAsArray(), std::vector<Variant>(order.begin(), order.end()));
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            ASSERT_EQ(col.Item(i + 1), Variant(order[i]));
+            ASSERT_EQ(col.Position(std::to_string(order[i])), i + 1);
+        }
+    };
+    struct Phase {
+        int steps;
+        unsigned adds;    // of 100
+        unsigned middle;  // of 100, the rest at the front (removals) or the end
+    };
+    static constexpr Phase phases[] = {
+        {3000, 100, 0}, {2000, 90, 90},  {4000, 50, 0},
+        {3000, 40, 50}, {2000, 100, 50}, {9000, 0, 60},
+    };
+    for (const Phase& phase : phases) {
+        for (int step = 0; step < phase.steps; ++step) {
+            const bool inside = random() % 100 < phase.middle;
+            if (random() % 100 < phase.adds) {
+                insert(inside ? random() % (order.size() + 1) : order.size());
+            } else if (!order.empty()) {
+                remove(inside ? random() % order.size()
+                              : (random() % 8 == 0 ? order.size() - 1 : 0));
             }
-            if (value.find(delimiter) == std::string::npos) {
-                col.Add(value, "k" + std::to_string(n));
+            if (step % 500 == 0) {
+                ASSERT_NO_FATAL_FAILURE(expectSameOrder()) << "step " << step;
             }
         }
-        const std::string list = col.SaveAsList(delimiter, -1, random() % 2 == 0, 0, true);
-        GenCollection again;
-        again.LoadFromList(list, delimiter, {}, true, true, false, true);
-        ASSERT_EQ(again.SaveAs2DArray(), col.SaveAs2DArray()) << list;
+        ASSERT_NO_FATAL_FAILURE(expectSameOrder());
     }
+    EXPECT_EQ(col.Count(), 0U);
+    insert(0);
+    expectSameOrder();
 }
 
 // A quadratic operation takes minutes here; the limit is far above what slow machines need.
