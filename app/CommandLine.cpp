@@ -63,7 +63,7 @@ std::string hostFolder(std::string_view line) {
 
 std::string_view commandLineHelp() {
     return "Usage: vlreminders [--db-folder FOLDER]\n"
-           "       vlreminders /NAME=FOLDER\n"
+           "       vlreminders /NAME=FOLDER      (Velmora's form; no \"/\" in FOLDER)\n"
            "\n"
            "Shows the reminders of the database Velmora.RemindDB in FOLDER.\n"
            "\n"

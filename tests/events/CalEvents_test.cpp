@@ -206,7 +206,7 @@ protected:
     }
     std::shared_ptr<calEvent> named(const char* subject) {
         for (const Variant& item : *set.mCol) {
-            const auto e = objectIn<calEvent>(item);
+            auto e = objectIn<calEvent>(item);
             if (e->Subject.starts_with(subject)) {
                 return e;
             }
