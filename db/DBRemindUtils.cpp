@@ -15,16 +15,30 @@ constexpr int kTimeoutSeconds = 60;
 
 template <class Step>
 bool DBRemindUtils::step(Step&& s, Place where) {
-    const bool done = attempt(std::forward<Step>(s), where);
+    const bool done = attempt(
+        [&] {
+            try {
+                std::forward<Step>(s)();
+            } catch (const Error& e) {
+                lastErrorText_ = e.what();
+                throw;
+            }
+        },
+        where);
     if (!done) {
         lastError_ = ErrorState::number();
     }
     return done;
 }
 
+void DBRemindUtils::clearError() {
+    lastError_ = ErrNo::None;
+    lastErrorText_.clear();
+}
+
 bool DBRemindUtils::OpenDB() {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     isOpen = false;
     connection_ = vl::Connection();
     connection_.ConnectionTimeout = kTimeoutSeconds;
@@ -40,7 +54,7 @@ bool DBRemindUtils::OpenDB() {
 
 void DBRemindUtils::ReConnect() {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     if (connection_.State() != vl::Connection::kStateOpen) {
         OpenDB();
     }
@@ -54,7 +68,7 @@ void DBRemindUtils::CloseDB() {
 
 void DBRemindUtils::CloseAndOpenDB() {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     const std::string text = connection_.ConnectionString();
     connection_.Close();
     step([&] { connection_.Open(text, "", ""); });
@@ -63,7 +77,7 @@ void DBRemindUtils::CloseAndOpenDB() {
 
 std::shared_ptr<RecordSet> DBRemindUtils::OpenRS(std::string_view recName, int /*CursorType*/) {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     auto records = std::make_shared<RecordSet>();
     if (!isOpen) {
         OpenDB();
@@ -76,13 +90,17 @@ std::shared_ptr<RecordSet> DBRemindUtils::OpenRS(std::string_view recName, int /
             *records = RecordSet(connection_.Execute(recName));
         });
     }
+    if (lastError_ != ErrNo::Syntax) {
+        readTrouble_ = {lastError_, lastErrorText_};
+    }
     return records;
 }
 
 std::int64_t DBRemindUtils::Execute(std::string_view statement) {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     std::int64_t affected = 0;
+    ++writes_;
     if (!isOpen) {
         OpenDB();
     }
@@ -93,6 +111,19 @@ std::int64_t DBRemindUtils::Execute(std::string_view statement) {
     return affected;
 }
 
+bool DBRemindUtils::Look::same(const Look& other) const noexcept {
+    return stamp_ && stamp_ == other.stamp_ && writes_ == other.writes_ && file_ == other.file_;
+}
+
+DBRemindUtils::Look DBRemindUtils::TakeLook() const {
+    const ErrScope scope;
+    Look look;
+    attempt([&] { look.stamp_ = jet::stampOf(DBFullName); });
+    look.file_ = DBFullName;
+    look.writes_ = writes_;
+    return look;
+}
+
 std::string DBRemindUtils::ToSQLDateTime(DateTime d, bool bHashTagEnclosed) {
     const std::string text = formatDateTime(d);
     return bHashTagEnclosed ? "#" + text + "#" : text;
@@ -100,7 +131,7 @@ std::string DBRemindUtils::ToSQLDateTime(DateTime d, bool bHashTagEnclosed) {
 
 bool DBRemindUtils::FieldExistsDB(std::string_view TName, std::string_view FieldName) {
     const ErrScope scope;
-    lastError_ = ErrNo::None;
+    clearError();
     bool exists = false;
     step([&] {
         const auto db = jet::Database::open(DBFullName, jet::Access::Read);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 #include "base/ErrorState.h"
 #include "db/Connection.h"
 #include "db/RecordSet.h"
+#include "db/jet/FileStamp.h"
 #include "events/GenCollection.h"
 
 namespace vl {
@@ -44,6 +46,32 @@ public:
     /// Why the last `OpenDB`, `ReConnect`, `CloseAndOpenDB`, `OpenRS`, `Execute`, `FieldExistsDB`
     /// or `GetDeletedCol` failed; `ErrNo::None` when it did not. `CloseDB` leaves it alone.
     ErrNo LastError() const noexcept { return lastError_; }
+    /// The same in the engine's words, which name the file; empty when it did not fail.
+    const std::string& LastErrorText() const noexcept { return lastErrorText_; }
+
+    /// Why the rows cannot be read at the moment: what the last `OpenRS` met, and nothing when it
+    /// gave its rows. (A statement that is no SQL says nothing about the file.)
+    struct Trouble {
+        ErrNo number = ErrNo::None;
+        std::string text;  ///< as `LastErrorText`
+    };
+    const Trouble& ReadTrouble() const noexcept { return readTrouble_; }
+
+    /// How the database looked at one moment, to be compared with a later one.
+    class Look {
+    public:
+        /// Nothing has been written since, by others or by ourselves. A look at a file that could
+        /// not be read, or one that was never taken, equals none.
+        bool same(const Look& other) const noexcept;
+
+    private:
+        friend class DBRemindUtils;
+        std::optional<jet::FileStamp> stamp_;
+        std::string file_;
+        std::uint64_t writes_ = 0;
+    };
+    /// Reads the file's size, its time stamp and half a kilobyte of it, whatever is open.
+    Look TakeLook() const;
 
     const std::string& ConnectString() const noexcept { return connection_.ConnectionString(); }
     const vl::Connection& Connection() const noexcept { return connection_; }
@@ -60,11 +88,15 @@ public:
     std::shared_ptr<GenCollection> GetDeletedCol();
 
 private:
+    void clearError();
     template <class Step>
     bool step(Step&& s, Place where = Place::here());
 
     vl::Connection connection_;
     ErrNo lastError_ = ErrNo::None;
+    std::string lastErrorText_;
+    Trouble readTrouble_;
+    std::uint64_t writes_ = 0;  // statements that were to write, done or not
 };
 
 }  // namespace vl

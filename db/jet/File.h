@@ -30,7 +30,8 @@ protected:
 };
 
 /// Opens an existing file; `path` is UTF-8. Throws `Error`: `ErrNo::NotFound` when there is none,
-/// `ErrNo::Io` for everything else.
+/// `ErrNo::Locked` when another program keeps it to itself (on Windows), `ErrNo::Io` for everything
+/// else.
 std::unique_ptr<File> openFile(const std::string& path, Access access);
 
 }  // namespace vl::jet

@@ -93,8 +93,11 @@ std::unique_ptr<File> openFile(const std::string& path, Access access) {
         const auto reason = ::GetLastError();
         const bool absent = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||
                             reason == ERROR_INVALID_NAME;
+        const bool held = reason == ERROR_SHARING_VIOLATION || reason == ERROR_LOCK_VIOLATION;
         throw Error(
-            absent ? ErrNo::NotFound : ErrNo::Io,
+            absent ? ErrNo::NotFound
+            : held ? ErrNo::Locked
+                   : ErrNo::Io,
             path + ": cannot open: " + std::system_category().message(static_cast<int>(reason)));
     }
     return std::make_unique<WindowsFile>(path, handle);

@@ -29,6 +29,9 @@ void checkHeader(const std::string& fileName, ByteView start) {
     const auto refuse = [&](const std::string& what) {
         throw Error(ErrNo::Format, fileName + ": " + what);
     };
+    if (start.empty()) {
+        refuse("is empty, it is no Jet 4 database");
+    }
     if (start.size() < kVersionAt + 4 || u32(start, 0) != 0x100) {
         refuse("is no Jet 4 database");
     }

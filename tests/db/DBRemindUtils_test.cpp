@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 
 #include "support/Support.h"
@@ -261,6 +263,82 @@ TEST_F(DBRemindUtilsTest, KeepsPendingError) {
             }
         }
     }
+}
+
+TEST_F(DBRemindUtilsTest, SaysWhyTheLastCallFailed) {
+    EXPECT_EQ(db_.LastErrorText(), "");
+    db_.OpenRS("SELECT Nothing FROM Reminders");
+    EXPECT_THAT(db_.LastErrorText(), testing::HasSubstr("Nothing"));
+    db_.OpenRS(kAll);
+    EXPECT_EQ(db_.LastErrorText(), "");
+    std::filesystem::remove(path_);
+    db_.OpenDB();
+    EXPECT_EQ(db_.LastErrorText().substr(0, path_.size() + 13), path_ + ": cannot open");
+}
+
+TEST_F(DBRemindUtilsTest, KnowsWhetherTheRowsCanBeRead) {
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::None);
+    vl::test::writeFile(path_, "no database");
+    db_.OpenRS(kAll);
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::Format);
+    EXPECT_EQ(db_.ReadTrouble().text, db_.LastErrorText());
+    db_.Execute(kAllHidden);
+    db_.OpenDB();
+    db_.CloseDB();
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::Format) << "nobody has read it since";
+    vl::test::writeFile(path_, vl::test::readFile(vl::test::repoFile("data/first-light.RemindDB")));
+    db_.OpenRS("no SQL at all");
+    EXPECT_EQ(db_.LastError(), ErrNo::Syntax);
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::Format);
+    db_.OpenRS(kAll);
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::None);
+    EXPECT_EQ(db_.ReadTrouble().text, "");
+    db_.OpenRS("no SQL at all");
+    EXPECT_EQ(db_.ReadTrouble().number, ErrNo::None) << "that is not the file's fault";
+}
+
+TEST_F(DBRemindUtilsTest, ALookTellsWhetherAnybodyHasWritten) {
+    const DBRemindUtils::Look never;
+    const DBRemindUtils::Look first = db_.TakeLook();
+    EXPECT_TRUE(first.same(db_.TakeLook()));
+    EXPECT_FALSE(first.same(never));
+    EXPECT_FALSE(never.same(never));
+    EXPECT_FALSE(db_.isOpen) << "looking opens nothing";
+    db_.OpenRS(kAll);
+    EXPECT_TRUE(first.same(db_.TakeLook())) << "reading is no writing";
+
+    db_.Execute(kAllHidden);
+    const DBRemindUtils::Look written = db_.TakeLook();
+    EXPECT_FALSE(written.same(first));
+    db_.Execute("UPDATE Reminders SET Hidden = True WHERE GUID = \"none\"");
+    EXPECT_FALSE(db_.TakeLook().same(written)) << "ours count even when they change nothing";
+}
+
+TEST_F(DBRemindUtilsTest, ALookSeesSizeTimeAndCommitWord) {
+    namespace fs = std::filesystem;
+    const auto time = fs::last_write_time(path_);
+    const std::string before = bytes();
+    const DBRemindUtils::Look first = db_.TakeLook();
+
+    std::string changed = before;
+    changed[0xE00 + 2] = static_cast<char>(changed[0xE00 + 2] + 1);
+    vl::test::writeFile(path_, changed);
+    fs::last_write_time(path_, time);
+    EXPECT_FALSE(first.same(db_.TakeLook())) << "the first sharing user's commit word";
+
+    vl::test::writeFile(path_, before);
+    fs::last_write_time(path_, time);
+    EXPECT_TRUE(first.same(db_.TakeLook()));
+    fs::last_write_time(path_, time + std::chrono::milliseconds(20));
+    EXPECT_FALSE(first.same(db_.TakeLook()));
+
+    vl::test::writeFile(path_, before + std::string(4096, '\0'));
+    fs::last_write_time(path_, time);
+    EXPECT_FALSE(first.same(db_.TakeLook()));
+
+    fs::remove(path_);
+    EXPECT_FALSE(first.same(db_.TakeLook()));
+    EXPECT_FALSE(db_.TakeLook().same(db_.TakeLook())) << "what cannot be read never counts as same";
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ TEST(JetHeader, RefusesWhatIsNoJet4FileAndSaysWhatItIs) {
         return changed.replace(at, bytes.size(), bytes);
     };
     const Case cases[] = {
-        {"is no Jet 4 database", ""},
+        {"is empty, it is no Jet 4 database", ""},
         {"is no Jet 4 database", "Some text, which is no database at all."},
         {"is no Jet 4 database", std::string(8192, '\0')},
         {"is no Jet 4 database", with(4, "standard")},
