@@ -1,7 +1,5 @@
 #include "app/DataFolders.h"
 
-#include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view kHelpPage = "index.html";
 constexpr std::string_view kManifestEnd = ".exe.Manifest";
 #ifdef _WIN32
 constexpr std::string_view kDevelopmentFolder = "..\\VLPv128\\AppData";
@@ -96,29 +95,14 @@ std::string provideDatabase(std::string_view DBFolder, std::string_view AppDataF
     return DBFullName;
 }
 
-int clampedEdge(double value, double screenExtent, double windowExtent) {
-    const double edge = std::max(std::min(value, screenExtent - windowExtent), 0.0);
-    constexpr double kMost = 2147483647.0;
-    return std::isnan(edge) ? 0 : static_cast<int>(text::roundHalfEven(std::min(edge, kMost)));
-}
-
-WindowPlacement readPlacement(const Settings& settings, Extent screen, Extent window) {
-    const auto saved = [&](const char* key, double otherwise) {
-        return text::leadingNumber(settings.GetIni("Window", key, otherwise));
-    };
-    WindowPlacement placement;
-    placement.left = clampedEdge(saved("Left", screen.width / 2), screen.width, window.width);
-    placement.top = clampedEdge(saved("Top", screen.height / 2), screen.height, window.height);
-    const auto extent = [](double value) -> std::optional<int> {
-        constexpr double kMost = 1e6;  // more than any screen has
-        if (!(value > 0.0)) {
-            return std::nullopt;
+std::string findHelpBase(const std::vector<std::string>& sharedFolders) {
+    for (const std::string& folder : sharedFolders) {
+        const std::string page = joinPath(joinPath(folder, "help"), kHelpPage);
+        if (fileExists(page)) {
+            return fileAddress(page) + "#";
         }
-        return static_cast<int>(text::roundHalfEven(std::min(value, kMost)));
-    };
-    placement.width = extent(saved("Width", 0.0));
-    placement.height = extent(saved("Height", 0.0));
-    return placement;
+    }
+    return {};
 }
 
 }  // namespace vl

@@ -1,12 +1,9 @@
 // Where the program's data lies, and how it gets there: the first steps of the start.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "app/Settings.h"
 
 namespace vl {
 
@@ -39,23 +36,8 @@ std::vector<std::string> installedDataFolders();
 /// from the data folder, if that can be done. Empty for an empty folder.
 std::string provideDatabase(std::string_view DBFolder, std::string_view AppDataFolder);
 
-/// Brings a saved edge back on the screen: the smaller of `value` and the space the window leaves,
-/// but not below 0; as a whole number, halves to even.
-int clampedEdge(double value, double screenExtent, double windowExtent);
-
-/// Where the main window goes.
-struct WindowPlacement {
-    int left = 0;
-    int top = 0;
-    std::optional<int> width;  // only where one above 0 is saved
-    std::optional<int> height;
-};
-struct Extent {
-    double width = 0;
-    double height = 0;
-};
-/// Out of the section "Window"; half the screen for an edge that is not saved. The edges are
-/// clamped with the extent the window has now, not with the saved one.
-WindowPlacement readPlacement(const Settings& settings, Extent screen, Extent window);
+/// What a help number is appended to: the address of the help page among what all users share, and
+/// "#". Empty when the page is nowhere.
+std::string findHelpBase(const std::vector<std::string>& sharedFolders);
 
 }  // namespace vl

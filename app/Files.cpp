@@ -44,6 +44,27 @@ std::string joinPath(std::string_view folder, std::string_view name) {
     return path.append(name);
 }
 
+std::string fileAddress(std::string_view path) {
+    constexpr std::string_view kPlain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/:";
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string address = "file://";
+    if (path.empty() || path.front() != '/') {
+        address += '/';  // in front of a drive's letter
+    }
+    const bool drive = path.size() > 1 && path[1] == ':';
+    for (const char c : path) {
+        const char plain = drive && c == '\\' ? '/' : c;
+        const auto byte = static_cast<unsigned char>(plain);
+        if (kPlain.find(plain) != std::string_view::npos) {
+            address += plain;
+        } else {
+            address += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+        }
+    }
+    return address;
+}
+
 std::string programFolder() {
     const ErrScope scope;
     std::string folder;

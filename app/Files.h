@@ -21,6 +21,9 @@ std::string pathWithoutExtension(std::string_view path);
 /// separator gets no second one. An empty folder gives the name alone.
 std::string joinPath(std::string_view folder, std::string_view name);
 
+/// The address ("file:///usr/share/a%20b") of a full path, for who opens addresses.
+std::string fileAddress(std::string_view path);
+
 /// The folder of the running program; empty when the system does not say.
 std::string programFolder();
 

@@ -13,6 +13,7 @@ Module1::Module1(const CommandLine& commandLine)
       reminders(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")),
       period(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")) {
     openDatabaseFolder(commandLine.DBFolder);
+    values.HelpBase = findHelpBase(installedDataFolders());
 }
 
 AppValues Module1::findData() {

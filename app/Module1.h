@@ -20,6 +20,7 @@ struct AppValues {
     bool IsPortable = false;    // a "*.exe.Manifest" file lies beside the program
     bool DebugMode = false;     // a Debug build started with VL_DEBUG=1
     std::string ShortTimeFormat;
+    std::string HelpBase;  // a window's help number is appended; empty where no help is installed
 };
 
 /// The one object graph: made before the window, handed to it by reference, and outliving it.

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 #include <iterator>
-#include <limits>
 
 #include "Environment.h"
 #include "app/Files.h"
@@ -93,42 +91,16 @@ TEST_F(Folders, LoseACopyThatCannotBeDone) {
     ErrorState::clear();
 }
 
-TEST(Placement, StaysOnTheScreen) {
-    struct Case {
-        double value, screen, window;
-        int edge;
-    };
-    static constexpr Case cases[] = {
-        {100, 1280, 560, 100},   {720, 1280, 560, 720}, {721, 1280, 560, 720}, {-5, 1280, 560, 0},
-        {900, 1280, 2000, 0},    {640, 1280, 560, 640}, {0.5, 100, 10, 0},     {1.5, 100, 10, 2},
-        {1e300, 1280, 560, 720}, {9, 1000, 0, 9},  // as texts 9 would be larger than 1000
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.value << " on " << c.screen);
-        EXPECT_EQ(clampedEdge(c.value, c.screen, c.window), c.edge);
-    }
-    const double infinity = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(clampedEdge(infinity, infinity, 0), 2147483647);
-    EXPECT_EQ(clampedEdge(std::nan(""), 100, 10), 0);
-}
-
-TEST(Placement, ComesFromTheSettings) {
-    const TempFolder folder;
-    Settings s;
-    s.filename = (folder / "x.ini").string();
-    WindowPlacement p = readPlacement(s, {1280, 800}, {560, 380});
-    EXPECT_EQ(p.left, 640);
-    EXPECT_EQ(p.top, 400);
-    EXPECT_FALSE(p.width || p.height);
-    s.SaveIni("Window", "Left", "5000");
-    s.SaveIni("Window", "Top", "12.5 px");
-    s.SaveIni("Window", "Width", "700");
-    s.SaveIni("Window", "Height", "-1");
-    p = readPlacement(s, {1280, 800}, {560, 380});
-    EXPECT_EQ(p.left, 720);
-    EXPECT_EQ(p.top, 12);
-    EXPECT_EQ(p.width, 700);
-    EXPECT_FALSE(p.height);
+TEST_F(Folders, HoldTheHelpPage) {
+    const std::string first = make("first");
+    const std::string second = make("a b");
+    EXPECT_EQ(findHelpBase({first, second}), "");
+    EXPECT_EQ(findHelpBase({}), "");
+    fs::create_directory(folder / "a b/help");
+    writeFile(folder / "a b/help/index.html", "<!DOCTYPE html>");
+    const std::string address = findHelpBase({first, second});
+    EXPECT_TRUE(address.starts_with("file:///")) << address;
+    EXPECT_TRUE(address.ends_with("/a%20b/help/index.html#")) << address;
 }
 
 }  // namespace

@@ -147,5 +147,23 @@ TEST_F(Opener, SaysWhenNothingWasStarted) {
 }
 #endif
 
+TEST(FileAddress, EscapesWhatAnAddressCannotHold) {
+    struct Case {
+        const char* path;
+        const char* address;
+    };
+    static constexpr Case cases[] = {
+        {"/usr/share/vlreminders/help/index.html", "file:///usr/share/vlreminders/help/index.html"},
+        {"/home/a b/100%#?", "file:///home/a%20b/100%25%23%3F"},
+        {"/home/J\xC3\xBCrgen", "file:///home/J%C3%BCrgen"},
+        {"/a\\b", "file:///a%5Cb"},
+        {"C:\\Program Files\\VL", "file:///C:/Program%20Files/VL"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(fileAddress(c.path), c.address);
+    }
+}
+
 }  // namespace
 }  // namespace vl
