@@ -7,6 +7,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "notify/PopUpMarkup.h"
+#include "notify/ReadAgain.h"
 
 namespace vl {
 
@@ -52,7 +53,7 @@ void CheckCycle::Tick(int interval) {
 
 void CheckCycle::check(int interval) {
     DoRemoveDeleted();
-    attempt([&] { reminders_.ReadDB(false, false); });
+    readAgain(reminders_, db_, false, false);
     const DateTime upTo = clock_.now().addSeconds(interval / 1000);
     const auto due = askForDue(upTo);
     if (due->Count() > 0) {
@@ -170,16 +171,37 @@ void CheckCycle::fillWithListed() {
 }
 
 void CheckCycle::refreshPeriod() {
-    attempt([&] { period_.ReadDB(true, false); });
+    if (readAgain(period_, db_, true, false)) {
+        countWithoutStatus();
+    }
     if (period_.mCol && period_.mCol->Count() > 0) {
         attempt([&] { screen_.DoPeriod(); });
     }
 }
 
+// The query wants a status, and a null is none: nobody would see such rows.
+void CheckCycle::countWithoutStatus() {
+    const DBRemindUtils::Look look = db_.TakeLook();
+    if (look.same(statusLook_)) {
+        return;
+    }
+    attempt([&] {
+        const auto rows = db_.OpenRS(
+            "SELECT COUNT(*) AS Missed FROM Reminders WHERE Deleted=0 AND Status is Null");
+        state_.rowsWithoutStatus = rows->EOF_() ? 0 : rows->value("Missed").toInt32();
+    });
+    statusLook_ = look;
+}
+
 void CheckCycle::DoRemoveDeleted() {
     const ErrScope scope;
+    const DBRemindUtils::Look look = db_.TakeLook();
+    if (look.same(deletedLook_)) {
+        return;  // the update timer asks every second
+    }
     auto deleted = std::make_shared<GenCollection>();
     attempt([&] { deleted = db_.GetDeletedCol(); });
+    deletedLook_ = db_.LastError() == ErrNo::None ? look : DBRemindUtils::Look();
     for (const Variant& item : *deleted) {
         std::string GUID;
         if (!attempt([&] { GUID = item.toText(); })) {

@@ -28,7 +28,8 @@ public:
     /// returns at once: a message box inside it lets timers tick.
     void Tick(int interval);
 
-    /// Takes the events that the host marked as deleted out of grids and sets.
+    /// Takes the events that the host marked as deleted out of grids and sets. Does nothing while
+    /// the file is as it was when it was last asked.
     void DoRemoveDeleted();
 
     /// Removes every row of `GUID` from all three grids.
@@ -51,6 +52,7 @@ private:
     std::string title() const;
     void fillWithListed();
     void refreshPeriod();
+    void countWithoutStatus();
 
     CalEvents& reminders_;
     CalEvents& period_;
@@ -58,6 +60,8 @@ private:
     const Clock& clock_;
     ReminderState& state_;
     ReminderScreen& screen_;
+    DBRemindUtils::Look deletedLook_;  // when the deleted rows were asked for
+    DBRemindUtils::Look statusLook_;   // when the rows without a status were counted
     GenCollection lines_;  // by GUID, the `ValueList` each listed event was taken in with
 };
 

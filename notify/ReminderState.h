@@ -37,6 +37,16 @@ struct ReminderState {
     std::shared_ptr<GenCollection> NewReminders = std::make_shared<GenCollection>();
     std::shared_ptr<GenCollection> LastEventsReminded = std::make_shared<GenCollection>();
 
+    double OneMin = 0;  // a minute in days; set by the load handler
+
+    /// Turned since the grid was last scrolled, in eighths of a degree.
+    int iWheelRotationX = 0;
+    int iWheelRotationY = 0;
+    /// Names of the requests that wait for the actions timer, each once.
+    std::shared_ptr<GenCollection> pendingActions = std::make_shared<GenCollection>();
+
+    int rowsWithoutStatus = 0;  // rows that are never read, see the status line
+
     int UpdateCount = 0;  // ticks of the update timer with the window visible
 
     /// The event of the current row of the selected tab; null when there is none.
