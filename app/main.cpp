@@ -9,6 +9,7 @@
 #include "app/CommandLine.h"
 #include "app/Module1.h"
 #include "base/ErrorState.h"
+#include "ui/GridUtils.h"
 #include "ui/frmDDE.h"
 
 namespace {
@@ -60,6 +61,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     vl::Module1 shared(vl::readCommandLine(argumentsOf(application)));
+    vl::GridUtils gridUtils(shared.values.DebugMode);
     vl::frmDDE MainWindow({.reminders = shared.reminders,
                            .period = shared.period,
                            .db = shared.db,
@@ -67,7 +69,9 @@ int main(int argc, char** argv) {
                            .clock = shared.clock,
                            .state = shared.state,
                            .sound = shared.sound,
-                           .DebugMode = shared.values.DebugMode});
+                           .gridUtils = gridUtils,
+                           .DebugMode = shared.values.DebugMode,
+                           .HelpBase = shared.values.HelpBase});
     MainWindow.Load();
     return QApplication::exec();
 }

@@ -20,15 +20,19 @@ bool isOfAGrid(const QWidget* control) {
 
 }  // namespace
 
+QFont formFont(const QWidget& control) {
+    QFont font = QApplication::font();
+    font.setFamily("Arial");
+    font.setBold(control.font().bold());
+    return font;
+}
+
 void applyFormFont(QWidget& form) {
     for (QWidget* control : form.findChildren<QWidget*>()) {
         if (isOfAGrid(control)) {
             continue;
         }
-        QFont font = QApplication::font();
-        font.setFamily("Arial");
-        font.setBold(control->font().bold());
-        control->setFont(font);
+        control->setFont(formFont(*control));
         if (auto* button = qobject_cast<QPushButton*>(control); button && button->text() == "&OK") {
             button->setDefault(true);
         }

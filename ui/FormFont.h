@@ -1,6 +1,7 @@
 // The font of a form's controls.
 #pragma once
 
+class QFont;
 class QWidget;
 
 namespace vl {
@@ -9,5 +10,8 @@ namespace vl {
 /// place) in the desktop's size, and makes the button whose caption is "&OK" the default one. The
 /// text's colour stays the palette's, so that dark desktops are served.
 void applyFormFont(QWidget& form);
+
+/// The font that such a control gets.
+QFont formFont(const QWidget& control);
 
 }  // namespace vl

@@ -103,6 +103,11 @@ void Grid::selectFirst() {
     }
 }
 
+void Grid::ScrollDown(int down, int right) {
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + down);
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + right);
+}
+
 std::vector<std::string> Grid::SelectedGUIDs() const {
     const QModelIndexList selected = selectionModel()->selectedRows();
     std::vector<int> rows;

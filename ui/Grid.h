@@ -37,6 +37,8 @@ public:
     /// Makes the row current, alone selected and visible. False when it is not shown.
     bool SelectGUID(std::string_view GUID);
     void selectFirst();
+    /// Scrolls one step: by so many pixels down and to the right, as far as there is something.
+    void ScrollDown(int down, int right = 0);
     /// Of the selected rows, from top to bottom.
     std::vector<std::string> SelectedGUIDs() const;
     /// Null when no row is current.

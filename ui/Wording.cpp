@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "app/Files.h"
 #include "base/Text.h"
 
 namespace vl {
@@ -22,6 +23,23 @@ std::string_view monthName(int month) { return kMonths.at(static_cast<std::size_
 
 std::string count(std::int64_t n, std::string_view unit) {
     return std::to_string(n) + ' ' + std::string(unit) + (n == 1 ? "" : "s");
+}
+
+std::string inBrackets(std::string_view s) {
+    return s.empty() ? std::string() : " (" + std::string(s) + ')';
+}
+
+// What stands behind the colon at `place`; all of it when there is none.
+std::string_view behind(std::string_view s, std::size_t place) {
+    return place == std::string_view::npos ? s : s.substr(place + 2);
+}
+
+// "page 12" out of ", page 12: ...", as the engine names a damaged page.
+std::string_view damagedPage(std::string_view what) {
+    constexpr std::string_view kBefore = ", ";
+    return what.starts_with(", page ")
+               ? what.substr(kBefore.size(), what.find(':') - kBefore.size())
+               : std::string_view();
 }
 
 // A length of time as short as it still says enough.
@@ -171,12 +189,53 @@ std::string tabCaption(std::string_view name, std::size_t rows) {
     return rows == 0 ? std::string(name) : std::string(name) + ": " + std::to_string(rows);
 }
 
+std::string troubleText(std::string_view DBFullName, ErrNo number, std::string_view errorText) {
+    if (number == ErrNo::None) {
+        return {};
+    }
+    if (DBFullName.empty()) {
+        return "No folder of a reminders database was named at the start";
+    }
+    const std::string name = fileNameOf(DBFullName);
+    const bool named = errorText.starts_with(DBFullName);
+    const std::string_view what = named ? errorText.substr(DBFullName.size()) : errorText;
+    switch (number) {
+        case ErrNo::NotFound:
+            if (named && what.starts_with(": cannot open")) {
+                return name + " is not there";
+            }
+            break;
+        case ErrNo::Format:
+            if (named && what.starts_with(": ")) {
+                return name + ' ' + std::string(what.substr(2));
+            }
+            break;
+        case ErrNo::Corrupt:
+            return name + " is damaged" + inBrackets(damagedPage(what));
+        case ErrNo::Locked:
+            return name + " is in use by another program";
+        case ErrNo::Io:
+            return name + " cannot be read" + inBrackets(behind(what, what.rfind(": ")));
+        default:
+            break;
+    }
+    return name + " cannot be read" + inBrackets(behind(what, what.find(": ")));
+}
+
+std::string withoutStatusText(int rows) {
+    if (rows <= 0) {
+        return {};
+    }
+    return rows == 1 ? "1 event is not shown: it has no status"
+                     : std::to_string(rows) + " events are not shown: they have no status";
+}
+
 std::string emptyText(const EmptyReason& reason) {
     if (reason.searching) {
         return "Nothing matches the search";
     }
-    if (reason.noDatabase) {
-        return "No reminders database is open";
+    if (!reason.trouble.empty()) {
+        return std::string(reason.trouble);
     }
     if (reason.grid == 0) {
         return "No new reminders";

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "base/DateTime.h"
+#include "base/ErrorState.h"
 
 namespace vl {
 
@@ -56,11 +57,19 @@ std::string durationText(const Span& event);
 /// The caption of a tab: its name, and its number of rows when it has any.
 std::string tabCaption(std::string_view name, std::size_t rows);
 
+/// Why the database cannot be read, for people: "Velmora.RemindDB is not there", "Velmora.RemindDB
+/// is damaged (page 12)". `errorText` is the engine's, which begins with the file's full name.
+/// Empty for no error.
+std::string troubleText(std::string_view DBFullName, ErrNo number, std::string_view errorText);
+
+/// "2 events are not shown: they have no status"; empty for none.
+std::string withoutStatusText(int rows);
+
 /// Why a grid is empty. `grid` is 0 new reminders, 1 all reminders, 2 events.
 struct EmptyReason {
     int grid = 0;
-    bool searching = false;   ///< rows are there, but none matches the search
-    bool noDatabase = false;  ///< the program was started without one
+    bool searching = false;         ///< rows are there, but none matches the search
+    std::string_view trouble = {};  ///< why the database cannot be read, when it cannot
     std::string_view periodCode;
     std::string_view periodText;
 };

@@ -55,7 +55,7 @@ frmDDE::frmDDE(const WindowParts& parts)
     wireTray();
 }
 
-frmDDE::~frmDDE() = default;
+frmDDE::~frmDDE() { removeSubclasses(); }
 
 void frmDDE::build() {
     setObjectName("frmDDE");
@@ -83,6 +83,8 @@ void frmDDE::build() {
     lblStatus->setTextFormat(Qt::PlainText);
     // A long line is cut by the window; it must not widen it.
     lblStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    lblNotice = named(new QLabel(this), "lblNotice");
+    lblNotice->setTextFormat(Qt::PlainText);
     butHide = named(new QPushButton(tr("&Hide"), this), "butHide");
     butHide->setToolTip(tr("Hide the window; reminders still come"));
 
@@ -97,20 +99,28 @@ void frmDDE::build() {
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(butHide);
+    auto* status = new QHBoxLayout;
+    status->addWidget(lblStatus, 1);
+    status->addWidget(lblNotice);
     auto* all = new QVBoxLayout(this);
     all->addLayout(top);
     all->addWidget(tabs, 1);
-    all->addWidget(lblStatus);
+    all->addLayout(status);
     all->addLayout(buttons);
 }
 
 void frmDDE::wire() {
+    TimerCheck.setObjectName("TimerCheck");
+    TimerUpdate.setObjectName("TimerUpdate");
+    TimerFlash.setObjectName("TimerFlash");
+    TimerActions.setObjectName("TimerActions");
     for (QTimer* timer : {&TimerCheck, &TimerUpdate}) {
         timer->setTimerType(Qt::CoarseTimer);
     }
     connect(&TimerCheck, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
     connect(&TimerUpdate, &QTimer::timeout, this, &frmDDE::TimerUpdate_Tick);
     connect(&TimerFlash, &QTimer::timeout, this, &frmDDE::TimerFlash_Tick);
+    connect(&TimerActions, &QTimer::timeout, this, &frmDDE::TimerActions_Tick);
 
     connect(cboPeriod, &QComboBox::currentIndexChanged, this, &frmDDE::cboPeriod_Changed);
     connect(UpDown1, &UpDown::stepped, this, &frmDDE::DoUD);
@@ -121,6 +131,10 @@ void frmDDE::wire() {
         connect(each, &Grid::currentRowChanged, this, &frmDDE::currentRowChanged);
         connect(each, &Grid::countChanged, this, &frmDDE::UpdateUI);
     }
+    const auto* help = new QShortcut(Qt::Key_F1, this);
+    connect(help, &QShortcut::activated, this, &frmDDE::ShowHelp);
+    const auto* refresh = new QShortcut(Qt::Key_F5, this);
+    connect(refresh, &QShortcut::activated, this, &frmDDE::mnuRefresh_Click);
     const auto* toSearch = new QShortcut(QKeySequence::Find, this);
     connect(toSearch, &QShortcut::activated, txtSearch, [this] { txtSearch->setFocus(); });
     const auto* clearSearch =

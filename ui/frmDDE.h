@@ -8,10 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
+#include "app/Files.h"
 #include "base/Clock.h"
 #include "events/CalEvents.h"
 #include "notify/CheckCycle.h"
@@ -19,6 +21,7 @@
 #include "notify/ReminderState.h"
 #include "notify/UpdateCycle.h"
 #include "ui/Grid.h"
+#include "ui/GridUtils.h"
 #include "ui/RowFill.h"
 #include "ui/Toast.h"
 #include "ui/Tray.h"
@@ -45,9 +48,12 @@ struct WindowParts {
     const Clock& clock;
     ReminderState& state;
     SoundPlayer& sound;
+    GridUtils& gridUtils;
     bool DebugMode = false;
+    std::string HelpBase;  ///< a help number is appended; empty where there is no help
     /// Whether the desktop shows tray icons. Without one the window is never hidden beyond reach.
     std::function<bool()> hasTray = &Tray::isThere;
+    std::function<bool(std::string_view)> openDocument = &vl::openDocument;
 };
 
 /// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. The window
@@ -80,6 +86,13 @@ public:
     void SetOnTop();
     /// Makes the row current and visible in the grid of the selected tab.
     bool SelectGUID(std::string_view GUID);
+    /// Notes that the grid is to be scrolled: done by the actions timer, outside of the message
+    /// that reported the wheel. What is turned while a request waits is added to it.
+    void RequestMouseWheel(Grid& target, const WheelTurn& turn);
+    /// Scrolls the grid of the request by what was turned.
+    void MouseWheel();
+    /// Opens the page of the window's help number.
+    void ShowHelp();
 
     // ReminderScreen
     void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
@@ -110,6 +123,7 @@ private:
     void TimerCheck_Tick();
     void TimerUpdate_Tick();
     void TimerFlash_Tick();
+    void TimerActions_Tick();
     void cboPeriod_Changed(int index);
     void DoUD(int steps);
     void tabs_Changed();
@@ -127,14 +141,25 @@ private:
     void wireTray();
 
     // the load handler's steps (frmDDELoad.cpp)
+    void beginLoading();
     void placeWindow();
     void readSettings();
     void rememberCaptions();
     void readPeriodSettings();
+    void prepareActions();
     void fillPeriods();
+    void showTray();
     void readEvents();
+    void setCheckTimer();
+    void setTabFont();
+    void initGrids();
     void startTimers();
+    void layOut();
+    void applyFont();
+    void endLoading();
     void selectSavedPeriod();
+    void subclassGrids();
+    void removeSubclasses();
     double setting(const char* section, const char* key, double byDefault) const;
 
     // views (frmDDEViews.cpp)
@@ -148,6 +173,8 @@ private:
     void showCaptions();
     void showEmptyTexts();
     void showStatus();
+    QString rowStatus() const;
+    std::string troubleText() const;
 
     // showing (frmDDEShow.cpp)
     void showWindow();
@@ -164,9 +191,10 @@ private:
     UpdateCycle update_;
     Tray tray_;
     Toast popup_;
-    QTimer TimerCheck;
-    QTimer TimerUpdate;
-    QTimer TimerFlash;
+    QTimer TimerCheck{this};
+    QTimer TimerUpdate{this};
+    QTimer TimerFlash{this};
+    QTimer TimerActions{this};
     TimeText timeText_;
 
     QComboBox* cboPeriod = nullptr;
@@ -175,10 +203,16 @@ private:
     QLabel* lblTime = nullptr;
     QTabWidget* tabs = nullptr;
     QLabel* lblStatus = nullptr;
+    QLabel* lblNotice = nullptr;  // beside it: what is there but not shown
     QPushButton* butHide = nullptr;
     std::array<Grid*, kGridCount> grids_{};
 
     QStringList captions_;  // of the tabs, without counts
+    QPointer<Grid> wheelTarget_;
+    QPoint wheelPixels_;  // of devices that count in pixels
+    QPoint wheelRest_;    // less than a pixel, see `takeScroll`
+    bool wheelPages_ = false;
+    int helpNumber_ = 0;
     bool loading_ = false;
     bool exiting_ = false;
     bool flashOn_ = false;

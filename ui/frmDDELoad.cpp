@@ -1,18 +1,20 @@
 // The load handler and the settings it reads; what it reads, `SaveSettings` writes.
-#include <algorithm>
-
 #include <QComboBox>
 #include <QGuiApplication>
+#include <QLayout>
 #include <QScreen>
 #include <QStyle>
 #include <QTabWidget>
 
+#include "app/Placement.h"
 #include "app/Settings.h"
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "notify/Periods.h"
+#include "notify/ReadAgain.h"
 #include "ui/FormFont.h"
+#include "ui/HelpNumbers.h"
 #include "ui/QtText.h"
 #include "ui/frmDDE.h"
 
@@ -26,6 +28,7 @@ constexpr auto kWindow = "Window";
 constexpr auto kReminders = "Reminders";
 constexpr auto kFlash = 500ms;
 constexpr auto kUpdate = 1000ms;
+constexpr auto kActions = 50ms;
 constexpr QSize kFirstSize(760, 440);
 // A program that starts with the desktop is often there before the panel.
 constexpr auto kTrayMayTake = 5s;
@@ -34,19 +37,19 @@ const char* flagText(bool flag) { return flag ? "-1" : "0"; }
 
 }  // namespace
 
+// In this order: each step finds what those before it have left.
 void frmDDE::Load() {
     const ErrScope scope;
-    loading_ = true;
     for (const auto step :
-         {&frmDDE::placeWindow, &frmDDE::readSettings, &frmDDE::SetOnTop, &frmDDE::rememberCaptions,
-          &frmDDE::readPeriodSettings, &frmDDE::fillPeriods, &frmDDE::readEvents,
-          &frmDDE::startTimers, &frmDDE::SetIcon}) {
+         {&frmDDE::beginLoading,      &frmDDE::placeWindow,      &frmDDE::readSettings,
+          &frmDDE::SetOnTop,          &frmDDE::rememberCaptions, &frmDDE::readPeriodSettings,
+          &frmDDE::prepareActions,    &frmDDE::fillPeriods,      &frmDDE::showTray,
+          &frmDDE::readEvents,        &frmDDE::setCheckTimer,    &frmDDE::setTabFont,
+          &frmDDE::initGrids,         &frmDDE::startTimers,      &frmDDE::layOut,
+          &frmDDE::SetIcon,           &frmDDE::applyFont,        &frmDDE::endLoading,
+          &frmDDE::selectSavedPeriod, &frmDDE::subclassGrids}) {
         attempt([&] { (this->*step)(); });
     }
-    applyFormFont(*this);
-    applyFormFont(popup_);
-    loading_ = false;
-    selectSavedPeriod();
     UpdateUI();
     QTimer::singleShot(0, this, &frmDDE::TimerCheck_Tick);
     QTimer::singleShot(kTrayMayTake, this, &frmDDE::lookForTray);
@@ -57,22 +60,29 @@ double frmDDE::setting(const char* section, const char* key, double byDefault) c
         parts_.settings.GetIni(section, key, Variant(text::fromNumber(byDefault))));
 }
 
+void frmDDE::beginLoading() {
+    loading_ = true;
+    helpNumber_ = kHelpMainWindow;
+}
+
+void frmDDE::endLoading() { loading_ = false; }
+
 void frmDDE::placeWindow() {
-    const QScreen& screen = *QGuiApplication::primaryScreen();
-    const QSize all = screen.availableVirtualSize();
-    const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
-    resize(kFirstSize.boundedTo(screen.availableSize() - frame));
-    const auto savedWidth = static_cast<int>(setting(kWindow, "Width", 0));
-    const auto savedHeight = static_cast<int>(setting(kWindow, "Height", 0));
-    resize(savedWidth > 0 ? savedWidth : width(), savedHeight > 0 ? savedHeight : height());
-    // The smaller of value and bound first: a window larger than the screen begins at its edge.
-    const auto onScreen = [](double value, int bound) {
-        return static_cast<int>(std::max(std::min(value, static_cast<double>(bound)), 0.0));
-    };
-    const QSize room = all - size() - frame;
-    const double left = setting(kWindow, "Left", all.width() / 2.0);
-    const double top = setting(kWindow, "Top", all.height() / 2.0);
-    move(onScreen(left, room.width()), onScreen(top, room.height()));
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const QScreen* first = QGuiApplication::primaryScreen();
+    std::vector<ScreenArea> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect area = screen->availableGeometry();
+        screens.insert(screen == first ? screens.begin() : screens.end(),
+                       ScreenArea{double(area.left()), double(area.top()), double(area.width()),
+                                  double(area.height())});
+    }
+    resize(kFirstSize.boundedTo(first->availableSize() - QSize(0, titleBar)));
+    const WindowPlacement place =
+        readPlacement(parts_.settings, screens, {double(width()), double(height())},
+                      {0, static_cast<double>(titleBar)});
+    move(place.left, place.top);
+    resize(place.width.value_or(width()), place.height.value_or(height()));
 }
 
 void frmDDE::readSettings() {
@@ -102,29 +112,66 @@ void frmDDE::readPeriodSettings() {
     state_.DBVersion = static_cast<int>(setting(kReminders, "DBVersion", 0));
 }
 
+void frmDDE::prepareActions() {
+    state_.OneMin = 1.0 / 1440;
+    state_.pendingActions = std::make_shared<GenCollection>();
+}
+
 void frmDDE::fillPeriods() {
     for (const Period& period : periods()) {
         cboPeriod->addItem(tr(period.text), QString(period.code));
     }
     cboPeriod->setCurrentIndex(-1);
-    tray_.show();
 }
+
+void frmDDE::showTray() { tray_.show(); }
 
 void frmDDE::readEvents() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
-        set->ReadDB(true, false);
+        readAgain(*set, parts_.db, true, false);
+    }
+}
+
+void frmDDE::setCheckTimer() {
+    TimerCheck.setInterval(parts_.DebugMode ? kCheckDebug : kCheckVisible);
+}
+
+// The grids are left out by the form's font, they follow their tab.
+void frmDDE::setTabFont() { tabs->setFont(formFont(*tabs)); }
+
+void frmDDE::initGrids() {
+    for (Grid* each : grids_) {
+        each->InitGrid();
     }
 }
 
 void frmDDE::startTimers() {
-    TimerCheck.setInterval(parts_.DebugMode ? kCheckDebug : kCheckVisible);
-    for (Grid* each : grids_) {
-        each->InitGrid();
-    }
     TimerFlash.setInterval(kFlash);
     TimerUpdate.setInterval(kUpdate);
-    for (QTimer* timer : {&TimerUpdate, &TimerCheck, &TimerFlash}) {
+    TimerActions.setInterval(kActions);
+    for (QTimer* timer : {&TimerUpdate, &TimerCheck, &TimerFlash, &TimerActions}) {
         timer->start();
+    }
+}
+
+void frmDDE::layOut() { layout()->activate(); }
+
+void frmDDE::applyFont() {
+    applyFormFont(*this);
+    applyFormFont(popup_);
+}
+
+void frmDDE::subclassGrids() {
+    for (Grid* each : grids_) {
+        parts_.gridUtils.subclass(*each, [this, each](QAbstractScrollArea&, const WheelTurn& turn) {
+            RequestMouseWheel(*each, turn);
+        });
+    }
+}
+
+void frmDDE::removeSubclasses() {
+    for (Grid* each : grids_) {
+        parts_.gridUtils.removeSubclass(*each);
     }
 }
 

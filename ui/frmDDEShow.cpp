@@ -1,14 +1,15 @@
 // Showing and hiding: the window, the pop-up, the tray icon; and what the menu does.
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QTabWidget>
 #include <QWindow>
 
 #include "app/Sound.h"
 #include "base/ErrorState.h"
 #include "notify/PopUpMarkup.h"
+#include "notify/ReadAgain.h"
 #include "notify/TrayText.h"
 #include "ui/QtText.h"
+#include "ui/SystemHelpers.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
@@ -65,27 +66,12 @@ void frmDDE::ShowHide() {
 
 void frmDDE::Exit() {
     SaveSettings();
+    removeSubclasses();
     exiting_ = true;
     QCoreApplication::exit(0);
 }
 
-void frmDDE::SetOnTop() {
-    if (windowFlags().testFlag(Qt::WindowStaysOnTopHint) == state_.bOnTop) {
-        return;
-    }
-    const Qt::WindowFlags flags = windowFlags().setFlag(Qt::WindowStaysOnTopHint, state_.bOnTop);
-    if (windowHandle() && QGuiApplication::platformName() == u"xcb") {
-        // The documented way hides the window and makes a new one at another place.
-        overrideWindowFlags(flags);
-        windowHandle()->setFlag(Qt::WindowStaysOnTopHint, state_.bOnTop);
-        return;
-    }
-    const bool visible = isVisible();
-    setWindowFlags(flags);
-    if (visible) {
-        show();
-    }
-}
+void frmDDE::SetOnTop() { setOnTop(*this, state_.bOnTop); }
 
 void frmDDE::ShowPopUp(const PopUpRequest& request) {
     const ErrScope scope;
@@ -148,6 +134,12 @@ QString frmDDE::GetIconText() {
     return text;
 }
 
+void frmDDE::ShowHelp() {
+    if (!parts_.HelpBase.empty()) {
+        parts_.openDocument(parts_.HelpBase + std::to_string(helpNumber_));
+    }
+}
+
 bool frmDDE::GetHasFocus() const { return isVisible() && isActiveWindow(); }
 
 bool frmDDE::IsWindowVisible() const { return isVisible(); }
@@ -188,7 +180,7 @@ void frmDDE::changeSetting(const std::function<void(ReminderState&)>& change) {
 void frmDDE::mnuRefresh_Click() {
     const ErrScope scope;
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
-        attempt([&] { set->ReadDB(true, true); });
+        readAgain(*set, parts_.db, true, true);
     }
     DoPeriod();
 }

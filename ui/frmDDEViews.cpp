@@ -186,32 +186,53 @@ void frmDDE::showCaptions() {
 
 void frmDDE::showEmptyTexts() {
     const std::string period = plainText(cboPeriod->currentText());
+    const std::string trouble = troubleText();
     for (int i = 0; i < kGridCount; ++i) {
         EmptyReason reason;
         reason.grid = i;
         reason.searching = grid(i).allFilteredOut();
-        reason.noDatabase = parts_.db.DBFullName.empty();
+        reason.trouble = trouble;
         reason.periodCode = state_.sPeriod;
         reason.periodText = period;
         grid(i).setEmptyText(qtText(emptyText(reason)));
     }
 }
 
-void frmDDE::showStatus() {
-    const ErrScope scope;
+std::string frmDDE::troubleText() const {
+    const DBRemindUtils::Trouble& trouble = parts_.db.ReadTrouble();
+    return vl::troubleText(parts_.db.DBFullName, trouble.number, trouble.text);
+}
+
+QString frmDDE::rowStatus() const {
     QString line;
-    if (noTray_ && !parts_.hasTray()) {
-        line = tr("This desktop shows no tray icons; the window is minimized instead of hidden");
-    } else if (const GridRow* row = selectedGrid().currentRow()) {
+    if (const GridRow* row = selectedGrid().currentRow()) {
         attempt([&] {
             const DateWords words = wordsOf(timeText_, parts_.clock.now());
             line = qtText(row->event->SBMessage(row->span.start, words));
         });
     }
+    return line;
+}
+
+void frmDDE::showStatus() {
+    const ErrScope scope;
+    const QString trouble = qtText(troubleText());
+    QString line;
+    QString tip;
+    if (!trouble.isEmpty()) {
+        line = parts_.db.DBFullName.empty() ? trouble : tr("%1; F5 tries again").arg(trouble);
+        tip = qtText(parts_.db.ReadTrouble().text);
+    } else if (noTray_ && !parts_.hasTray()) {
+        line = tr("This desktop shows no tray icons; the window is minimized instead of hidden");
+    } else {
+        line = rowStatus();
+    }
     if (lblStatus->text() != line) {
         lblStatus->setText(line);
-        lblStatus->setToolTip(line);
+        lblStatus->setToolTip(tip.isEmpty() ? line : tip);
     }
+    lblNotice->setText(qtText(withoutStatusText(trouble.isEmpty() ? state_.rowsWithoutStatus : 0)));
+    lblNotice->setVisible(!lblNotice->text().isEmpty());
 }
 
 }  // namespace vl

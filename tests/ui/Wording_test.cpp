@@ -146,15 +146,57 @@ TEST(TabCaption, HasTheCountOnlyWhenThereAreRows) {
 
 TEST(EmptyText, SaysWhyAGridIsEmpty) {
     const auto text = [](int grid, const char* code, const char* name) {
-        return emptyText({grid, false, false, code, name});
+        return emptyText({grid, false, "", code, name});
     };
     EXPECT_EQ(text(0, "T", "Today"), "No new reminders");
     EXPECT_EQ(text(1, "T", "Today"), "No reminders in the period \"Today\"");
     EXPECT_EQ(text(2, "D+7", "Next 7 days"), "No events in the period \"Next 7 days\"");
     EXPECT_EQ(text(1, "di", "Dismissed"), "No dismissed reminders");
     EXPECT_EQ(text(2, "H", "Hidden"), "No hidden events");
-    EXPECT_EQ(emptyText({0, false, true, "T", "Today"}), "No reminders database is open");
-    EXPECT_EQ(emptyText({2, true, false, "T", "Today"}), "Nothing matches the search");
+    EXPECT_EQ(emptyText({0, false, "x.mdb is not there", "T", "Today"}), "x.mdb is not there");
+    EXPECT_EQ(emptyText({2, true, "x.mdb is not there", "T", "Today"}),
+              "Nothing matches the search");
+}
+
+TEST(TroubleText, SaysInPlainWordsWhatIsWrongWithWhichFile) {
+    constexpr const char* kFile = "/home/anna/Velmora.RemindDB";
+    struct Case {
+        ErrNo number;
+        const char* error;
+        const char* text;
+    };
+    static constexpr Case cases[] = {
+        {ErrNo::None, "", ""},
+        {ErrNo::NotFound, "/home/anna/Velmora.RemindDB: cannot open: No such file or directory",
+         "Velmora.RemindDB is not there"},
+        {ErrNo::NotFound, "/home/anna/Velmora.RemindDB: there is no table \"Reminders\"",
+         "Velmora.RemindDB cannot be read (there is no table \"Reminders\")"},
+        {ErrNo::Format, "/home/anna/Velmora.RemindDB: is no Jet 4 database",
+         "Velmora.RemindDB is no Jet 4 database"},
+        {ErrNo::Corrupt, "/home/anna/Velmora.RemindDB, page 12: holds no row 3",
+         "Velmora.RemindDB is damaged (page 12)"},
+        {ErrNo::Corrupt, "a value of 3 bytes", "Velmora.RemindDB is damaged"},
+        {ErrNo::Locked, "anything", "Velmora.RemindDB is in use by another program"},
+        {ErrNo::Io, "/home/anna/Velmora.RemindDB: cannot open: Permission denied",
+         "Velmora.RemindDB cannot be read (Permission denied)"},
+        {ErrNo::Io, "", "Velmora.RemindDB cannot be read"},
+        {ErrNo::Io, "no colon", "Velmora.RemindDB cannot be read (no colon)"},
+        {ErrNo::Unexpected, "", "Velmora.RemindDB cannot be read"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.error);
+        EXPECT_EQ(troubleText(kFile, c.number, c.error), c.text);
+    }
+    EXPECT_EQ(troubleText("", ErrNo::NotFound, "connection: expected a file"),
+              "No folder of a reminders database was named at the start");
+    EXPECT_EQ(troubleText("D:\\Data\\Velmora.RemindDB", ErrNo::Locked, ""),
+              "Velmora.RemindDB is in use by another program");
+}
+
+TEST(WithoutStatusText, CountsThem) {
+    EXPECT_EQ(withoutStatusText(0), "");
+    EXPECT_EQ(withoutStatusText(1), "1 event is not shown: it has no status");
+    EXPECT_EQ(withoutStatusText(12), "12 events are not shown: they have no status");
 }
 
 }  // namespace

@@ -10,84 +10,20 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "Rows.h"
-#include "app/Settings.h"
-#include "app/Sound.h"
+#include "WindowTest.h"
 #include "app/TimeText.h"
 #include "notify/Periods.h"
-#include "support/ManualClock.h"
-#include "support/Support.h"
 #include "ui/QtText.h"
 #include "ui/UpDown.h"
 
 namespace vl {
 namespace {
 
+using test::event;
 using test::someFriday;
+using test::WindowTest;
 
-std::shared_ptr<calEvent> event(const std::string& GUID, const std::string& subject, DateTime start,
-                                int minutesBefore) {
-    auto e = std::make_shared<calEvent>();
-    e->GUID = GUID;
-    e->Subject = subject;
-    e->StartDateTime = start;
-    e->EndDateTime = start.addMinutes(60);
-    e->reminders = R"({"useDefault":false,"overrides":[{"method":"popup","minutes":)" +
-                   std::to_string(minutesBefore) + "}]}";
-    e->SetRemindersCol();
-    return e;
-}
-
-/// A window over sets that are filled by hand: there is no database to read.
-class frmDDETest : public testing::Test {
-protected:
-    frmDDETest() { settings.filename = (folder / "VLReminders.ini").string(); }
-
-    frmDDE& load() {
-        window = std::make_unique<frmDDE>(WindowParts{reminders, period, db, settings, clock, state,
-                                                      sound, false, [this] { return hasTray; }});
-        window->Load();
-        return *window;
-    }
-    void add(const std::shared_ptr<calEvent>& e) { period.Add(e, e->GUID); }
-
-    template <class T>
-    T& child(const char* name) const {
-        T* found = window->findChild<T*>(name);
-        EXPECT_NE(found, nullptr) << name;
-        return *found;
-    }
-    Grid& grid(int i) const { return child<Grid>(("G" + std::to_string(i)).c_str()); }
-    QComboBox& list() const { return child<QComboBox>("cboPeriod"); }
-    std::string tab(int i) const { return plainText(child<QTabWidget>("tabs").tabText(i)); }
-    std::string ini(const char* section, const char* key) const {
-        return settings.GetIni(section, key, "(none)");
-    }
-    static QMenu* trayMenu() {
-        for (QWidget* top : QApplication::topLevelWidgets()) {
-            if (top->objectName() == "mnuTray") {
-                return qobject_cast<QMenu*>(top);
-            }
-        }
-        return nullptr;
-    }
-    void takeIn(const std::shared_ptr<calEvent>& e) {
-        e->InstanceStart = e->StartDateTime;
-        state.NewReminders->Add(Variant(ObjectRef(e)), e->GUID);
-        window->AddItemR(e, kNewRemindersGrid);
-    }
-
-    test::TempFolder folder;
-    test::ManualClock clock{someFriday()};
-    DBRemindUtils db;
-    Settings settings;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    SoundPlayer sound;
-    bool hasTray = true;
-    std::unique_ptr<frmDDE> window;
-};
+class frmDDETest : public WindowTest {};
 
 // ---- the load handler
 
@@ -353,8 +289,8 @@ TEST_F(frmDDETest, SteppingWrapsAround) {
 
 TEST_F(frmDDETest, AnEmptyGridSaysWhy) {
     load();
-    EXPECT_EQ(grid(1).emptyText(), "No reminders database is open");
-    db.DBFullName = (folder / "none.RemindDB").string();
+    EXPECT_EQ(grid(1).emptyText(), "No folder of a reminders database was named at the start");
+    haveDatabase();
     window->DoPeriod();
     EXPECT_EQ(grid(0).emptyText(), "No new reminders");
     EXPECT_EQ(grid(2).emptyText(), "No events in the period \"Today\"");
@@ -367,6 +303,7 @@ TEST_F(frmDDETest, AnEmptyGridSaysWhy) {
 
 TEST_F(frmDDETest, TheStatusLineFollowsTheCurrentRow) {
     load();
+    haveDatabase();
     child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
     const auto e = event("{1}", "Meeting", someFriday().addMinutes(60), 15);
     e->Location = "Room 2";

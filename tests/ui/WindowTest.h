@@ -1,0 +1,104 @@
+// The main window over sets and settings of a test's own.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QMenu>
+#include <QTabWidget>
+
+#include "Rows.h"
+#include "app/Settings.h"
+#include "app/Sound.h"
+#include "support/ManualClock.h"
+#include "support/Support.h"
+#include "ui/QtText.h"
+#include "ui/frmDDE.h"
+
+namespace vl::test {
+
+inline std::shared_ptr<calEvent> event(const std::string& GUID, const std::string& subject,
+                                       DateTime start, int minutesBefore) {
+    auto e = std::make_shared<calEvent>();
+    e->GUID = GUID;
+    e->Subject = subject;
+    e->StartDateTime = start;
+    e->EndDateTime = start.addMinutes(60);
+    e->reminders = R"({"useDefault":false,"overrides":[{"method":"popup","minutes":)" +
+                   std::to_string(minutesBefore) + "}]}";
+    e->SetRemindersCol();
+    return e;
+}
+
+/// A window over sets that are filled by hand: there is no database to read.
+class WindowTest : public testing::Test {
+protected:
+    WindowTest() { settings.filename = (folder / "VLReminders.ini").string(); }
+
+    frmDDE& load() {
+        window = std::make_unique<frmDDE>(WindowParts{reminders, period, db, settings, clock, state,
+                                                      sound, gridUtils, DebugMode, HelpBase,
+                                                      [this] { return hasTray; },
+                                                      [this](std::string_view address) {
+                                                          opened.emplace_back(address);
+                                                          return true;
+                                                      }});
+        window->Load();
+        return *window;
+    }
+    /// A database that can be read; the sets stay as they are.
+    void haveDatabase() {
+        db.DBFullName = repoFile("data/first-light.RemindDB").string();
+        EXPECT_TRUE(db.OpenRS("SELECT GUID FROM Reminders")->isOpen());
+        db.CloseDB();
+    }
+    void add(const std::shared_ptr<calEvent>& e) { period.Add(e, e->GUID); }
+
+    template <class T>
+    T& child(const char* name) const {
+        T* found = window->findChild<T*>(name);
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
+    }
+    Grid& grid(int i) const { return child<Grid>(("G" + std::to_string(i)).c_str()); }
+    QComboBox& list() const { return child<QComboBox>("cboPeriod"); }
+    std::string tab(int i) const { return plainText(child<QTabWidget>("tabs").tabText(i)); }
+    std::string ini(const char* section, const char* key) const {
+        return settings.GetIni(section, key, "(none)");
+    }
+    static QMenu* trayMenu() {
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == "mnuTray") {
+                return qobject_cast<QMenu*>(top);
+            }
+        }
+        return nullptr;
+    }
+    void takeIn(const std::shared_ptr<calEvent>& e) {
+        e->InstanceStart = e->StartDateTime;
+        state.NewReminders->Add(Variant(ObjectRef(e)), e->GUID);
+        window->AddItemR(e, kNewRemindersGrid);
+    }
+
+    test::TempFolder folder;
+    test::ManualClock clock{someFriday()};
+    DBRemindUtils db;
+    Settings settings;
+    CalEvents reminders{db, clock};
+    CalEvents period{db, clock};
+    ReminderState state;
+    SoundPlayer sound;
+    GridUtils gridUtils;
+    bool DebugMode = false;
+    std::string HelpBase = "file:///help/index.html#";
+    std::vector<std::string> opened;  // documents and addresses
+    bool hasTray = true;
+    std::unique_ptr<frmDDE> window;
+};
+
+}  // namespace vl::test

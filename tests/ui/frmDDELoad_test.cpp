@@ -1,0 +1,206 @@
+// Start with a database that cannot be read, help, and what the settings keep.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include <QLabel>
+#include <QTest>
+
+#include "WindowTest.h"
+
+namespace vl {
+namespace {
+
+namespace fs = std::filesystem;
+using test::readFile;
+using test::repoFile;
+using test::writeFile;
+
+class frmDDELoad : public test::WindowTest {
+protected:
+    frmDDELoad() {
+        clock.time = DateTime::fromCivil(2026, 11, 20, 14, 30);
+        path = (folder / "Velmora.RemindDB").string();
+        db.DBFullName = path;
+    }
+    static std::string sample() { return readFile(repoFile("data/first-light.RemindDB")); }
+    std::string status() const { return plainText(child<QLabel>("lblStatus").text()); }
+    /// Keys reach a window that is shown.
+    void press(Qt::Key key) {
+        if (!window->isVisible()) {
+            window->ShowHide();
+        }
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        QTest::keyClick(window.get(), key);
+    }
+    void refresh() { press(Qt::Key_F5); }
+    bool isTroubled() const { return status().ends_with("F5 tries again"); }
+    std::size_t held() const { return period.mCol ? period.mCol->Count() : 0; }
+
+    std::string path;
+};
+
+// ---- what is wrong with the database
+
+TEST_F(frmDDELoad, SaysWhatIsWrongWithTheDatabase) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        const char* said;
+    };
+    std::string encrypted = sample();
+    encrypted[0x3E] = 'x';
+    std::string later = sample();
+    later[0x14] = 2;
+    std::string damaged = sample();
+    for (std::size_t i = 2 * 4096; i < damaged.size(); ++i) {
+        damaged[i] = '\x7F';
+    }
+    const Case cases[] = {
+        {"empty", "", "Velmora.RemindDB is empty, it is no Jet 4 database"},
+        {"foreign", std::string(9000, 'x'), "Velmora.RemindDB is no Jet 4 database"},
+        {"encrypted", encrypted, "Velmora.RemindDB is an encrypted database"},
+        {"later", later,
+         "Velmora.RemindDB is a database of a later generation (version 2), not Jet 4"},
+        {"damaged", damaged, "Velmora.RemindDB is damaged (page "},
+        {"half", sample().substr(0, 4096), "Velmora.RemindDB is damaged (page "},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        writeFile(path, c.bytes);
+        load();
+        EXPECT_TRUE(status().starts_with(c.said)) << status();
+        EXPECT_TRUE(status().ends_with("; F5 tries again")) << status();
+        EXPECT_TRUE(grid(2).emptyText().startsWith(c.said)) << plainText(grid(2).emptyText());
+        EXPECT_EQ(readFile(path), c.bytes) << "nothing is written to it";
+        writeFile(path, sample());
+        refresh();
+        EXPECT_FALSE(isTroubled()) << status();
+        EXPECT_GT(held(), 0U);
+        period.mCol = reminders.mCol = nullptr;
+    }
+}
+
+TEST_F(frmDDELoad, SaysThatTheDatabaseIsNotThere) {
+    load();
+    EXPECT_EQ(status(), "Velmora.RemindDB is not there; F5 tries again");
+    EXPECT_NE(child<QLabel>("lblStatus").toolTip().toStdString().find(path), std::string::npos);
+    fs::create_directory(path);
+    refresh();
+    EXPECT_EQ(status(), "Velmora.RemindDB cannot be read (is no regular file); F5 tries again");
+    fs::remove(path);
+    writeFile(path, sample());
+    refresh();
+    EXPECT_FALSE(isTroubled()) << status();
+    EXPECT_GT(held(), 0U);
+    EXPECT_EQ(reminders.mCol->Count(), held());
+}
+
+TEST_F(frmDDELoad, SaysThatNoFolderWasNamed) {
+    db.DBFullName.clear();
+    load();
+    EXPECT_EQ(status(), "No folder of a reminders database was named at the start");
+}
+
+TEST_F(frmDDELoad, KeepsItsRowsWhileTheFileCannotBeRead) {
+    writeFile(path, sample());
+    load();
+    state.sPeriod = "D+30";
+    window->DoPeriod();
+    const std::size_t events = held();
+    const std::size_t rows = grid(2).rowCount();
+    ASSERT_GT(rows, 0U);
+    const std::shared_ptr<GenCollection> before = reminders.mCol;
+    fs::remove(path);
+    refresh();
+    EXPECT_EQ(status(), "Velmora.RemindDB is not there; F5 tries again");
+    EXPECT_EQ(grid(2).rowCount(), rows);
+    EXPECT_EQ(held(), events);
+    EXPECT_EQ(reminders.mCol, before);
+    writeFile(path, sample());
+    refresh();
+    EXPECT_EQ(grid(2).rowCount(), rows);
+    EXPECT_FALSE(isTroubled()) << status();
+}
+
+// ---- rows that are never read
+
+TEST_F(frmDDELoad, SaysThatEventsWithoutAStatusAreNotShown) {
+    load();
+    auto& notice = child<QLabel>("lblNotice");
+    EXPECT_TRUE(notice.isHidden());
+    db.DBFullName.clear();
+    writeFile(path, sample());
+    db.DBFullName = path;
+    refresh();
+    state.rowsWithoutStatus = 2;
+    window->UpdateUI();
+    EXPECT_FALSE(notice.isHidden());
+    EXPECT_EQ(notice.text(), "2 events are not shown: they have no status");
+    state.rowsWithoutStatus = 0;
+    window->UpdateUI();
+    EXPECT_TRUE(notice.isHidden());
+}
+
+// ---- help
+
+TEST_F(frmDDELoad, F1OpensTheWindowsHelp) {
+    load();
+    press(Qt::Key_F1);
+    EXPECT_EQ(opened, std::vector<std::string>{"file:///help/index.html#5565"});
+}
+
+TEST_F(frmDDELoad, WithoutAHelpPageF1DoesNothing) {
+    HelpBase.clear();
+    load();
+    press(Qt::Key_F1);
+    EXPECT_TRUE(opened.empty());
+}
+
+// ---- timers and state
+
+TEST_F(frmDDELoad, SetsTimersAndState) {
+    load();
+    EXPECT_DOUBLE_EQ(state.OneMin * 1440, 1);
+    EXPECT_EQ(state.pendingActions->Count(), 0U);
+    const std::pair<const char*, int> intervals[] = {
+        {"TimerCheck", 20000}, {"TimerUpdate", 1000}, {"TimerFlash", 500}, {"TimerActions", 50}};
+    for (const auto& [name, interval] : intervals) {
+        EXPECT_EQ(child<QTimer>(name).interval(), interval) << name;
+    }
+    EXPECT_TRUE(child<QTimer>("TimerCheck").isActive());
+    for (const char* name : {"TimerActions", "TimerFlash", "TimerUpdate"}) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !child<QTimer>(name).isActive(); })) << name;
+    }
+}
+
+// ---- settings
+
+TEST_F(frmDDELoad, OlderFlagsAreTakenOverOnceAndThenGone) {
+    settings.SaveIni("Reminders", "NotifType", "D");
+    settings.SaveIni("Reminders", "Popup", "1");
+    load();
+    EXPECT_EQ(state.sNotifType, "P");
+    settings.SaveIni("Reminders", "System", "1");
+    load();
+    EXPECT_EQ(state.sNotifType, "S");
+    window->SaveSettings();
+    EXPECT_EQ(ini("Reminders", "Popup"), "0");
+    EXPECT_EQ(ini("Reminders", "System"), "0");
+    EXPECT_EQ(ini("Reminders", "NotifType"), "S");
+    state.sNotifType = "T";
+    window->SaveSettings();
+    load();
+    EXPECT_EQ(state.sNotifType, "T");
+}
+
+TEST_F(frmDDELoad, AnUnwritableSettingsFileStillLetsTheWindowStart) {
+    settings.filename = (folder / "missing" / "VLReminders.ini").string();
+    load();
+    EXPECT_EQ(state.sNotifType, "D");
+    window->SaveSettings();
+    EXPECT_FALSE(fs::exists(settings.filename));
+}
+
+}  // namespace
+}  // namespace vl
