@@ -1,8 +1,12 @@
 #include "model/clsReminder.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
+#include <random>
+#include <regex>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -35,7 +39,18 @@ TEST(clsReminderFromText, ReadsCountUnitAndMethod) {
         {"1.5h", "popup", 120},
         {"0.5w", "popup", 0},
         {"3.5d", "popup", 5760},
-        {"3h ", "popup", 3},         // the last character is the blank
+        {"-2.5h", "popup", -120},
+        {"2.5m", "popup", 2},
+        {"3.5", "popup", 4},
+        {".5d", "popup", 0},
+        {"3h ", "popup", 3},  // the last character is the blank
+        {"3h\t", "popup", 3},
+        {"3 h", "popup", 180},
+        {"2,5h", "popup", 120},  // a comma ends the number
+        {"(e) 2h", "email", 120},
+        {"2h (e) x", "email", 2},
+        {"((e)e)2h", "email", 0},  // removed once over: "(e)2h" has no number in front
+        {"3h (e", "popup", 3},
         {" 15m", "popup", 15},       // not trimmed, but blanks are skipped in front of a number
         {"1 5 m", "popup", 15},      // and inside it
         {" 3h (e) ", "email", 180},  // trimmed, since it held the mark
@@ -58,6 +73,91 @@ TEST(clsReminderFromText, ReadsCountUnitAndMethod) {
         r.FromText(c.text);
         EXPECT_EQ(r.Method, c.method);
         EXPECT_EQ(r.Minutes, c.minutes);
+    }
+}
+
+// What the rules make of a text, in 64 bits: an offset, and whether it is an e-mail.
+struct Read {
+    bool mail;
+    double minutes;
+};
+Read rulesRead(std::string s) {
+    Read read{false, 0};
+    const auto mark = [&s] { return std::min(s.find("(e)"), s.find("(E)")); };
+    for (std::size_t at = mark(); at != std::string::npos; at = mark()) {
+        read.mail = true;
+        s.replace(at, 3, "|");  // so that the rest does not join to another mark
+    }
+    if (read.mail) {
+        s.erase(std::remove(s.begin(), s.end(), '|'), s.end());
+        s.erase(0, std::min(s.find_first_not_of(' '), s.size()));
+        s.erase(s.find_last_not_of(' ') + 1);
+    }
+    std::string packed = s;
+    packed.erase(std::remove(packed.begin(), packed.end(), ' '), packed.end());
+    static const std::regex number(R"(^[-+]?(\d+\.?\d*|\.\d+)([eEdD][-+]?\d+)?)");
+    std::smatch match;
+    if (std::regex_search(packed, match, number)) {
+        std::string digits = match.str();
+        std::replace_if(
+            digits.begin(), digits.end(), [](char c) { return c == 'd' || c == 'D'; }, 'e');
+        read.minutes = std::nearbyint(std::strtod(digits.c_str(), nullptr));
+    }
+    const char last = s.empty() ? ' ' : s.back();
+    read.minutes *= last == 'w' || last == 'W'   ? 10080
+                    : last == 'd' || last == 'D' ? 1440
+                    : last == 'h' || last == 'H' ? 60
+                                                 : 1;
+    return read;
+}
+
+void expectRead(const std::string& text) {
+    const Read wanted = rulesRead(text);
+    clsReminder r;
+    bool overflow = false;
+    try {
+        r.FromText(text);
+    } catch (const Error& e) {
+        overflow = e.number() == ErrNo::Overflow;
+    }
+    ASSERT_EQ(r.Method, wanted.mail ? "email" : "popup") << '"' << text << '"';
+    const bool fits = wanted.minutes >= -2147483648.0 && wanted.minutes <= 2147483647.0;
+    ASSERT_EQ(overflow, !fits) << '"' << text << '"';
+    if (fits) {
+        ASSERT_EQ(r.Minutes, wanted.minutes) << '"' << text << '"';
+    }
+}
+
+TEST(clsReminderFromText, FollowsTheRulesForEveryCount) {
+    for (int count = -20000; count <= 60000; ++count) {
+        for (const char* unit :
+             {"", "m", "h", "d", "w", ".5h", ".5d (e)", " H(E)", "W (e) ", "h "}) {
+            ASSERT_NO_FATAL_FAILURE(expectRead(std::to_string(count) + unit));
+        }
+    }
+}
+
+TEST(clsReminderFromText, FollowsTheRulesForTextsOfAnyKind) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    static constexpr const char* kPieces[] = {"0", "1", "2", "5", "9", ".",   "-", "+",   " ",
+                                              "m", "h", "d", "w", "W", "(e)", "e", "(E)", "x"};
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (auto length = random() % 8; length > 0; --length) {
+            text += kPieces[random() % std::size(kPieces)];
+        }
+        ASSERT_NO_FATAL_FAILURE(expectRead(text));
+    }
+}
+
+// The short form is what a user types: what is shown so is read back the same.
+TEST(clsReminderFromText, ReadsTheShortFormBack) {
+    for (std::int32_t count = -20000; count <= 60000; ++count) {
+        clsReminder r;
+        r.FromText(clsReminder::getText(count, "m", true));
+        ASSERT_EQ(r.Minutes, count);
     }
 }
 
@@ -136,6 +236,18 @@ TEST(clsReminderToText, SaysTheOffsetInItsLargestUnits) {
         EXPECT_EQ(r.ToText(true, false), std::string(c.words) + " (email)");
         EXPECT_EQ(r.ToText(true, true), std::string(c.typed) + " (e)");
     }
+}
+
+TEST(clsReminderToText, MarksNothingButEMails) {
+    clsReminder r;
+    r.Minutes = 5;
+    for (const char* method : {"popup", "", "mail", "email ", "emails"}) {
+        r.Method = method;
+        EXPECT_EQ(r.ToText(true, false), "5 minutes");
+        EXPECT_EQ(r.ToText(true, true), "5m");
+    }
+    r.Method = "Email";
+    EXPECT_EQ(r.ToText(true, false), "5 minutes (email)");
 }
 
 TEST(clsReminderToText, IsEmptyForWhatIsNotScheduled) {
