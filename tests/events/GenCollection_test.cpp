@@ -106,6 +106,28 @@ TEST(GenCollectionAdd, MovesAReplacedValueToTheEnd) {
     EXPECT_EQ(col.Item("c"), Variant("c"));
 }
 
+TEST(GenCollectionAdd, ReplacesByWhatComesNotByWhatWasThere) {
+    GenCollection col;
+    col.Add(std::make_shared<Thing>(1), "a");
+    col.Add(std::make_shared<Thing>(2), "b");
+    col.Add("text", "a", 0, 0, true);  // no object: to the end
+    EXPECT_EQ(keysOf(col), "b,a");
+    col.Add(std::make_shared<Thing>(3), "b", 0, 0, true);
+    EXPECT_EQ(keysOf(col), "b,a");
+    EXPECT_EQ(objectAt<Thing>(col, "b")->number, 3);
+}
+
+TEST(GenCollectionAdd, TakesValuesOfEveryKind) {
+    const auto thing = std::make_shared<Thing>(1);
+    const Variant values[] = {"text", 7, std::int64_t{1} << 40, 2.5, DateTime(3.25), true,
+                              thing,  ""};
+    GenCollection col;
+    for (const Variant& value : values) {
+        EXPECT_EQ(col.Add(value), value);
+    }
+    EXPECT_THAT(col.SaveAsArray(), testing::ElementsAreArray(values));
+}
+
 TEST(GenCollectionAdd, ReplaceOfAnAbsentKeyAdds) {
     GenCollection col = filled("a");
     col.Add("b", "b", 1, 0, true);
@@ -183,6 +205,9 @@ TEST(GenCollectionExists, LooksTheKeyUpFromThirtyItemsOn) {
     EXPECT_TRUE(col.Exists("KEY7", true));  // never with regard to case
     EXPECT_FALSE(col.Exists("z"));
     EXPECT_FALSE(col.Exists(""));
+    col.Add("y", "Z");  // a key like any other
+    EXPECT_TRUE(col.Exists("z", true));
+    col.Remove("z");
     col.Remove(30);
     EXPECT_FALSE(col.Exists("KEY7", true));
 }
@@ -507,6 +532,27 @@ TEST(GenCollectionWalk, ShowsWhatWasThereWhenItBegan) {
     EXPECT_EQ(keysOf(col), "newa,newb,newc,newd");
 }
 
+// By position from the end to the front, and from the front while the first one goes.
+TEST(GenCollectionWalk, RemovesByPosition) {
+    constexpr int n = 1000;
+    GenCollection col = numbered(n);
+    for (int i = n; i >= 1; --i) {
+        ASSERT_EQ(col.Item(i), Variant(i));
+        if (i % 3 != 0) {
+            col.Remove(i);
+        }
+    }
+    ASSERT_EQ(col.Count(), static_cast<std::size_t>(n / 3));
+    for (int i = 3; i <= n; i += 3) {
+        ASSERT_EQ(col.Position("key" + std::to_string(i)), static_cast<std::size_t>(i / 3));
+        ASSERT_EQ(col.Item(i / 3), Variant(i));
+    }
+    for (int i = 3; col.Count() > 0; i += 3) {
+        ASSERT_EQ(col.Item(1), Variant(i));
+        col.Remove(1);
+    }
+}
+
 TEST(GenCollectionWalk, OutlivesClearingAndDestruction) {
     auto col = std::make_unique<GenCollection>(filled("a,b"));
     auto walk = col->begin();
@@ -554,6 +600,14 @@ TEST(GenCollection, KeepsPendingError) {
         [](GenCollection& c) { c.Item("missing"); },
         [](GenCollection& c) { c.Item(99, true, 1); },
         [](GenCollection& c) { c.UpdateItem("missing", 1); },
+        [](GenCollection& c) { c.UpdateItem("a", 1, false); },
+        [](GenCollection& c) { c.LoadFromParamList("k,v,k", ","); },
+        [](GenCollection& c) { c.Position("missing"); },
+        [](GenCollection& c) {
+            for (const Variant& v : c) {
+                c.Remove(v.toText());
+            }
+        },
         [](GenCollection& c) {
             c.LoadFromParamList({Null{}, 1});
         },
