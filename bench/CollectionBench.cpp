@@ -138,7 +138,7 @@ void perItem(benchmark::State& state) {
 template <class Container>
 void add(benchmark::State& state) {
     keys();
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         Container all;
         fill(all);
         benchmark::DoNotOptimize(all);
@@ -153,7 +153,7 @@ void lookUpByKey(benchmark::State& state) {
     Container all;
     fill(all);
     std::size_t i = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         for (std::size_t n = 0; n < kItems; ++n) {
             i = number(all.under(keys()[i]));
         }
@@ -167,7 +167,7 @@ void lookUpByPosition(benchmark::State& state) {
     Container all;
     fill(all);
     std::size_t i = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         for (std::size_t n = 0; n < kItems; ++n) {
             i = number(all.at(i));
         }
@@ -181,7 +181,7 @@ template <class Container>
 void loopOverPositions(benchmark::State& state) {
     Container all;
     fill(all);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         std::size_t sum = 0;
         for (std::size_t i = 0; i < all.count(); ++i) {
             sum += number(all.at(i));
@@ -194,7 +194,7 @@ void loopOverPositions(benchmark::State& state) {
 // `step` takes something out of `all`; it is called for every number below kItems, shuffled.
 template <class Container, class Step>
 void emptyOut(benchmark::State& state, Step step) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         state.PauseTiming();
         {
             Container all;
@@ -242,7 +242,7 @@ template <class Container>
 void walk(benchmark::State& state) {
     Container all;
     fill(all);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         std::size_t sum = 0;
         all.walk([&](const Variant& value) { sum += number(value); });
         benchmark::DoNotOptimize(sum);
@@ -252,7 +252,7 @@ void walk(benchmark::State& state) {
 
 // Half of the items go while all are walked; a map's walk does not allow it.
 void removeWhileWalking(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& turn : state) {
         state.PauseTiming();
         {
             Collection all;

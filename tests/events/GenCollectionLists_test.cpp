@@ -79,7 +79,10 @@ std::string plainSave(const Rows& rows, const std::string& delimiter, bool endWi
     std::string list;
     std::int64_t n = 0;
     for (const Row& row : rows) {
-        list += pairs ? row.key + delimiter + row.value + delimiter : row.value + delimiter;
+        if (pairs) {
+            list.append(row.key).append(delimiter);
+        }
+        list.append(row.value).append(delimiter);
         if (maxItemCount >= 1 && ++n == maxItemCount) {
             break;
         }
