@@ -135,6 +135,7 @@ void perItem(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kItems));
 }
 
+// With the release of all that was added.
 template <class Container>
 void add(benchmark::State& state) {
     keys();

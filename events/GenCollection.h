@@ -56,8 +56,8 @@ private:
 /// throws, and none changes the pending error.
 ///
 /// Cost: look-ups by key and by position O(1), in whatever order they mix with changes; adding at
-/// the end and removing at both ends O(1) amortised; adding and removing elsewhere O(sqrt n), less
-/// than a microsecond at 100,000 items (bench/CollectionBench.cpp). An item takes about 110 bytes
+/// the end and removing at both ends O(1) amortised; adding and removing elsewhere O(sqrt n), about
+/// a microsecond at 100,000 items (bench/CollectionBench.cpp). An item takes about 110 bytes
 /// beside its texts; room once taken serves later items. A copy is O(1) until one of the two is
 /// changed.
 ///
