@@ -37,8 +37,9 @@ class Clock:
 class Stage(Program):
     """The program on the sample, with one reminder due in a minute of the program's clock."""
 
-    def __init__(self, settings=None):
-        """`settings`: the lines of the section "Reminders" before the start."""
+    def __init__(self, settings=None, environment=None):
+        """`settings`: the lines of the section "Reminders" before the start; `environment`:
+        variables beside those of the profile and the clock."""
         vlreminders, remindb = map(os.path.abspath, sys.argv[1:])
         self.folder = os.path.join(os.environ["DESKTOP_TMP"], "profile")
         self.clock = Clock(os.path.join(os.environ["DESKTOP_TMP"], "clock"))
@@ -49,7 +50,8 @@ class Stage(Program):
             with open(self.settings, "w") as file:
                 file.write(f"[Reminders]\n{settings}\n")
         super().__init__([vlreminders, "--db-folder", os.path.join(self.folder, "db")],
-                         {**make_profile.environment(self.folder), **self.clock.environment()},
+                         {**make_profile.environment(self.folder), **self.clock.environment(),
+                          **(environment or {})},
                          os.path.join(os.environ["DESKTOP_LOGS"], "program.log"))
 
 
