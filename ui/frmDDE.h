@@ -160,7 +160,7 @@ private:
     void selectSavedPeriod();
     void subclassGrids();
     void removeSubclasses();
-    double setting(const char* section, const char* key, double byDefault) const;
+    int numberSetting(const char* key) const;  // of the section "Reminders"; 0 when not there
 
     // views (frmDDEViews.cpp)
     void ShowPeriod();

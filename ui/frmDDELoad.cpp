@@ -1,4 +1,6 @@
 // The load handler and the settings it reads; what it reads, `SaveSettings` writes.
+#include <algorithm>
+
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QLayout>
@@ -24,7 +26,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kWindow = "Window";
 constexpr auto kReminders = "Reminders";
 constexpr auto kFlash = 500ms;
 constexpr auto kUpdate = 1000ms;
@@ -55,9 +56,10 @@ void frmDDE::Load() {
     QTimer::singleShot(kTrayMayTake, this, &frmDDE::lookForTray);
 }
 
-double frmDDE::setting(const char* section, const char* key, double byDefault) const {
-    return text::leadingNumber(
-        parts_.settings.GetIni(section, key, Variant(text::fromNumber(byDefault))));
+int frmDDE::numberSetting(const char* key) const {
+    constexpr double kMost = 2147483647.0;
+    const double value = text::leadingNumber(parts_.settings.GetIni(kReminders, key, 0));
+    return static_cast<int>(text::roundHalfEven(std::clamp(value, -kMost, kMost)));
 }
 
 void frmDDE::beginLoading() {
@@ -86,17 +88,17 @@ void frmDDE::placeWindow() {
 }
 
 void frmDDE::readSettings() {
-    state_.bMuted = setting(kReminders, "Muted", 0) != 0;
-    state_.bSilent = setting(kReminders, "Silent", 0) != 0;
+    state_.bMuted = numberSetting("Muted") != 0;
+    state_.bSilent = numberSetting("Silent") != 0;
     state_.sNotifType = parts_.settings.GetIni(kReminders, "NotifType", "D");
     // Two older flags; where both are set, the later one holds.
-    if (setting(kReminders, "Popup", 0) != 0) {
+    if (numberSetting("Popup") != 0) {
         state_.sNotifType = "P";
     }
-    if (setting(kReminders, "System", 0) != 0) {
+    if (numberSetting("System") != 0) {
         state_.sNotifType = "S";
     }
-    state_.bOnTop = setting(kReminders, "OnTop", 0) != 0;
+    state_.bOnTop = numberSetting("OnTop") != 0;
 }
 
 void frmDDE::rememberCaptions() {
@@ -109,7 +111,7 @@ void frmDDE::readPeriodSettings() {
     state_.sPeriod = parts_.settings.GetIni(kReminders, "Period", "T");
     const std::string shown = parts_.settings.GetIni(kReminders, "LastShown", "");
     state_.dLastShown = shown.empty() ? parts_.clock.now() : fromStoredText(shown);
-    state_.DBVersion = static_cast<int>(setting(kReminders, "DBVersion", 0));
+    state_.DBVersion = numberSetting("DBVersion");
 }
 
 void frmDDE::prepareActions() {
@@ -189,7 +191,7 @@ void frmDDE::SaveSettings() {
                                                      {"Width", normal.width()},
                                                      {"Height", normal.height()}};
     for (const auto& [key, value] : placement) {
-        parts_.settings.SaveIni(kWindow, key, std::to_string(value));
+        parts_.settings.SaveIni("Window", key, std::to_string(value));
     }
     const std::pair<const char*, std::string> values[] = {
         {"Muted", flagText(state_.bMuted)},

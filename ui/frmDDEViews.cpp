@@ -10,6 +10,7 @@
 #include "db/DBRemindUtils.h"
 #include "notify/Periods.h"
 #include "ui/QtText.h"
+#include "ui/Tones.h"
 #include "ui/UpDown.h"
 #include "ui/frmDDE.h"
 
@@ -230,6 +231,11 @@ void frmDDE::showStatus() {
     if (lblStatus->text() != line) {
         lblStatus->setText(line);
         lblStatus->setToolTip(tip.isEmpty() ? line : tip);
+        QPalette colours;
+        if (!trouble.isEmpty()) {
+            colours.setColor(QPalette::WindowText, Tones(palette()).warm);
+        }
+        lblStatus->setPalette(colours);
     }
     lblNotice->setText(qtText(withoutStatusText(trouble.isEmpty() ? state_.rowsWithoutStatus : 0)));
     lblNotice->setVisible(!lblNotice->text().isEmpty());

@@ -194,6 +194,24 @@ TEST_F(frmDDELoad, OlderFlagsAreTakenOverOnceAndThenGone) {
     EXPECT_EQ(state.sNotifType, "T");
 }
 
+TEST_F(frmDDELoad, FlagsAndVersionAreWholeNumbers) {
+    struct Case {
+        const char* text;
+        int number;
+    };
+    static constexpr Case cases[] = {{"", 0},    {"0", 0},      {"-1", -1},
+                                     {" 7 ", 7}, {"yes", 0},    {"0.4", 0},
+                                     {"0.6", 1}, {"2 of 3", 2}, {"1e99", 2147483647}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        settings.SaveIni("Reminders", "Muted", c.text);
+        settings.SaveIni("Reminders", "DBVersion", c.text);
+        load();
+        EXPECT_EQ(state.bMuted, c.number != 0);
+        EXPECT_EQ(state.DBVersion, c.number);
+    }
+}
+
 TEST_F(frmDDELoad, AnUnwritableSettingsFileStillLetsTheWindowStart) {
     settings.filename = (folder / "missing" / "VLReminders.ini").string();
     load();
