@@ -13,7 +13,7 @@
 
 namespace vl {
 
-/// Application-wide values, set once by the entry procedure and read everywhere.
+/// Application-wide values, set once by the entry procedure.
 struct AppValues {
     std::string AppDataFolder;  // settings file and template database; no separator at its end
     std::string DBFolder;       // of the reminders database; empty when none was named

@@ -76,14 +76,6 @@ void Grid::setRows(std::vector<GridRow> rows) {
 
 void Grid::putRow(GridRow row) { model_.putRow(std::move(row)); }
 
-bool Grid::updateRow(GridRow row) {
-    if (!contains(plainText(row.GUID))) {
-        return false;
-    }
-    model_.putRow(std::move(row));
-    return true;
-}
-
 bool Grid::RemoveGUID(std::string_view GUID) { return model_.removeRow(GUID); }
 
 bool Grid::SelectGUID(std::string_view GUID) {

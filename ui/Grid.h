@@ -30,8 +30,6 @@ public:
 
     void setRows(std::vector<GridRow> rows);
     void putRow(GridRow row);
-    /// False when the GUID has no row.
-    bool updateRow(GridRow row);
     bool RemoveGUID(std::string_view GUID);
 
     /// Makes the row current, alone selected and visible. False when it is not shown.

@@ -135,6 +135,9 @@ void frmDDE::wire() {
     connect(help, &QShortcut::activated, this, &frmDDE::ShowHelp);
     const auto* refresh = new QShortcut(Qt::Key_F5, this);
     connect(refresh, &QShortcut::activated, this, &frmDDE::mnuRefresh_Click);
+    // The tray's menu is not there on every desktop.
+    const auto* exit = new QShortcut(QKeySequence::Quit, this);
+    connect(exit, &QShortcut::activated, this, &frmDDE::Exit);
     const auto* toSearch = new QShortcut(QKeySequence::Find, this);
     connect(toSearch, &QShortcut::activated, txtSearch, [this] { txtSearch->setFocus(); });
     const auto* clearSearch =

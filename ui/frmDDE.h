@@ -166,6 +166,7 @@ private:
     void ShowPeriod();
     void DoPeriodSS();
     void DoShowHidden();
+    void sortPeriodGrids();
     std::vector<GridRow> rowsOf(const GenCollection& events, int grid) const;
     bool isListed(const calEvent& event) const;
     Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
@@ -216,6 +217,7 @@ private:
     bool loading_ = false;
     bool exiting_ = false;
     bool flashOn_ = false;
+    std::shared_ptr<GenCollection> shownEvCol_;  // what the links of the toast stand for
     bool noTray_ = false;  // what the status line says instead of the current row
 };
 

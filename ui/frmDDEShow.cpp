@@ -80,6 +80,7 @@ void frmDDE::ShowPopUp(const PopUpRequest& request) {
         content.title = qtText(request.title);
         content.text = qtText(request.sContent);
         content.links = readToastMarkup(qtText(popUpMarkup(*state_.EvCol)));
+        shownEvCol_ = state_.EvCol;
         content.bold = request.Bold;
         content.width = request.iWidth;
         content.opacity = request.Opacity / 100.0;
@@ -102,11 +103,13 @@ void frmDDE::HidePopUp() {
 
 void frmDDE::MarkupHyperlinkClick(int tag) {
     const ErrScope scope;
-    std::string GUID;
-    attempt([&] { GUID = state_.EvCol->Key(tag); });
-    showWindow();
-    tabs->setCurrentIndex(kNewRemindersGrid);
-    SelectGUID(GUID);
+    // What the toast shows, not what a later check took in without showing it.
+    const std::string GUID = shownEvCol_ ? shownEvCol_->Key(tag) : std::string();
+    if (!GUID.empty()) {
+        showWindow();
+        tabs->setCurrentIndex(kNewRemindersGrid);
+        SelectGUID(GUID);
+    }
     HidePopUp();
 }
 

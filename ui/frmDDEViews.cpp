@@ -71,6 +71,7 @@ void frmDDE::DoPeriodSS() {
     grid(kAllRemindersGrid).setRows(rowsOf(*due, kAllRemindersGrid));
     const auto held = parts_.period.EventCol(state_.dShownStart, state_.dShownEnd);
     grid(kEventsGrid).setRows(rowsOf(*held, kEventsGrid));
+    sortPeriodGrids();
 }
 
 void frmDDE::DoShowHidden() {
@@ -89,6 +90,13 @@ void frmDDE::DoShowHidden() {
     }
     grid(kAllRemindersGrid).setRows(std::move(reminders));
     grid(kEventsGrid).setRows(std::move(events));
+    sortPeriodGrids();
+}
+
+void frmDDE::sortPeriodGrids() {
+    for (const int index : {kAllRemindersGrid, kEventsGrid}) {
+        grid(index).DoSort();
+    }
 }
 
 std::vector<GridRow> frmDDE::rowsOf(const GenCollection& events, int grid) const {

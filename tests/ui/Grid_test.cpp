@@ -86,11 +86,9 @@ TEST_F(GridTest, WhenTheCurrentRowIsGoneItsNeighbourIsCurrent) {
     EXPECT_TRUE(grid.SelectedGUIDs().empty());
 }
 
-TEST_F(GridTest, UpdatesOnlyRowsThatAreThere) {
-    EXPECT_FALSE(grid.updateRow(reminderRow("a", "x", 0)));
-    EXPECT_EQ(grid.rowCount(), 0U);
+TEST_F(GridTest, PutsARowOnceAndRemovesItOnce) {
     grid.putRow(reminderRow("a", "x", 0));
-    EXPECT_TRUE(grid.updateRow(reminderRow("A", "y", 0)));
+    grid.putRow(reminderRow("A", "y", 0));
     EXPECT_EQ(grid.rowCount(), 1U);
     EXPECT_TRUE(grid.RemoveGUID("A"));
     EXPECT_FALSE(grid.RemoveGUID("A"));
