@@ -357,6 +357,7 @@ std::string PlainRule::text(std::mt19937& random, bool noise) const {
     };
     const auto numbers = [](const std::vector<int>& values) {
         std::vector<std::string> texts;
+        texts.reserve(values.size());
         for (const int v : values) {
             texts.push_back(std::to_string(v));
         }

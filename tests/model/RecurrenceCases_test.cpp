@@ -14,6 +14,7 @@ using test::RecurrenceCase;
 
 std::vector<std::string> texts(const std::vector<DateTime>& times) {
     std::vector<std::string> out;
+    out.reserve(times.size());
     for (const DateTime time : times) {
         out.push_back(test::isoText(time));
     }

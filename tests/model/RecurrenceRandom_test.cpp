@@ -36,6 +36,7 @@ DateTime time(std::int64_t seconds) { return DateTime::fromMilliseconds(seconds 
 
 std::vector<std::int64_t> seconds(const std::vector<DateTime>& times) {
     std::vector<std::int64_t> out;
+    out.reserve(times.size());
     for (const DateTime t : times) {
         out.push_back(t.milliseconds() / 1000);
     }
