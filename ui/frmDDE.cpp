@@ -121,6 +121,10 @@ void frmDDE::wire() {
     connect(&TimerUpdate, &QTimer::timeout, this, &frmDDE::TimerUpdate_Tick);
     connect(&TimerFlash, &QTimer::timeout, this, &frmDDE::TimerFlash_Tick);
     connect(&TimerActions, &QTimer::timeout, this, &frmDDE::TimerActions_Tick);
+    firstCheck_.setSingleShot(true);
+    connect(&firstCheck_, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
+    trayWait_.setSingleShot(true);
+    connect(&trayWait_, &QTimer::timeout, this, &frmDDE::lookForTray);
 
     connect(cboPeriod, &QComboBox::currentIndexChanged, this, &frmDDE::cboPeriod_Changed);
     connect(UpDown1, &UpDown::stepped, this, &frmDDE::DoUD);

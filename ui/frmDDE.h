@@ -196,6 +196,8 @@ private:
     QTimer TimerUpdate{this};
     QTimer TimerFlash{this};
     QTimer TimerActions{this};
+    QTimer firstCheck_{this};  // once, as soon as the event loop runs
+    QTimer trayWait_{this};    // once, when a tray should have come
     TimeText timeText_;
 
     QComboBox* cboPeriod = nullptr;

@@ -52,8 +52,8 @@ void frmDDE::Load() {
         attempt([&] { (this->*step)(); });
     }
     UpdateUI();
-    QTimer::singleShot(0, this, &frmDDE::TimerCheck_Tick);
-    QTimer::singleShot(kTrayMayTake, this, &frmDDE::lookForTray);
+    firstCheck_.start(0ms);
+    trayWait_.start(kTrayMayTake);
 }
 
 int frmDDE::numberSetting(const char* key) const {
