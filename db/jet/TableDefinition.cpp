@@ -92,6 +92,8 @@ Column columnFrom(ByteView block) {
     if (column.type == ColumnType::Numeric) {
         column.precision = u8(block, 0x0B);
         column.scale = u8(block, 0x0C);
+    } else if (column.type == ColumnType::Text || column.type == ColumnType::Memo) {
+        column.sortOrder = u32(block, 0x0B);
     }
     return column;
 }
@@ -133,15 +135,9 @@ void readColumns(Reader& reader, std::size_t count, TableDefinition& table) {
     }
 }
 
-/// What a real index says; the logical ones that share it repeat it.
-struct Keys {
-    std::vector<IndexColumn> columns;
-    unsigned flags = 0;
-};
-
-Keys readKeys(Reader& reader, TableDefinition& table) {
+IndexDefinition readTree(Reader& reader, TableDefinition& table) {
     const ByteView block = reader.take(52);
-    Keys keys;
+    IndexDefinition tree;
     for (std::size_t i = 0; i < kMostIndexColumns; ++i) {
         const std::uint16_t number = u16(block, 4 + 3 * i);
         if (number == kNoColumn) {
@@ -154,16 +150,21 @@ Keys readKeys(Reader& reader, TableDefinition& table) {
                                     "\" has a column that is not there");
         }
         column->indexed = true;
-        keys.columns.push_back({column->name, u8(block, 6 + 3 * i) == 0});
+        tree.columns.push_back({static_cast<std::size_t>(column - table.columns.begin()), *column,
+                                u8(block, 6 + 3 * i) == 0});
     }
-    keys.flags = u8(block, 0x2E);
-    return keys;
+    const unsigned flags = u8(block, 0x2E);
+    tree.unique = (flags & 0x01) != 0;
+    tree.ignoreNulls = (flags & 0x02) != 0;
+    tree.required = (flags & 0x08) != 0;
+    tree.ownedPages = RowPointer::read(block, 0x22);
+    tree.root = u32(block, 0x26);
+    return tree;
 }
 
 void readIndexes(Reader& reader, std::size_t real, std::size_t logical, TableDefinition& table) {
-    std::vector<Keys> keys;
     for (std::size_t i = 0; i < real; ++i) {
-        keys.push_back(readKeys(reader, table));
+        table.trees.push_back(readTree(reader, table));
     }
     for (std::size_t i = 0; i < logical; ++i) {
         const ByteView block = reader.take(28);
@@ -176,10 +177,14 @@ void readIndexes(Reader& reader, std::size_t real, std::size_t logical, TableDef
         index.number = u32(block, 4);
         index.primary = kind == 1;
         index.foreign = kind == 2;
-        index.unique = (keys[stored].flags & 0x01) != 0;
-        index.ignoreNulls = (keys[stored].flags & 0x02) != 0;
-        index.required = (keys[stored].flags & 0x08) != 0;
-        index.columns = keys[stored].columns;
+        const IndexDefinition& tree = table.trees[stored];
+        index.tree = stored;
+        index.unique = tree.unique;
+        index.ignoreNulls = tree.ignoreNulls;
+        index.required = tree.required;
+        for (const KeyColumn& part : tree.columns) {
+            index.columns.push_back({part.column.name, part.descending});
+        }
         table.indexes.push_back(std::move(index));
     }
     for (Index& index : table.indexes) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DataPage.h"
+#include "index/IndexDefinition.h"
 
 namespace vl::jet {
 
@@ -17,8 +18,9 @@ struct TableDefinition {
     /// Variable slots ever created.
     std::uint16_t variableSlots = 0;
     RowPointer ownedPages;
-    std::vector<Column> columns;  ///< by number
-    std::vector<Index> indexes;   ///< by number
+    std::vector<Column> columns;         ///< by number
+    std::vector<Index> indexes;          ///< by number
+    std::vector<IndexDefinition> trees;  ///< in the order of creation
     /// A row written while the table had fewer than this many columns has no variable part.
     std::uint16_t firstVariableColumns = 0;
 };

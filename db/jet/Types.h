@@ -33,8 +33,13 @@ enum class Access { Read, ReadWrite };
 
 using PageNo = std::uint32_t;
 using ByteView = std::span<const std::byte>;
+/// What an index stores of a row's values: compares as unsigned bytes.
+using KeyBytes = std::vector<std::byte>;
 
 inline constexpr std::size_t kPageSize = 4096;
+
+/// The sort order of texts in all files of this generation: language 0409, version 0.
+inline constexpr std::uint32_t kGeneralOrder = 0x0409;
 
 /// A row's identity: where it was first stored. It stays when the row's bytes move elsewhere.
 struct RowId {
@@ -56,6 +61,8 @@ struct Column {
     /// Of a numeric column.
     std::uint8_t precision = 0;
     std::uint8_t scale = 0;
+    /// Of a text or memo column: language, and version in the highest byte.
+    std::uint32_t sortOrder = kGeneralOrder;
     /// Slot of the variable part, for a column that is not `fixed`.
     std::uint16_t variableIndex = 0;
     /// Counted from the row's third byte, for a `fixed` column.
@@ -81,6 +88,8 @@ struct Index {
     std::vector<IndexColumn> columns;
     /// Unique in its table.
     std::uint32_t number = 0;
+    /// Which of the table's trees holds its keys.
+    std::size_t tree = 0;
 };
 
 }  // namespace vl::jet
