@@ -1,14 +1,56 @@
 #include "db/jet/RowCursor.h"
 
+#include <algorithm>
 #include <cassert>
+#include <optional>
 #include <vector>
 
 #include "LongValue.h"
 #include "RowPlace.h"
 #include "UsageMap.h"
 #include "Value.h"
+#include "index/IndexCursor.h"
 
 namespace vl::jet {
+
+namespace {
+
+bool beginsWith(ByteView key, ByteView with) {
+    return key.size() >= with.size() && std::equal(with.begin(), with.end(), key.begin());
+}
+
+/// A walk over a part of an index.
+struct Entries {
+    FilePages pages;
+    KeyRange range;
+    IndexCursor cursor;
+
+    Entries(PageFile& file, const IndexDefinition& index, PageNo definitionPage, KeyRange r)
+        : pages(file), range(std::move(r)), cursor(pages, index, definitionPage, range.from) {}
+    Entries(const Entries&) = delete;
+    Entries& operator=(const Entries&) = delete;
+    ~Entries() = default;
+
+    bool next() {
+        while (cursor.next()) {
+            const ByteView key = cursor.key();
+            if (!range.withFrom && !range.from.empty() && beginsWith(key, range.from)) {
+                continue;
+            }
+            if (range.to.empty()) {
+                return true;
+            }
+            if (beginsWith(key, range.to)) {
+                return range.withTo;
+            }
+            return std::lexicographical_compare(key.begin(), key.end(), range.to.begin(),
+                                                range.to.end());
+        }
+        return false;
+    }
+};
+
+}  // namespace
 
 struct RowCursor::State {
     PageFile& file;
@@ -18,20 +60,57 @@ struct RowCursor::State {
     Page page;  // the one that slots are taken from
     DataPage data;
     std::uint16_t nextSlot = 0;
+    std::unique_ptr<Entries> entries;  // where an index says which rows come
+    RowId id;
     RowPlace place;  // of the current row
     RowView row;
 };
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table)
-    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, {}}) {
+    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, {}, {}, {}}) {
     state_->pages = readUsageMap(file, state_->table->ownedPages);
+}
+
+RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
+                     KeyRange range)
+    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, {}, {}, {}}) {
+    assert(tree < state_->table->trees.size());
+    state_->entries = std::make_unique<Entries>(file, state_->table->trees[tree],
+                                                state_->table->page, std::move(range));
 }
 
 RowCursor::RowCursor(RowCursor&&) noexcept = default;
 RowCursor& RowCursor::operator=(RowCursor&&) noexcept = default;
 RowCursor::~RowCursor() = default;
 
-bool RowCursor::next() {
+bool RowCursor::next() { return state_->entries ? nextOfIndex() : nextOfTable(); }
+
+bool RowCursor::nextOfIndex() {
+    State& s = *state_;
+    if (!s.entries->next()) {
+        return false;
+    }
+    const RowId id = s.entries->cursor.row();
+    if (!s.page || s.page.number() != id.page) {
+        s.data = DataPage();
+        s.page = s.file.page(id.page);
+        s.data = DataPage(s.page);
+    }
+    const bool there = s.data.owner() == s.table->page && id.row < s.data.slotCount() &&
+                       (s.data.slot(id.row) == DataPage::Slot::Row ||
+                        s.data.slot(id.row) == DataPage::Slot::Moved);
+    if (!there) {
+        s.page.origin().corrupt("has no row " + std::to_string(id.row) + " of table \"" +
+                                s.table->name + "\", but an index on page " +
+                                std::to_string(s.entries->cursor.page()) + " says so");
+    }
+    s.place = findRow(s.file, *s.table, s.page, s.data, id.row);
+    s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
+    s.id = id;
+    return true;
+}
+
+bool RowCursor::nextOfTable() {
     State& s = *state_;
     for (;;) {
         while (s.nextSlot < s.data.slotCount()) {
@@ -39,6 +118,7 @@ bool RowCursor::next() {
             if (slot == DataPage::Slot::Row || slot == DataPage::Slot::Moved) {
                 s.place = findRow(s.file, *s.table, s.page, s.data, s.nextSlot);
                 s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
+                s.id = {s.page.number(), s.nextSlot};
                 ++s.nextSlot;
                 return true;
             }
@@ -57,9 +137,7 @@ bool RowCursor::next() {
     }
 }
 
-RowId RowCursor::id() const {
-    return {state_->page.number(), static_cast<std::uint16_t>(state_->nextSlot - 1)};
-}
+RowId RowCursor::id() const { return state_->id; }
 
 Variant RowCursor::value(std::size_t column) const {
     const State& s = *state_;

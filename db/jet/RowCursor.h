@@ -1,4 +1,4 @@
-// One pass over a table's rows.
+// One pass over a table's rows, as they lie or as an index sorts them.
 #pragma once
 
 #include <memory>
@@ -11,14 +11,27 @@ namespace vl::jet {
 class PageFile;
 struct TableDefinition;
 
-/// Stands before the first row at the beginning. Rows come in the order of their original places;
-/// the cursor holds one page, and sees it as it was when it came to it: what is written to a row
-/// of that page meanwhile is not seen. Rows are not copied, values only when asked for.
-/// The `Database` must outlive it. Every method throws `Error` (`ErrNo::Corrupt` with file and
-/// page, or `ErrNo::Io`); a cursor that threw in `next` stays where it is and throws again.
+/// Keys from `from` to `to`, for a walk over a part of an index; empty: no end there. Each may be
+/// the beginning of keys, and then means all of these.
+struct KeyRange {
+    KeyBytes from;
+    KeyBytes to;
+    bool withFrom = true;
+    bool withTo = true;
+};
+
+/// Stands before the first row at the beginning. Rows come in the order of their original places,
+/// or of an index's keys; the cursor holds one page, and sees it as it was when it came to it: what
+/// is written to a row of that page meanwhile is not seen. Rows are not copied, values only when
+/// asked for. The `Database` must outlive it. Every method throws `Error` (`ErrNo::Corrupt` with
+/// file and page, or `ErrNo::Io`); a cursor that threw in `next` stays where it is and throws
+/// again.
 class RowCursor {
 public:
     RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table);
+    /// Over the rows that a tree of the table has entries of.
+    RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
+              KeyRange range);
     RowCursor(RowCursor&&) noexcept;
     RowCursor& operator=(RowCursor&&) noexcept;
     ~RowCursor();
@@ -34,6 +47,9 @@ public:
     Variant value(std::size_t column) const;
 
 private:
+    bool nextOfTable();
+    bool nextOfIndex();
+
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -1,6 +1,9 @@
 #include "db/jet/Table.h"
 
+#include <cassert>
+
 #include "TableDefinition.h"
+#include "index/IndexKey.h"
 
 namespace vl::jet {
 
@@ -13,5 +16,15 @@ const std::vector<Index>& Table::indexes() const noexcept { return definition_->
 std::uint32_t Table::rowCount() const noexcept { return definition_->rowCount; }
 
 RowCursor Table::scan() const { return {*file_, definition_}; }
+
+RowCursor Table::indexScan(std::size_t index, KeyRange range) const {
+    assert(index < definition_->indexes.size());
+    return {*file_, definition_, definition_->indexes[index].tree, std::move(range)};
+}
+
+KeyBytes Table::indexKey(std::size_t index, std::span<const Variant> values) const {
+    assert(index < definition_->indexes.size());
+    return jet::indexKey(definition_->trees[definition_->indexes[index].tree], values).bytes;
+}
 
 }  // namespace vl::jet

@@ -29,6 +29,17 @@ public:
     /// Costs reading the table's usage map; rows are read as the cursor goes.
     RowCursor scan() const;
 
+    /// The rows in the order of an index; `index` counts `indexes()`. Rows that it leaves out (all
+    /// null, in one that ignores nulls) do not come. Costs a page for each level of its tree, then
+    /// pages as the cursor goes: up to one a row. Descending columns have their values' keys
+    /// complemented: there `range.from` is what the highest value gives.
+    RowCursor indexScan(std::size_t index, KeyRange range = {}) const;
+    /// The bytes by which that index sorts rows with these values: one for each of its columns, in
+    /// its order, or for the first few only. Throws `Error`: `ErrNo::TypeMismatch` or
+    /// `ErrNo::Overflow` for a value that no such column has, `ErrNo::Unsupported` for a text
+    /// column that is sorted in another language's order.
+    KeyBytes indexKey(std::size_t index, std::span<const Variant> values) const;
+
     using Change = std::pair<std::size_t, Variant>;  ///< column, new value
     /// Writes columns of one row where they stand: yes/no columns and fixed-size ones that no
     /// index knows. `Null` makes a fixed-size column null. One page is written and flushed, then

@@ -106,6 +106,14 @@ void writeAll(jet::Table& table, jet::RowId id) {
     }
 }
 
+long walkIndex(const jet::Table& table, std::size_t index) {
+    long rows = 0;
+    for (jet::RowCursor row = table.indexScan(index); row.next();) {
+        ++rows;
+    }
+    return rows;
+}
+
 // Every table's every value; a table that cannot be read does not keep the others from it.
 Outcome readAll(test::Disk& disk, const std::string& what) {
     Outcome outcome;
@@ -134,6 +142,9 @@ Outcome readAll(test::Disk& disk, const std::string& what) {
                     for (std::size_t i = 0; i < table.columns().size(); ++i) {
                         guarded([&] { row.value(i); });
                     }
+                }
+                for (std::size_t i = 0; i < table.indexes().size(); ++i) {
+                    guarded([&] { outcome.rows += walkIndex(table, i); });
                 }
             });
         }

@@ -1,0 +1,60 @@
+#include "IndexCursor.h"
+
+namespace vl::jet {
+
+IndexCursor::IndexCursor(PageSource& pages, const IndexDefinition& index, PageNo definitionPage,
+                         ByteView from)
+    : pages_(pages), definitionPage_(definitionPage) {
+    descend(index.root, from);
+}
+
+void IndexCursor::descend(PageNo root, ByteView from) {
+    PageNo number = root;
+    for (int height = 0; height < kHighestTree; ++height) {
+        IndexPage page(pages_.page(number), definitionPage_);
+        const std::size_t at = page.lowerBound(from);
+        if (page.leaf()) {
+            leaf_ = std::move(page);
+            nextEntry_ = at;
+            return;
+        }
+        const bool noTail = at == page.count() && page.tailChild() == 0;
+        if (noTail && page.count() == 0) {
+            page.origin().corrupt("a node of an index has no children");
+        }
+        number = page.child(noTail ? at - 1 : at);
+    }
+    pages_.page(root).origin().corrupt("the index that begins here has no leaves");
+}
+
+bool IndexCursor::next() {
+    PageNo empty = 0;
+    while (nextEntry_ == leaf_.count()) {
+        if (leaf_.next() == 0) {
+            return false;
+        }
+        if (leaf_.count() > 0) {
+            leaf_.entry(leaf_.count() - 1, last_);
+        }
+        IndexPage following(pages_.page(leaf_.next()), definitionPage_);
+        if (!following.leaf()) {
+            following.origin().corrupt("is no leaf, but one comes before it");
+        }
+        if (following.count() == 0 && ++empty > pages_.pageCount()) {
+            following.origin().corrupt("empty leaves follow each other in a circle");
+        }
+        leaf_ = std::move(following);
+        nextEntry_ = 0;
+        if (leaf_.count() > 0) {
+            leaf_.entry(0, entry_);
+            if (!last_.empty() && !(last_ < entry_)) {
+                leaf_.origin().corrupt("begins with an entry that belongs before it");
+            }
+        }
+    }
+    leaf_.entry(nextEntry_, entry_);
+    ++nextEntry_;
+    return true;
+}
+
+}  // namespace vl::jet
