@@ -61,19 +61,20 @@ struct RowCursor::State {
     DataPage data;
     std::uint16_t nextSlot = 0;
     std::unique_ptr<Entries> entries;  // where an index says which rows come
+    bool entryTaken = false;           // but its row not found yet
     RowId id;
     RowPlace place;  // of the current row
     RowView row;
 };
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table)
-    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, {}, {}, {}}) {
+    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, {}, {}}) {
     state_->pages = readUsageMap(file, state_->table->ownedPages);
 }
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
                      KeyRange range)
-    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, {}, {}, {}}) {
+    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, {}, {}}) {
     assert(tree < state_->table->trees.size());
     state_->entries = std::make_unique<Entries>(file, state_->table->trees[tree],
                                                 state_->table->page, std::move(range));
@@ -87,9 +88,10 @@ bool RowCursor::next() { return state_->entries ? nextOfIndex() : nextOfTable();
 
 bool RowCursor::nextOfIndex() {
     State& s = *state_;
-    if (!s.entries->next()) {
+    if (!s.entryTaken && !s.entries->next()) {
         return false;
     }
+    s.entryTaken = true;
     const RowId id = s.entries->cursor.row();
     if (!s.page || s.page.number() != id.page) {
         s.data = DataPage();
@@ -107,6 +109,7 @@ bool RowCursor::nextOfIndex() {
     s.place = findRow(s.file, *s.table, s.page, s.data, id.row);
     s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
     s.id = id;
+    s.entryTaken = false;
     return true;
 }
 

@@ -4,15 +4,15 @@ namespace vl::jet {
 
 IndexCursor::IndexCursor(PageSource& pages, const IndexDefinition& index, PageNo definitionPage,
                          ByteView from)
-    : pages_(pages), definitionPage_(definitionPage) {
-    descend(index.root, from);
+    : pages_(pages), definitionPage_(definitionPage), from_(from.begin(), from.end()) {
+    descend(index.root);
 }
 
-void IndexCursor::descend(PageNo root, ByteView from) {
+void IndexCursor::descend(PageNo root) {
     PageNo number = root;
     for (int height = 0; height < kHighestTree; ++height) {
         IndexPage page(pages_.page(number), definitionPage_);
-        const std::size_t at = page.lowerBound(from);
+        const std::size_t at = page.lowerBound(from_);
         if (page.leaf()) {
             leaf_ = std::move(page);
             nextEntry_ = at;
@@ -43,17 +43,20 @@ bool IndexCursor::next() {
         if (following.count() == 0 && ++empty > pages_.pageCount()) {
             following.origin().corrupt("empty leaves follow each other in a circle");
         }
-        leaf_ = std::move(following);
-        nextEntry_ = 0;
-        if (leaf_.count() > 0) {
-            leaf_.entry(0, entry_);
-            if (!last_.empty() && !(last_ < entry_)) {
-                leaf_.origin().corrupt("begins with an entry that belongs before it");
+        if (following.count() > 0 && !last_.empty()) {
+            KeyBytes first;
+            following.entry(0, first);
+            if (!(last_ < first)) {
+                following.origin().corrupt("begins with an entry that belongs before it");
             }
         }
+        leaf_ = std::move(following);
+        // Leaves that no node names yet may hold less than what was sought.
+        nextEntry_ = leaf_.lowerBound(from_);
     }
     leaf_.entry(nextEntry_, entry_);
     ++nextEntry_;
+    from_.clear();
     return true;
 }
 

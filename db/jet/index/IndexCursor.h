@@ -28,10 +28,11 @@ public:
     PageNo page() const noexcept { return leaf_.number(); }
 
 private:
-    void descend(PageNo root, ByteView from);
+    void descend(PageNo root);
 
     PageSource& pages_;
     PageNo definitionPage_;
+    KeyBytes from_;  // until the first entry is found
     IndexPage leaf_;
     std::size_t nextEntry_ = 0;
     KeyBytes entry_;

@@ -265,7 +265,7 @@ void IndexTree::dropPage(Path& path, std::size_t depth) {
     const IndexDraft& empty = path[depth].draft;
     link(empty.previous, kIndexNextAt, empty.next);
     link(empty.next, kIndexPreviousAt, empty.previous);
-    pages_.free(owner_, path[depth].number);
+    giveBack(path[depth].number);
 
     IndexDraft& parent = path[depth - 1].draft;
     const std::size_t child = path[depth - 1].child;
@@ -284,6 +284,13 @@ void IndexTree::dropPage(Path& path, std::size_t depth) {
     } else {
         write(path[0].number, IndexDraft(true));
     }
+}
+
+void IndexTree::giveBack(PageNo number) {
+    if (number == index_.root) {
+        corrupt(number, "the root of an index is below a node");
+    }
+    pages_.free(owner_, number);
 }
 
 // The last entry below this page has changed: so does the entry above that repeats it.
@@ -307,11 +314,14 @@ void IndexTree::shrinkRoot() {
         if (root.leaf || root.count() > 0) {
             return;
         }
+        if (root.tail == index_.root) {
+            corrupt(root.tail, "a node of an index is its own child");
+        }
         IndexDraft child = load(root.tail);
         child.previous = 0;
         child.next = 0;
         write(index_.root, child);
-        pages_.free(owner_, root.tail);
+        giveBack(root.tail);
     }
 }
 

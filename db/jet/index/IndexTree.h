@@ -69,6 +69,7 @@ private:
     void dropPage(Path& path, std::size_t depth);
     void lowerSeparator(Path& path, std::size_t depth, KeyBytes last);
     void shrinkRoot();
+    void giveBack(PageNo number);
     [[noreturn]] void corrupt(PageNo page, const std::string& what);
 
     PageSpace& pages_;

@@ -9,8 +9,10 @@
 #include "IndexCursor.h"
 #include "IndexKey.h"
 #include "MemoryFile.h"
+#include "MemorySpace.h"
 #include "RowPlace.h"
 #include "TableDefinition.h"
+#include "UsageMap.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -36,6 +38,10 @@ std::vector<Variant> keyValues(const jet::IndexDefinition& tree, const jet::RowC
     return values;
 }
 
+std::vector<jet::PageNo> ownedPages(jet::PageFile& file, const jet::IndexDefinition& tree) {
+    return jet::readUsageMap(file, tree.ownedPages);
+}
+
 // Every key of the tree against those that its table's rows give.
 void compareKeys(jet::PageFile& file, const std::shared_ptr<const jet::TableDefinition>& table,
                  const jet::IndexDefinition& tree, Counts& counts) {
@@ -58,6 +64,9 @@ void compareKeys(jet::PageFile& file, const std::shared_ptr<const jet::TableDefi
         ++counts.keys;
     }
     EXPECT_EQ(next, expected.end());
+    const jet::IndexReport report = checkIndex(pages, tree, table->page, ownedPages(file, tree));
+    EXPECT_EQ(test::textOf(report), "");
+    EXPECT_EQ(report.entries, expected.size());
     ++counts.trees;
 }
 

@@ -36,7 +36,9 @@ public:
     jet::PageNo pageCount() const override { return static_cast<jet::PageNo>(pages_.size()); }
 
     void write(jet::PageNo number, const jet::Page::Bytes& bytes) override {
-        ASSERT_TRUE(owned_.contains(number)) << number;
+        if (!owned_.contains(number)) {
+            throw Error(ErrNo::Unexpected, "memory: a page is written that is not there");
+        }
         pages_[number] = std::make_shared<const jet::Page::Bytes>(bytes);
         ++writes;
     }
@@ -58,7 +60,9 @@ public:
     void free(const jet::IndexOwner& owner, jet::PageNo number) override {
         EXPECT_EQ(owner.definitionPage, kDefinition);
         EXPECT_NE(number, kRoot);
-        EXPECT_EQ(owned_.erase(number), 1U);
+        if (owned_.erase(number) == 0) {
+            jet::Origin{"memory", number}.corrupt("is given back, but is not there");
+        }
         free_.insert(number);
     }
 
