@@ -17,7 +17,7 @@ inline constexpr jet::PageNo kDefinition = 2;
 inline constexpr jet::PageNo kRoot = 7;
 
 /// One tree's pages. What a new page holds is noise, and a page that was given back cannot be read.
-class MemorySpace : public jet::PageSpace {
+class MemorySpace final : public jet::PageSpace {
 public:
     MemorySpace() {
         pages_.resize(kRoot + 1);

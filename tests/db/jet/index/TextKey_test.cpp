@@ -96,7 +96,7 @@ TEST(CompareText, GoesByWholeKeysAlsoWhereLettersDecideAtOnce) {
     for (int i = 0; i < 20000; ++i) {
         const std::string a = any();
         const std::string b = any();
-        SCOPED_TRACE('"' + a + "\" and \"" + b + '"');
+        SCOPED_TRACE(testing::Message() << '"' << a << "\" and \"" << b << '"');
         jet::KeyBytes left;
         jet::KeyBytes right;
         jet::appendTextKey(left, a);
