@@ -131,8 +131,8 @@ void frmDDE::SetIcon() {
 void frmDDE::SetFlashingIcon(bool on) { tray_.setNew(on); }
 
 QString frmDDE::GetIconText() {
-    const QString text = qtText(iconText(tabs->currentIndex(), selectedGrid().rowCount(),
-                                         grid(kNewRemindersGrid).rowCount(), IsWindowVisible()));
+    QString text = qtText(iconText(tabs->currentIndex(), selectedGrid().rowCount(),
+                                   grid(kNewRemindersGrid).rowCount(), IsWindowVisible()));
     tray_.setToolTip(text);
     return text;
 }
