@@ -246,12 +246,29 @@ private:
         if (head && noHeadEnd_) {
             return;
         }
-        auto close = text::findNoCase(html_, "</" + std::string(name), at_);
-        if (!close && head) {
-            close = text::findNoCase(html_, "<body", at_);
-            noHeadEnd_ = !close;
+        std::size_t close = findTag("</" + std::string(name));
+        if (head) {
+            close = std::min(close, findTag("<body"));
+            noHeadEnd_ = close == html_.size();
         }
-        at_ = close ? close->at : head ? at_ : html_.size();
+        at_ = noHeadEnd_ && head ? at_ : close;
+    }
+
+    // Where the tag of exactly this name begins ("</head" is not "</header>"); the end of the text
+    // when there is none.
+    std::size_t findTag(const std::string& beginning) const {
+        for (std::size_t from = at_;;) {
+            const auto found = text::findNoCase(html_, beginning, from);
+            if (!found) {
+                return html_.size();
+            }
+            from = found->at + found->length;
+            const std::string_view behind = html_.substr(from, 1);
+            if (behind.empty() ||
+                std::string_view(" \t\r\n/>").find(behind) != std::string_view::npos) {
+                return found->at;
+            }
+        }
     }
 
     // The line end right behind "<pre>" is no line of the text.

@@ -79,7 +79,9 @@ void frmDDE::placeWindow() {
                        ScreenArea{double(area.left()), double(area.top()), double(area.width()),
                                   double(area.height())});
     }
-    resize(kFirstSize.boundedTo(first->availableSize() - QSize(0, titleBar)));
+    if (first != nullptr) {
+        resize(kFirstSize.boundedTo(first->availableSize() - QSize(0, titleBar)));
+    }
     const WindowPlacement place =
         readPlacement(parts_.settings, screens, {double(width()), double(height())},
                       {0, static_cast<double>(titleBar)});

@@ -121,6 +121,8 @@ TEST(HtmlText, MakesSomethingOfBrokenMarkup) {
         {"<b>a<c", "a<c"},
         {"<script>never closed <p>x", ""},
         {"a<head>no end<body>b", "ab"},
+        {"<head><title>T</title><body><header>Hi</header>x", "Hi\nx"},
+        {"<script>if (a</scripts) {}</script>seen", "seen"},
         {"a<head>no head at all", "ano head at all"},
         {"<b><!-- a", "<!-- a"},
         {"<b>x</", "x</"},
