@@ -14,7 +14,6 @@ using test::filled;
 using test::keysOf;
 using test::numbered;
 using test::Thing;
-using testing::ElementsAre;
 
 TEST(GenCollectionAdd, KeepsTheFirstUnderAKeyWithoutRegardToCase) {
     GenCollection col;
