@@ -47,6 +47,7 @@ public:
     Table table(std::string_view name) const;
 
 private:
+    friend class Transaction;
     explicit Database(std::unique_ptr<PageFile> file);
 
     std::unique_ptr<PageFile> file_;

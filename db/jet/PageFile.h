@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,9 +52,24 @@ public:
     /// written since is seen.
     void refresh();
 
-    /// Writes a page of the file and puts the new bytes in the place of the remembered ones.
-    /// Throws `Error` (`ErrNo::Io`); the page on the disk is then either of both, or torn.
+    /// Writes a page of the file and puts the new bytes in the place of the remembered ones. Inside
+    /// a transaction the file itself is written by `commit`. Throws `Error` (`ErrNo::Io`); the page
+    /// on the disk is then either of both, or torn.
     void writePage(PageNo number, const Page::Bytes& bytes);
+
+    /// Only inside a transaction: one page more at the end of the file; what it holds until it is
+    /// written is zero.
+    PageNo appendPage();
+
+    bool inTransaction() const noexcept { return changing_; }
+    /// From here on writes are kept in memory and seen by `page`. Throws `Error`:
+    /// `ErrNo::ReadOnly`, or `ErrNo::Unexpected` when a transaction is open.
+    void begin();
+    /// Writes and flushes what was changed, then raises the header's counter by which other readers
+    /// learn of it, and ends the transaction. Throws `Error` (`ErrNo::Io`).
+    void commit();
+    /// Forgets what was changed and ends the transaction.
+    void rollback() noexcept;
 
     /// The file itself, for what is not read or written by pages.
     File& file() noexcept { return *file_; }
@@ -72,6 +88,10 @@ private:
     Access access_;
     PageNo pageCount_ = 0;
     std::vector<Frame> frames_;
+
+    bool changing_ = false;
+    PageNo countBefore_ = 0;  // of the pages, when the transaction began
+    std::map<PageNo, std::shared_ptr<const Page::Bytes>> changed_;
 };
 
 }  // namespace vl::jet

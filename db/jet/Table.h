@@ -42,9 +42,8 @@ public:
 
     using Change = std::pair<std::size_t, Variant>;  ///< column, new value
     /// Writes columns of one row where they stand: yes/no columns and fixed-size ones that no
-    /// index knows. `Null` makes a fixed-size column null. One page is written and flushed, then
-    /// the header's counter is raised, by which other readers of the file learn of it; a row that
-    /// holds all of it already costs no write.
+    /// index knows. `Null` makes a fixed-size column null. Is a transaction of its own unless one
+    /// is open; a row that holds all of it already costs no write.
     ///
     /// Throws `Error` and has changed nothing: `ErrNo::ReadOnly` unless the file was opened with
     /// `Access::ReadWrite`; `ErrNo::NotFound` when there is no such row; `ErrNo::Unsupported` for a

@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cassert>
+#include <optional>
 
-#include "Bytes.h"
 #include "FixedValue.h"
-#include "Header.h"
 #include "RowPlace.h"
 #include "base/ErrorState.h"
 #include "db/jet/Table.h"
+#include "db/jet/Transaction.h"
 
 namespace vl::jet {
 
@@ -63,16 +63,6 @@ void apply(const Patch& patch, const RowView& row, std::span<std::byte> bytes) {
     }
 }
 
-// The word of the first user who shares the file. Only its two bytes are written: the others
-// belong to others.
-void raiseCounter(File& file) {
-    constexpr std::uint64_t kWord = kCommitWords + 2;
-    std::array<std::byte, 2> word{};
-    file.read(kWord, word);
-    store(std::span<std::byte>(word), 0, static_cast<std::uint16_t>(u16(word, 0) + 1));
-    file.write(kWord, word);
-}
-
 }  // namespace
 
 void Table::updateInPlace(RowId id, std::span<const Change> changes) {
@@ -91,7 +81,10 @@ void Table::updateInPlace(RowId id, std::span<const Change> changes) {
                                         table.name + "\": " + e.what());
         }
     }
-    file_->refresh();  // what others wrote to the same page since must not be undone
+    std::optional<Transaction> own;
+    if (!file_->inTransaction()) {
+        own.emplace(*file_);
+    }
     const RowPlace place = placeOf(*file_, table, id);
     const RowView row(place.bytes, table, place.page.origin());
     Page::Bytes page{};
@@ -108,8 +101,9 @@ void Table::updateInPlace(RowId id, std::span<const Change> changes) {
         return;
     }
     file_->writePage(place.page.number(), page);
-    file_->file().flush();
-    raiseCounter(file_->file());
+    if (own) {
+        own->commit();
+    }
 }
 
 }  // namespace vl::jet
