@@ -1,58 +1,21 @@
 // remindb as its users run it.
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <iostream>
-#include <nlohmann/json.hpp>
-#include <sstream>
 
+#include "Remindb.h"
 #include "support/Support.h"
 
 namespace vl {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
+using test::Json;
+using test::linesOf;
+using test::remindb;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct Outcome {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-std::string quoted(const std::string& argument) {
-    std::string out = "'";
-    for (const char c : argument) {
-        out += c == '\'' ? "'\\''" : std::string(1, c);
-    }
-    return out + "'";
-}
-
-Outcome remindb(const std::vector<std::string>& arguments) {
-    const test::TempFolder folder;
-    std::string command = quoted(VL_REMINDB);
-    for (const std::string& argument : arguments) {
-        command += ' ' + quoted(argument);
-    }
-    command += " >" + quoted((folder / "out").string()) + " 2>" + quoted((folder / "err").string());
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::readFile(folder / "out"),
-            test::readFile(folder / "err")};
-}
-
 std::string firstLight() { return test::repoFile("data/first-light.RemindDB").string(); }
-
-std::vector<Json> linesOf(const std::string& text) {
-    std::vector<Json> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(Json::parse(line));
-    }
-    return lines;
-}
 
 TEST(Remindb, TablesTellsWhatAnotherReaderFound) {
     const auto run = remindb({"tables", firstLight(), "--json"});
@@ -118,7 +81,7 @@ TEST(Remindb, SaysWhatFailed) {
         const char* message;
     };
     const Case cases[] = {
-        {{}, 2, "expected a command: tables or sql"},
+        {{}, 2, "expected a command: tables, sql, "},
         {{"--json"}, 2, "expected a command"},
         {{"compact", file}, 2, "unknown command compact"},
         {{"tables"}, 2, "tables expects a file"},
@@ -156,10 +119,7 @@ TEST(Remindb, ExplainsItself) {
 }
 
 TEST(Remindb, SaysWhenItCannotWrite) {
-    const std::string command =
-        quoted(VL_REMINDB) + " tables " + quoted(firstLight()) + " >/dev/full 2>/dev/null";
-    const int status = std::system(command.c_str());
-    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(remindb({"tables", firstLight()}, {}, "/dev/full").code, 1);
 }
 
 // Every table of the files that others made, against what another reader found in them. Without

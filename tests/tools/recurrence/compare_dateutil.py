@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compares the recurrence engine with python3-dateutil over made-up rules.
 
-Usage: compare_dateutil.py RECURRENCE_CLI [COUNT [SEED]]
+Usage: compare_dateutil.py REMINDB [COUNT [SEED]]
 
 Rules on which the two differ on purpose are not made; `decision` names each such kind and why.
 Fails when any of the others differs, and when too few were compared.
@@ -127,7 +127,7 @@ def by_dateutil(rule, start, end):
 
 
 def main():
-    cli = sys.argv[1]
+    remindb = sys.argv[1]
     count = int(sys.argv[2]) if len(sys.argv) > 2 else 3000
     seed = int(sys.argv[3]) if len(sys.argv) > 3 else random.randrange(2**32)
     print(f"seed {seed}")
@@ -152,7 +152,7 @@ def main():
                 "dtstart": start.isoformat(), "from": start.isoformat(), "to": end.isoformat(),
                 "max": 100000}
         cases.append((case, [t.isoformat() for t in instances]))
-    answer = subprocess.run([cli], input="\n".join(json.dumps(c) for c, _ in cases) + "\n",
+    answer = subprocess.run([remindb, "occurrences"], input="\n".join(json.dumps(c) for c, _ in cases) + "\n",
                             capture_output=True, text=True, check=True)
     answers = [json.loads(line) for line in answer.stdout.splitlines()]
     wrong = 0
