@@ -91,6 +91,11 @@ bool openDocument(std::string_view pathOrAddress) {
            attempt([&] { platform::openWithDesktop(std::string(pathOrAddress)); });
 }
 
+bool startProgram(const std::vector<std::string>& arguments) {
+    const ErrScope scope;
+    return !arguments.empty() && attempt([&] { platform::startProgram(arguments); });
+}
+
 bool isDevelopmentRun() {
 #ifdef NDEBUG
     return false;

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vl {
 
@@ -33,6 +34,10 @@ std::string dataFolder(bool allUsers);
 
 /// Opens a document or address with what the desktop has for it. False when nothing was started.
 bool openDocument(std::string_view pathOrAddress);
+
+/// Starts a program by its arguments, of which the first is the program itself: no shell, not
+/// waited for, no window of ours. False when it was not started.
+bool startProgram(const std::vector<std::string>& arguments);
 
 /// True only in a Debug build that was started with VL_DEBUG=1.
 bool isDevelopmentRun();

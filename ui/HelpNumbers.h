@@ -4,8 +4,10 @@
 namespace vl {
 
 inline constexpr int kHelpMainWindow = 5565;
+inline constexpr int kHelpSnooze = 5566;
+inline constexpr int kHelpDismiss = 5567;
 
 /// Every number that a window of the program uses.
-inline constexpr int kHelpNumbers[] = {kHelpMainWindow};
+inline constexpr int kHelpNumbers[] = {kHelpMainWindow, kHelpSnooze, kHelpDismiss};
 
 }  // namespace vl

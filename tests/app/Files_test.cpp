@@ -131,6 +131,15 @@ TEST_F(Opener, GetsTheDocumentAsOneArgumentWithoutAShell) {
     EXPECT_EQ(note(), "1|./-odd name");
 }
 
+TEST_F(Opener, AProgramGetsItsArgumentsAsTheyStand) {
+    const std::string program = folder / "any program";
+    install("any program", "printf '%s|%s|%s' \"$#\" \"$1\" \"$2\" > '" + pipe.string() + "'\n");
+    EXPECT_TRUE(startProgram({program, "VL://C:\\My Data\\a\"b.vlb/EvGUID/{1}", "$(date) *"}));
+    EXPECT_EQ(note(), "2|VL://C:\\My Data\\a\"b.vlb/EvGUID/{1}|$(date) *");
+    EXPECT_FALSE(startProgram({(folder / "no program").string()}));
+    EXPECT_FALSE(startProgram({}));
+}
+
 TEST_F(Opener, SaysWhenNothingWasStarted) {
     const Variable nowhere("PATH", (folder / "nothing").c_str());
     ErrorState::set(ErrNo::Locked);

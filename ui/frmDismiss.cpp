@@ -1,0 +1,157 @@
+#include "ui/frmDismiss.h"
+
+#include <chrono>
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "app/Settings.h"
+#include "base/ErrorState.h"
+#include "ui/HelpNumbers.h"
+#include "ui/QtText.h"
+
+namespace vl {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kUpdate = 1s;
+
+template <class Control>
+Control* named(Control* control, const char* name) {
+    control->setObjectName(name);
+    return control;
+}
+
+}  // namespace
+
+frmDismiss::frmDismiss(DialogParts parts, QWidget* parent)
+    : QDialog(parent), parts_(std::move(parts)) {
+    build();
+    wire();
+}
+
+frmDismiss::~frmDismiss() {
+    if (!loaded_) {
+        return;
+    }
+    const ErrScope scope;
+    attempt([&] { parts_.settings.SaveIni("Reminders", "Snooze", sSnooze); });
+}
+
+void frmDismiss::build() {
+    setObjectName("frmDismiss");
+    setWindowTitle(tr("Dismiss Reminder..."));
+    lblEvent = named(new QLabel(tr("Event and Next Reminder"), this), "lblEvent");
+    lblEvent->setTextFormat(Qt::PlainText);
+    lblEvent->setWordWrap(true);
+    auto* group = named(new QGroupBox(tr("Dismiss:"), this), "frmDismissWhat");
+    radThisOnly = named(new QRadioButton(tr("&This reminder"), group), "radThisOnly");
+    radAfter =
+        named(new QRadioButton(tr("All reminders &except those after the event (if any)"), group),
+              "radAfter");
+    radAll = named(new QRadioButton(tr("&All reminders"), group), "radAll");
+    radDeleteItem = named(new QRadioButton(tr("Dismiss all reminders and DELETE item"), group),
+                          "radDeleteItem");
+    auto* choices = new QVBoxLayout(group);
+    for (QRadioButton* choice : {radThisOnly, radAfter, radAll, radDeleteItem}) {
+        choices->addWidget(choice);
+    }
+    chkDone = named(new QCheckBox(tr("Mark item as &Done"), this), "chkDone");
+    butOK = named(new QPushButton(tr("&OK"), this), "butOK");
+    butCancel = named(new QPushButton(tr("&Cancel"), this), "butCancel");
+    QFrame* frmButtons = makeButtonGroup(*this, *butOK, *butCancel);
+    QLabel* lblF1 = makeHelpLink(*this, [this] { DoKeyDown(kKeyF1); });
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(lblF1);
+    bottom->addStretch(1);
+    bottom->addWidget(frmButtons);
+    auto* all = new QVBoxLayout(this);
+    all->setSpacing(10);
+    all->addWidget(lblEvent);
+    all->addWidget(group);
+    all->addWidget(chkDone);
+    all->addStretch(1);
+    all->addLayout(bottom);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 62);
+    setTabOrders({radThisOnly, radAfter, radAll, radDeleteItem, chkDone, butOK, butCancel, lblF1});
+}
+
+void frmDismiss::wire() {
+    TimerUpdate.setObjectName("TimerUpdate");
+    TimerUpdate.setInterval(kUpdate);
+    connect(&TimerUpdate, &QTimer::timeout, this, &frmDismiss::UpdateUI);
+    // Also when another choice takes its place: a second is long to look at a grey box.
+    connect(radDeleteItem, &QRadioButton::toggled, this, &frmDismiss::UpdateUI);
+    connect(radDeleteItem, &QRadioButton::clicked, this, &frmDismiss::UpdateUI);
+    connect(butOK, &QPushButton::clicked, this, &frmDismiss::butOK_Click);
+    connect(butCancel, &QPushButton::clicked, this, &frmDismiss::butCancel_Click);
+    previewKeys(*this, {kKeyF1, kKeyEnter}, [this](int code) { DoKeyDown(code); });
+}
+
+void frmDismiss::ShowModal() {
+    const ErrScope scope;
+    attempt([&] {
+        load();
+        exec();
+    });
+    TimerUpdate.stop();
+}
+
+void frmDismiss::load() {
+    loading = loaded_ = true;
+    if (!sTitle.empty()) {
+        setWindowTitle(qtText(sTitle));
+    }
+    lblEvent->setText(qtText(sNext + " Event: " + sEvent));
+    radThisOnly->setChecked(true);
+    radThisOnly->setFocus();
+    adjustWindow(*this, parts_.bOnTop);
+    TimerUpdate.start();
+    UpdateUI();
+    loading = false;
+}
+
+void frmDismiss::UpdateUI() { chkDone->setEnabled(!radDeleteItem->isChecked()); }
+
+frmDismiss::Choice frmDismiss::choice() const {
+    if (radDeleteItem->isChecked()) {
+        return Choice::DeleteItem;
+    }
+    if (radAll->isChecked()) {
+        return Choice::All;
+    }
+    return radAfter->isChecked() ? Choice::After : Choice::ThisOnly;
+}
+
+bool frmDismiss::markDone() const { return chkDone->isChecked() && !radDeleteItem->isChecked(); }
+
+void frmDismiss::butOK_Click() {
+    bCancel = false;
+    HideMe();
+}
+
+void frmDismiss::butCancel_Click() {
+    bCancel = true;
+    HideMe();
+}
+
+void frmDismiss::reject() { butCancel_Click(); }
+
+void frmDismiss::HideMe() { done(bCancel ? Rejected : Accepted); }
+
+void frmDismiss::DoKeyDown(int KeyCode) {
+    if (KeyCode == kKeyF1 && parts_.showHelp) {
+        parts_.showHelp(kHelpDismiss);
+    } else if (KeyCode == kKeyEnter) {
+        butOK_Click();
+    }
+}
+
+}  // namespace vl

@@ -1,0 +1,212 @@
+#include "ui/frmSnooze.h"
+
+#include <chrono>
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "app/Settings.h"
+#include "app/TimeText.h"
+#include "base/Clock.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "notify/SnoozeText.h"
+#include "ui/HelpNumbers.h"
+#include "ui/QtText.h"
+#include "ui/Tones.h"
+#include "ui/Wording.h"
+
+namespace vl {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kReminders = "Reminders";
+constexpr auto kSnooze = "Snooze";
+constexpr auto kFirstSnooze = "15m";
+constexpr auto kUpdate = 1s;
+
+std::string trimmedText(const QComboBox& list) {
+    return std::string(text::trimBlanks(plainText(list.currentText())));
+}
+
+}  // namespace
+
+frmSnooze::frmSnooze(DialogParts parts, QWidget* parent)
+    : QDialog(parent), parts_(std::move(parts)) {
+    build();
+    wire();
+}
+
+frmSnooze::~frmSnooze() {
+    if (!loaded_) {
+        return;
+    }
+    const ErrScope scope;
+    attempt([&] { parts_.settings.SaveIni(kReminders, kSnooze, sSnooze); });
+}
+
+void frmSnooze::build() {
+    setObjectName("frmSnooze");
+    setWindowTitle(tr("Snooze Reminder..."));
+    auto* lblSnooze = new QLabel(tr("&Remind again in"), this);
+    lblSnooze->setObjectName("lblSnooze");
+    cboSnooze = new QComboBox(this);
+    cboSnooze->setObjectName("cboSnooze");
+    cboSnooze->setAccessibleName(tr("Remind again in"));
+    cboSnooze->setEditable(true);
+    cboSnooze->setInsertPolicy(QComboBox::NoInsert);
+    cboSnooze->setMaxVisibleItems(16);
+    // What is typed counts as it stands: "1" must not become "15m".
+    cboSnooze->setCompleter(nullptr);
+    const QString hint = tr("Format: 5m, 3h, 1d, 1w / for an email: add (e) i.e. 3d (e)");
+    cboSnooze->setToolTip(hint);
+    cboSnooze->setAccessibleDescription(hint);
+    cboSnooze->lineEdit()->setPlaceholderText(tr("5m, 3h, 1d, 1w"));
+    lblSnooze->setBuddy(cboSnooze);
+    lblUntil = new QLabel(this);
+    lblUntil->setObjectName("lblUntil");
+    lblUntil->setWordWrap(true);
+    lblTime = new QLabel(tr("Current Time"), this);
+    lblTime->setObjectName("lblTime");
+    butSnooze = new QPushButton(tr("&Snooze"), this);
+    butSnooze->setObjectName("butSnooze");
+    butCancel = new QPushButton(tr("&Cancel"), this);
+    butCancel->setObjectName("butCancel");
+    QFrame* frmButtons = makeButtonGroup(*this, *butSnooze, *butCancel);
+    QLabel* lblF1 = makeHelpLink(*this, [this] { DoKeyDown(kKeyF1); });
+
+    auto* all = new QGridLayout(this);
+    all->setHorizontalSpacing(12);
+    all->setVerticalSpacing(8);
+    all->addWidget(lblSnooze, 0, 0);
+    all->addWidget(cboSnooze, 0, 1);
+    all->addWidget(lblUntil, 1, 1);
+    all->addWidget(lblTime, 2, 0);
+    all->addWidget(lblF1, 2, 1, Qt::AlignLeft);
+    all->setRowMinimumHeight(3, 8);
+    all->addWidget(frmButtons, 4, 0, 1, 2);
+    all->setColumnStretch(1, 1);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 62);
+    setTabOrders({cboSnooze, butSnooze, butCancel, lblF1});
+}
+
+void frmSnooze::wire() {
+    TimerUpdate.setObjectName("TimerUpdate");
+    TimerUpdate.setInterval(kUpdate);
+    connect(&TimerUpdate, &QTimer::timeout, this, &frmSnooze::TimerUpdate_Tick);
+    connect(butSnooze, &QPushButton::clicked, this, &frmSnooze::doSnooze);
+    connect(butCancel, &QPushButton::clicked, this, &frmSnooze::butCancel_Click);
+    connect(cboSnooze, &QComboBox::editTextChanged, this, &frmSnooze::showUntil);
+    previewKeys(*this, {kKeyF1, kKeyF2, kKeyEnter}, [this](int code) { DoKeyDown(code); });
+    // The open list is a window of its own and gets the keys.
+    cboSnooze->view()->installEventFilter(this);
+}
+
+void frmSnooze::ShowModal() {
+    const ErrScope scope;
+    attempt([&] {
+        load();
+        exec();
+    });
+    TimerUpdate.stop();
+}
+
+void frmSnooze::load() {
+    loading = loaded_ = true;
+    FillCBO();
+    sSnooze = parts_.settings.GetIni(kReminders, kSnooze, kFirstSnooze);
+    cboSnooze->setCurrentText(u' ' + qtText(sSnooze));
+    setWindowTitle(qtText(sTitle));
+    lblTime->setText(qtText(shortTimeText(parts_.clock.now())));
+    adjustWindow(*this, parts_.bOnTop);
+    showUntil();
+    cboSnooze->setFocus();
+    cboSnooze->lineEdit()->selectAll();
+    TimerUpdate.start();
+    loading = false;
+}
+
+void frmSnooze::FillCBO() {
+    for (const char* choice : snoozeChoices()) {
+        cboSnooze->addItem(u' ' + QString(choice));
+    }
+}
+
+void frmSnooze::TimerUpdate_Tick() {
+    const ErrScope scope;
+    attempt([&] { lblTime->setText("Time: " + qtText(shortTimeText(parts_.clock.now()))); });
+    showUntil();
+}
+
+// Says what the text means before it is too late; what is silently no time is told here.
+void frmSnooze::showUntil() {
+    const ErrScope scope;
+    attempt([&] {
+        const DateTime now = parts_.clock.now();
+        const auto until = snoozeTime(trimmedText(*cboSnooze), now);
+        const auto inWords = [](DateTime d) { return shortTimeText(d); };
+        lblUntil->setText(until ? qtText(momentText(*until, true, now, inWords))
+                                : tr("This is no time ahead; nothing would change"));
+        QPalette tone;
+        const Tones tones(palette());
+        tone.setColor(QPalette::WindowText, until ? tones.dimmed : tones.warm);
+        lblUntil->setPalette(tone);
+    });
+}
+
+void frmSnooze::doSnooze() {
+    bCancel = false;
+    sSnooze = trimmedText(*cboSnooze);
+    HideMe();
+}
+
+void frmSnooze::butCancel_Click() {
+    bCancel = true;
+    HideMe();
+}
+
+void frmSnooze::reject() { butCancel_Click(); }
+
+void frmSnooze::HideMe() { done(bCancel ? Rejected : Accepted); }
+
+void frmSnooze::DoKeyDown(int KeyCode) {
+    switch (KeyCode) {
+        case kKeyF1:
+            if (parts_.showHelp) {
+                parts_.showHelp(kHelpSnooze);
+            }
+            break;
+        case kKeyF2:
+            if (cboSnooze->view()->isVisible()) {
+                cboSnooze->hidePopup();
+            } else {
+                cboSnooze->showPopup();
+            }
+            break;
+        case kKeyEnter:
+            doSnooze();
+            break;
+        default:
+            break;
+    }
+}
+
+bool frmSnooze::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_F1 || key == Qt::Key_F2) {
+            DoKeyDown(key == Qt::Key_F1 ? kKeyF1 : kKeyF2);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+}  // namespace vl
