@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Lexer.h"
+#include "Value.h"
 #include "base/Variant.h"
 
 namespace vl::sql {
@@ -54,6 +55,7 @@ struct Expr {
     ColumnRef column;
     std::size_t ordinal = 0;  ///< set by `bind`
     bool decimal = false;     ///< set by `bind`: the column's values are decimal texts
+    TextOrder textOrder = TextOrder::General;  ///< set by `bind`: of the columns in it
     std::vector<std::unique_ptr<Expr>> operands;
 };
 using ExprPtr = std::unique_ptr<Expr>;

@@ -41,8 +41,8 @@ bool holds(Op op, int comparison) noexcept {
 }
 
 Variant compared(const Expr& expr, const RowSource& row) {
-    const auto result =
-        compare(evaluate(*expr.operands[0], row), evaluate(*expr.operands[1], row), expr.at);
+    const auto result = compare(evaluate(*expr.operands[0], row), evaluate(*expr.operands[1], row),
+                                expr.at, expr.textOrder);
     return result ? Variant(holds(expr.op, *result)) : Variant(Null{});
 }
 
@@ -59,7 +59,8 @@ Variant in(const Expr& expr, const RowSource& row) {
     const Variant value = evaluate(*expr.operands[0], row);
     bool unknown = false;
     for (std::size_t i = 1; i < expr.operands.size(); ++i) {
-        const auto result = compare(value, evaluate(*expr.operands[i], row), expr.at);
+        const auto result =
+            compare(value, evaluate(*expr.operands[i], row), expr.at, expr.textOrder);
         if (result == 0) {
             return true;
         }
@@ -71,8 +72,8 @@ Variant in(const Expr& expr, const RowSource& row) {
 // value >= low AND value <= high, so a null bound may still leave it false.
 Variant between(const Expr& expr, const RowSource& row) {
     const Variant value = evaluate(*expr.operands[0], row);
-    const auto low = compare(value, evaluate(*expr.operands[1], row), expr.at);
-    const auto high = compare(value, evaluate(*expr.operands[2], row), expr.at);
+    const auto low = compare(value, evaluate(*expr.operands[1], row), expr.at, expr.textOrder);
+    const auto high = compare(value, evaluate(*expr.operands[2], row), expr.at, expr.textOrder);
     if ((low && *low < 0) || (high && *high > 0)) {
         return false;
     }
@@ -116,11 +117,15 @@ void bind(Expr* expr, const TableShape& shape) {
     }
     if (expr->op == Op::Column) {
         expr->ordinal = findColumn(expr->column, shape);
-        const jet::ColumnType type = shape.columns[expr->ordinal].type;
-        expr->decimal = type == jet::ColumnType::Money || type == jet::ColumnType::Numeric;
+        const jet::Column& column = shape.columns[expr->ordinal];
+        expr->decimal = isDecimal(column);
+        expr->textOrder = textOrderOf(column);
     }
     for (const ExprPtr& operand : expr->operands) {
         bind(operand.get(), shape);
+        if (operand->textOrder != TextOrder::General) {
+            expr->textOrder = operand->textOrder;
+        }
     }
 }
 

@@ -3,15 +3,16 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "db/jet/index/Collation.h"
 
 namespace vl::sql {
 
 namespace {
 
-std::u32string folded(std::string_view s) {
+std::u32string charactersOf(std::string_view s) {
     std::u32string out;
     for (std::size_t at = 0; at < s.size();) {
-        out.push_back(text::foldCase(text::nextCharacter(s, at)));
+        out.push_back(text::nextCharacter(s, at));
     }
     return out;
 }
@@ -19,7 +20,7 @@ std::u32string folded(std::string_view s) {
 }  // namespace
 
 LikePattern::LikePattern(std::string_view pattern, Position at) {
-    const std::u32string p = folded(pattern);
+    const std::u32string p = charactersOf(pattern);
     for (std::size_t i = 0; i < p.size(); ++i) {
         switch (p[i]) {
             case U'*':
@@ -31,13 +32,17 @@ LikePattern::LikePattern(std::string_view pattern, Position at) {
                 elements_.push_back({Kind::AnyOne});
                 break;
             case U'#':
-                elements_.push_back({Kind::Digit});
+                elements_.push_back({Kind::List});
+                for (char32_t digit = U'0'; digit <= U'9'; ++digit) {
+                    const Weight weight = jet::characterWeight(digit);
+                    elements_.back().ranges.push_back({weight, weight});
+                }
                 break;
             case U'[':
                 i = addList(p, i, at);
                 break;
             default:
-                elements_.push_back({Kind::Character, p[i]});
+                elements_.push_back({Kind::Character, jet::characterWeight(p[i])});
         }
     }
 }
@@ -59,9 +64,9 @@ std::size_t LikePattern::addList(const std::u32string& pattern, std::size_t from
         list.remove_prefix(1);
     }
     for (std::size_t i = 0; i < list.size(); ++i) {
-        Range range{list[i], list[i]};
+        Range range{jet::characterWeight(list[i]), jet::characterWeight(list[i])};
         if (i + 2 < list.size() && list[i + 1] == U'-') {
-            range.to = list[i + 2];
+            range.to = jet::characterWeight(list[i + 2]);
             i += 2;
         }
         if (range.to < range.from) {
@@ -73,14 +78,12 @@ std::size_t LikePattern::addList(const std::u32string& pattern, std::size_t from
     return close;
 }
 
-bool LikePattern::matchesOne(const Element& element, char32_t c) noexcept {
+bool LikePattern::matchesOne(const Element& element, Weight c) noexcept {
     switch (element.kind) {
         case Kind::Character:
             return element.character == c;
         case Kind::AnyOne:
             return true;
-        case Kind::Digit:
-            return c >= U'0' && c <= U'9';
         case Kind::List: {
             const bool listed =
                 std::any_of(element.ranges.begin(), element.ranges.end(),
@@ -94,7 +97,11 @@ bool LikePattern::matchesOne(const Element& element, char32_t c) noexcept {
 }
 
 bool LikePattern::matches(std::string_view text) const {
-    const std::u32string t = folded(text);
+    std::vector<Weight> t;
+    t.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        t.push_back(jet::characterWeight(text::nextCharacter(text, i)));
+    }
     std::size_t at = 0;
     std::size_t element = 0;
     // Only the last star passed ever needs to take more: an earlier one that did so could only

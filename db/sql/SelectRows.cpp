@@ -16,12 +16,9 @@ using Row = std::vector<Variant>;
 struct OrderColumn {
     std::size_t column;
     bool decimal;
+    TextOrder textOrder;
     bool descending;
 };
-
-bool isDecimal(const jet::Column& column) noexcept {
-    return column.type == jet::ColumnType::Money || column.type == jet::ColumnType::Numeric;
-}
 
 Variant keyOf(const RowSource& rows, std::size_t column, bool decimal) {
     return decimal ? fromDecimal(rows.value(column)) : rows.value(column);
@@ -78,14 +75,15 @@ std::vector<OrderColumn> orderOf(const Select& statement, const TableShape& shap
         if (statement.distinct) {
             requireListed(item, column, output);
         }
-        order.push_back({column, isDecimal(shape.columns[column]), item.descending});
+        const jet::Column& by = shape.columns[column];
+        order.push_back({column, isDecimal(by), textOrderOf(by), item.descending});
     }
     return order;
 }
 
 bool sortsBefore(const Row& a, const Row& b, const std::vector<OrderColumn>& columns) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        const int c = order(a[i], b[i]);
+        const int c = order(a[i], b[i], columns[i].textOrder);
         if (c != 0) {
             return (c < 0) != columns[i].descending;
         }
@@ -94,9 +92,11 @@ bool sortsBefore(const Row& a, const Row& b, const std::vector<OrderColumn>& col
 }
 
 struct DistinctLess {
+    std::vector<TextOrder> orders;  // of the columns
+
     bool operator()(const Row& a, const Row& b) const {
         for (std::size_t i = 0; i < a.size(); ++i) {
-            const int c = order(a[i], b[i]);
+            const int c = order(a[i], b[i], orders[i]);
             if (c != 0) {
                 return c < 0;
             }
@@ -139,7 +139,11 @@ Result selectColumns(Select& statement, const TableShape& shape, RowSource& rows
     Result result;
     result.isQuery = true;
     std::vector<Row> keys;
-    std::set<Row, DistinctLess> seen;
+    DistinctLess distinctLess;
+    for (const std::size_t column : output.columns) {
+        distinctLess.orders.push_back(textOrderOf(shape.columns[column]));
+    }
+    std::set<Row, DistinctLess> seen(std::move(distinctLess));
     while (!full(result) && rows.next()) {
         if (!keeps(statement.where.get(), rows)) {
             continue;
@@ -180,6 +184,7 @@ public:
         if (kind_ != ItemKind::CountAll) {
             column_ = findColumn(item.column, shape);
             decimal_ = isDecimal(shape.columns[column_]);
+            textOrder_ = textOrderOf(shape.columns[column_]);
             type_ = shape.columns[column_].type;
         }
     }
@@ -201,7 +206,7 @@ public:
         if (kind_ == ItemKind::Count) {
             return;
         }
-        const int c = order(key, bestKey_);
+        const int c = order(key, bestKey_, textOrder_);
         if (bestKey_.isNull() || (kind_ == ItemKind::Min ? c < 0 : c > 0)) {
             best_ = rows.value(column_);
             bestKey_ = key;
@@ -217,6 +222,7 @@ private:
     ItemKind kind_;
     std::size_t column_ = 0;
     bool decimal_ = false;
+    TextOrder textOrder_ = TextOrder::General;
     jet::ColumnType type_ = jet::ColumnType::Long;
     std::int32_t count_ = 0;
     Variant best_ = Null{};

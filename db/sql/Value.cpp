@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "base/Text.h"
+#include "db/jet/index/TextKey.h"
 
 namespace vl::sql {
 
@@ -160,21 +161,35 @@ std::optional<Variant> calculateWhole(Arithmetic op, std::int64_t a, std::int64_
 
 }  // namespace
 
-int compareText(std::string_view a, std::string_view b) noexcept {
+TextOrder textOrderOf(const jet::Column& column) noexcept {
+    const bool isText =
+        column.type == jet::ColumnType::Text || column.type == jet::ColumnType::Memo;
+    return isText && column.sortOrder != jet::kGeneralOrder ? TextOrder::Folded
+                                                            : TextOrder::General;
+}
+
+bool isDecimal(const jet::Column& column) noexcept {
+    return column.type == jet::ColumnType::Money || column.type == jet::ColumnType::Numeric;
+}
+
+int compareText(std::string_view a, std::string_view b, TextOrder textOrder) {
+    if (textOrder == TextOrder::General) {
+        return jet::compareText(a, b);
+    }
     const auto withoutBlanks = [](std::string_view s) {
         return s.substr(0, s.find_last_not_of(' ') + 1);
     };
     return text::compareNoCase(withoutBlanks(a), withoutBlanks(b));
 }
 
-std::optional<int> compare(const Variant& a, const Variant& b, Position at) {
+std::optional<int> compare(const Variant& a, const Variant& b, Position at, TextOrder textOrder) {
     if (a.isNull() || b.isNull()) {
         return std::nullopt;
     }
     const auto* textA = a.get<std::string>();
     const auto* textB = b.get<std::string>();
     if (textA != nullptr && textB != nullptr) {
-        return compareText(*textA, *textB);
+        return compareText(*textA, *textB, textOrder);
     }
     if (a.is<Bytes>() && b.is<Bytes>()) {
         return compareBytes(*a.get<Bytes>(), *b.get<Bytes>());
@@ -194,11 +209,11 @@ std::optional<int> compare(const Variant& a, const Variant& b, Position at) {
     return compareDoubles(numberOf(a, at, "number"), numberOf(b, at, "number"));
 }
 
-int order(const Variant& a, const Variant& b) {
+int order(const Variant& a, const Variant& b, TextOrder textOrder) {
     if (a.isNull() || b.isNull()) {
         return sign(a.isNull() ? 0 : 1, b.isNull() ? 0 : 1);
     }
-    return compare(a, b, {}).value_or(0);
+    return compare(a, b, {}, textOrder).value_or(0);
 }
 
 std::optional<bool> truth(const Variant& value, Position at) {

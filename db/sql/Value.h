@@ -1,6 +1,7 @@
 // What operators do with values. Null is "unknown" and carries through everything but `&`.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,20 +12,31 @@
 
 namespace vl::sql {
 
-/// How two texts of a database compare: folded character by character, blanks at the end do not
-/// count. Files sort by the "General" collation instead, which also passes over hyphens and sorts
-/// accented letters beside their plain ones; this is the one place to change for that.
-int compareText(std::string_view a, std::string_view b) noexcept;
+/// How two texts compare. `General` is the order of all files of this generation: without regard to
+/// case, width and blanks at the end; hyphens and apostrophes count last, accents before them.
+/// `Folded`, for columns that name another language's order, goes by folded characters, blanks at
+/// the end left out.
+enum class TextOrder : std::uint8_t { General, Folded };
+
+/// Of a column's texts; `General` for columns of other types.
+TextOrder textOrderOf(const jet::Column& column) noexcept;
+
+/// Whether the column's values are decimal texts.
+bool isDecimal(const jet::Column& column) noexcept;
+
+/// Negative, 0 or positive.
+int compareText(std::string_view a, std::string_view b, TextOrder textOrder);
 
 /// Negative, 0 or positive; nothing when either is null. Numbers and yes/no values (-1, 0) compare
 /// with each other, dates by whole milliseconds and with numbers as days. A text compares with a
 /// number or a date when it reads as one.
 /// Throws `Error` (`ErrNo::TypeMismatch`, naming `at`) when the two do not compare.
-std::optional<int> compare(const Variant& a, const Variant& b, Position at);
+std::optional<int> compare(const Variant& a, const Variant& b, Position at,
+                           TextOrder textOrder = TextOrder::General);
 
 /// A total order of one column's values, for sorting and for telling them apart: null first, and
 /// what is no number before all numbers. `a` and `b` are of one type, or null.
-int order(const Variant& a, const Variant& b);
+int order(const Variant& a, const Variant& b, TextOrder textOrder = TextOrder::General);
 
 /// Nothing for null; numbers other than 0 are true. Throws `Error` (`ErrNo::TypeMismatch`).
 std::optional<bool> truth(const Variant& value, Position at);

@@ -124,4 +124,21 @@ CollationCode collationCode(char16_t unit) noexcept {
     return kTable[unit];
 }
 
+std::uint64_t characterWeight(char32_t c) noexcept {
+    constexpr std::uint64_t kOthers = std::uint64_t{1} << 63;
+    if (c > 0xFFFF) {
+        return kOthers | c;
+    }
+    const CollationCode code = collationCode(static_cast<char16_t>(c));
+    if (code.inlineLength == 0) {
+        return kOthers | c;
+    }
+    // The same order as in a key: letter, accent, script.
+    const std::uint32_t letter = code.inlineCode << (8 * (4U - code.inlineLength));
+    std::uint64_t weight = letter;
+    weight = weight << 8 | (code.extraLength > 0 ? code.extra[0] : 0U);
+    weight = weight << 8 | (code.extraLength > 1 ? code.extra[1] : 0U);
+    return weight << 8 | code.script;
+}
+
 }  // namespace vl::jet

@@ -28,4 +28,9 @@ struct CollationCode {
 /// Never throws. Surrogates too: each of the two halves has a code.
 CollationCode collationCode(char16_t unit) noexcept;
 
+/// A number for a character by itself: equal numbers for characters that texts do not tell apart,
+/// and the numbers of letters ascend as texts of one letter do. Characters that add no letter of
+/// their own (hyphens, marks) have numbers of their own, above all others.
+std::uint64_t characterWeight(char32_t c) noexcept;
+
 }  // namespace vl::jet

@@ -1,6 +1,7 @@
 #include "TextKey.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <optional>
 #include <string>
@@ -139,28 +140,49 @@ std::string_view withoutBlanksAtEnd(std::string_view s) {
     return s;
 }
 
-// The order as far as letters of plain ASCII decide it; nothing when more is to be looked at.
-std::optional<int> compareAscii(std::string_view a, std::string_view b) {
-    for (std::size_t i = 0;; ++i) {
-        if (i == a.size() && i == b.size()) {
-            return 0;
-        }
-        const auto codeAt = [i](std::string_view s) {
-            const unsigned char c = i < s.size() ? static_cast<unsigned char>(s[i]) : 0xFF;
-            return c < 0x80 ? collationCode(c) : CollationCode{};
-        };
-        const CollationCode left = codeAt(a);
-        const CollationCode right = codeAt(b);
-        // A text that ends here is less: its key has a 1 where the other's next letter stands.
-        if ((left.kind != Class::Plain && i < a.size()) ||
-            (right.kind != Class::Plain && i < b.size()) || left.inlineLength > 1 ||
-            right.inlineLength > 1) {
-            return std::nullopt;
-        }
-        if (left.inlineCode != right.inlineCode) {
-            return left.inlineCode < right.inlineCode ? -1 : 1;
+constexpr unsigned kTopByte = 8 * (sizeof(CollationCode::inlineCode) - 1);
+// Where a text ends its key has a 1, which no inline code begins with.
+constexpr std::uint32_t kEnds = 1U << kTopByte;
+
+// What a key has for each character of ASCII, first byte highest; 0 where that is not all.
+std::array<std::uint32_t, 128> asciiLetters() noexcept {
+    std::array<std::uint32_t, 128> letters{};
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        const CollationCode code = collationCode(static_cast<char16_t>(i));
+        if (code.kind == Class::Plain) {
+            letters[i] = code.inlineCode << (kTopByte + 8 - 8U * code.inlineLength);
         }
     }
+    return letters;
+}
+
+// The order, where the first place that differs is plain ASCII in both; else nothing. What the
+// texts begin with in common makes keys that begin alike, whatever it is, and no inline code begins
+// another one.
+std::optional<int> compareAscii(std::string_view a, std::string_view b) {
+    static const std::array<std::uint32_t, 128> kLetters = asciiLetters();
+    const auto letterAt = [](std::string_view s, std::size_t at) {
+        if (at == s.size()) {
+            return kEnds;
+        }
+        const auto c = static_cast<unsigned char>(s[at]);
+        return c < kLetters.size() ? kLetters[c] : 0U;
+    };
+    const std::size_t shorter = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i <= shorter; ++i) {
+        if (i < shorter && a[i] == b[i]) {
+            continue;
+        }
+        const std::uint32_t left = letterAt(a, i);
+        const std::uint32_t right = letterAt(b, i);
+        if (left == 0 || right == 0) {
+            return std::nullopt;
+        }
+        if (left != right) {
+            return left < right ? -1 : 1;
+        }
+    }
+    return 0;
 }
 
 }  // namespace

@@ -105,6 +105,35 @@ TEST(SqlComparison, TextsCompareWithoutCaseAndBlanksAtTheEnd) {
                   {"id = \"{00000000-0000-0000-0000-00000000000a}\"", true}});
 }
 
+TEST(SqlComparison, TextsSortAsTheDatabaseDoes) {
+    expectValues({{"'co-op' > 'coop'", true},  // hyphens count last
+                  {"'co-op' < 'coor'", true},
+                  {"'co-op' <> 'coop'", true},
+                  {"'\xC3\xA9' > 'e'", true},  // accents before them
+                  {"'\xC3\xA9z' < 'f'", true},
+                  {"'Stra\xC3\x9F' & 'e' = 'strasse'", true},
+                  {"'\xEF\xBC\xA1' = 'a'", true},  // width does not count
+                  {"'_' < '1'", true},
+                  {"'~' BETWEEN ' ' AND '0'", true},
+                  {"'\xC3\xA4' IN ('a', '\xC3\x84')", true}});
+}
+
+TEST(SqlComparison, ColumnsOfAnotherLanguageGoByFoldedCharacters) {
+    jet::Column german = column("g", ColumnType::Text, 100);
+    german.sortOrder = 0x0407;
+    const MemoryTable table{{"T", {german}}, {{"co-op"}, {"coop"}, {"co_op"}, {"CO-OP "}}};
+    const auto matching = [&](const char* rest) {
+        return table.select(std::string("SELECT g FROM T ") + rest).rows.size();
+    };
+    EXPECT_EQ(matching("WHERE g < 'coop'"), 3U);  // all but coop, as the codes of - and _ are
+    EXPECT_EQ(matching("WHERE g = 'co-op'"), 2U);
+    EXPECT_EQ(matching("WHERE 'co-op' IN (g, 'x')"), 2U);
+    EXPECT_EQ(matching("WHERE g BETWEEN 'co-' AND 'coop'"), 4U);
+    EXPECT_EQ(table.select("SELECT DISTINCT g FROM T").rows.size(), 3U);
+    EXPECT_EQ(table.select("SELECT g FROM T ORDER BY g").rows.back()[0], Variant("coop"));
+    EXPECT_EQ(table.select("SELECT MAX(g) FROM T").rows[0][0], Variant("coop"));
+}
+
 TEST(SqlComparison, DatesCompareByWholeMilliseconds) {
     expectValues({{"d = #2026-11-15 14:30:00#", true},
                   {"d > #2026-11-15#", true},

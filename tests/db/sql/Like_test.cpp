@@ -67,6 +67,18 @@ TEST(SqlLike, Matches) {
         {"mississippi", "*iss*iss*iss*", false},
         {"aab", "*ab", true},
         {"abcabd", "*ab[d]", true},
+        {"\xEF\xBC\xA1", "a", true},     // a wide letter
+        {"caf\xC3\xA9", "cafe", false},  // accents count
+        {"\xC3\xA9", "[a-f]", true},     // and lie between letters
+        {"\xC3\xA9", "[a-e]", false},    // but behind their own
+        {"Stra\xC3\x9F"
+         "e",
+         "strasse", false},  // one character is never two
+        {"co-op", "co-op", true},
+        {"co-op", "coop", false},
+        {"co-op", "co?op", true},
+        {"\xEF\xBC\x91", "#", true},  // a wide digit
+        {"\xC2\xB2", "#", true},      // a raised one: no comparison tells it from 2
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.text << " LIKE " << c.pattern);

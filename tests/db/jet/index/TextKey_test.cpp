@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Collation.h"
 #include "Hex.h"
 #include "TextKey.h"
 #include "base/Text.h"
@@ -93,9 +94,10 @@ TEST(CompareText, GoesByWholeKeysAlsoWhereLettersDecideAtOnce) {
         }
         return s;
     };
-    for (int i = 0; i < 20000; ++i) {
-        const std::string a = any();
-        const std::string b = any();
+    for (int i = 0; i < 40000; ++i) {
+        const std::string common = any();
+        const std::string a = common + any();
+        const std::string b = common + any();
         SCOPED_TRACE(testing::Message() << '"' << a << "\" and \"" << b << '"');
         jet::KeyBytes left;
         jet::KeyBytes right;
@@ -103,6 +105,26 @@ TEST(CompareText, GoesByWholeKeysAlsoWhereLettersDecideAtOnce) {
         jet::appendTextKey(right, b);
         ASSERT_EQ(compareText(a, b), left < right ? -1 : left > right ? 1 : 0);
     }
+}
+
+TEST(CharacterWeight, AgreesWithTextsOfOneCharacter) {
+    static constexpr char32_t kLetters[] = {U'+', U'!', U'0',  U'9',      U'a',      U'A',  U'z',
+                                            U'_', U'~', U'é',  U'É',      U'ø',      U'ß',  U'²',
+                                            U'Ж', U'ж', U'Ａ', U'\u3042', U'\u30A2', U'漢', U'σ'};
+    for (const char32_t a : kLetters) {
+        for (const char32_t b : kLetters) {
+            std::string left;
+            std::string right;
+            text::appendCharacter(left, a);
+            text::appendCharacter(right, b);
+            SCOPED_TRACE(left + " and " + right);
+            const auto x = jet::characterWeight(a);
+            const auto y = jet::characterWeight(b);
+            EXPECT_EQ(x < y ? -1 : x > y ? 1 : 0, compareText(left, right));
+        }
+    }
+    EXPECT_NE(jet::characterWeight(U'-'), jet::characterWeight(U'\''));
+    EXPECT_NE(jet::characterWeight(U'\U0001F600'), jet::characterWeight(U'\U0001F601'));
 }
 
 }  // namespace
