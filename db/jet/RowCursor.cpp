@@ -1,6 +1,5 @@
 #include "db/jet/RowCursor.h"
 
-#include <algorithm>
 #include <cassert>
 #include <optional>
 #include <vector>
@@ -9,48 +8,10 @@
 #include "RowPlace.h"
 #include "UsageMap.h"
 #include "Value.h"
-#include "index/IndexCursor.h"
+#include "base/ErrorState.h"
+#include "index/EntriesInRange.h"
 
 namespace vl::jet {
-
-namespace {
-
-bool beginsWith(ByteView key, ByteView with) {
-    return key.size() >= with.size() && std::equal(with.begin(), with.end(), key.begin());
-}
-
-/// A walk over a part of an index.
-struct Entries {
-    FilePages pages;
-    KeyRange range;
-    IndexCursor cursor;
-
-    Entries(PageFile& file, const IndexDefinition& index, PageNo definitionPage, KeyRange r)
-        : pages(file), range(std::move(r)), cursor(pages, index, definitionPage, range.from) {}
-    Entries(const Entries&) = delete;
-    Entries& operator=(const Entries&) = delete;
-    ~Entries() = default;
-
-    bool next() {
-        while (cursor.next()) {
-            const ByteView key = cursor.key();
-            if (!range.withFrom && !range.from.empty() && beginsWith(key, range.from)) {
-                continue;
-            }
-            if (range.to.empty()) {
-                return true;
-            }
-            if (beginsWith(key, range.to)) {
-                return range.withTo;
-            }
-            return std::lexicographical_compare(key.begin(), key.end(), range.to.begin(),
-                                                range.to.end());
-        }
-        return false;
-    }
-};
-
-}  // namespace
 
 struct RowCursor::State {
     PageFile& file;
@@ -60,39 +21,63 @@ struct RowCursor::State {
     Page page;  // the one that slots are taken from
     DataPage data;
     std::uint16_t nextSlot = 0;
-    std::unique_ptr<Entries> entries;  // where an index says which rows come
-    bool entryTaken = false;           // but its row not found yet
+    std::unique_ptr<EntriesInRange> entries;  // where an index says which rows come
+    bool entryTaken = false;                  // but its row not found yet
+    std::vector<RowId> list;                  // where a list says so
+    bool listed = false;
+    std::size_t nextOfList = 0;
     RowId id;
     RowPlace place;  // of the current row
     RowView row;
 };
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table)
-    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, {}, {}}) {
+    : state_(new State{
+          file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, false, 0, {}, {}, {}}) {
     state_->pages = readUsageMap(file, state_->table->ownedPages);
 }
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
                      KeyRange range)
-    : state_(new State{file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, {}, {}}) {
+    : state_(new State{
+          file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, false, 0, {}, {}, {}}) {
     assert(tree < state_->table->trees.size());
-    state_->entries = std::make_unique<Entries>(file, state_->table->trees[tree],
-                                                state_->table->page, std::move(range));
+    state_->entries = std::make_unique<EntriesInRange>(file, state_->table->trees[tree],
+                                                       state_->table->page, std::move(range));
 }
+
+RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table,
+                     std::vector<RowId> rows)
+    : state_(new State{file,
+                       std::move(table),
+                       {},
+                       0,
+                       {},
+                       {},
+                       0,
+                       {},
+                       false,
+                       std::move(rows),
+                       true,
+                       0,
+                       {},
+                       {},
+                       {}}) {}
 
 RowCursor::RowCursor(RowCursor&&) noexcept = default;
 RowCursor& RowCursor::operator=(RowCursor&&) noexcept = default;
 RowCursor::~RowCursor() = default;
 
-bool RowCursor::next() { return state_->entries ? nextOfIndex() : nextOfTable(); }
-
-bool RowCursor::nextOfIndex() {
-    State& s = *state_;
-    if (!s.entryTaken && !s.entries->next()) {
-        return false;
+bool RowCursor::next() {
+    if (state_->listed) {
+        return nextOfList();
     }
-    s.entryTaken = true;
-    const RowId id = s.entries->cursor.row();
+    return state_->entries ? nextOfIndex() : nextOfTable();
+}
+
+// False: the table has no such row.
+bool RowCursor::moveTo(RowId id) {
+    State& s = *state_;
     if (!s.page || s.page.number() != id.page) {
         s.data = DataPage();
         s.page = s.file.page(id.page);
@@ -101,15 +86,42 @@ bool RowCursor::nextOfIndex() {
     const bool there = s.data.owner() == s.table->page && id.row < s.data.slotCount() &&
                        (s.data.slot(id.row) == DataPage::Slot::Row ||
                         s.data.slot(id.row) == DataPage::Slot::Moved);
-    if (!there) {
+    if (there) {
+        s.place = findRow(s.file, *s.table, s.page, s.data, id.row);
+        s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
+        s.id = id;
+    }
+    return there;
+}
+
+bool RowCursor::nextOfIndex() {
+    State& s = *state_;
+    if (!s.entryTaken && !s.entries->next()) {
+        return false;
+    }
+    s.entryTaken = true;
+    const RowId id = s.entries->row();
+    if (!moveTo(id)) {
         s.page.origin().corrupt("has no row " + std::to_string(id.row) + " of table \"" +
                                 s.table->name + "\", but an index on page " +
-                                std::to_string(s.entries->cursor.page()) + " says so");
+                                std::to_string(s.entries->page()) + " says so");
     }
-    s.place = findRow(s.file, *s.table, s.page, s.data, id.row);
-    s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
-    s.id = id;
     s.entryTaken = false;
+    return true;
+}
+
+bool RowCursor::nextOfList() {
+    State& s = *state_;
+    if (s.nextOfList == s.list.size()) {
+        return false;
+    }
+    const RowId id = s.list[s.nextOfList];
+    if (!moveTo(id)) {
+        throw Error(ErrNo::NotFound, s.file.name() + ": table \"" + s.table->name +
+                                         "\" has no row " + std::to_string(id.row) + " on page " +
+                                         std::to_string(id.page));
+    }
+    ++s.nextOfList;
     return true;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "base/Variant.h"
 #include "db/jet/Types.h"
@@ -21,17 +22,20 @@ struct KeyRange {
 };
 
 /// Stands before the first row at the beginning. Rows come in the order of their original places,
-/// or of an index's keys; the cursor holds one page, and sees it as it was when it came to it: what
-/// is written to a row of that page meanwhile is not seen. Rows are not copied, values only when
-/// asked for. The `Database` must outlive it. Every method throws `Error` (`ErrNo::Corrupt` with
-/// file and page, or `ErrNo::Io`); a cursor that threw in `next` stays where it is and throws
-/// again.
+/// of an index's keys, or of a list; the cursor holds one page, and sees it as it was when it came
+/// to it: what is written to a row of that page meanwhile is not seen. Rows are not copied, values
+/// only when asked for. The `Database` must outlive it. Every method throws `Error`
+/// (`ErrNo::Corrupt` with file and page, or `ErrNo::Io`); a cursor that threw in `next` stays where
+/// it is and throws again.
 class RowCursor {
 public:
     RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table);
     /// Over the rows that a tree of the table has entries of.
     RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
               KeyRange range);
+    /// Over these rows, in this order.
+    RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table,
+              std::vector<RowId> rows);
     RowCursor(RowCursor&&) noexcept;
     RowCursor& operator=(RowCursor&&) noexcept;
     ~RowCursor();
@@ -49,6 +53,8 @@ public:
 private:
     bool nextOfTable();
     bool nextOfIndex();
+    bool nextOfList();
+    bool moveTo(RowId id);
 
     struct State;
     std::unique_ptr<State> state_;

@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "TableDefinition.h"
+#include "index/EntriesInRange.h"
 #include "index/IndexKey.h"
 
 namespace vl::jet {
@@ -20,6 +21,21 @@ RowCursor Table::scan() const { return {*file_, definition_}; }
 RowCursor Table::indexScan(std::size_t index, KeyRange range) const {
     assert(index < definition_->indexes.size());
     return {*file_, definition_, definition_->indexes[index].tree, std::move(range)};
+}
+
+std::vector<RowId> Table::indexRows(std::size_t index, KeyRange range) const {
+    assert(index < definition_->indexes.size());
+    EntriesInRange entries(*file_, definition_->trees[definition_->indexes[index].tree],
+                           definition_->page, std::move(range));
+    std::vector<RowId> rows;
+    while (entries.next()) {
+        rows.push_back(entries.row());
+    }
+    return rows;
+}
+
+RowCursor Table::rows(std::vector<RowId> ids) const {
+    return {*file_, definition_, std::move(ids)};
 }
 
 KeyBytes Table::indexKey(std::size_t index, std::span<const Variant> values) const {

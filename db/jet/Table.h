@@ -34,6 +34,11 @@ public:
     /// pages as the cursor goes: up to one a row. Descending columns have their values' keys
     /// complemented: there `range.from` is what the highest value gives.
     RowCursor indexScan(std::size_t index, KeyRange range = {}) const;
+    /// The rows that such a scan would give, in its order, without reading them: an index that
+    /// names rows which are not there is not found out. Costs the index's pages only.
+    std::vector<RowId> indexRows(std::size_t index, KeyRange range = {}) const;
+    /// These rows, in this order. The cursor throws `ErrNo::NotFound` where one is not there.
+    RowCursor rows(std::vector<RowId> ids) const;
     /// The bytes by which that index sorts rows with these values: one for each of its columns, in
     /// its order, or for the first few only. Throws `Error`: `ErrNo::TypeMismatch` or
     /// `ErrNo::Overflow` for a value that no such column has, `ErrNo::Unsupported` for a text

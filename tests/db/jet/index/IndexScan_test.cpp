@@ -1,4 +1,5 @@
 // Indexes that other programs have written: their keys are ours, their rows the table's.
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <set>
@@ -70,6 +71,23 @@ void compareKeys(jet::PageFile& file, const std::shared_ptr<const jet::TableDefi
     ++counts.trees;
 }
 
+// The entries' rows without reading them, and the same rows read by such a list.
+void compareLists(const jet::Table& table, std::size_t index) {
+    std::vector<jet::RowId> walked;
+    jet::RowCursor sorted = table.indexScan(index);
+    while (sorted.next()) {
+        walked.push_back(sorted.id());
+    }
+    EXPECT_EQ(table.indexRows(index), walked);
+    std::reverse(walked.begin(), walked.end());
+    jet::RowCursor listed = table.rows(walked);
+    for (const jet::RowId& id : walked) {
+        ASSERT_TRUE(listed.next());
+        EXPECT_EQ(listed.id(), id);
+    }
+    EXPECT_FALSE(listed.next());
+}
+
 // Each index finds the table's rows, whole and each one by its key.
 void compareRows(const jet::Table& table, Counts& counts) {
     for (std::size_t i = 0; i < table.indexes().size(); ++i) {
@@ -114,6 +132,7 @@ void compareRows(const jet::Table& table, Counts& counts) {
             EXPECT_TRUE(seen.insert({sorted.id().page, sorted.id().row}).second);
         }
         EXPECT_EQ(seen, scanned);
+        compareLists(table, i);
         ++counts.indexes;
     }
 }
@@ -146,6 +165,20 @@ TEST(IndexScan, FindsTheRowsAndKeysOfOurOwnFiles) {
     compareFile(test::repoFile("tests/data/generated-reminders.RemindDB"), counts);
     std::cout << counts;
     EXPECT_GT(counts.keys, 1500);
+}
+
+TEST(IndexScan, AListMayNameRowsThatAreNotThere) {
+    const jet::Database db = jet::Database::open(
+        test::repoFile("data/first-light.RemindDB").string(), jet::Access::Read);
+    const jet::Table table = db.table("Reminders");
+    jet::RowCursor scanned = table.scan();
+    ASSERT_TRUE(scanned.next());
+    const jet::RowId first = scanned.id();
+    jet::RowCursor rows = table.rows({first, {first.page, 4000}, {1, 0}});
+    EXPECT_TRUE(rows.next());
+    EXPECT_EQ(rows.value(3), scanned.value(3));
+    EXPECT_EQ(test::errorOf([&] { rows.next(); }), ErrNo::NotFound);
+    EXPECT_EQ(test::errorOf([&] { rows.next(); }), ErrNo::NotFound);  // it stays where it is
 }
 
 TEST(IndexScan, FindsTheRowsAndKeysOfEverySample) {
