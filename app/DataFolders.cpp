@@ -58,7 +58,7 @@ bool copyIfMissing(const std::string& from, const std::string& to) {
             if (!in.is_open() || in.bad() || bytes.empty()) {
                 throw Error(ErrNo::Io, "cannot read " + from);
             }
-            platform::replaceFile(to, bytes);
+            platform::createFile(to, bytes);
         });
     }
     return fileExists(to);

@@ -21,7 +21,9 @@ bool isPortable(std::string_view programFolder);
 std::string findAppDataFolder(std::string_view programFolder, bool developmentRun);
 
 /// Copies `from` to `to` when there is nothing at `to` yet and its folder is there; as one change,
-/// so that a full disk leaves no half file. True when there is something at `to` afterwards.
+/// so that a full disk leaves no half file. Never replaces what has got the name, not even if that
+/// came while this was copying, nor a link that points nowhere. True when there is something at
+/// `to` afterwards.
 bool copyIfMissing(const std::string& from, const std::string& to);
 
 /// Puts the template database into the data folder from the first of `sharedFolders` that has one.

@@ -49,7 +49,11 @@ SoundPlayer::~SoundPlayer() = default;
 void SoundPlayer::play(std::string_view fileName) {
     const ErrScope scope;
     stop();
-    const std::string file = findSound(fileName);
+    std::string file = findSound(fileName);
+    if (file.empty()) {
+        attempt(
+            [&] { file = platform::systemSound(fileName.empty() ? kReminderSound : fileName); });
+    }
     notFound_ = file.empty() || !attempt([&] { playing_ = std::make_unique<Playing>(file); });
     if (file.empty()) {
         trace("no sound file \"" + std::string(fileName) + "\"");

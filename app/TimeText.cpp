@@ -81,10 +81,10 @@ const std::string& shortTimeFormat() {
 std::string shortTimeText(DateTime d) { return shortTimeText(d, shortTimeFormat()); }
 
 std::string shortTimeText(DateTime d, std::string_view pattern) {
-    if (pattern.empty()) {
-        pattern = "HH:mm";
-    }
     const Civil c = d.civil();
+    if (pattern.empty()) {
+        return platform::shortTimeText(c.hour, c.minute, c.second);
+    }
     std::string out;
     for (std::size_t at = 0; at < pattern.size();) {
         const char letter = pattern[at];
@@ -105,18 +105,17 @@ std::string shortTimeText(DateTime d, std::string_view pattern) {
 }
 
 std::string displayText(DateTime d) {
-    static constexpr std::array<const char*, 7> kDays = {"Mon", "Tue", "Wed", "Thu",
-                                                         "Fri", "Sat", "Sun"};
-    static constexpr std::array<const char*, 12> kMonths = {
-        "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     if (d.isZero()) {
         return {};
     }
     const Civil c = d.civil();
-    std::string out = kDays[static_cast<std::size_t>(d.weekday() - 1)];
-    out += ' ' + std::to_string(c.day) + ' ' + kMonths[static_cast<std::size_t>(c.month - 1)] +
-           ' ' + std::to_string(c.year);
-    return d.hasTime() ? out + ", " + shortTimeText(d) : out;
+    std::string date = platform::dateText(c.year, c.month, c.day, d.weekday());
+    if (date.empty()) {  // the system's calendar begins later than ours
+        std::array<char, 32> plain{};
+        std::snprintf(plain.data(), plain.size(), "%04d-%02d-%02d", c.year, c.month, c.day);
+        date = plain.data();
+    }
+    return d.hasTime() ? date + ", " + shortTimeText(d) : date;
 }
 
 Variant smallerOf(const Variant& a, const Variant& b) {

@@ -19,14 +19,16 @@ DateTime fromStoredText(std::string_view text);
 
 /// The user's short time format: h, hh (12 hours), H, HH (24), m, mm, s, ss, t, tt (AM or PM);
 /// anything else stands for itself, in single quotes these letters too. Asked of the system once
-/// a run. Empty when it has none; then times are written as "HH:mm".
+/// a run. Empty when it has none; then times are written in the system's own short form.
 const std::string& shortTimeFormat();
 
 /// The time of day in the user's short time format, or in `pattern`.
 std::string shortTimeText(DateTime d);
 std::string shortTimeText(DateTime d, std::string_view pattern);
 
-/// "Mon 23 Nov 2026, 14:30"; without the time at midnight; empty for 0.
+/// Day of the week, date and short time in the user's order and language: "Mo 23.11.2026, 14:30",
+/// "Mon 11/23/2026, 2:30 PM"; "Mon 23 Nov 2026, 14:30" where no language is set. Without the time
+/// at midnight; empty for 0.
 std::string displayText(DateTime d);
 
 /// The smaller (larger) of two values compared as texts, without regard to case: "900" is larger

@@ -1,5 +1,7 @@
 #include "LocalePattern.h"
 
+#include <algorithm>
+
 #include "base/Text.h"
 
 namespace vl::platform {
@@ -47,13 +49,15 @@ void convert(Pattern& out, std::string_view format, std::string_view twelveHours
             continue;
         }
         ++i;  // modifiers stand between the sign and the letter
+        bool leadingZero = true;
         while (i < format.size() &&
                std::string_view("EO_-0^#").find(format[i]) != std::string_view::npos) {
+            leadingZero = leadingZero && format[i] != '-' && format[i] != '_';
             ++i;
         }
         switch (i < format.size() ? format[i] : '\0') {
             case 'H':
-                out.field("HH");
+                out.field(leadingZero ? "HH" : "H");
                 break;
             case 'k':
                 out.field("H");
@@ -63,7 +67,7 @@ void convert(Pattern& out, std::string_view format, std::string_view twelveHours
                 out.field("h");
                 break;
             case 'M':
-                out.field("mm");
+                out.field(leadingZero ? "mm" : "m");
                 break;
             case 'p':
             case 'P':
@@ -93,6 +97,37 @@ std::string shortPattern(std::string_view format, std::string_view twelveHours) 
     Pattern pattern;
     convert(pattern, format, twelveHours, 1);
     return pattern.finish();
+}
+
+std::string datePattern(std::string_view format) {
+    if (format.empty() || format == "%m/%d/%y" || format == "%D") {
+        return "%a %-d %b %Y";
+    }
+    std::string pattern;
+    bool weekday = false;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        pattern += format[i];
+        if (format[i] == '%' && ++i < format.size()) {
+            weekday = weekday || format[i] == 'a' || format[i] == 'A';
+            pattern += format[i] == 'y' ? 'Y' : format[i];
+        }
+    }
+    return weekday ? pattern : "%a " + pattern;
+}
+
+std::string fullYearPattern(std::string_view format) {
+    std::string pattern;
+    bool weekday = false;
+    bool quoted = false;
+    for (std::size_t i = 0; i < format.size();) {
+        const std::size_t end = std::min(format.find_first_not_of(format[i], i), format.size());
+        std::string run(format.substr(i, end - i));
+        quoted = quoted != (run[0] == '\'' && run.size() % 2 == 1);
+        weekday = weekday || (!quoted && run[0] == 'd' && run.size() >= 3);
+        pattern += !quoted && (run == "yy" || run == "y") ? "yyyy" : run;
+        i = end;
+    }
+    return weekday ? pattern : "ddd " + pattern;
 }
 
 }  // namespace vl::platform

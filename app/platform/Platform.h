@@ -29,11 +29,22 @@ char separatorOf(std::string_view folder);
 
 /// Makes `path` hold `bytes` and nothing else, as one change: a temporary file in the same folder
 /// is written, forced to the disk and renamed. A file that is there keeps its permissions; a link
-/// is followed. Throws `Error` (`ErrNo::ReadOnly`, `ErrNo::Io`), and then `path` is as it was.
+/// is followed, also one to a file that is not there yet. Throws `Error` (`ErrNo::ReadOnly`,
+/// `ErrNo::Io`), and then `path` is as it was.
 void replaceFile(const std::string& path, std::string_view bytes);
+
+/// Makes a new file of these bytes, as one change. Nothing is ever replaced: what has the name
+/// already, even since a moment ago and even a link that points nowhere, is `ErrNo::Exists`.
+/// Throws `Error` (also `ErrNo::ReadOnly`, `ErrNo::Io`).
+void createFile(const std::string& path, std::string_view bytes);
 
 /// The user's short time format in the letters of `shortTimeText`; empty when there is none.
 std::string shortTimeFormat();
+/// A time of day as the system writes it where the user has set no format.
+std::string shortTimeText(int hour, int minute, int second);
+/// A date with its day of the week (1 is Monday) in the user's order and language, the year in
+/// full; empty for one that the system cannot write.
+std::string dateText(int year, int month, int day, int weekday);
 /// "AM" or "PM" in the user's language.
 std::string dayHalfText(bool afternoon);
 
@@ -42,6 +53,14 @@ std::string fromSettingsText(std::string_view bytes);
 std::string toSettingsText(std::string_view text);
 /// What ends a line of a new file.
 std::string_view lineEnd();
+
+/// The command line as it was given, the program's name included; empty where the system hands
+/// programs their arguments one by one.
+std::string rawCommandLine();
+
+/// What the system's own player finds a sound by that is no file of ours; empty when it has no
+/// names for sounds.
+std::string systemSound(std::string_view name);
 
 /// Starts a program that lives its own life: not waited for, no window of ours, no shell between.
 /// `arguments[0]` is the program, looked up in PATH when it names no folder. Throws `Error`

@@ -28,7 +28,7 @@ inline std::string narrow(std::wstring_view text, UINT codePage = CP_UTF8) {
 
 /// One argument as the usual start-up code of programs takes it apart again: in quotes, each quote
 /// behind a backslash, and backslashes doubled where a quote follows them.
-inline std::wstring quoted(std::wstring_view argument) {
+inline std::wstring quotedArgument(std::wstring_view argument) {
     std::wstring out = L"\"";
     std::size_t backslashes = 0;
     for (const wchar_t c : argument) {

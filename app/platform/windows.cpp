@@ -6,86 +6,14 @@
 
 #include <array>
 
+#include "LocalePattern.h"
 #include "Platform.h"
 #include "Wide.h"
 #include "base/ErrorState.h"
 
 namespace vl::platform {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-[[noreturn]] void fail(const std::string& what, const std::string& path, DWORD error) {
-    const bool denied = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
-    throw Error(denied ? ErrNo::ReadOnly : ErrNo::Io,
-                "cannot " + what + " " + path + ": system error " + std::to_string(error));
-}
-
-/// A new file that is gone again unless it is renamed to its place.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(std::string path) : path_(std::move(path)), wide_(wide(path_)) {
-        file_ = CreateFileW(wide_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                            FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file_ == INVALID_HANDLE_VALUE) {
-            fail("create", path_, GetLastError());
-        }
-    }
-    ~TemporaryFile() {
-        close();
-        if (!renamed_) {
-            DeleteFileW(wide_.c_str());
-        }
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    void write(std::string_view bytes) {
-        constexpr std::size_t kMost = 1U << 30;
-        while (!bytes.empty()) {
-            const auto part = static_cast<DWORD>(bytes.size() < kMost ? bytes.size() : kMost);
-            DWORD written = 0;
-            if (!WriteFile(file_, bytes.data(), part, &written, nullptr)) {
-                fail("write", path_, GetLastError());
-            }
-            bytes.remove_prefix(written);
-        }
-        if (!FlushFileBuffers(file_)) {
-            fail("write", path_, GetLastError());
-        }
-    }
-
-    void renameTo(const std::string& target) {
-        close();
-        const std::wstring to = wide(target);
-        // Keeps attributes and access rights of a file that is there; there must be one.
-        renamed_ = ReplaceFileW(to.c_str(), wide_.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                                nullptr, nullptr) != 0;
-        const DWORD error = renamed_ ? ERROR_SUCCESS : GetLastError();
-        if (!renamed_ && error == ERROR_FILE_NOT_FOUND) {
-            renamed_ = MoveFileExW(wide_.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
-        }
-        if (!renamed_) {
-            fail("replace", target, GetLastError());
-        }
-    }
-
-private:
-    void close() {
-        if (file_ != INVALID_HANDLE_VALUE) {
-            CloseHandle(file_);
-            file_ = INVALID_HANDLE_VALUE;
-        }
-    }
-
-    std::string path_;
-    std::wstring wide_;
-    HANDLE file_ = INVALID_HANDLE_VALUE;
-    bool renamed_ = false;
-};
-
-}  // namespace
 
 fs::path pathOf(std::string_view text) { return fs::path(wide(text)); }
 std::string textOf(const fs::path& path) { return narrow(path.native()); }
@@ -122,16 +50,6 @@ std::vector<std::string> sharedFolders() {
 
 char separatorOf(std::string_view) { return '\\'; }
 
-void replaceFile(const std::string& path, std::string_view bytes) {
-    const DWORD attributes = GetFileAttributesW(wide(path).c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-        fail("write", path, ERROR_ACCESS_DENIED);
-    }
-    TemporaryFile file(path + "." + std::to_string(GetCurrentProcessId()) + ".tmp");
-    file.write(bytes);
-    file.renameTo(path);
-}
-
 std::string shortTimeFormat() {
     std::array<wchar_t, 256> value{};
     DWORD size = static_cast<DWORD>(sizeof value);
@@ -147,6 +65,38 @@ std::string dayHalfText(bool afternoon) {
                         static_cast<int>(mark.size()));
     return length > 1 ? narrow(mark.data()) : afternoon ? "PM" : "AM";
 }
+
+std::string shortTimeText(int hour, int minute, int second) {
+    SYSTEMTIME time{};
+    time.wHour = static_cast<WORD>(hour);
+    time.wMinute = static_cast<WORD>(minute);
+    time.wSecond = static_cast<WORD>(second);
+    std::array<wchar_t, 128> text{};
+    const int length = GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr,
+                                       text.data(), static_cast<int>(text.size()));
+    return length > 0 ? narrow(text.data()) : std::string();
+}
+
+std::string dateText(int year, int month, int day, int) {
+    SYSTEMTIME date{};
+    date.wYear = static_cast<WORD>(year);
+    date.wMonth = static_cast<WORD>(month);
+    date.wDay = static_cast<WORD>(day);
+    std::array<wchar_t, 128> format{};
+    std::array<wchar_t, 256> text{};
+    if (GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_SSHORTDATE, format.data(),
+                        static_cast<int>(format.size())) == 0) {
+        return {};
+    }
+    const std::wstring pattern = wide(fullYearPattern(narrow(format.data())));
+    const int length = GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &date, pattern.c_str(),
+                                       text.data(), static_cast<int>(text.size()), nullptr);
+    return length > 0 ? narrow(text.data()) : std::string();
+}
+
+std::string rawCommandLine() { return narrow(GetCommandLineW()); }
+
+std::string systemSound(std::string_view name) { return std::string(name); }
 
 std::string fromSettingsText(std::string_view bytes) { return narrow(wide(bytes, CP_ACP)); }
 std::string toSettingsText(std::string_view text) { return narrow(wide(text), CP_ACP); }
@@ -166,7 +116,7 @@ void startProgram(const std::vector<std::string>& arguments) {
     }
     std::wstring line;
     for (const std::string& argument : arguments) {
-        line += (line.empty() ? L"" : L" ") + quoted(wide(argument));
+        line += (line.empty() ? L"" : L" ") + quotedArgument(wide(argument));
     }
     STARTUPINFOW start{};
     start.cb = sizeof start;

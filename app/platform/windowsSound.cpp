@@ -3,6 +3,7 @@
 
 #include <mmsystem.h>
 
+#include "Platform.h"
 #include "Playing.h"
 #include "Wide.h"
 #include "base/ErrorState.h"
@@ -13,7 +14,9 @@ namespace vl {
 struct SoundPlayer::Playing::State {};
 
 SoundPlayer::Playing::Playing(const std::string& file) {
-    const DWORD how = SND_ASYNC | SND_FILENAME | SND_NODEFAULT;
+    // A name alone is one of the system's: an event's sound, or a file in the system's folders.
+    const bool isFull = platform::pathOf(file).is_absolute();
+    const DWORD how = isFull ? SND_ASYNC | SND_FILENAME | SND_NODEFAULT : SND_ASYNC;
     if (!PlaySoundW(platform::wide(file).c_str(), nullptr, how)) {
         throw Error(ErrNo::Io, "cannot play " + file);
     }

@@ -2,11 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 #include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <thread>
 
 #include "Environment.h"
 #include "app/Files.h"
+#ifndef _WIN32
+#include "app/platform/Publish.h"
+#endif
 #include "base/ErrorState.h"
 
 namespace vl {
@@ -90,6 +99,77 @@ TEST_F(Folders, LoseACopyThatCannotBeDone) {
     EXPECT_EQ(ErrorState::number(), ErrNo::Locked);
     ErrorState::clear();
 }
+
+#ifndef _WIN32
+TEST_F(Folders, NeverReplaceALinkThatPointsNowhere) {
+    const std::string data = make("data");
+    const std::string db = make("db");
+    writeFile(folder / "data/Velmora.RemindDB", "template");
+    fs::create_symlink(folder / "not mounted/Velmora.RemindDB", folder / "db/Velmora.RemindDB");
+    const fs::path link = folder / "db/Velmora.RemindDB";
+    EXPECT_EQ(provideDatabase(db, data), link.string());
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_FALSE(fileExists(link.string()));
+    EXPECT_FALSE(copyIfMissing(data + "/Velmora.RemindDB", link.string()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(db), fs::directory_iterator()), 1);
+    fs::create_directory(folder / "not mounted");
+    EXPECT_FALSE(copyIfMissing(data + "/Velmora.RemindDB", link.string()));
+    EXPECT_TRUE(fs::is_empty(folder / "not mounted"));
+}
+
+// The template is a pipe: what it holds is written only when the database was looked for and the
+// template is being read, and by then somebody else has made one.
+TEST_F(Folders, NeverReplaceADatabaseMadeWhileTheyCopy) {
+    const std::string db = make("db");
+    const fs::path pipe = folder / "template";
+    const fs::path target = folder / "db/Velmora.RemindDB";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread host([&] {
+        std::ofstream out(pipe, std::ios::binary);  // waits for the reader
+        writeFile(target, "the host's");
+        out << "template";
+    });
+    EXPECT_TRUE(copyIfMissing(pipe.string(), target.string()));
+    host.join();
+    EXPECT_EQ(readFile(target), "the host's");
+    EXPECT_EQ(std::distance(fs::directory_iterator(db), fs::directory_iterator()), 1);
+}
+
+TEST_F(Folders, PublishAFileInNobodysPlace) {
+    using platform::Publishing;
+    const fs::path from = folder / "new";
+    const fs::path to = folder / "to";
+    for (const auto way : {Publishing::Link, Publishing::Rename, Publishing::Claim}) {
+        SCOPED_TRACE(static_cast<int>(way));
+        const auto refused = [&] {
+            try {
+                return platform::publish(way, from.string(), to.string()) ? ErrNo::None
+                                                                          : ErrNo::Unsupported;
+            } catch (const Error& error) {
+                return error.number();
+            }
+        };
+        writeFile(from, "new");
+        writeFile(to, "old");
+        EXPECT_EQ(refused(), ErrNo::Exists);
+        EXPECT_EQ(readFile(to), "old");
+        fs::remove(to);
+        fs::create_symlink(folder / "nowhere", to);
+        EXPECT_EQ(refused(), ErrNo::Exists);
+        EXPECT_TRUE(fs::is_symlink(to));
+        fs::remove(to);
+        fs::create_directory(to);
+        EXPECT_EQ(refused(), ErrNo::Exists);
+        fs::remove(to);
+        EXPECT_EQ(refused(), ErrNo::None);
+        EXPECT_EQ(readFile(to), "new");
+        fs::remove(to);
+        fs::remove(from);
+        EXPECT_EQ(refused(), ErrNo::Io) << "no such file";
+        EXPECT_FALSE(fs::exists(to));
+    }
+}
+#endif
 
 TEST_F(Folders, HoldTheHelpPage) {
     const std::string first = make("first");

@@ -241,6 +241,24 @@ TEST_F(SettingsFile, KeepsPermissionsAndFollowsALink) {
     EXPECT_EQ(readFile(file), "[R]\na=2\n");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
 }
+
+TEST_F(SettingsFile, FollowsALinkToAFileThatIsNotThereYet) {
+    fs::create_directory(folder / "dotfiles");
+    fs::create_symlink("dotfiles/second", folder / "link.ini");
+    fs::create_symlink(folder / "dotfiles" / "VLReminders.ini", folder / "dotfiles" / "second");
+    fs::create_symlink("round.ini", folder / "round.ini");
+    Settings s;
+    s.filename = (folder / "link.ini").string();
+    s.SaveIni("R", "a", "1");
+    EXPECT_EQ(s.GetIni("R", "a"), "1");
+    EXPECT_TRUE(fs::is_symlink(folder / "link.ini"));
+    EXPECT_TRUE(fs::is_symlink(folder / "dotfiles" / "second"));
+    EXPECT_EQ(readFile(folder / "dotfiles" / "VLReminders.ini"), "[R]\na=1\n");
+    s.filename = (folder / "round.ini").string();
+    s.SaveIni("R", "a", "1");
+    EXPECT_EQ(s.GetIni("R", "a", "none"), "none");
+    EXPECT_TRUE(fs::is_symlink(folder / "round.ini"));
+}
 #endif
 
 // The same rules over sections and keys in order; comments and blanks do not exist here.

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <limits>
 
+#include "Environment.h"
 #include "app/platform/LocalePattern.h"
 #include "base/ErrorState.h"
 
@@ -96,7 +98,9 @@ TEST(LocalePattern, DropsSecondsAndZones) {
         {"%H:%M:%S %Z", "", "HH:mm"},
         {"%I:%M:%S %p %Z", "", "h:mm tt"},
         {"%OH:%OM", "", "HH:mm"},
-        {"%-H:%M", "", "HH:mm"},
+        {"%-H:%M", "", "H:mm"},
+        {"%_H:%-M", "", "H:m"},
+        {"%0H:%M", "", "HH:mm"},
         {"%Hh%M", "", "HH'h'mm"},
         {"%H o'clock", "", "HH' o''clock'"},
         {"%p %I:%M", "", "tt h:mm"},
@@ -109,12 +113,81 @@ TEST(LocalePattern, DropsSecondsAndZones) {
     }
 }
 
-TEST(DisplayText, NamesDayAndTime) {
-    EXPECT_EQ(displayText(DateTime()), "");
-    EXPECT_EQ(displayText(DateTime::fromCivil(2026, 11, 23)), "Mon 23 Nov 2026");
-    const DateTime d = DateTime::fromCivil(2026, 1, 4, 14, 30);
-    EXPECT_EQ(displayText(d), "Sun 4 Jan 2026, " + shortTimeText(d));
+TEST(LocalePattern, MakesDatesWithTheirDayAndAFullYear) {
+    struct Case {
+        const char* format;
+        const char* pattern;
+    };
+    static constexpr Case posix[] = {
+        {"%d.%m.%Y", "%a %d.%m.%Y"},    {"%d/%m/%y", "%a %d/%m/%Y"},
+        {"%a %d.%m.%Y", "%a %d.%m.%Y"}, {"%A, %y%%y", "%A, %Y%%y"},
+        {"%m/%d/%y", "%a %-d %b %Y"},   {"%D", "%a %-d %b %Y"},
+        {"", "%a %-d %b %Y"},           {"%Oy/%Om/%Od", "%a %Oy/%Om/%Od"},
+        {"%Y-%m-%d", "%a %Y-%m-%d"},    {"%", "%a %"},
+    };
+    for (const Case& c : posix) {
+        EXPECT_EQ(platform::datePattern(c.format), c.pattern) << c.format;
+    }
+    static constexpr Case windows[] = {
+        {"dd.MM.yyyy", "ddd dd.MM.yyyy"},
+        {"M/d/yy", "ddd M/d/yyyy"},
+        {"ddd d MMM yy", "ddd d MMM yyyy"},
+        {"d' yy ddd 'y", "ddd d' yy ddd 'yyyy"},
+    };
+    for (const Case& c : windows) {
+        EXPECT_EQ(platform::fullYearPattern(c.format), c.pattern) << c.format;
+    }
 }
+
+TEST(DisplayText, IsEmptyForNoDateAndEndsWithATimeOnlyIfThereIsOne) {
+    EXPECT_EQ(displayText(DateTime()), "");
+    const DateTime d = DateTime::fromCivil(2026, 1, 4, 14, 30);
+    EXPECT_EQ(displayText(d),
+              displayText(DateTime::fromCivil(2026, 1, 4)) + ", " + shortTimeText(d));
+}
+
+#ifndef _WIN32
+// Locales are made for the test alone: few systems have any of these.
+class Locales : public testing::Test {
+protected:
+    void make(const std::string& name) {
+        const std::string made = (folder / (name + ".UTF-8")).string();
+        const std::string command = "localedef -i " + name + " -f UTF-8 '" + made + "' 2>&1";
+        ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    }
+    test::TempFolder folder;
+    const test::Variable path{"LOCPATH", folder.path().c_str()};
+};
+
+TEST_F(Locales, GiveDatesTheirOrderAndNames) {
+    struct Case {
+        const char* locale;
+        const char* monday;   // 2026-11-23
+        const char* january;  // 2027-01-03, a Sunday
+    };
+    static constexpr Case cases[] = {
+        {"de_DE", "Mo 23.11.2026", "So 03.01.2027"},
+        {"en_US", "Mon 11/23/2026", "Sun 01/03/2027"},
+        {"en_GB", "Mon 23/11/2026", "Sun 03/01/2027"},
+        {"fr_FR", "lun. 23/11/2026", "dim. 03/01/2027"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.locale);
+        ASSERT_NO_FATAL_FAILURE(make(c.locale));
+        const test::Variable all("LC_ALL", (std::string(c.locale) + ".UTF-8").c_str());
+        EXPECT_EQ(displayText(DateTime::fromCivil(2026, 11, 23)), c.monday);
+        EXPECT_EQ(displayText(DateTime::fromCivil(2027, 1, 3)), c.january);
+    }
+}
+
+TEST_F(Locales, WithoutOneTheMonthIsNamed) {
+    for (const char* locale : {"C", "C.UTF-8", "POSIX", "xx_NOWHERE"}) {
+        SCOPED_TRACE(locale);
+        const test::Variable all("LC_ALL", locale);
+        EXPECT_EQ(displayText(DateTime::fromCivil(2026, 11, 3)), "Tue 3 Nov 2026");
+    }
+}
+#endif
 
 TEST(SmallerLarger, CompareAsTexts) {
     EXPECT_EQ(largerOf("900", "1000"), Variant("900"));
