@@ -5,6 +5,7 @@
 #include "TableDefinition.h"
 #include "index/EntriesInRange.h"
 #include "index/IndexKey.h"
+#include "write/RowWriter.h"
 
 namespace vl::jet {
 
@@ -42,5 +43,15 @@ KeyBytes Table::indexKey(std::size_t index, std::span<const Variant> values) con
     assert(index < definition_->indexes.size());
     return jet::indexKey(definition_->trees[definition_->indexes[index].tree], values).bytes;
 }
+
+RowId Table::insert(std::span<const Change> changes) {
+    return RowWriter(*file_, *definition_).insert(changes);
+}
+
+void Table::update(RowId id, std::span<const Change> changes) {
+    RowWriter(*file_, *definition_).update(id, changes);
+}
+
+void Table::remove(RowId id) { RowWriter(*file_, *definition_).remove(id); }
 
 }  // namespace vl::jet

@@ -46,6 +46,28 @@ public:
     KeyBytes indexKey(std::size_t index, std::span<const Variant> values) const;
 
     using Change = std::pair<std::size_t, Variant>;  ///< column, new value
+    // Rows are written inside an open `Transaction` (`ErrNo::Unexpected` without one), by a table
+    // that is still what it was when it was asked for (`ErrNo::Unexpected`, too). What a call
+    // refuses it refuses before anything is written. Of an error that comes later
+    // (`ErrNo::Corrupt`, `ErrNo::Io`) nobody knows what it left: the transaction is then to be
+    // taken back.
+
+    /// A new row; columns that are not named are null, false, or the next autonumber. An autonumber
+    /// that is given here raises those that follow. Throws `Error`: `ErrNo::TypeMismatch` for a
+    /// value that is none of its column's type, or null where a value is needed;
+    /// `ErrNo::Overflow` for a value, key or row that is too long or too large; `ErrNo::Exists` for
+    /// a key that a unique index has already; `ErrNo::Unsupported` for a text in a column that is
+    /// sorted in another language's order.
+    RowId insert(std::span<const Change> changes);
+
+    /// Writes columns of one row; a row that holds all of it already costs no write. Throws what
+    /// `insert` throws; also `ErrNo::NotFound` when there is no such row, and `ErrNo::Unsupported`
+    /// for an autonumber.
+    void update(RowId id, std::span<const Change> changes);
+
+    /// Throws `Error` (`ErrNo::NotFound`) when there is no such row.
+    void remove(RowId id);
+
     /// Writes columns of one row where they stand: yes/no columns and fixed-size ones that no
     /// index knows. `Null` makes a fixed-size column null. Is a transaction of its own unless one
     /// is open; a row that holds all of it already costs no write.

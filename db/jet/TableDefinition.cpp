@@ -40,6 +40,7 @@ public:
         }
         return text::fromUtf16(units);
     }
+    std::size_t left() const { return bytes_.size() - at_; }
     const Origin& origin() const { return origin_; }
 
 private:
@@ -48,35 +49,9 @@ private:
     std::size_t at_ = 0;
 };
 
-// The first page whole, then of every further page what follows its header.
-std::vector<std::byte> assemble(PageFile& file, PageNo first) {
-    Page page = file.page(first);
-    const std::uint32_t length = u32(page.bytes(), 8);
-    if (u8(page.bytes(), 0) != 2 || length < kHeader || length > kLongestDefinition) {
-        page.origin().corrupt("is no table definition");
-    }
-    std::vector<std::byte> bytes(page.bytes().begin(), page.bytes().end());
-    while (bytes.size() < length) {
-        const PageNo next = u32(page.bytes(), 4);
-        page = file.page(next);
-        if (next == 0 || u8(page.bytes(), 0) != 2) {
-            page.origin().corrupt("is no part of the table definition on page " +
-                                  std::to_string(first));
-        }
-        const ByteView more = page.bytes().subspan(kPageHeader);
-        bytes.insert(bytes.end(), more.begin(), more.end());
-    }
-    bytes.resize(length);
-    return bytes;
-}
-
 bool known(ColumnType type) noexcept {
     const auto raw = static_cast<unsigned>(type);
     return (raw >= 1 && raw <= 12) || (raw >= 15 && raw <= 18);
-}
-
-bool isLong(ColumnType type) noexcept {
-    return type == ColumnType::Memo || type == ColumnType::Ole;
 }
 
 Column columnFrom(ByteView block) {
@@ -89,6 +64,7 @@ Column columnFrom(ByteView block) {
     column.autoNumber = (flags & 0x44) != 0;
     column.fixedOffset = u16(block, 0x15);
     column.length = u16(block, 0x17);
+    column.compressed = (u8(block, 0x10) & 0x01) != 0;
     if (column.type == ColumnType::Numeric) {
         column.precision = u8(block, 0x0B);
         column.scale = u8(block, 0x0C);
@@ -177,6 +153,9 @@ void readIndexes(Reader& reader, std::size_t real, std::size_t logical, TableDef
         index.number = u32(block, 4);
         index.primary = kind == 1;
         index.foreign = kind == 2;
+        index.referenced = index.foreign && u8(block, 0x0C) == 1;
+        index.otherNumber = index.foreign ? u32(block, 0x0D) : 0;
+        index.otherDefinition = index.foreign ? u32(block, 0x11) : 0;
         const IndexDefinition& tree = table.trees[stored];
         index.tree = stored;
         index.unique = tree.unique;
@@ -194,6 +173,18 @@ void readIndexes(Reader& reader, std::size_t real, std::size_t logical, TableDef
                      [](const Index& a, const Index& b) { return a.number < b.number; });
 }
 
+// Reading rows does not need these: what is missing here concerns only a writer.
+void readLongColumns(Reader& reader, TableDefinition& table) {
+    while (reader.left() >= 10) {
+        const ByteView block = reader.take(10);
+        if (u16(block, 0) == kNoColumn) {
+            return;
+        }
+        table.longColumns.push_back(
+            {u16(block, 0), RowPointer::read(block, 2), RowPointer::read(block, 6)});
+    }
+}
+
 }  // namespace
 
 std::uint16_t sizeOf(ColumnType type) noexcept {
@@ -203,8 +194,33 @@ std::uint16_t sizeOf(ColumnType type) noexcept {
     return raw < kSizes.size() ? kSizes[raw] : std::uint16_t{0};
 }
 
+std::vector<std::byte> definitionBytes(PageFile& file, PageNo first) {
+    Page page = file.page(first);
+    const std::uint32_t length = u32(page.bytes(), 8);
+    if (u8(page.bytes(), 0) != 2 || length < kHeader || length > kLongestDefinition) {
+        page.origin().corrupt("is no table definition");
+    }
+    std::vector<std::byte> bytes(page.bytes().begin(), page.bytes().end());
+    while (bytes.size() < length) {
+        const PageNo next = u32(page.bytes(), 4);
+        page = file.page(next);
+        if (next == 0 || u8(page.bytes(), 0) != 2) {
+            page.origin().corrupt("is no part of the table definition on page " +
+                                  std::to_string(first));
+        }
+        const ByteView more = page.bytes().subspan(kPageHeader);
+        bytes.insert(bytes.end(), more.begin(), more.end());
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+bool isLong(ColumnType type) noexcept {
+    return type == ColumnType::Memo || type == ColumnType::Ole;
+}
+
 TableDefinition readTableDefinition(PageFile& file, PageNo page, std::string name) {
-    const std::vector<std::byte> bytes = assemble(file, page);
+    std::vector<std::byte> bytes = definitionBytes(file, page);
     const ByteView header(bytes.data(), kHeader);
     Reader reader(bytes, Origin{file.name(), page});
     reader.take(kHeader);
@@ -215,6 +231,7 @@ TableDefinition readTableDefinition(PageFile& file, PageNo page, std::string nam
     table.maxColumns = u16(header, 0x29);
     table.variableSlots = u16(header, 0x2B);
     table.ownedPages = RowPointer::read(header, 0x37);
+    table.freePages = RowPointer::read(header, 0x3B);
     const std::size_t columns = u16(header, 0x2D);
     const std::size_t logical = u32(header, 0x2F);
     const std::size_t real = u32(header, 0x33);
@@ -225,6 +242,8 @@ TableDefinition readTableDefinition(PageFile& file, PageNo page, std::string nam
     reader.take(12 * real);  // counters, for the writer
     readColumns(reader, columns, table);
     readIndexes(reader, real, logical, table);
+    readLongColumns(reader, table);
+    table.bytes = std::move(bytes);
     return table;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Bytes.h"
+#include "base/ErrorState.h"
 #include "base/Text.h"
 
 namespace vl::jet {
@@ -10,6 +11,8 @@ namespace vl::jet {
 namespace {
 
 constexpr std::byte kAsciiEnd{0x80};
+constexpr char16_t kMarker = 0xFEFF;
+constexpr std::size_t kMostCompressed = 1024;
 
 bool isCompressed(ByteView bytes) noexcept { return bytes.size() >= 2 && u16(bytes, 0) == 0xFEFF; }
 
@@ -81,6 +84,32 @@ std::string decodeText(ByteView bytes, const Origin& origin) {
         origin.corrupt("a text of " + std::to_string(bytes.size()) + " bytes");
     }
     return fromWide(bytes);
+}
+
+std::vector<std::byte> encodeText(std::u16string_view units, bool compress) {
+    const auto narrow = [](char16_t c) { return c != 0 && c < 0x100; };
+    std::vector<std::byte> bytes;
+    if (compress && units.size() > 2 && units.size() <= kMostCompressed &&
+        std::all_of(units.begin(), units.end(), narrow)) {
+        bytes = {std::byte{0xFF}, std::byte{0xFE}};
+        for (const char16_t c : units) {
+            bytes.push_back(static_cast<std::byte>(c));
+        }
+        return bytes;
+    }
+    if (!units.empty() && units[0] == kMarker) {
+        // Only as one long run of two-byte characters in a compressed text is it read back.
+        if (std::any_of(units.begin(), units.end(), [](char16_t c) { return c % 0x100 == 0; })) {
+            throw Error(ErrNo::Unsupported, "a text that begins with U+FEFF cannot be stored");
+        }
+        bytes = {std::byte{0xFF}, std::byte{0xFE}, std::byte{0}};
+    }
+    const std::size_t at = bytes.size();
+    bytes.resize(at + 2 * units.size());
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        store(std::span(bytes), at + 2 * i, static_cast<std::uint16_t>(units[i]));
+    }
+    return bytes;
 }
 
 }  // namespace vl::jet

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "Origin.h"
 
@@ -11,5 +13,11 @@ namespace vl::jet {
 /// own three bytes. Throws `Error` (`ErrNo::Corrupt`) for an odd number of UTF-16 bytes.
 /// Source: docs/jet4.md, "Text".
 std::string decodeText(ByteView bytes, const Origin& origin);
+
+/// The other way round. Compressed, where `compress` allows it, only when that is shorter, every
+/// character has one byte and there are no more than 1024. Throws `Error` (`ErrNo::Unsupported`)
+/// for a text that would be taken for a compressed one: it begins with U+FEFF and has characters
+/// that no compressed text can have.
+std::vector<std::byte> encodeText(std::u16string_view units, bool compress);
 
 }  // namespace vl::jet

@@ -69,6 +69,8 @@ struct Column {
     std::uint16_t fixedOffset = 0;
     /// A key column of some index.
     bool indexed = false;
+    /// Texts are stored compressed where that is shorter.
+    bool compressed = false;
 };
 
 struct IndexColumn {
@@ -90,6 +92,11 @@ struct Index {
     std::uint32_t number = 0;
     /// Which of the table's trees holds its keys.
     std::size_t tree = 0;
+    /// Of a `foreign` one: whether the other table's rows refer to this one's, and where that
+    /// table's definition and index are.
+    bool referenced = false;
+    std::uint32_t otherDefinition = 0;
+    std::uint32_t otherNumber = 0;
 };
 
 }  // namespace vl::jet

@@ -29,6 +29,10 @@ IndexTree::IndexTree(PageSpace& pages, const IndexDefinition& index, PageNo defi
     : pages_(pages), index_(index), owner_{definitionPage, index.ownedPages} {}
 
 void IndexTree::checkKey(const IndexKey& key, std::optional<RowId> own) {
+    if (key.bytes.size() + kEntryRow + kEntryChild > kLongestEntry) {
+        throw Error(ErrNo::Overflow, "a key of " + std::to_string(key.bytes.size()) +
+                                         " bytes is too long for an index");
+    }
     if (index_.required && key.hasNull) {
         throw Error(ErrNo::TypeMismatch, "a column of the index is null, but needs a value");
     }

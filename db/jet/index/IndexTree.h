@@ -29,7 +29,8 @@ public:
 
     /// Throws `Error` unless a row may have this key: `ErrNo::TypeMismatch` for a null where the
     /// index needs values, `ErrNo::Exists` where it is unique and another row has the key, unless
-    /// all of it is null. `own` is the row itself, when it has an entry already.
+    /// all of it is null; `ErrNo::Overflow` for one too long for any page. `own` is the row itself,
+    /// when it has an entry already.
     void checkKey(const IndexKey& key, std::optional<RowId> own = {});
 
     /// Whether a row other than `except` has the key.
