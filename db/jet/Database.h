@@ -12,6 +12,8 @@
 
 namespace vl::jet {
 
+struct Finding;
+
 struct TableInfo {
     std::string name;
     std::uint32_t definitionPage = 0;
@@ -48,6 +50,7 @@ public:
 
 private:
     friend class Transaction;
+    friend std::vector<Finding> checkDatabase(Database& db);
     explicit Database(std::unique_ptr<PageFile> file);
 
     std::unique_ptr<PageFile> file_;

@@ -51,6 +51,29 @@ LongValue::LongValue(PageFile& file, ByteView definition, const Origin& origin) 
     }
 }
 
+std::vector<RowPointer> LongValue::pieces(PageFile& file, ByteView definition,
+                                          const Origin& origin) {
+    if (definition.size() < kDefinition || u32(definition, 0) >> 30 == 2) {
+        return {};
+    }
+    std::vector<RowPointer> pieces{RowPointer::read(definition, 4)};
+    if (u32(definition, 0) >> 30 == 1) {
+        return pieces;
+    }
+    for (std::size_t left = u32(definition, 0) & kLengthBits;;) {
+        Page page;
+        const ByteView row = plainRow(file, pieces.back(), page);
+        if (row.size() <= 4 || row.size() - 4 > left) {
+            origin.corrupt("the pieces of a long value are not as long as it");
+        }
+        left -= row.size() - 4;
+        if (left == 0) {
+            return pieces;
+        }
+        pieces.push_back(RowPointer::read(row, 0));
+    }
+}
+
 ByteView LongValue::piece(PageFile& file, RowPointer pointer) {
     const ByteView row = plainRow(file, pointer, page_);
     if (u32(page_.bytes(), 4) != DataPage::kLongValues) {

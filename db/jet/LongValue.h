@@ -29,6 +29,11 @@ public:
 
     ByteView bytes() const noexcept { return bytes_; }
 
+    /// The rows that hold the value's pieces, none of one inside its row. Throws `Error`
+    /// (`ErrNo::Corrupt`) when pieces are missing or are not as long as the value.
+    static std::vector<RowPointer> pieces(PageFile& file, ByteView definition,
+                                          const Origin& origin);
+
 private:
     ByteView piece(PageFile& file, RowPointer pointer);
     void readChain(PageFile& file, RowPointer first, std::size_t length);

@@ -52,6 +52,9 @@ Page PageFile::page(PageNo number) {
 }
 
 void PageFile::refresh() {
+    if (changing_) {
+        return;  // nobody else writes, and the file has not all of it yet
+    }
     frames_.assign(kFrames, Frame{});
     pageCount_ = static_cast<PageNo>(
         std::min<std::uint64_t>(file_->size() / kPageSize, std::numeric_limits<PageNo>::max()));

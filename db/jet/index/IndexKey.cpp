@@ -206,4 +206,10 @@ IndexKey indexKey(const IndexDefinition& index, std::span<const Variant> values)
     return key;
 }
 
+bool allNull(const IndexDefinition& index, ByteView key) noexcept {
+    return std::equal(
+        key.begin(), key.end(), index.columns.begin(), index.columns.end(),
+        [](std::byte b, const KeyColumn& part) { return b == (part.descending ? ~kNull : kNull); });
+}
+
 }  // namespace vl::jet

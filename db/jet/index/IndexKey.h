@@ -25,4 +25,7 @@ struct IndexKey {
 /// Source: docs/jet4.md, "Keys".
 IndexKey indexKey(const IndexDefinition& index, std::span<const Variant> values);
 
+/// Whether a key is that of a row whose key columns are all null.
+bool allNull(const IndexDefinition& index, ByteView key) noexcept;
+
 }  // namespace vl::jet

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Bytes.h"
+#include "LongValue.h"
 #include "base/ErrorState.h"
 
 namespace vl::jet {
@@ -87,23 +88,8 @@ void LongValueStore::erase(ByteView bytes, const Origin& origin) {
     if (isInline(bytes)) {
         return;
     }
-    const std::uint32_t head = u32(bytes, 0);
-    RowPointer piece = RowPointer::read(bytes, 4);
-    if (head >> 30 == 1) {
+    for (const RowPointer piece : LongValue::pieces(file_, bytes, origin)) {
         pages_.erase(piece);
-        return;
-    }
-    std::size_t left = head & kLengthBits;
-    while (left > 0) {
-        Page page;
-        const ByteView row = plainRow(file_, piece, page);
-        if (row.size() <= kPointer || row.size() - kPointer > left) {
-            origin.corrupt("the pieces of a long value are not as long as it");
-        }
-        left -= row.size() - kPointer;
-        const RowPointer next = RowPointer::read(row, 0);
-        pages_.erase(piece);
-        piece = next;
     }
 }
 

@@ -60,6 +60,16 @@ TEST_F(TransactionTest, TheFileGrows) {
     EXPECT_EQ(valueOf(file.page(3)), 5U);
 }
 
+TEST_F(TransactionTest, WhatIsReadAnewIsWhatWasWritten) {
+    Transaction change(file);
+    file.writePage(file.appendPage(), bytesOf(9));
+    file.refresh();
+    EXPECT_EQ(file.pageCount(), 4U);
+    EXPECT_EQ(valueOf(file.page(3)), 9U);
+    change.commit();
+    EXPECT_EQ(valueOf(file.page(3)), 9U);
+}
+
 TEST_F(TransactionTest, OthersLearnOfAChange) {
     const auto counter = [&] { return jet::u16(disk.bytes, 0xE02); };
     const unsigned before = counter();

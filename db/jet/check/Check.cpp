@@ -1,0 +1,61 @@
+#include "db/jet/check/Check.h"
+
+#include "Bytes.h"
+#include "Catalog.h"
+#include "TableCheck.h"
+#include "UsageMap.h"
+
+namespace vl::jet {
+
+namespace {
+
+constexpr RowPointer kFreePages{1, 0};
+constexpr RowPointer kSecondMap{1, 1};
+
+// Pages that nobody has and that are not free either are waste, no damage.
+void checkFreePages(PageFile& file, const Claims& claims, Findings& findings) {
+    findings.attempt(kFreePages.page, [&] {
+        for (const PageNo page : readUsageMap(file, kFreePages, Beyond::Ignored)) {
+            if (claims.isClaimed(page)) {
+                findings.add(page,
+                             "is in the map of free pages, but belongs to " + claims.ownerOf(page));
+            }
+        }
+    });
+}
+
+void claimFixedPages(PageFile& file, Claims& claims, Findings& findings) {
+    claims.claim(0, "the header");
+    claims.claimMapRow(kFreePages, "free pages");
+    claims.claimMapRow(kSecondMap, "the second map");
+    findings.attempt(kFreePages.page, [&] {
+        for (const PageNo page : bitmapPages(file, kFreePages)) {
+            claims.claim(page, "the map of free pages");
+        }
+    });
+}
+
+}  // namespace
+
+std::vector<Finding> checkDatabase(PageFile& file) {
+    Findings findings(file.name());
+    Claims claims(file.pageCount(), findings);
+    claimFixedPages(file, claims, findings);
+    std::vector<TableInfo> tables;
+    findings.attempt(2, [&] { tables = readCatalog(file); });
+    for (const TableInfo& info : tables) {
+        findings.attempt(info.definitionPage, [&] {
+            const TableDefinition table = readTableDefinition(file, info.definitionPage, info.name);
+            TableCheck(file, table, claims, findings).run(!info.system);
+        });
+    }
+    checkFreePages(file, claims, findings);
+    return findings.take();
+}
+
+std::vector<Finding> checkDatabase(Database& db) {
+    db.file_->refresh();
+    return checkDatabase(*db.file_);
+}
+
+}  // namespace vl::jet
