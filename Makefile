@@ -15,6 +15,7 @@ help:
 	@echo "              virtual desktop, with a picture in run/picture.png"
 	@echo "make test     build and run all tests"
 	@echo "make asan     the tests under the address and undefined-behaviour sanitizers"
+	@echo "make fuzz     feed made-up inputs to the file reader and the SQL parser, MINUTES=10 each"
 	@echo "make bench    build and run the benchmarks"
 	@echo "make format   clang-format all sources"
 	@echo "make lint     check the format, run clang-tidy, look over the scripts"
@@ -43,6 +44,12 @@ asan:
 	@cmake --preset asan
 	@cmake --build --preset asan -j $(JOBS)
 	@ctest --preset asan -j $(JOBS)
+
+fuzz:
+	@scripts/setup.sh build test fuzz
+	@cmake --preset fuzz
+	@cmake --build --preset fuzz -j $(JOBS)
+	@scripts/fuzz.sh build/fuzz $(or $(MINUTES),10)
 
 bench:
 	@scripts/setup.sh build bench

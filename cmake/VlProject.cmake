@@ -32,6 +32,11 @@ if(VL_SANITIZE)
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 endif()
+if(VL_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
 
 # One static library per floor. HEADERS become visible, under their path from the root, only to
 # those who link the library: each gets a one-line forwarding header in a folder of the library's

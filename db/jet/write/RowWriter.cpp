@@ -17,7 +17,6 @@ namespace {
 
 // Without what long values have outside of it.
 constexpr std::size_t kLongestRow = 4060;
-constexpr std::size_t kCountersAt = 0x10;
 constexpr std::size_t kCountersEnd = 0x1C;
 constexpr std::size_t kTreesAt = 0x3F;
 
@@ -211,7 +210,7 @@ void RowWriter::assign(Fields& fields, std::span<const Table::Change> changes) {
         assert(position < fields.size());
         const Column& column = table_.columns[position];
         named(labelOf(file_, table_) + ", column \"" + column.name + "\"",
-              [&, &v = value] { fields[position] = fieldOf(column, v); });
+              [&, &v = value, at = position] { fields[at] = fieldOf(column, v); });
     }
 }
 

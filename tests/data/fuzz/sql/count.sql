@@ -1,0 +1,1 @@
+SELECT COUNT(*) AS n, MIN(EventID), MAX(StartDateTime) FROM Reminders WHERE EventID BETWEEN 1001 AND 1005

@@ -1,0 +1,1 @@
+DELETE * FROM Reminders WHERE (Deleted=True);

@@ -1,0 +1,1 @@
+SELECT DISTINCT Reminders.VLBase FROM Reminders;

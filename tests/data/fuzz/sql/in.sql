@@ -1,0 +1,1 @@
+SELECT EventID FROM Reminders WHERE EventID IN (1001, 1002, NULL) AND -EventID * 2 + 1.5E3 / 3 < 7 MOD 2

@@ -1,0 +1,1 @@
+CREATE UNIQUE INDEX i ON Reminders (Subject DESC, EventID) WITH DISALLOW NULL;

@@ -1,0 +1,1 @@
+INSERT INTO Reminders (GUID, Subject, StartDateTime) VALUES ("a", 'b "c"', #11/20/2026#);

@@ -1,0 +1,1 @@
+SELECT Subject FROM Reminders WHERE Subject LIKE '*[a-z]?#*' AND Subject NOT LIKE "x"

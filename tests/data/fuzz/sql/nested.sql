@@ -1,0 +1,1 @@
+SELECT EventID FROM Reminders WHERE ((((EventID=1 AND NOT (Hidden OR Deleted)))))

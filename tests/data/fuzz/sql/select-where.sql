@@ -1,0 +1,1 @@
+SELECT [GUID], Subject AS s FROM Reminders WHERE NOT Deleted AND (StartDateTime > #2026-11-20 09:30:00# OR Dismissed IS NULL) ORDER BY StartDateTime DESC, GUID

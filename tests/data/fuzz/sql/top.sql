@@ -1,0 +1,1 @@
+SELECT TOP 3 EventID FROM Reminders ORDER BY EventID

@@ -1,0 +1,1 @@
+UPDATE Reminders SET status = "AllDone", Body = Null WHERE EventID = 1001

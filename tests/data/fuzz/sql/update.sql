@@ -1,0 +1,1 @@
+UPDATE Reminders SET Hidden = -1, NextReminder = #2026-11-20# WHERE (GUID="{x}");
