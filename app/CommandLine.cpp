@@ -3,6 +3,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/GenCollection.h"
+#include "platform/Platform.h"
 
 namespace vl {
 
@@ -31,9 +32,24 @@ void readOptions(std::span<const std::string> arguments, CommandLine& line) {
     }
 }
 
+std::string joined(std::span<const std::string> arguments) {
+    std::string all;
+    for (const std::string& argument : arguments) {
+        all += (all.empty() ? "" : " ") + argument;
+    }
+    return all;
+}
+
+// The name is in quotes, or ends at the first blank.
+std::string_view behindProgramName(std::string_view rawLine) {
+    const bool quoted = rawLine.starts_with('"');
+    const std::size_t end = quoted ? rawLine.find('"', 1) : rawLine.find_first_of(" \t");
+    return end == std::string_view::npos ? std::string_view() : rawLine.substr(end + 1);
+}
+
 }  // namespace
 
-CommandLine readCommandLine(std::span<const std::string> arguments) {
+CommandLine readCommandLine(std::span<const std::string> arguments, std::string_view rawLine) {
     const ErrScope scope;
     CommandLine line;
     attempt([&] {
@@ -41,12 +57,17 @@ CommandLine readCommandLine(std::span<const std::string> arguments) {
             readOptions(arguments, line);
             return;
         }
-        std::string whole;
-        for (const std::string& argument : arguments) {
-            whole += (whole.empty() ? "" : " ") + argument;
-        }
-        line.DBFolder = hostFolder(whole);
+        const std::string_view raw = behindProgramName(rawLine);
+        const bool isPlain = !raw.empty() && raw.find('"') == std::string_view::npos;
+        line.DBFolder = hostFolder(isPlain ? std::string(raw) : joined(arguments));
     });
+    return line;
+}
+
+std::string rawCommandLine() {
+    const ErrScope scope;
+    std::string line;
+    attempt([&] { line = platform::rawCommandLine(); });
     return line;
 }
 

@@ -20,8 +20,14 @@ struct CommandLine {
 ///   --db-folder FOLDER   (or --db-folder=FOLDER) the folder, taken whole as it stands
 ///   --help, --version
 ///
-/// Any other is in the host's form, see `hostFolder`. Never throws.
-CommandLine readCommandLine(std::span<const std::string> arguments);
+/// Any other is in the host's form, see `hostFolder`: the raw line behind the program's name, so
+/// that every blank counts; the arguments with a blank between two where there is no raw line, or
+/// where it has quotes, which are no part of any folder. Never throws.
+CommandLine readCommandLine(std::span<const std::string> arguments, std::string_view rawLine = {});
+
+/// The line with which this program was started, with its name; empty on systems that hand
+/// programs their arguments one by one. Never throws.
+std::string rawCommandLine();
 
 /// The database's folder out of a line in the host's form, "/NAME=FOLDER": the line, trimmed as a
 /// whole, is split at every "/", empty pieces do not count, and of the first piece the text

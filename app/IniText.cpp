@@ -7,7 +7,9 @@ namespace vl {
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kLittleMark = "\xFF\xFE";
+constexpr std::string_view kBigMark = "\xFE\xFF";
 constexpr std::string_view kBlanks = " \t";
 
 std::string_view trimmed(std::string_view s) noexcept {
@@ -39,6 +41,31 @@ bool isEntry(std::string_view line) noexcept {
     return !s.empty() && s.front() != ';';
 }
 
+bool begins(std::string_view bytes, std::string_view mark) noexcept {
+    return bytes.substr(0, mark.size()) == mark;
+}
+
+std::string fromUnits(std::string_view bytes, bool little) {
+    std::u16string units;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const auto first = static_cast<unsigned char>(bytes[i]);
+        const auto second = static_cast<unsigned char>(bytes[i + 1]);
+        units += static_cast<char16_t>(little ? first | second << 8 : first << 8 | second);
+    }
+    return text::fromUtf16(units);
+}
+
+std::string toUnits(std::string_view text, bool little) {
+    std::string bytes;
+    for (const char16_t unit : text::toUtf16(text)) {
+        const auto low = static_cast<char>(unit & 0xFF);
+        const auto high = static_cast<char>(unit >> 8);
+        bytes += little ? low : high;
+        bytes += little ? high : low;
+    }
+    return bytes;
+}
+
 struct Entry {
     std::string_view key;
     std::string_view value;
@@ -55,8 +82,17 @@ Entry entryOf(std::string_view line) noexcept {
 }  // namespace
 
 IniText::IniText(std::string_view bytes) {
-    mark_ = bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark;
-    bytes.remove_prefix(mark_ ? kByteOrderMark.size() : 0);
+    std::string decoded;
+    if (begins(bytes, kUtf8Mark)) {
+        encoding_ = Encoding::Utf8;
+        bytes.remove_prefix(kUtf8Mark.size());
+    } else if (begins(bytes, kLittleMark) || begins(bytes, kBigMark)) {
+        encoding_ = begins(bytes, kLittleMark) ? Encoding::Utf16Little : Encoding::Utf16Big;
+        bytes.remove_prefix(kLittleMark.size());
+        oddByte_ = bytes.substr(bytes.size() - bytes.size() % 2);
+        decoded = fromUnits(bytes, encoding_ == Encoding::Utf16Little);
+        bytes = decoded;
+    }
     while (!bytes.empty()) {
         const std::size_t end = bytes.find('\n');
         std::string_view text = bytes.substr(0, end);
@@ -72,19 +108,29 @@ IniText::IniText(std::string_view bytes) {
 }
 
 std::string IniText::bytes() const {
-    std::string all(mark_ ? kByteOrderMark : "");
+    std::string all;
     for (const Line& line : lines_) {
         all.append(line.text).append(line.end);
+    }
+    switch (encoding_) {
+        case Encoding::System:
+            break;
+        case Encoding::Utf8:
+            return std::string(kUtf8Mark) + all;
+        case Encoding::Utf16Little:
+            return std::string(kLittleMark) + toUnits(all, true) + oddByte_;
+        case Encoding::Utf16Big:
+            return std::string(kBigMark) + toUnits(all, false) + oddByte_;
     }
     return all;
 }
 
 std::string IniText::decode(std::string_view bytes) const {
-    return mark_ ? std::string(bytes) : platform::fromSettingsText(bytes);
+    return encoding_ == Encoding::System ? platform::fromSettingsText(bytes) : std::string(bytes);
 }
 
 std::string IniText::encode(std::string_view text) const {
-    return mark_ ? std::string(text) : platform::toSettingsText(text);
+    return encoding_ == Encoding::System ? platform::toSettingsText(text) : std::string(text);
 }
 
 std::optional<IniText::Section> IniText::find(std::string_view section) const {

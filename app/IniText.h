@@ -8,8 +8,8 @@
 
 namespace vl {
 
-/// An INI file in memory. Lines keep their bytes; names and values given and returned are UTF-8.
-/// How it is understood stands at `Settings`.
+/// An INI file in memory. Lines keep their characters; names and values given and returned are
+/// UTF-8. How it is understood stands at `Settings`.
 class IniText {
 public:
     explicit IniText(std::string_view bytes);
@@ -35,6 +35,9 @@ private:
         std::size_t last;
     };
 
+    // Of the file, by its byte order mark. Lines are in UTF-8 wherever there is one.
+    enum class Encoding { System, Utf8, Utf16Little, Utf16Big };
+
     std::optional<Section> find(std::string_view section) const;
     std::optional<std::size_t> findKey(const Section& section, std::string_view key) const;
     Section findOrAppend(std::string_view section);
@@ -44,7 +47,8 @@ private:
     std::string decode(std::string_view bytes) const;
     std::string encode(std::string_view text) const;
 
-    bool mark_ = false;  // begins with a UTF-8 byte order mark
+    Encoding encoding_ = Encoding::System;
+    std::string oddByte_;  // half a character behind the last one
     std::string newEnd_;
     std::vector<Line> lines_;
 };

@@ -45,7 +45,7 @@ bool isInSight(const ScreenArea& window, std::span<const ScreenArea> screens) {
 
 constexpr double kMost = 2147483647.0;
 
-int whole(double edge) {
+int wholeNumber(double edge) {
     return std::isnan(edge)
                ? 0
                : static_cast<int>(text::roundHalfEven(std::clamp(edge, -kMost, kMost)));
@@ -54,32 +54,31 @@ int whole(double edge) {
 std::optional<int> savedExtent(const Settings& settings, const char* key) {
     constexpr double kLargest = 1e6;  // more than any screen has
     const double value = text::leadingNumber(settings.GetIni("Window", key, 0.0));
-    return value > 0.0 ? std::optional(whole(std::min(value, kLargest))) : std::nullopt;
+    return value > 0.0 ? std::optional(wholeNumber(std::min(value, kLargest))) : std::nullopt;
 }
 
 }  // namespace
 
 int clampedEdge(double value, double screenExtent, double windowExtent, double start) {
     // The smaller first: a window larger than the screen begins at its edge.
-    return whole(std::max(std::min(value, start + screenExtent - windowExtent), start));
+    return wholeNumber(std::max(std::min(value, start + screenExtent - windowExtent), start));
 }
 
 WindowPlacement readPlacement(const Settings& settings, std::span<const ScreenArea> screens,
-                              Extent window, Extent frame) {
+                              const ScreenArea& whole, Extent window, Extent frame) {
     const auto saved = [&](const char* key, double otherwise) {
         return text::leadingNumber(settings.GetIni("Window", key, otherwise));
     };
-    const ScreenArea first = screens.empty() ? ScreenArea() : screens.front();
     WindowPlacement placement;
     placement.width = savedExtent(settings, "Width");
     placement.height = savedExtent(settings, "Height");
-    const ScreenArea wanted{saved("Left", first.left + first.width / 2),
-                            saved("Top", first.top + first.height / 2),
-                            placement.width.value_or(whole(window.width)) + frame.width,
-                            placement.height.value_or(whole(window.height)) + frame.height};
+    const ScreenArea wanted{saved("Left", whole.left + whole.width / 2),
+                            saved("Top", whole.top + whole.height / 2),
+                            placement.width.value_or(wholeNumber(window.width)) + frame.width,
+                            placement.height.value_or(wholeNumber(window.height)) + frame.height};
     if (screens.empty() || isInSight(wanted, screens)) {
-        placement.left = whole(wanted.left);
-        placement.top = whole(wanted.top);
+        placement.left = wholeNumber(wanted.left);
+        placement.top = wholeNumber(wanted.top);
         return placement;
     }
     const ScreenArea& screen = screenOf(wanted, screens);

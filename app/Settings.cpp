@@ -104,6 +104,9 @@ void Settings::SaveIniSection(std::string_view section, std::string_view text) {
     attempt([&] {
         std::vector<std::string> entries;
         for (const std::string_view piece : text::split(text, kNul)) {
+            if (piece.empty()) {
+                break;  // a double NUL
+            }
             if (!firstLine(piece).empty()) {
                 entries.emplace_back(firstLine(piece));
             }

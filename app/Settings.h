@@ -19,7 +19,8 @@ namespace vl {
 /// stays byte for byte: comments, empty lines, line ends, a byte order mark, a missing last line
 /// end, bytes that are no text.
 ///
-/// The file is in the system code page on Windows, in UTF-8 elsewhere and behind a byte order mark.
+/// The file is in the system code page on Windows, in UTF-8 elsewhere; behind a byte order mark in
+/// what that says, UTF-8 or UTF-16 of either byte order, and stays in it.
 /// No method throws or reports a failure: reads give the default, writes are lost (and traced).
 class Settings {
 public:
@@ -39,7 +40,8 @@ public:
     /// Nothing is written under an empty section or key.
     void SaveIni(std::string_view section, std::string_view key, std::string_view value);
 
-    /// Replaces the section's entries by these, each ended by a NUL. Comments stay.
+    /// Replaces the section's entries by these, each ended by a NUL; an empty one ends the list,
+    /// whatever follows. Comments stay.
     void SaveIniSection(std::string_view section, std::string_view text);
 };
 

@@ -134,7 +134,15 @@ DateTime parseTimestamp(std::string_view text, bool toLocal) {
     if (!in.atEnd()) {
         in.fail("the end");
     }
-    return toLocal ? TimeZone::local().fromUtc(written.addSeconds(-offset)) : written;
+    if (!toLocal) {
+        return written;
+    }
+    const DateTime local = TimeZone::local().fromUtc(written.addSeconds(-offset));
+    if (const int reached = local.civil().year; reached < 0 || reached > 9999) {
+        throw Error(ErrNo::Overflow,
+                    "timestamp \"" + std::string(text) + "\": not in the years 0 to 9999 here");
+    }
+    return local;
 }
 
 std::string formatTimestamp(DateTime dateTime, bool asLocal) {

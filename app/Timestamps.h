@@ -16,7 +16,8 @@ namespace vl {
 /// time without an offset, is taken as written in both cases. Small "t" and "z" are understood,
 /// and a blank for the "T"; fractions of a second are dropped, since no date-time of an event has
 /// any; second 60 counts as 59.
-/// Throws `Error` (`ErrNo::Syntax`, naming the text and the place) for anything else.
+/// Throws `Error` for anything else (`ErrNo::Syntax`, naming the text and the place), and for an
+/// instant that in local time lies before the year 0 or after 9999 (`ErrNo::Overflow`).
 DateTime parseTimestamp(std::string_view text, bool toLocal);
 
 /// The RFC 3339 text of a date-time, in whole seconds; 0 gives an empty text.

@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
     // Hidden to the tray is the normal state; Exit ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    vl::Module1 shared(vl::readCommandLine(argumentsOf(application)));
+    vl::Module1 shared(vl::readCommandLine(argumentsOf(application), vl::rawCommandLine()));
     vl::GridUtils gridUtils(shared.values.DebugMode);
     vl::frmDDE MainWindow({.reminders = shared.reminders,
                            .period = shared.period,

@@ -34,6 +34,10 @@ constexpr QSize kFirstSize(760, 440);
 // A program that starts with the desktop is often there before the panel.
 constexpr auto kTrayMayTake = 5s;
 
+ScreenArea areaOf(const QRect& r) {
+    return {double(r.left()), double(r.top()), double(r.width()), double(r.height())};
+}
+
 const char* flagText(bool flag) { return flag ? "-1" : "0"; }
 
 }  // namespace
@@ -74,17 +78,15 @@ void frmDDE::placeWindow() {
     const QScreen* first = QGuiApplication::primaryScreen();
     std::vector<ScreenArea> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect area = screen->availableGeometry();
         screens.insert(screen == first ? screens.begin() : screens.end(),
-                       ScreenArea{double(area.left()), double(area.top()), double(area.width()),
-                                  double(area.height())});
+                       areaOf(screen->availableGeometry()));
     }
     if (first != nullptr) {
         resize(kFirstSize.boundedTo(first->availableSize() - QSize(0, titleBar)));
     }
     const WindowPlacement place =
-        readPlacement(parts_.settings, screens, {double(width()), double(height())},
-                      {0, static_cast<double>(titleBar)});
+        readPlacement(parts_.settings, screens, first ? areaOf(first->geometry()) : ScreenArea(),
+                      {double(width()), double(height())}, {0, static_cast<double>(titleBar)});
     move(place.left, place.top);
     resize(place.width.value_or(width()), place.height.value_or(height()));
 }

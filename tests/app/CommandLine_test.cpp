@@ -46,6 +46,35 @@ TEST(CommandLine, JoinsTheHostsArgumentsWithBlanks) {
     EXPECT_EQ(readCommandLine({}).DBFolder, "");
 }
 
+TEST(CommandLine, KeepsRunsOfBlanksInAFolder) {
+    struct Case {
+        const char* raw;
+        std::vector<std::string> arguments;
+        const char* folder;
+    };
+    const Case cases[] = {
+        {"", {"/DB=C:\\My  Data"}, "C:\\My  Data"},  // one argument where there is no raw line
+        {"vlreminders.exe /DB=C:\\My  Data ", {"/DB=C:\\My", "Data"}, "C:\\My  Data"},
+        {"\"C:\\Program Files\\VL\\vlreminders.exe\"  /DB=C:\\A   b  /x",
+         {"/DB=C:\\A", "b", "/x"},
+         "C:\\A   b  "},
+        {"vlreminders.exe /DB=\"C:\\My  Data\"", {"/DB=C:\\My  Data"}, "C:\\My  Data"},
+        {"\"vl\" \"/DB=C:\\My  Data\"", {"/DB=C:\\My  Data"}, "C:\\My  Data"},
+        {"vlreminders.exe", {}, ""},
+        {"\"vlreminders.exe", {}, ""},
+        {"vl --db-folder  C:\\A", {"--db-folder", "C:\\A"}, "C:\\A"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.raw);
+        EXPECT_EQ(readCommandLine(c.arguments, c.raw).DBFolder, c.folder);
+    }
+#ifdef _WIN32
+    EXPECT_FALSE(rawCommandLine().empty());
+#else
+    EXPECT_TRUE(rawCommandLine().empty());
+#endif
+}
+
 TEST(CommandLine, ReadsOptionsOnlyWhenItBeginsWithOne) {
     const auto read = [](std::vector<std::string> arguments) { return readCommandLine(arguments); };
     EXPECT_EQ(read({"--db-folder", "/home/me/a=b c/"}).DBFolder, "/home/me/a=b c/");

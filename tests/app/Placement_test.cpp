@@ -48,18 +48,18 @@ constexpr Extent kWindow{560, 380};
 
 TEST_F(Placement, ComesFromTheSettings) {
     const ScreenArea screen[] = {{0, 0, 1280, 800}};
-    WindowPlacement p = readPlacement(settings, screen, kWindow);
+    WindowPlacement p = readPlacement(settings, screen, screen[0], kWindow);
     EXPECT_EQ(p.left, 640);
     EXPECT_EQ(p.top, 400);
     EXPECT_FALSE(p.width || p.height);
     save("5000", "12.5 px", "700", "-1");
-    p = readPlacement(settings, screen, kWindow);
+    p = readPlacement(settings, screen, screen[0], kWindow);
     EXPECT_EQ(p.left, 1280 - 700) << "of the window as it will be";
     EXPECT_EQ(p.top, 12);
     EXPECT_EQ(p.width, 700);
     EXPECT_FALSE(p.height);
     save("left", "-0", "wide", "1e9");
-    p = readPlacement(settings, screen, kWindow);
+    p = readPlacement(settings, screen, screen[0], kWindow);
     EXPECT_EQ(p.left, 0);
     EXPECT_EQ(p.top, 0);
     EXPECT_FALSE(p.width);
@@ -97,10 +97,21 @@ TEST_F(Placement, IsWhereItWasOrOnTheScreenNextToIt) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         save(c.left, c.top);
-        const WindowPlacement p = readPlacement(settings, c.screens, kWindow);
+        const WindowPlacement p =
+            readPlacement(settings, c.screens, c.screens.empty() ? one : c.screens[0], kWindow);
         EXPECT_EQ(p.left, c.x);
         EXPECT_EQ(p.top, c.y);
     }
+}
+
+TEST_F(Placement, BeginsAtHalfTheScreenWithItsPanels) {
+    const ScreenArea whole{0, 0, 1280, 800};
+    const ScreenArea free[] = {{60, 30, 1220, 740}};
+    const WindowPlacement p = readPlacement(settings, free, whole, {560, 300});
+    EXPECT_EQ(p.left, 640);
+    EXPECT_EQ(p.top, 400);
+    const WindowPlacement larger = readPlacement(settings, free, whole, kWindow);
+    EXPECT_EQ(larger.top, 770 - 380) << "clamped to what the panels leave";
 }
 
 // Of one screen that is nothing but: the smaller of value and bound, then the larger of that and 0.
@@ -109,7 +120,7 @@ TEST_F(Placement, OnOneScreenEachEdgeIsClampedByItself) {
     for (int left = -700; left <= 2000; left += 250) {
         for (int top = -700; top <= 2000; top += 250) {
             save(std::to_string(left).c_str(), std::to_string(top).c_str());
-            const WindowPlacement p = readPlacement(settings, screen, kWindow, {0, 20});
+            const WindowPlacement p = readPlacement(settings, screen, screen[0], kWindow, {0, 20});
             ASSERT_EQ(p.left, std::max(std::min(left, 1280 - 560), 0));
             ASSERT_EQ(p.top, std::max(std::min(top, 800 - 380 - 20), 0));
         }
@@ -119,7 +130,7 @@ TEST_F(Placement, OnOneScreenEachEdgeIsClampedByItself) {
 TEST_F(Placement, AWindowLargerThanTheScreenBeginsAtItsEdge) {
     const ScreenArea screens[] = {{0, 0, 1280, 800}, {-1280, 0, 1280, 800}};
     save("-1200", "40", "2000", "900");
-    const WindowPlacement p = readPlacement(settings, screens, kWindow);
+    const WindowPlacement p = readPlacement(settings, screens, screens[0], kWindow);
     EXPECT_EQ(p.left, -1280);
     EXPECT_EQ(p.top, 0);
 }

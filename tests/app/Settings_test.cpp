@@ -105,6 +105,48 @@ TEST_F(SettingsFile, ReadsThroughAByteOrderMarkAndAnyLineEnd) {
     EXPECT_EQ(with("[\xC3\x84]\n\xC3\x9C=1").GetIni("\xC3\xA4", "\xC3\xBC"), "1");
 }
 
+// As a person's editor may leave the file: "Unicode", with a byte order mark.
+std::string utf16(std::string_view text, bool little) {
+    std::string bytes;
+    for (const char16_t unit : text::toUtf16("\xEF\xBB\xBF" + std::string(text))) {
+        const char pair[] = {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
+        bytes += pair[little ? 1 : 0];
+        bytes += pair[little ? 0 : 1];
+    }
+    return bytes;
+}
+
+TEST_F(SettingsFile, StaysInUtf16WhereItIsInUtf16) {
+    for (const bool little : {true, false}) {
+        SCOPED_TRACE(little);
+        const auto in16 = [&](const char* text) { return utf16(text, little); };
+        ASSERT_EQ(in16("[R]").substr(0, 2), little ? "\xFF\xFE" : "\xFE\xFF");
+        EXPECT_EQ(with(in16("[R]\r\na = 1 \r\nb=\xE2\x82\xAC")).GetIni("r", "A"), "1");
+        EXPECT_EQ(with(in16("[R]\nb=\xE2\x82\xAC\xF0\x9F\x94\x94")).GetIni("R", "b"),
+                  "\xE2\x82\xAC\xF0\x9F\x94\x94");
+        EXPECT_EQ(with(in16("[\xC3\x84]\na=1")).GetIniSection("\xC3\xA4"), std::string("a=1\0", 4));
+        EXPECT_EQ(saved(in16("; \xC3\xA4\r\n[R]\r\na=1\r\n"), "R", "a", "\xE2\x82\xAC"),
+                  in16("; \xC3\xA4\r\n[R]\r\na=\xE2\x82\xAC\r\n"));
+        EXPECT_EQ(saved(in16("[R]\r\na=1"), "X", "b", "2"), in16("[R]\r\na=1\r\n[X]\r\nb=2\r\n"));
+        // Bytes that are no text stay: half a pair in the middle, half a unit at the end.
+        std::string broken = in16("[R]\na=1\nx=?\n");
+        broken.replace(broken.size() - 4, 2, little ? "\x01\xD8" : "\xD8\x01");
+        std::string after = broken;
+        after[little ? 14 : 15] = '2';
+        EXPECT_EQ(saved(broken + 'z', "R", "a", "2"), after + 'z');
+        EXPECT_EQ(saved(in16(""), "R", "a", "1").substr(0, 4), in16("[").substr(0, 4));
+    }
+}
+
+TEST_F(SettingsFile, TakesASectionUpToADoubleNul) {
+    using namespace std::string_literals;
+    Settings s = with("[R]\na=1\n");
+    s.SaveIniSection("R", "b=2\0c=3\0\0d=4\0"s);
+    EXPECT_EQ(s.GetIniSection("R"), "b=2\0c=3\0"s);
+    s.SaveIniSection("R", "\0e=5\0"s);
+    EXPECT_EQ(s.GetIniSection("R"), "");
+}
+
 TEST_F(SettingsFile, CutsLongValuesLikeTheSystem) {
     const std::string wide = "\xE2\x82\xAC";  // one UTF-16 unit, three bytes
     std::string many;

@@ -217,5 +217,36 @@ TEST_F(TimestampsLocal, EveryHourOfAYearReadsBackOrLiesInAGap) {
     }
 }
 
+TEST_F(TimestampsLocal, LieInTheYearsThatDatesHave) {
+    struct Case {
+        const char* text;
+        bool local;
+        ErrNo error;
+    };
+    // Further from Greenwich than any zone.
+    static constexpr Case cases[] = {
+        {"9999-12-31T23:30:00-23:00", true, ErrNo::Overflow},
+        {"0000-01-01T00:30:00+23:00", true, ErrNo::Overflow},
+        {"9999-12-31T23:30:00-23:00", false, ErrNo::None},
+        {"0000-01-01T00:30:00+23:00", false, ErrNo::None},
+        {"9999-12-31T23:30:00+23:00", true, ErrNo::None},
+        {"0000-01-01T00:30:00-23:00", true, ErrNo::None},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.text << ' ' << c.local);
+        ErrNo error = ErrNo::None;
+        DateTime d;
+        try {
+            d = parseTimestamp(c.text, c.local);
+        } catch (const Error& e) {
+            error = e.number();
+        }
+        EXPECT_EQ(error, c.error);
+        if (error == ErrNo::None) {
+            EXPECT_EQ(d.civil().year, c.text[0] == '9' ? 9999 : 0);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace vl
