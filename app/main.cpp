@@ -71,7 +71,8 @@ int main(int argc, char** argv) {
                            .sound = shared.sound,
                            .gridUtils = gridUtils,
                            .DebugMode = shared.values.DebugMode,
-                           .HelpBase = shared.values.HelpBase});
+                           .HelpBase = shared.values.HelpBase,
+                           .Version = VL_VERSION});
     MainWindow.Load();
     return QApplication::exec();
 }

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -25,7 +27,11 @@ struct Grid::Place {
 };
 
 Grid::Grid(int grid, TimeText timeText, QWidget* parent)
-    : QTreeView(parent), model_(gridColumns(grid), std::move(timeText)), proxy_(model_) {
+    : QTreeView(parent),
+      model_(gridColumns(grid), std::move(timeText)),
+      proxy_(model_),
+      widths_(gridColumns(grid).size()),
+      grid_(grid) {
     const auto columns = model_.columns();
     setItemDelegate(
         new GridDelegate(columnIndex(columns, CIDSubject), columnIndex(columns, CIDDue), this));
@@ -40,20 +46,65 @@ Grid::Grid(int grid, TimeText timeText, QWidget* parent)
     setSortingEnabled(true);
     header()->setStretchLastSection(false);
     header()->setHighlightSections(false);
+    header()->setSectionsMovable(true);
+    header()->setFirstSectionMovable(true);
+    wireHeader();
     connect(&model_, &QAbstractItemModel::rowsInserted, this, &Grid::countChanged);
     connect(&model_, &QAbstractItemModel::rowsRemoved, this, &Grid::countChanged);
     connect(&model_, &QAbstractItemModel::modelReset, this, &Grid::countChanged);
 }
 
-void Grid::InitGrid() {
-    const auto columns = model_.columns();
-    const int unit = fontMetrics().averageCharWidth();
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        setColumnWidth(static_cast<int>(i), columns[i].width * unit);
+void Grid::wireHeader() {
+    const auto changed = [this] { emit columnsChanged(); };
+    connect(header(), &QHeaderView::sectionMoved, this, changed);
+    connect(header(), &QHeaderView::sortIndicatorChanged, this, changed);
+    connect(header(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
+        if (width > 0) {  // hiding one makes it 0
+            widths_[static_cast<std::size_t>(column)] = width;
+            emit columnsChanged();
+        }
+    });
+    header()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header(), &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        emit headingMenuAsked(header()->viewport()->mapToGlobal(at));
+    });
+}
+
+void Grid::InitGrid() { arrange(firstLayout(grid_, unit())); }
+
+void Grid::arrange(const ColumnLayout& layout) {
+    int place = 0;
+    for (const ColumnLayout::Column& column : layout.columns) {
+        const int index = columnIndex(model_.columns(), column.id);
+        header()->moveSection(header()->visualIndex(index), place++);
+        setColumnHidden(index, false);
+        setColumnWidth(index, column.width);
+        widths_[static_cast<std::size_t>(index)] = column.width;
+        setColumnHidden(index, column.hidden);
     }
-    const int byReminder = columnIndex(columns, CIDReminderD);
-    sortByColumn(byReminder >= 0 ? byReminder : columnIndex(columns, CIDEventD),
-                 Qt::AscendingOrder);
+    sortByColumn(columnIndex(model_.columns(), layout.sortedBy),
+                 layout.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    emit columnsChanged();
+}
+
+ColumnLayout Grid::columnLayout() const {
+    ColumnLayout layout;
+    const auto columns = model_.columns();
+    for (int place = 0; place < header()->count(); ++place) {
+        const int column = header()->logicalIndex(place);
+        const auto at = static_cast<std::size_t>(column);
+        layout.columns.push_back({columns[at].id, widths_[at], isColumnHidden(column)});
+    }
+    layout.sortedBy = columns[static_cast<std::size_t>(header()->sortIndicatorSection())].id;
+    layout.descending = header()->sortIndicatorOrder() == Qt::DescendingOrder;
+    return layout;
+}
+
+void Grid::showColumn(int column, bool shown) {
+    if (shown == isColumnHidden(column)) {
+        setColumnHidden(column, !shown);
+        emit columnsChanged();
+    }
 }
 
 void Grid::DoSort() {
@@ -100,7 +151,16 @@ void Grid::ScrollDown(int down, int right) {
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() + right);
 }
 
-std::vector<std::string> Grid::SelectedGUIDs() const {
+std::string Grid::neighbourOfCurrent() const {
+    const int current = currentIndex().row();
+    if (current < 0 || proxy_.rowCount() < 2) {
+        return {};
+    }
+    const bool last = current == proxy_.rowCount() - 1;
+    return plainText(proxy_.row(last ? current - 1 : current + 1).GUID);
+}
+
+std::vector<int> Grid::selectedPositions() const {
     const QModelIndexList selected = selectionModel()->selectedRows();
     std::vector<int> rows;
     rows.reserve(static_cast<std::size_t>(selected.size()));
@@ -108,12 +168,23 @@ std::vector<std::string> Grid::SelectedGUIDs() const {
         rows.push_back(index.row());
     }
     std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+std::vector<std::string> Grid::SelectedGUIDs() const {
     std::vector<std::string> GUIDs;
-    GUIDs.reserve(rows.size());
-    for (const int row : rows) {
+    for (const int row : selectedPositions()) {
         GUIDs.push_back(plainText(proxy_.row(row).GUID));
     }
     return GUIDs;
+}
+
+std::vector<GridRow> Grid::selectedRows() const {
+    std::vector<GridRow> rows;
+    for (const int row : selectedPositions()) {
+        rows.push_back(proxy_.row(row));
+    }
+    return rows;
 }
 
 const GridRow* Grid::currentRow() const {
@@ -143,6 +214,42 @@ void Grid::paintEvent(QPaintEvent* event) {
     const QRect area = viewport()->rect().adjusted(24, 24, -24, -24);
     painter.drawText(area, static_cast<int>(Qt::AlignHCenter | Qt::AlignTop) | Qt::TextWordWrap,
                      emptyText_);
+}
+
+void Grid::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            emit openAsked();
+            break;
+        case Qt::Key_Delete:
+            emit dismissAsked(event->modifiers().testFlag(Qt::ShiftModifier));
+            break;
+        default:
+            QTreeView::keyPressEvent(event);
+    }
+}
+
+void Grid::contextMenuEvent(QContextMenuEvent* event) {
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {  // below the row that it is about
+        const QRect row = visualRect(currentIndex()) & viewport()->rect();
+        at = viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft());
+    }
+    emit menuAsked(at);
+}
+
+// Not `activated`: where the desktop opens by a single click, that would open each row chosen.
+void Grid::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTreeView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid()) {
+        emit openAsked();
+    }
+}
+
+void Grid::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QTreeView::selectionChanged(selected, deselected);
+    emit chosenRowsChanged();
 }
 
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -7,6 +7,7 @@
 
 #include <QTreeView>
 
+#include "ui/ColumnLayout.h"
 #include "ui/GridModel.h"
 #include "ui/GridProxy.h"
 
@@ -23,8 +24,14 @@ public:
     /// `grid` is 0 new reminders, 1 all reminders, 2 events.
     Grid(int grid, TimeText timeText, QWidget* parent = nullptr);
 
-    /// Widths and sorting as they are at first: by the reminder's time, or the event's date.
+    /// Order, widths and sorting as they are at first: by the reminder's time, or the event's date.
     void InitGrid();
+    void arrange(const ColumnLayout& layout);
+    ColumnLayout columnLayout() const;
+    /// The width of an average character, which first widths are counted in.
+    int unit() const { return fontMetrics().averageCharWidth(); }
+    /// Hidden, a column keeps its width and its place.
+    void showColumn(int column, bool shown);
     /// Sorts again by the column the grid remembers.
     void DoSort();
 
@@ -35,10 +42,14 @@ public:
     /// Makes the row current, alone selected and visible. False when it is not shown.
     bool SelectGUID(std::string_view GUID);
     void selectFirst();
+    /// The row after the current one, or the one before it where that is the last; empty for none.
+    std::string neighbourOfCurrent() const;
     /// Scrolls one step: by so many pixels down and to the right, as far as there is something.
     void ScrollDown(int down, int right = 0);
     /// Of the selected rows, from top to bottom.
     std::vector<std::string> SelectedGUIDs() const;
+    /// The same rows as they stand now.
+    std::vector<GridRow> selectedRows() const;
     /// Null when no row is current.
     const GridRow* currentRow() const;
 
@@ -60,21 +71,41 @@ signals:
     void currentRowChanged();
     /// The number of rows has changed.
     void countChanged();
+    /// Other rows are selected.
+    void chosenRowsChanged();
+    /// Columns have been moved, resized, shown, hidden, or the rows sorted by another one.
+    void columnsChanged();
+    /// Double click, Enter.
+    void openAsked();
+    /// Delete; with Shift the user wants to choose.
+    void dismissAsked(bool choose);
+    /// By the mouse or by the menu key; `at` is a place on the screen.
+    void menuAsked(const QPoint& at);
+    void headingMenuAsked(const QPoint& at);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
                      const QList<int>& roles) override;
 
 private:
     struct Place;
+    void wireHeader();
+    std::vector<int> selectedPositions() const;
     Place place() const;
     void restore(const Place& place);
 
     GridModel model_;
     GridProxy proxy_;
     QString emptyText_;
+    std::vector<int> widths_;  // by column, also of the hidden ones
+    int grid_;
 };
 
 }  // namespace vl

@@ -82,6 +82,7 @@ void Tray::fillMenu() {
     mnuTray_.addSeparator();
     add("mnuRefresh", tr("&Refresh"), &Tray::refresh);
     mnuTray_.addSeparator();
+    add("mnuAbout", tr("&About..."), &Tray::about);
     add("mnuExit", tr("E&xit"), &Tray::exit);
 }
 

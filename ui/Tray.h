@@ -55,6 +55,7 @@ signals:
     void notifType(const QString& letter);
     void onTop();
     void refresh();
+    void about();
     void exit();
 
 private:

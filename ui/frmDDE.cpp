@@ -1,5 +1,7 @@
 #include "ui/frmDDE.h"
 
+#include <chrono>
+
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGridLayout>
@@ -16,6 +18,10 @@
 namespace vl {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kColumnsRest = 500ms;
 
 struct Tab {
     const char* caption;
@@ -55,7 +61,10 @@ frmDDE::frmDDE(const WindowParts& parts)
     wireTray();
 }
 
-frmDDE::~frmDDE() { removeSubclasses(); }
+frmDDE::~frmDDE() {
+    saveColumnsThatWait();
+    removeSubclasses();
+}
 
 void frmDDE::build() {
     setObjectName("frmDDE");
@@ -85,7 +94,12 @@ void frmDDE::build() {
     lblStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     lblNotice = named(new QLabel(this), "lblNotice");
     lblNotice->setTextFormat(Qt::PlainText);
-    butHide = named(new QPushButton(tr("&Hide"), this), "butHide");
+    butOpen = named(new QPushButton(tr("&Open"), this), "butOpen");
+    butOpen->setToolTip(tr("Open the event in Velmora"));
+    butMenu = named(new QPushButton(tr("&Menu"), this), "butMenu");
+    butMenu->setToolTip(tr("What the menu of the tray icon offers"));
+    butMenu->setMenu(&tray_.menu());
+    butHide = named(new QPushButton(tr("Hide &window"), this), "butHide");
     butHide->setToolTip(tr("Hide the window; reminders still come"));
 
     auto* top = new QHBoxLayout;
@@ -97,7 +111,9 @@ void frmDDE::build() {
     top->addStretch(1);
     top->addWidget(lblTime);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(butOpen);
     buttons->addStretch(1);
+    buttons->addWidget(butMenu);
     buttons->addWidget(butHide);
     auto* status = new QHBoxLayout;
     status->addWidget(lblStatus, 1);
@@ -125,16 +141,34 @@ void frmDDE::wire() {
     connect(&firstCheck_, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
     trayWait_.setSingleShot(true);
     connect(&trayWait_, &QTimer::timeout, this, &frmDDE::lookForTray);
+    saveColumns_.setSingleShot(true);
+    saveColumns_.setInterval(kColumnsRest);
+    connect(&saveColumns_, &QTimer::timeout, this, &frmDDE::saveColumns);
 
     connect(cboPeriod, &QComboBox::currentIndexChanged, this, &frmDDE::cboPeriod_Changed);
     connect(UpDown1, &UpDown::stepped, this, &frmDDE::DoUD);
     connect(tabs, &QTabWidget::currentChanged, this, &frmDDE::tabs_Changed);
     connect(txtSearch, &QLineEdit::textChanged, this, &frmDDE::txtSearch_Changed);
     connect(butHide, &QPushButton::clicked, this, &frmDDE::HideMe);
+    connect(butOpen, &QPushButton::clicked, this, &frmDDE::butOpen_Click);
     for (Grid* each : grids_) {
-        connect(each, &Grid::currentRowChanged, this, &frmDDE::currentRowChanged);
-        connect(each, &Grid::countChanged, this, &frmDDE::UpdateUI);
+        wireGrid(*each);
     }
+    wireKeys();
+}
+
+void frmDDE::wireGrid(Grid& each) {
+    connect(&each, &Grid::currentRowChanged, this, &frmDDE::currentRowChanged);
+    connect(&each, &Grid::chosenRowsChanged, this, &frmDDE::updateButtons);
+    connect(&each, &Grid::countChanged, this, &frmDDE::UpdateUI);
+    connect(&each, &Grid::columnsChanged, this, &frmDDE::columnsChanged);
+    connect(&each, &Grid::openAsked, this, &frmDDE::butOpen_Click);
+    connect(&each, &Grid::menuAsked, this, &frmDDE::gridMenu);
+    connect(&each, &Grid::headingMenuAsked, this,
+            [&each](const QPoint& at) { headingMenu(each, at); });
+}
+
+void frmDDE::wireKeys() {
     const auto* help = new QShortcut(Qt::Key_F1, this);
     connect(help, &QShortcut::activated, this, &frmDDE::ShowHelp);
     const auto* refresh = new QShortcut(Qt::Key_F5, this);
@@ -167,6 +201,7 @@ void frmDDE::wireTray() {
         SaveSettings();
     });
     connect(&tray_, &Tray::refresh, this, &frmDDE::mnuRefresh_Click);
+    connect(&tray_, &Tray::about, this, &frmDDE::mnuAbout_Click);
     connect(&tray_, &Tray::exit, this, &frmDDE::Exit);
     connect(&popup_, &Toast::linkClicked, this, &frmDDE::MarkupHyperlinkClick);
     connect(&popup_, &Toast::closed, this, &frmDDE::HidePopUp);

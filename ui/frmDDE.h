@@ -22,6 +22,7 @@
 #include "notify/UpdateCycle.h"
 #include "ui/Grid.h"
 #include "ui/GridUtils.h"
+#include "ui/MessageBoxes.h"
 #include "ui/RowFill.h"
 #include "ui/Toast.h"
 #include "ui/Tray.h"
@@ -30,6 +31,7 @@
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 class QTabWidget;
 
@@ -54,6 +56,9 @@ struct WindowParts {
     /// Whether the desktop shows tray icons. Without one the window is never hidden beyond reach.
     std::function<bool()> hasTray = &Tray::isThere;
     std::function<bool(std::string_view)> openDocument = &vl::openDocument;
+    std::function<bool(const std::vector<std::string>&)> startProgram = &vl::startProgram;
+    std::string Version;             ///< major.minor.revision
+    MessageScreen* boxes = nullptr;  ///< who shows message boxes; null: the window itself
 };
 
 /// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. The window
@@ -133,12 +138,16 @@ private:
     void mnuTray_Opening();
     void MarkupHyperlinkClick(int tag);
     void mnuRefresh_Click();
+    void mnuAbout_Click();
+    void butOpen_Click();
     void lookForTray();
 
     // building (frmDDE.cpp)
     void build();
     void wire();
     void wireTray();
+    void wireGrid(Grid& each);
+    void wireKeys();
 
     // the load handler's steps (frmDDELoad.cpp)
     void beginLoading();
@@ -152,7 +161,6 @@ private:
     void readEvents();
     void setCheckTimer();
     void setTabFont();
-    void initGrids();
     void startTimers();
     void layOut();
     void applyFont();
@@ -161,6 +169,19 @@ private:
     void subclassGrids();
     void removeSubclasses();
     int numberSetting(const char* key) const;  // of the section "Reminders"; 0 when not there
+
+    // columns (frmDDEColumns.cpp)
+    void initGrids();
+    void columnsChanged();
+    void saveColumns();
+    void saveColumnsThatWait();
+    static void headingMenu(Grid& of, const QPoint& at);
+
+    // menus (frmDDEMenus.cpp)
+    MessageScreen& boxes();
+    void gridMenu(const QPoint& at);
+    void fillGridMenu(QMenu& menu);
+    void updateButtons();
 
     // views (frmDDEViews.cpp)
     void ShowPeriod();
@@ -174,6 +195,7 @@ private:
     void showCaptions();
     void showEmptyTexts();
     void showStatus();
+    void sayOnce(const QString& notice);
     QString rowStatus() const;
     std::string troubleText() const;
 
@@ -196,8 +218,9 @@ private:
     QTimer TimerUpdate{this};
     QTimer TimerFlash{this};
     QTimer TimerActions{this};
-    QTimer firstCheck_{this};  // once, as soon as the event loop runs
-    QTimer trayWait_{this};    // once, when a tray should have come
+    QTimer firstCheck_{this};   // once, as soon as the event loop runs
+    QTimer trayWait_{this};     // once, when a tray should have come
+    QTimer saveColumns_{this};  // once, when columns have come to rest
     TimeText timeText_;
 
     QComboBox* cboPeriod = nullptr;
@@ -207,6 +230,8 @@ private:
     QTabWidget* tabs = nullptr;
     QLabel* lblStatus = nullptr;
     QLabel* lblNotice = nullptr;  // beside it: what is there but not shown
+    QPushButton* butOpen = nullptr;
+    QPushButton* butMenu = nullptr;
     QPushButton* butHide = nullptr;
     std::array<Grid*, kGridCount> grids_{};
 
@@ -220,7 +245,10 @@ private:
     bool exiting_ = false;
     bool flashOn_ = false;
     std::shared_ptr<GenCollection> shownEvCol_;  // what the links of the toast stand for
-    bool noTray_ = false;  // what the status line says instead of the current row
+    // What the status line says instead of the current row, until another one is current.
+    QString notice_;
+    std::array<ColumnLayout, kGridCount> savedColumns_;  // as the settings have them
+    MessageBoxes boxes_{*this};
 };
 
 }  // namespace vl

@@ -145,12 +145,6 @@ void frmDDE::setCheckTimer() {
 // The grids are left out by the form's font, they follow their tab.
 void frmDDE::setTabFont() { tabs->setFont(formFont(*tabs)); }
 
-void frmDDE::initGrids() {
-    for (Grid* each : grids_) {
-        each->InitGrid();
-    }
-}
-
 void frmDDE::startTimers() {
     TimerFlash.setInterval(kFlash);
     TimerUpdate.setInterval(kUpdate);

@@ -66,6 +66,7 @@ void frmDDE::ShowHide() {
 
 void frmDDE::Exit() {
     SaveSettings();
+    saveColumnsThatWait();
     removeSubclasses();
     exiting_ = true;
     QCoreApplication::exit(0);
@@ -190,9 +191,8 @@ void frmDDE::mnuRefresh_Click() {
 
 void frmDDE::lookForTray() {
     if (!parts_.hasTray()) {
-        noTray_ = true;
         showWindow();
-        UpdateUI();
+        sayOnce(tr("This desktop shows no tray icons; the window is minimized instead of hidden"));
     }
 }
 

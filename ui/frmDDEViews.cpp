@@ -160,8 +160,12 @@ void frmDDE::txtSearch_Changed(const QString& search) {
 
 void frmDDE::currentRowChanged() {
     const GridRow* row = selectedGrid().currentRow();
+    if (!row || !state_.curEvent || row->event->GUID != state_.curEvent->GUID) {
+        notice_.clear();
+    }
     state_.curEvent = row ? row->event : nullptr;
     showStatus();
+    updateButtons();
 }
 
 void frmDDE::ShowTime() {
@@ -176,6 +180,7 @@ void frmDDE::UpdateUI() {
     showCaptions();
     showEmptyTexts();
     showStatus();
+    updateButtons();
 }
 
 void frmDDE::UpdateG1() {
@@ -223,6 +228,11 @@ QString frmDDE::rowStatus() const {
     return line;
 }
 
+void frmDDE::sayOnce(const QString& notice) {
+    notice_ = notice;
+    showStatus();
+}
+
 void frmDDE::showStatus() {
     const ErrScope scope;
     const QString trouble = qtText(troubleText());
@@ -231,8 +241,8 @@ void frmDDE::showStatus() {
     if (!trouble.isEmpty()) {
         line = parts_.db.DBFullName.empty() ? trouble : tr("%1; F5 tries again").arg(trouble);
         tip = qtText(parts_.db.ReadTrouble().text);
-    } else if (noTray_ && !parts_.hasTray()) {
-        line = tr("This desktop shows no tray icons; the window is minimized instead of hidden");
+    } else if (!notice_.isEmpty()) {
+        line = notice_;
     } else {
         line = rowStatus();
     }

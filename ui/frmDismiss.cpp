@@ -58,7 +58,8 @@ void frmDismiss::build() {
     radAll = named(new QRadioButton(tr("&All reminders"), group), "radAll");
     radDeleteItem = named(new QRadioButton(tr("Dismiss all reminders and DELETE item"), group),
                           "radDeleteItem");
-    auto* choices = new QVBoxLayout(group);
+    auto* choices = new QVBoxLayout;
+    group->setLayout(choices);
     for (QRadioButton* choice : {radThisOnly, radAfter, radAll, radDeleteItem}) {
         choices->addWidget(choice);
     }
@@ -106,6 +107,7 @@ void frmDismiss::ShowModal() {
 
 void frmDismiss::load() {
     loading = loaded_ = true;
+    bCancel = true;  // until it is left by another way: the program may end meanwhile
     if (!sTitle.empty()) {
         setWindowTitle(qtText(sTitle));
     }

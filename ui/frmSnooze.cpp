@@ -120,6 +120,7 @@ void frmSnooze::ShowModal() {
 
 void frmSnooze::load() {
     loading = loaded_ = true;
+    bCancel = true;  // until it is left by another way: the program may end meanwhile
     FillCBO();
     sSnooze = parts_.settings.GetIni(kReminders, kSnooze, kFirstSnooze);
     cboSnooze->setCurrentText(u' ' + qtText(sSnooze));

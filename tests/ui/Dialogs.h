@@ -16,6 +16,9 @@ namespace vl::test {
 /// dialog is closed after `act`, if that has not been done.
 template <class Dialog, class Show>
 void whileOpen(Show&& show, const std::function<void(Dialog&)>& act) {
+    // A test that ended the program's loop has left it closed for loops inside it.
+    QTimer::singleShot(0, QApplication::instance(), &QApplication::quit);
+    QApplication::exec();
     bool acted = false;
     QTimer::singleShot(0, QApplication::instance(), [&] {
         auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());

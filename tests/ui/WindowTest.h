@@ -35,19 +35,51 @@ inline std::shared_ptr<calEvent> event(const std::string& GUID, const std::strin
     return e;
 }
 
+/// Answers message boxes.
+class Boxes : public MessageScreen {
+public:
+    BoxAnswer ShowBox(const BoxRequest& box) override {
+        shown.push_back(box);
+        return answer;
+    }
+
+    std::vector<BoxRequest> shown;
+    BoxAnswer answer = BoxAnswer::Ok;
+};
+
 /// A window over sets that are filled by hand: there is no database to read.
 class WindowTest : public testing::Test {
 protected:
     WindowTest() { settings.filename = (folder / "VLReminders.ini").string(); }
 
+    WindowParts parts(GridUtils& utils) {
+        return {.reminders = reminders,
+                .period = period,
+                .db = db,
+                .settings = settings,
+                .clock = clock,
+                .state = state,
+                .sound = sound,
+                .gridUtils = utils,
+                .DebugMode = DebugMode,
+                .HelpBase = HelpBase,
+                .hasTray = [this] { return hasTray; },
+                .openDocument =
+                    [this](std::string_view address) {
+                        opened.emplace_back(address);
+                        return true;
+                    },
+                .startProgram =
+                    [this](const std::vector<std::string>& command) {
+                        started.push_back(command);
+                        return starts;
+                    },
+                .Version = "1.4.27",
+                .boxes = &boxes};
+    }
     frmDDE& load() {
-        window = std::make_unique<frmDDE>(WindowParts{reminders, period, db, settings, clock, state,
-                                                      sound, gridUtils, DebugMode, HelpBase,
-                                                      [this] { return hasTray; },
-                                                      [this](std::string_view address) {
-                                                          opened.emplace_back(address);
-                                                          return true;
-                                                      }});
+        window.reset();
+        window = std::make_unique<frmDDE>(parts(gridUtils));
         window->Load();
         return *window;
     }
@@ -96,7 +128,10 @@ protected:
     GridUtils gridUtils;
     bool DebugMode = false;
     std::string HelpBase = "file:///help/index.html#";
-    std::vector<std::string> opened;  // documents and addresses
+    std::vector<std::string> opened;                // documents and addresses
+    std::vector<std::vector<std::string>> started;  // programs, with their arguments
+    bool starts = true;
+    Boxes boxes;
     bool hasTray = true;
     std::unique_ptr<frmDDE> window;
 };

@@ -10,8 +10,6 @@
 namespace vl {
 namespace {
 
-using test::someFriday;
-
 /// The window shown, with more rows in each grid than fit.
 class frmDDEWheel : public test::WindowTest {
 protected:
@@ -22,6 +20,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
         for (int i = 0; i < kGridCount; ++i) {
             std::vector<GridRow> rows;
+            rows.reserve(100);
             for (int n = 0; n < 100; ++n) {
                 rows.push_back(test::reminderRow("{" + std::to_string(n) + "}", "Meeting", n));
             }
@@ -136,8 +135,7 @@ TEST_F(frmDDEWheel, StopsItsTimerWhenThereIsNothingToDo) {
 TEST_F(frmDDEWheel, ScrollsInItsOwnWayInADevelopmentRun) {
     DebugMode = true;
     GridUtils none(true);
-    window = std::make_unique<frmDDE>(WindowParts{reminders, period, db, settings, clock, state,
-                                                  sound, none, true, "", [] { return true; }});
+    window = std::make_unique<frmDDE>(parts(none));
     window->Load();
     turn(grid(2), {0, -120});
     EXPECT_EQ(state.pendingActions->Count(), 0U);

@@ -1,0 +1,46 @@
+// How a user has arranged the columns of a grid, and how the settings keep it.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ui/GridColumns.h"
+
+namespace vl {
+
+/// Section of the settings file. Each grid has two keys there, see `columnsKey` and `sortKey`.
+inline constexpr const char* kColumnsSection = "Columns";
+
+struct ColumnLayout {
+    struct Column {
+        std::string id;
+        int width = 0;  ///< in pixels of the layout; kept while hidden
+        bool hidden = false;
+        friend bool operator==(const Column&, const Column&) = default;
+    };
+    std::vector<Column> columns;  ///< from left to right
+    std::string sortedBy;         ///< id
+    bool descending = false;
+    friend bool operator==(const ColumnLayout&, const ColumnLayout&) = default;
+};
+
+/// As the grid is at first. `unit` is the width of an average character.
+ColumnLayout firstLayout(int grid, int unit);
+
+/// "Subject:252,Due:147,Ends:161:hidden"
+std::string columnsText(const ColumnLayout& layout);
+/// "ReminderD", descending "-ReminderD".
+std::string sortText(const ColumnLayout& layout);
+
+/// What the texts say, as far as they say something for this grid: a column that is unknown or
+/// named twice is passed over, one that is not named stands at the end, a width that is none or
+/// cannot be used is the first one, and the subject is never hidden. Any text is allowed.
+ColumnLayout readLayout(int grid, int unit, std::string_view columns, std::string_view sort);
+
+/// The key of the columns' order and widths, and that of the sorting.
+std::string columnsKey(int grid);
+std::string sortKey(int grid);
+
+}  // namespace vl

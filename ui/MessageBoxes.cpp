@@ -1,0 +1,66 @@
+#include "ui/MessageBoxes.h"
+
+#include <utility>
+
+#include <QAbstractButton>
+#include <QMessageBox>
+
+#include "ui/QtText.h"
+#include "ui/SystemHelpers.h"
+
+namespace vl {
+
+namespace {
+
+BoxAnswer answerOf(int button) {
+    switch (button) {
+        case QMessageBox::Ok:
+            return BoxAnswer::Ok;
+        case QMessageBox::Yes:
+            return BoxAnswer::Yes;
+        case QMessageBox::No:
+            return BoxAnswer::No;
+        default:
+            return BoxAnswer::Cancel;
+    }
+}
+
+// Qt's own texts lack the underlined letter on some desktops.
+void nameButtons(QMessageBox& box) {
+    static constexpr std::pair<QMessageBox::StandardButton, const char*> kTexts[] = {
+        {QMessageBox::Ok, "&OK"},
+        {QMessageBox::Yes, "&Yes"},
+        {QMessageBox::No, "&No"},
+        {QMessageBox::Cancel, "&Cancel"}};
+    for (const auto& [button, text] : kTexts) {
+        if (QAbstractButton* shown = box.button(button)) {
+            shown->setText(QObject::tr(text));
+        }
+    }
+}
+
+QString lines(const std::string& text) {
+    QString lines = qtText(text);
+    return lines.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+}
+
+}  // namespace
+
+BoxAnswer MessageBoxes::ShowBox(const BoxRequest& box) {
+    const bool asks = box.buttons == BoxButtons::YesNoCancel;
+    QMessageBox shown(box.icon == BoxIcon::Critical ? QMessageBox::Critical : QMessageBox::Question,
+                      qtText(box.title), lines(box.text),
+                      asks ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
+                           : QMessageBox::StandardButtons(QMessageBox::Ok),
+                      owner_.isVisible() ? &owner_ : nullptr);
+    shown.setObjectName("box");
+    shown.setTextFormat(Qt::PlainText);
+    nameButtons(shown);
+    shown.setWindowModality(Qt::ApplicationModal);
+    // What cannot be undone is not what Enter does.
+    shown.setDefaultButton(asks ? QMessageBox::Cancel : QMessageBox::Ok);
+    setOnTop(shown, owner_.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    return answerOf(shown.exec());
+}
+
+}  // namespace vl

@@ -1,0 +1,58 @@
+// The columns of the grids: as the user left them, over restarts.
+#include <QMenu>
+
+#include "app/Settings.h"
+#include "base/ErrorState.h"
+#include "ui/ColumnMenu.h"
+#include "ui/frmDDE.h"
+
+namespace vl {
+
+void frmDDE::initGrids() {
+    const auto setting = [this](const std::string& key) {
+        return parts_.settings.GetIni(kColumnsSection, key, "");
+    };
+    for (int i = 0; i < kGridCount; ++i) {
+        Grid& each = grid(i);
+        each.arrange(readLayout(i, each.unit(), setting(columnsKey(i)), setting(sortKey(i))));
+        savedColumns_[static_cast<std::size_t>(i)] = each.columnLayout();
+    }
+}
+
+// An edge that is dragged moves by every pixel; it is written when it has come to rest.
+void frmDDE::columnsChanged() {
+    if (!loading_) {
+        saveColumns_.start();
+    }
+}
+
+void frmDDE::saveColumns() {
+    const ErrScope scope;
+    saveColumns_.stop();
+    for (int i = 0; i < kGridCount; ++i) {
+        ColumnLayout& saved = savedColumns_[static_cast<std::size_t>(i)];
+        const ColumnLayout now = grid(i).columnLayout();
+        if (columnsText(now) != columnsText(saved)) {
+            parts_.settings.SaveIni(kColumnsSection, columnsKey(i), columnsText(now));
+        }
+        if (sortText(now) != sortText(saved)) {
+            parts_.settings.SaveIni(kColumnsSection, sortKey(i), sortText(now));
+        }
+        saved = now;
+    }
+}
+
+void frmDDE::saveColumnsThatWait() {
+    if (saveColumns_.isActive()) {
+        saveColumns();
+    }
+}
+
+void frmDDE::headingMenu(Grid& of, const QPoint& at) {
+    QMenu menu(&of);
+    menu.setObjectName("mnuColumns");
+    fillColumnMenu(menu, of);
+    menu.exec(at);
+}
+
+}  // namespace vl
