@@ -95,7 +95,7 @@ Space::Map Space::read(RowPointer pointer) {
     map.inlined = kind == 0;
     map.first = map.inlined ? u32(map.row, 1) : 0;
     map.count = map.inlined ? 8 * map.bits().size() : (map.row.size() - 1) / 4;
-    if (map.first % 8 != 0 || map.first > kMostPages) {
+    if (map.first > kMostPages) {
         map.page.origin().corrupt("the usage map in row " + std::to_string(pointer.row) +
                                   " begins with page " + std::to_string(map.first));
     }
