@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "db/jet/File.h"
 #include "db/jet/Table.h"
 #include "db/jet/Types.h"
+#include "db/jet/define/NewTable.h"
 
 namespace vl::jet {
 
@@ -33,6 +35,11 @@ public:
     /// The same over a file of the caller's kind; `name` stands in the texts of errors.
     static Database open(std::unique_ptr<File> file, std::string name, Access access);
 
+    /// Makes a new file without any table of a user's, on the disk as a whole before this returns,
+    /// and opens it for writing. Throws `Error`: `ErrNo::Exists` when there is something at `path`,
+    /// `ErrNo::NotFound` when its folder is not there, `ErrNo::Io`.
+    static Database create(const std::string& path);
+
     Database(Database&&) noexcept;
     Database& operator=(Database&&) noexcept;
     ~Database();
@@ -48,10 +55,37 @@ public:
     /// (`ErrNo::NotFound`) when there is none.
     Table table(std::string_view name) const;
 
+    // Changes of tables. Each is part of the open transaction, or one of its own where none is
+    // open; `Table` objects of the changed table are to be asked for anew. Names are compared
+    // without regard to case. Throws `Error` and has changed nothing: `ErrNo::ReadOnly`;
+    // `ErrNo::Syntax` for a name that is none; `ErrNo::Exists` for one that is taken;
+    // `ErrNo::NotFound` for a table or column that is not there; `ErrNo::Overflow` for too many
+    // columns or indexes, a name, a column or a row that is too long; `ErrNo::Unsupported` for what
+    // cannot be made or changed, tables of the engine's own among it. Throws `ErrNo::Corrupt`,
+    // `ErrNo::Io`: the transaction is then to be taken back.
+
+    /// A table without rows. A name that a query has is taken, too.
+    void createTable(std::string_view name, std::span<const NewColumn> columns,
+                     std::span<const NewIndex> indexes = {});
+
+    /// One more column; the rows that are there hold null in it, or false. Costs no look at them.
+    void addColumn(std::string_view table, const NewColumn& column);
+
+    /// One more index, with the rows that are there. Throws `ErrNo::Exists` when it is to be unique
+    /// and two rows have the same values, `ErrNo::TypeMismatch` for a null where it requires
+    /// values. Costs one pass over the table, and memory for a key of each row.
+    void createIndex(std::string_view table, const NewIndex& index);
+
+    /// The table, its rows and indexes; their pages are free then. One that has relationships with
+    /// other tables is refused.
+    void dropTable(std::string_view name);
+
 private:
     friend class Transaction;
     friend std::vector<Finding> checkDatabase(Database& db);
     explicit Database(std::unique_ptr<PageFile> file);
+    template <class Step>
+    void change(Step&& step);
 
     std::unique_ptr<PageFile> file_;
 };

@@ -49,7 +49,7 @@ public:
     Page page(PageNo number);
 
     /// Forgets the pages read and asks for the size again, so that what other programs have
-    /// written since is seen.
+    /// written since is seen. Does nothing inside a transaction.
     void refresh();
 
     /// Writes a page of the file and puts the new bytes in the place of the remembered ones. Inside
