@@ -8,6 +8,7 @@
 #include "Bytes.h"
 #include "IndexPages.h"
 #include "LongValueStore.h"
+#include "Relations.h"
 #include "base/ErrorState.h"
 #include "index/IndexTree.h"
 
@@ -53,16 +54,16 @@ std::string labelOf(const PageFile& file, const TableDefinition& table) {
     return file.name() + ": table \"" + table.name + "\"";
 }
 
-/// Runs `step`; an error that is not damage gets `where` before its text.
-template <class Step>
-auto named(const std::string& where, Step&& step) {
+/// Runs `step`; an error that is not damage gets what `where` gives before its text.
+template <class Where, class Step>
+auto named(Where&& where, Step&& step) {
     try {
         return step();
     } catch (const Error& e) {
         if (e.number() == ErrNo::Corrupt || e.number() == ErrNo::Io) {
             throw;
         }
-        throw Error(e.number(), where + ": " + e.what());
+        throw Error(e.number(), where() + ": " + e.what());
     }
 }
 
@@ -85,11 +86,9 @@ RowId RowWriter::insert(std::span<const Table::Change> changes) {
     Fields fields(table_.columns.size());
     assign(fields, changes);
     number(fields);
-    const Origin origin{file_.name(), table_.page};
     std::vector<KeyChange> keys;
     for (std::size_t i = 0; i < table_.trees.size(); ++i) {
-        const IndexKey key = keyOf(i, fields, origin);
-        planKey(keys, i, nullptr, &key, {});
+        planKey(keys, i, nullptr, &fields, {});
     }
     makeFit(fields);
 
@@ -133,9 +132,7 @@ void RowWriter::update(RowId id, std::span<const Table::Change> changes) {
         const auto& columns = table_.trees[i].columns;
         if (std::any_of(columns.begin(), columns.end(),
                         [&](const KeyColumn& c) { return affected[c.position]; })) {
-            const IndexKey before = keyOf(i, row.fields, origin);
-            const IndexKey after = keyOf(i, fields, origin);
-            planKey(keys, i, &before, &after, id);
+            planKey(keys, i, &row.fields, &fields, id);
         }
     }
     makeFit(fields);
@@ -157,8 +154,7 @@ void RowWriter::remove(RowId id) {
     const Origin& origin = row.place.page.origin();
     std::vector<KeyChange> keys;
     for (std::size_t i = 0; i < table_.trees.size(); ++i) {
-        const IndexKey key = keyOf(i, row.fields, origin);
-        planKey(keys, i, &key, nullptr, id);
+        planKey(keys, i, &row.fields, nullptr, id);
     }
 
     writeKeys(keys, id);
@@ -209,7 +205,7 @@ void RowWriter::assign(Fields& fields, std::span<const Table::Change> changes) {
     for (const auto& [position, value] : changes) {
         assert(position < fields.size());
         const Column& column = table_.columns[position];
-        named(labelOf(file_, table_) + ", column \"" + column.name + "\"",
+        named([&] { return labelOf(file_, table_) + ", column \"" + column.name + "\""; },
               [&, &v = value, at = position] { fields[at] = fieldOf(column, v); });
     }
 }
@@ -232,41 +228,64 @@ void RowWriter::number(Fields& fields) {
     }
 }
 
-IndexKey RowWriter::keyOf(std::size_t tree, const Fields& fields, const Origin& origin) {
+std::vector<Variant> RowWriter::partsOf(std::size_t tree, const Fields& fields,
+                                        const Origin& origin) {
     std::vector<Variant> values;
     for (const KeyColumn& part : table_.trees[tree].columns) {
         values.push_back(valueOf(file_, part.column, fields[part.position], origin));
     }
-    return indexKey(table_.trees[tree], values);
+    return values;
 }
 
-void RowWriter::planKey(std::vector<KeyChange>& plan, std::size_t tree, const IndexKey* before,
-                        const IndexKey* after, std::optional<RowId> own) {
-    const bool ignoreNulls = table_.trees[tree].ignoreNulls;
+// What becomes of a tree's entry when a row that was `before` (null: is new) will be `after` (null:
+// goes); refused here if it may not.
+void RowWriter::planKey(std::vector<KeyChange>& plan, std::size_t tree, const Fields* before,
+                        const Fields* after, std::optional<RowId> own) {
+    const IndexDefinition& index = table_.trees[tree];
+    const auto label = [&] { return indexLabel(tree); };
+    const Origin origin{file_.name(), own ? own->page : table_.page};
     KeyChange change{tree, {}, {}};
-    if (before && !(ignoreNulls && before->isAllNull)) {
-        change.before = before->bytes;
+    std::vector<Variant> oldParts;
+    std::vector<Variant> newParts;
+    IndexKey newKey;
+    if (before) {
+        oldParts = partsOf(tree, *before, origin);
+        IndexKey key = named(label, [&] { return indexKey(index, oldParts); });
+        if (!(index.ignoreNulls && key.isAllNull)) {
+            change.before = std::move(key.bytes);
+        }
     }
-    if (after && !(ignoreNulls && after->isAllNull)) {
-        change.after = after->bytes;
+    if (after) {
+        newParts = partsOf(tree, *after, origin);
+        newKey = named(label, [&] { return indexKey(index, newParts); });
+        if (!(index.ignoreNulls && newKey.isAllNull)) {
+            change.after = newKey.bytes;
+        }
     }
     if (change.before == change.after) {
         return;
     }
-    if (change.after) {
-        check(tree, *after, own);
-    }
+    named(label, [&] {
+        IndexPages pages(file_);
+        Relations relations(file_, table_);
+        if (before) {
+            relations.checkOld(tree, oldParts);
+        }
+        if (after) {
+            relations.checkNew(tree, newParts);
+        }
+        if (change.after) {
+            IndexTree(pages, index, table_.page).checkKey(newKey, own);
+        }
+    });
     plan.push_back(std::move(change));
 }
 
-void RowWriter::check(std::size_t tree, const IndexKey& key, std::optional<RowId> own) {
+std::string RowWriter::indexLabel(std::size_t tree) const {
     const auto index = std::find_if(table_.indexes.begin(), table_.indexes.end(),
                                     [&](const Index& i) { return i.tree == tree; });
-    const std::string label = index == table_.indexes.end() ? std::string("an index without a name")
-                                                            : "index \"" + index->name + "\"";
-    IndexPages pages(file_);
-    named(labelOf(file_, table_) + ", " + label,
-          [&] { IndexTree(pages, table_.trees[tree], table_.page).checkKey(key, own); });
+    return labelOf(file_, table_) +
+           (index == table_.indexes.end() ? ", an index" : ", index \"" + index->name + "\"");
 }
 
 void RowWriter::writeKeys(const std::vector<KeyChange>& plan, RowId id) {

@@ -43,10 +43,10 @@ private:
     Stored read(RowId id);
     void assign(Fields& fields, std::span<const Table::Change> changes);
     void number(Fields& fields);
-    IndexKey keyOf(std::size_t tree, const Fields& fields, const Origin& origin);
-    void planKey(std::vector<KeyChange>& plan, std::size_t tree, const IndexKey* before,
-                 const IndexKey* after, std::optional<RowId> own);
-    void check(std::size_t tree, const IndexKey& key, std::optional<RowId> own);
+    std::vector<Variant> partsOf(std::size_t tree, const Fields& fields, const Origin& origin);
+    void planKey(std::vector<KeyChange>& plan, std::size_t tree, const Fields* before,
+                 const Fields* after, std::optional<RowId> own);
+    std::string indexLabel(std::size_t tree) const;
     void writeKeys(const std::vector<KeyChange>& plan, RowId id);
     std::vector<std::byte> settle(Fields& fields);
     void makeFit(Fields& fields);
