@@ -10,6 +10,7 @@
 #include "app/Module1.h"
 #include "base/ErrorState.h"
 #include "ui/GridUtils.h"
+#include "ui/SessionEnd.h"
 #include "ui/frmDDE.h"
 
 namespace {
@@ -73,6 +74,7 @@ int main(int argc, char** argv) {
                            .DebugMode = shared.values.DebugMode,
                            .HelpBase = shared.values.HelpBase,
                            .Version = VL_VERSION});
+    const vl::SessionEnd sessionEnd(MainWindow);
     MainWindow.Load();
     return QApplication::exec();
 }

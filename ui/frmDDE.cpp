@@ -216,6 +216,7 @@ void frmDDE::TimerCheck_Tick() {
 
 // Hidden, there is no clock to show and no row to age: it then runs with each check.
 void frmDDE::TimerUpdate_Tick() {
+    noteFrame();
     update_.Tick();
     if (!isVisible()) {
         TimerUpdate.stop();
@@ -248,6 +249,11 @@ void frmDDE::showEvent(QShowEvent* event) {
         TimerUpdate_Tick();
         GetIconText();
     }
+}
+
+void frmDDE::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    noteFrame();
 }
 
 void frmDDE::hideEvent(QHideEvent* event) {

@@ -83,7 +83,10 @@ public:
     void HidePopUp();
     /// Visible or not; saves nothing.
     void ShowHide();
-    /// Saves, then ends the event loop.
+    /// Saves and removes the wheel subclassing, once; from then on the window lets itself be
+    /// closed.
+    void Unload();
+    /// Unloads, then ends the event loop.
     void Exit();
     /// The text of the tray's tooltip, which it also sets.
     QString GetIconText();
@@ -122,6 +125,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
 
 private:
     // what happens
@@ -203,6 +207,8 @@ private:
     void showWindow();
     void hideWindow();
     void keepPlace();
+    bool isNormal() const;
+    void noteFrame();
     QPoint nearTray() const;
     void SetFlashingIcon(bool on);
     void changeSetting(const std::function<void(ReminderState&)>& change);
@@ -240,6 +246,7 @@ private:
     QPoint wheelPixels_;  // of devices that count in pixels
     QPoint wheelRest_;    // less than a pixel, see `takeScroll`
     bool wheelPages_ = false;
+    QPoint frame_;  // from the window's corner to its inside, when last seen in normal size
     int helpNumber_ = 0;
     bool loading_ = false;
     bool exiting_ = false;

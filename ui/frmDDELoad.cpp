@@ -182,8 +182,11 @@ void frmDDE::selectSavedPeriod() {
 
 void frmDDE::SaveSettings() {
     const ErrScope scope;
-    const QRect normal = isMinimized() || isMaximized() ? normalGeometry() : geometry();
-    const QPoint corner = isMinimized() || isMaximized() ? normal.topLeft() : pos();
+    noteFrame();
+    const bool asItIs = isNormal() || !normalGeometry().isValid();
+    const QRect normal = asItIs ? geometry() : normalGeometry();
+    // Of the frame, as `move` takes it: else the window would wander at every start.
+    const QPoint corner = isNormal() ? pos() : normal.topLeft() - frame_;
     const std::pair<const char*, int> placement[] = {{"Left", corner.x()},
                                                      {"Top", corner.y()},
                                                      {"Width", normal.width()},

@@ -50,6 +50,17 @@ void frmDDE::keepPlace() {
     }
 }
 
+bool frmDDE::isNormal() const {
+    return !(windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen));
+}
+
+// What a maximized window tells of its frame is not what it has in normal size.
+void frmDDE::noteFrame() {
+    if (isVisible() && isNormal()) {
+        frame_ = geometry().topLeft() - pos();
+    }
+}
+
 void frmDDE::HideMe() {
     HidePopUp();
     hideWindow();
@@ -64,11 +75,18 @@ void frmDDE::ShowHide() {
     }
 }
 
-void frmDDE::Exit() {
+void frmDDE::Unload() {
+    if (exiting_) {
+        return;
+    }
     SaveSettings();
     saveColumnsThatWait();
     removeSubclasses();
     exiting_ = true;
+}
+
+void frmDDE::Exit() {
+    Unload();
     QCoreApplication::exit(0);
 }
 

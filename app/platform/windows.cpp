@@ -6,6 +6,7 @@
 
 #include <array>
 
+#include "EndSignals.h"
 #include "LocalePattern.h"
 #include "Platform.h"
 #include "Wide.h"
@@ -101,6 +102,10 @@ std::string systemSound(std::string_view name) { return std::string(name); }
 std::string fromSettingsText(std::string_view bytes) { return narrow(wide(bytes, CP_ACP)); }
 std::string toSettingsText(std::string_view text) { return narrow(wide(text), CP_ACP); }
 std::string_view lineEnd() { return "\r\n"; }
+
+// A session's end comes as a message to the windows.
+EndSignals::EndSignals() = default;
+EndSignals::~EndSignals() = default;
 
 void startProgram(const std::vector<std::string>& arguments) {
     // Started by its full name: the command line below is only what it is told.

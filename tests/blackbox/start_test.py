@@ -2,6 +2,7 @@
 """Starts without a screen: data folders, the template, a second copy. start_test.py VLREMINDERS"""
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -118,6 +119,25 @@ class Start(unittest.TestCase):
         self.wait_read(lines + 1)
         self.assertIsNone(first.poll())
         self.assertIsNone(second.poll())
+
+    def test_a_signal_ends_it_in_order_and_its_settings_are_saved(self):
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(signal=number.name):
+                self.write("x", "db", DATABASE)
+                if os.path.exists(self.path(TRACE)):
+                    os.remove(self.path(TRACE))
+                self.write("[Reminders]\nNotifType=T\nPopup=1\n", "share", "Velmora",
+                           "VLReminders.ini")
+                process = self.start("--db-folder", self.path("db"))
+                self.wait_read()
+                self.assertNotIn("DBVersion", self.read("share", "Velmora", "VLReminders.ini"))
+                process.send_signal(number)
+                self.assertEqual(process.wait(20), 0)
+                saved = self.read("share", "Velmora", "VLReminders.ini")
+                for line in ("NotifType=P", "Popup=0", "Period=T", "DBVersion=", "[Window]"):
+                    self.assertEqual(saved.count(line), 1, saved)
+                self.assertEqual(os.listdir(self.path("share", "Velmora")).count(
+                    "VLReminders.ini"), 1)
 
     def test_it_starts_whatever_the_database_is(self):
         os.makedirs(self.path("folder", DATABASE))

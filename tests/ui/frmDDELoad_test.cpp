@@ -1,7 +1,12 @@
 // Start with a database that cannot be read, help, and what the settings keep.
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 #include <filesystem>
+#include <fstream>
 
 #include <QLabel>
 #include <QTest>
@@ -96,6 +101,77 @@ TEST_F(frmDDELoad, SaysThatTheDatabaseIsNotThere) {
     EXPECT_EQ(reminders.mCol->Count(), held());
 }
 
+#ifndef _WIN32
+// Permissions mean nothing to root.
+class Unprivileged {
+public:
+    Unprivileged() : changed_(geteuid() == 0 && seteuid(kNobody) == 0) {}
+    ~Unprivileged() {
+        if (changed_) {
+            EXPECT_EQ(seteuid(0), 0);
+        }
+    }
+    Unprivileged(const Unprivileged&) = delete;
+    Unprivileged& operator=(const Unprivileged&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    bool changed_;
+};
+
+TEST_F(frmDDELoad, StartsWithADatabaseThatItMayNotRead) {
+    writeFile(path, sample());
+    fs::permissions(path, fs::perms::none);
+    fs::permissions(folder.path(), fs::perms(0755));
+    {
+        const Unprivileged user;
+        ASSERT_FALSE(std::ifstream(path).is_open()) << "whoever runs this may read everything";
+        load();
+    }
+    EXPECT_EQ(status(), "Velmora.RemindDB cannot be read (Permission denied); F5 tries again");
+    EXPECT_TRUE(child<QTimer>("TimerCheck").isActive());
+    fs::permissions(path, fs::perms(0600));
+    refresh();
+    EXPECT_FALSE(isTroubled()) << status();
+    EXPECT_GT(held(), 0U);
+}
+
+TEST_F(frmDDELoad, StartsInAFolderInWhichItMayNotWrite) {
+    writeFile(path, sample());
+    fs::permissions(path, fs::perms(0444));
+    fs::permissions(folder.path(), fs::perms(0555));
+    {
+        const Unprivileged user;
+        ASSERT_FALSE(std::ofstream(folder / "x").is_open()) << "whoever runs this may write";
+        load();
+        EXPECT_EQ(state.sNotifType, "D");
+        window->SaveSettings();
+    }
+    EXPECT_FALSE(isTroubled()) << status();
+    EXPECT_GT(held(), 0U);
+    EXPECT_FALSE(fs::exists(settings.filename));
+    EXPECT_EQ(readFile(path), sample());
+    fs::permissions(folder.path(), fs::perms(0755));
+}
+
+// Locks are advice here: who only reads is not kept out, and does not wait either.
+TEST_F(frmDDELoad, StartsWithADatabaseThatAnotherProgramHasLocked) {
+    writeFile(path, sample());
+    const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(file, 0);
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    ASSERT_EQ(::fcntl(file, F_OFD_SETLK, &whole), 0);  // as a lock of another process
+    load();
+    EXPECT_TRUE(child<QTimer>("TimerCheck").isActive());
+    EXPECT_FALSE(isTroubled()) << status();
+    EXPECT_GT(held(), 0U);
+    EXPECT_EQ(readFile(path), sample());
+    ::close(file);
+}
+#endif
+
 TEST_F(frmDDELoad, SaysThatNoFolderWasNamed) {
     db.DBFullName.clear();
     load();
@@ -174,7 +250,54 @@ TEST_F(frmDDELoad, SetsTimersAndState) {
     }
 }
 
+TEST_F(frmDDELoad, ChecksEveryTenSecondsWhileShownAndEveryTwoInADevelopmentRun) {
+    for (const bool development : {false, true}) {
+        SCOPED_TRACE(development);
+        DebugMode = development;
+        load();
+        const auto interval = [this] { return child<QTimer>("TimerCheck").interval(); };
+        EXPECT_EQ(interval(), 20000) << "hidden";
+        window->ShowHide();
+        EXPECT_EQ(interval(), development ? 2000 : 10000);
+        window->ShowHide();
+        EXPECT_EQ(interval(), 20000) << "hidden";
+    }
+}
+
 // ---- settings
+
+TEST_F(frmDDELoad, TheWindowDoesNotWanderOverRestarts) {
+    using Size = void (QWidget::*)();
+    static constexpr std::pair<const char*, Size> kSizes[] = {
+        {"normal", &QWidget::showNormal},
+        {"minimized", &QWidget::showMinimized},
+        {"maximized", &QWidget::showMaximized},
+        {"full", &QWidget::showFullScreen}};
+    const auto saved = [this] {
+        window->SaveSettings();
+        return settings.GetIniSection("Window");
+    };
+    for (const auto& [name, size] : kSizes) {
+        SCOPED_TRACE(name);
+        load();
+        window->ShowHide();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        window->move(60, 70);
+        window->resize(520, 330);
+        QTest::qWait(1);
+        ASSERT_NE(window->geometry().topLeft(), window->pos()) << "there is a frame to tell from";
+        const std::string before = saved();
+        ASSERT_EQ(before.substr(0, 15), std::string("Left=60\0Top=70\0", 15));
+        for (int restart = 0; restart < 3; ++restart) {
+            (window.get()->*size)();
+            QTest::qWait(1);
+            EXPECT_EQ(saved(), before);
+            load();
+            window->ShowHide();
+            ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        }
+    }
+}
 
 TEST_F(frmDDELoad, OlderFlagsAreTakenOverOnceAndThenGone) {
     settings.SaveIni("Reminders", "NotifType", "D");
