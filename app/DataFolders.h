@@ -10,6 +10,7 @@ namespace vl {
 // Paths are composed with the folder's own separator (see `joinPath`). No function here throws.
 
 inline constexpr std::string_view kSettingsName = "VLReminders.ini";
+inline constexpr std::string_view kLedgerName = "VLReminders.ledger";
 inline constexpr std::string_view kDatabaseName = "Velmora.RemindDB";
 
 /// True when a file whose name ends in ".exe.Manifest" (in any case) lies in the program's folder.

@@ -10,6 +10,7 @@ namespace vl {
 Module1::Module1(const CommandLine& commandLine)
     : values(findData()),
       settings(settingsIn(values.AppDataFolder)),
+      ledger(clock, joinPath(values.AppDataFolder, kLedgerName)),
       reminders(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")),
       period(db, clock, settings.GetIni("Reminders", "DefaultReminders", "")) {
     openDatabaseFolder(commandLine.DBFolder);

@@ -9,6 +9,7 @@
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
+#include "events/Ledger.h"
 #include "notify/ReminderState.h"
 
 namespace vl {
@@ -36,6 +37,7 @@ public:
     AppValues values;
     SystemClock clock;
     Settings settings;
+    Ledger ledger;  // beside the settings
     DBRemindUtils db;
     CalEvents reminders;  // what the checks read and ask
     CalEvents period;     // behind the period views

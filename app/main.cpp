@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
                            .settings = shared.settings,
                            .clock = shared.clock,
                            .state = shared.state,
+                           .ledger = shared.ledger,
                            .sound = shared.sound,
                            .gridUtils = gridUtils,
                            .DebugMode = shared.values.DebugMode,

@@ -82,6 +82,11 @@ public:
     /// is left.
     DateTime last() const;
 
+    /// A local time on the wall clock of the series' zone, and back. An instance keeps its wall
+    /// time wherever the computer is.
+    DateTime toWall(DateTime local) const;
+    DateTime fromWall(DateTime wall) const;
+
     /// "Every 2 weeks on Monday and Friday until 3 March 2027"; empty when there is no usable rule
     /// and no added date.
     std::string inWords() const;

@@ -229,6 +229,17 @@ public:
     DateTime PreviousInstance(DateTime dCurrent) const;  ///< the last strictly before; 0: none
     DateTime LastInstance() const;                       ///< 0: endless, or none is left
 
+    /// Whether the series excludes the occurrence at `start` (EXDATE).
+    bool IsExcluded(DateTime start) const;
+
+    /// When the occurrence at `start` is over: of an all-day event the midnight after its last day.
+    DateTime EndOf(DateTime start) const;
+
+    /// A local time on the wall clock of the series' zone, and back; of an event without a series
+    /// the time itself. By its wall time an occurrence is known wherever the computer is.
+    DateTime ToWall(DateTime local) const;
+    DateTime FromWall(DateTime wall) const;
+
     /// "Every 2 weeks on Monday"; empty when the event does not repeat.
     std::string RecurrenceInWords() const;
 

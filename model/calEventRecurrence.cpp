@@ -175,6 +175,23 @@ DateTime calEvent::LastInstance() const {
     return last;
 }
 
+bool calEvent::IsExcluded(DateTime start) const { return ICalDelExceptions({start}).empty(); }
+
+DateTime calEvent::EndOf(DateTime start) const {
+    const std::int64_t length = EndDateTime.milliseconds() - StartDateTime.milliseconds();
+    const DateTime end = DateTime::fromMilliseconds(
+        start.milliseconds() + (EndDateTime.isZero() ? 0 : std::max(length, std::int64_t{0})));
+    return IsAllDayEvent ? end.addDays(1) : end;
+}
+
+DateTime calEvent::ToWall(DateTime local) const {
+    return compiled_ && !local.isZero() ? compiled_->toWall(local) : local;
+}
+
+DateTime calEvent::FromWall(DateTime wall) const {
+    return compiled_ && !wall.isZero() ? compiled_->fromWall(wall) : wall;
+}
+
 std::string calEvent::RecurrenceInWords() const {
     const ErrScope scope;
     std::string words;

@@ -47,6 +47,8 @@ struct ReminderState {
 
     int rowsWithoutStatus = 0;  // rows that are never read, see the status line
 
+    int waitingWrites = 0;  // columns of rows that cannot be written now and will be later
+
     int UpdateCount = 0;  // ticks of the update timer with the window visible
 
     /// The event of the current row of the selected tab; null when there is none.

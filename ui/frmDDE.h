@@ -16,6 +16,7 @@
 #include "app/Files.h"
 #include "base/Clock.h"
 #include "events/CalEvents.h"
+#include "events/Ledger.h"
 #include "notify/CheckCycle.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
@@ -49,6 +50,7 @@ struct WindowParts {
     Settings& settings;
     const Clock& clock;
     ReminderState& state;
+    Ledger& ledger;
     SoundPlayer& sound;
     GridUtils& gridUtils;
     bool DebugMode = false;

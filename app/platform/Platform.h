@@ -4,6 +4,8 @@
 // way is told.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -37,6 +39,33 @@ void replaceFile(const std::string& path, std::string_view bytes);
 /// already, even since a moment ago and even a link that points nowhere, is `ErrNo::Exists`.
 /// Throws `Error` (also `ErrNo::ReadOnly`, `ErrNo::Io`).
 void createFile(const std::string& path, std::string_view bytes);
+
+/// Adds `bytes` at the end of `path`, which is made if it is not there, and forces them to the
+/// disk. Throws `Error` (`ErrNo::ReadOnly`, `ErrNo::Io`); a piece of `bytes` may then stand there.
+void appendFile(const std::string& path, std::string_view bytes);
+
+/// What tells a file from what it was before. All zero for one that is not there.
+struct FileState {
+    std::uint64_t identity = 0;  ///< another one for a file that was renamed to this place
+    std::uint64_t size = 0;
+    std::int64_t written = 0;  ///< when, in the system's finest steps
+    friend bool operator==(const FileState&, const FileState&) = default;
+};
+FileState fileState(const std::string& path);
+
+/// Holds off every other `FileLock` on the same path, of this program and of others, while it
+/// lives; the file is made and left behind. Waits for another one at most so long.
+class FileLock {
+public:
+    /// Throws `Error`: `ErrNo::Locked` when it is not free in time, else as `appendFile`.
+    FileLock(const std::string& path, std::chrono::milliseconds atMost);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+private:
+    std::intptr_t handle_ = -1;
+};
 
 /// The user's short time format in the letters of `shortTimeText`; empty when there is none.
 std::string shortTimeFormat();

@@ -59,6 +59,7 @@ protected:
                 .settings = settings,
                 .clock = clock,
                 .state = state,
+                .ledger = ledger,
                 .sound = sound,
                 .gridUtils = utils,
                 .DebugMode = DebugMode,
@@ -124,6 +125,7 @@ protected:
     CalEvents reminders{db, clock};
     CalEvents period{db, clock};
     ReminderState state;
+    Ledger ledger{clock};
     SoundPlayer sound;
     GridUtils gridUtils;
     bool DebugMode = false;

@@ -1,0 +1,128 @@
+#include "events/ActRules.h"
+
+#include <algorithm>
+
+namespace vl {
+
+namespace {
+
+// The last occurrence whose first reminder is not later than `time`; where there is none, the
+// event's own start.
+DateTime occurrenceAt(const calEvent& event, DateTime time) {
+    if (!event.IsRepeating()) {
+        return event.StartDateTime;
+    }
+    const DateTime latest = time.addMinutes(event.RemindersMaxOffsetMin);
+    const DateTime start = event.PreviousInstance(latest.addSeconds(1));
+    return start.isZero() ? event.StartDateTime : start;
+}
+
+OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start) {
+    OccurrenceState& entry = state.at(event.ToWall(start));
+    entry.end = event.ToWall(event.EndOf(start));
+    return entry;
+}
+
+// What the row has said so far is kept: after the act it shows what the act has put there.
+void takeOverRow(EventState& state, const ActOn& act) {
+    if (!rowSpeaks(act.event, &state)) {
+        return;
+    }
+    const RowWord word{act.event.NextReminder, act.event.Dismissed};
+    if (!word.saysAnything()) {
+        return;
+    }
+    const RowSays says = rowSays(act.event, word);
+    if (!says.snoozed.isZero()) {
+        entryOf(state, act.event, says.occurrence).snoozed = act.zone.toUtc(says.snoozed);
+    }
+    for (OccurrenceState& one : state.occurrences) {
+        if (!says.silentThrough.isZero() && !one.snoozed.isZero() &&
+            act.zone.fromUtc(one.snoozed) <= says.silentThrough) {
+            one.snoozed = DateTime();
+        }
+    }
+    state.word = word;
+}
+
+// A single event's occurrence is one, also under a start that it had before the host moved it.
+void endOldEntries(EventState& state, const ActOn& act) {
+    if (act.event.IsRepeating()) {
+        return;
+    }
+    for (OccurrenceState& one : state.occurrences) {
+        one.snoozed = DateTime();
+        one.listed = DateTime();
+    }
+}
+
+// What begins before the occurrence and is over by now.
+void endEarlier(EventState& state, const ActOn& act) {
+    if (!act.event.IsRepeating()) {
+        return;
+    }
+    const std::int64_t length =
+        act.event.EndOf(act.start).milliseconds() - act.start.milliseconds();
+    const DateTime over = DateTime::fromMilliseconds(act.now.milliseconds() - length);
+    const DateTime limit =
+        std::min(act.event.ToWall(act.start), act.event.ToWall(over).addSeconds(1));
+    state.endedBefore = std::max(state.endedBefore, limit);
+    for (OccurrenceState& one : state.occurrences) {
+        if (one.start < limit && one.snoozed.isZero()) {
+            one.listed = DateTime();
+        }
+    }
+}
+
+OccurrenceState& begin(EventState& state, const ActOn& act) {
+    takeOverRow(state, act);
+    const DateTime start = act.event.ToWall(act.start);
+    const OccurrenceState* known = state.find(start);
+    const DateTime listed = known != nullptr ? known->listed : DateTime();
+    endOldEntries(state, act);
+    endEarlier(state, act);
+    state.acted = act.now;
+    OccurrenceState& entry = entryOf(state, act.event, act.start);
+    const DateTime now = act.event.ToWall(act.now);
+    // The list takes a reminder a little before its time: what was dealt with then stays so, also
+    // by a second act before that time. A time far ahead is that of a clock which was wrong.
+    const bool early = entry.handled > now && entry.handled <= now.addMinutes(1);
+    entry.handled = std::max(early ? entry.handled : now, listed);
+    entry.snoozed = DateTime();
+    entry.listed = DateTime();
+    return entry;
+}
+
+}  // namespace
+
+RowSays rowSays(const calEvent& event, const RowWord& word) {
+    RowSays says;
+    if (word.NextReminder > word.Dismissed && !word.NextReminder.isZero()) {
+        says.snoozed = word.NextReminder;
+        says.occurrence = occurrenceAt(event, word.NextReminder);
+    } else {
+        says.silentThrough = word.Dismissed;
+    }
+    return says;
+}
+
+const OccurrenceState* stateOf(const calEvent& event, const EventState& state, DateTime start) {
+    return state.find(event.ToWall(start));
+}
+
+void recordSnooze(EventState& state, const ActOn& act, DateTime until) {
+    begin(state, act).snoozed = act.zone.toUtc(until);
+}
+
+void recordDismiss(EventState& state, const ActOn& act, DismissMode mode) {
+    OccurrenceState& entry = begin(state, act);
+    if (mode == DismissMode::All) {
+        entry.muted = Muted::ForEver;
+    } else if (mode == DismissMode::AllButAfter && entry.muted == Muted::No) {
+        entry.muted = Muted::ThroughStart;
+    }
+}
+
+void recordDone(EventState& state, const ActOn& act) { begin(state, act).muted = Muted::ForEver; }
+
+}  // namespace vl

@@ -1,0 +1,49 @@
+// What an act of the user changes in what is known of an event.
+#pragma once
+
+#include "app/TimeZone.h"
+#include "base/DateTime.h"
+#include "events/LedgerState.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+enum class DismissMode {
+    This,         ///< this reminder
+    AllButAfter,  ///< all reminders except those after the event
+    All,
+};
+
+/// An act is on one occurrence of one event: `start`, local time.
+struct ActOn {
+    const calEvent& event;
+    DateTime start;
+    DateTime now;
+    TimeZone zone;  ///< the computer's
+};
+
+/// What the row says, while it speaks: see `rowSpeaks`.
+struct RowSays {
+    DateTime snoozed;        ///< it is to be shown at this time; 0: no
+    DateTime occurrence;     ///< local start of the occurrence that this belongs to
+    DateTime silentThrough;  ///< else it was dismissed at this time; 0: no
+};
+/// Local times. A next reminder later than the dismissal is a snooze of the last occurrence whose
+/// first reminder is not later.
+RowSays rowSays(const calEvent& event, const RowWord& word);
+
+/// The entry that holds for an occurrence; null when there is none. A single event has one
+/// occurrence, wherever the host moves it.
+const OccurrenceState* stateOf(const calEvent& event, const EventState& state, DateTime start);
+
+// Each of these handles the occurrence's reminders up to now (or up to the reminder it was listed
+// with, where the list took it early), ends what is earlier and over, and takes over what the row
+// said, since from now on the row does not speak any more.
+
+/// Until `until` (local) its scheduled reminders are silent, then it is shown.
+void recordSnooze(EventState& state, const ActOn& act, DateTime until);
+void recordDismiss(EventState& state, const ActOn& act, DismissMode mode);
+/// None of the occurrence's reminders will be shown any more.
+void recordDone(EventState& state, const ActOn& act);
+
+}  // namespace vl

@@ -1,0 +1,284 @@
+#include "events/Ledger.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "LedgerLines.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "base/Variant.h"
+
+namespace vl {
+
+namespace {
+
+// A change takes a few milliseconds; whoever holds the lock longer is not coming back.
+constexpr std::chrono::milliseconds kLockWait(500);
+constexpr int kKeptDays = 90;
+constexpr std::size_t kSpareLines = 256;
+
+std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
+
+// How many days ago `when` was, as seen from `now`.
+bool longAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
+
+// An event's part beside its occurrences, as long as the row could still speak of a time to come.
+bool isOver(const EventState& state, DateTime now) {
+    DateTime written;
+    if (const ColumnNote* next = state.note("NextReminder")) {
+        attempt([&] { written = parseDateTime(next->after); });
+    }
+    return state.occurrences.empty() && longAgo(state.acted, now) && longAgo(written, now);
+}
+
+}  // namespace
+
+struct Ledger::Content : ledger::Content {};
+
+std::uint64_t guidHash(std::string_view GUID) {
+    std::uint64_t hash = 14695981039346656037U;  // FNV-1a
+    for (const char c : text::foldCase(GUID)) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    }
+    return hash;
+}
+
+Ledger::Ledger(const Clock& clock) : clock_(clock), content_(std::make_unique<Content>()) {}
+
+Ledger::Ledger(const Clock& clock, std::string path) : Ledger(clock) {
+    const ErrScope scope;
+    if (path.empty()) {
+        return;
+    }
+    file_ = std::make_unique<SharedFile>(std::move(path));
+    attempt([&] { load(); });
+    attempt([&] { compact(true); });
+}
+
+Ledger::~Ledger() = default;
+
+// What stands in the file, and on top of it what this copy still owes it.
+void Ledger::load() {
+    auto fresh = std::make_unique<Content>();
+    const std::string bytes = file_->read();
+    torn_ = !bytes.empty() && bytes.back() != '\n';
+    bytes_ = bytes.size();
+    lines_ = 0;
+    for (const std::string_view line : text::split(bytes, "\n")) {
+        if (!line.empty()) {
+            ++lines_;
+            attempt([&] { fresh->take(std::string(line)); });
+        }
+    }
+    for (const std::string_view line : text::split(owed_, "\n")) {
+        if (!line.empty()) {
+            attempt([&] { fresh->take(std::string(line)); });
+        }
+    }
+    for (const auto& [key, entry] : fresh->events) {
+        const auto old = content_->events.find(key);
+        if (old == content_->events.end() || old->second.state != entry.state) {
+            log_.push_back(guidHash(entry.GUID));
+        }
+    }
+    for (const auto& [key, entry] : content_->events) {
+        if (!fresh->events.contains(key)) {
+            log_.push_back(guidHash(entry.GUID));
+        }
+    }
+    content_ = std::move(fresh);
+}
+
+void Ledger::ReadAgain() {
+    const ErrScope scope;
+    if (file_ && file_->changed()) {
+        attempt([&] { load(); });
+    }
+}
+
+const EventState* Ledger::find(std::string_view database, std::string_view GUID) const {
+    const auto found = content_->events.find(ledger::keyOf(database, GUID));
+    return found != content_->events.end() ? &found->second.state : nullptr;
+}
+
+std::vector<Ledger::Known> Ledger::all(std::string_view database) const {
+    std::vector<Known> known;
+    for (const auto& [key, entry] : content_->events) {
+        if (entry.database == database) {
+            known.push_back({entry.database, entry.GUID, entry.state});
+        }
+    }
+    return known;
+}
+
+void Ledger::write(const std::string& lines) {
+    file_->append((torn_ ? "\n" : "") + lines);
+    torn_ = false;
+    bytes_ += lines.size();
+    lines_ += static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+}
+
+// Under the lock the change is made on top of what others have added meanwhile. Where there is no
+// lock to be had it is made all the same, on what is known.
+bool Ledger::store(const std::function<std::string()>& makeLines) {
+    const ErrScope scope;
+    SharedFile::Lock lock;
+    if (file_) {
+        attempt([&] { lock = file_->lock(kLockWait); });
+        ReadAgain();
+    }
+    attempt([&] { owed_ += makeLines(); });
+    if (!file_) {
+        owed_.clear();
+        return false;
+    }
+    if (lock && attempt([&] { write(owed_); })) {
+        owed_.clear();
+        attempt([&] { compact(false); });
+    }
+    return owed_.empty();
+}
+
+std::string Ledger::edited(std::string_view database, std::string_view GUID, std::string_view act,
+                           const std::function<void(EventState&)>& edit, bool forget) {
+    const std::string key = ledger::keyOf(database, GUID);
+    ledger::Entry entry{std::string(database), std::string(GUID), {}};
+    const auto known = content_->events.find(key);
+    if (known != content_->events.end()) {
+        entry = known->second;
+    }
+    const EventState before = entry.state;
+    if (forget) {
+        entry.state = EventState();
+    }
+    edit(entry.state);
+    entry.state.tidy();
+    if (!forget && entry.state == before) {
+        return {};
+    }
+    const std::string line = ledger::eventLine(entry, before, forget, act, clock_.now());
+    content_->events[key] = std::move(entry);
+    log_.push_back(guidHash(GUID));
+    return lineEnd(line);
+}
+
+bool Ledger::change(std::string_view database, std::string_view GUID, std::string_view act,
+                    const std::function<void(EventState&)>& edit) {
+    return store([&] { return edited(database, GUID, act, edit, false); });
+}
+
+bool Ledger::change(std::string_view database, std::string_view act,
+                    const std::vector<Change>& changes) {
+    return store([&] {
+        std::string lines;
+        for (const Change& one : changes) {
+            attempt([&] { lines += edited(database, one.GUID, act, one.edit, false); });
+        }
+        return lines;
+    });
+}
+
+bool Ledger::forget(std::string_view database, std::string_view GUID, std::string_view act,
+                    const std::function<void(EventState&)>& edit) {
+    return store([&] { return edited(database, GUID, act, edit, true); });
+}
+
+DateTime Ledger::lastCheck(std::string_view database) const {
+    const auto found = content_->checked.find(std::string(database));
+    return found != content_->checked.end() ? found->second : DateTime();
+}
+
+void Ledger::noteCheck(std::string_view database, DateTime when) {
+    if (lastCheck(database).date() == when.date()) {
+        return;
+    }
+    store([&] {
+        content_->checked[std::string(database)] = when;
+        return lineEnd(ledger::checkLine(database, when));
+    });
+}
+
+std::vector<DateTime> Ledger::replaced(std::string_view database, std::string_view master) const {
+    const auto found = content_->replaced.find(ledger::keyOf(database, master));
+    if (found == content_->replaced.end()) {
+        return {};
+    }
+    return {found->second.begin(), found->second.end()};
+}
+
+void Ledger::keepReplaced(std::string_view database, std::string_view master, DateTime start) {
+    const std::vector<DateTime> known = replaced(database, master);
+    if (std::binary_search(known.begin(), known.end(), start)) {
+        return;
+    }
+    store([&] {
+        content_->masters[ledger::keyOf(database, master)] = {std::string(database),
+                                                              std::string(master)};
+        content_->replaced[ledger::keyOf(database, master)].insert(start);
+        return lineEnd(ledger::replacedLine(database, master, start));
+    });
+}
+
+std::vector<std::uint64_t> Ledger::changedSince(std::uint64_t version) const {
+    const auto first = std::min(static_cast<std::size_t>(version), log_.size());
+    return {log_.begin() + static_cast<std::ptrdiff_t>(first), log_.end()};
+}
+
+std::string Ledger::compacted(DateTime reference) const {
+    std::string lines;
+    for (const auto& [key, entry] : content_->events) {
+        ledger::Entry kept = entry;
+        std::erase_if(kept.state.occurrences, [&](const OccurrenceState& one) {
+            return one.snoozed.isZero() && longAgo(std::max(one.start, one.end), reference);
+        });
+        if (!isOver(kept.state, reference)) {
+            lines += lineEnd(ledger::eventLine(kept, {}, true, "kept", kept.state.acted));
+        }
+    }
+    for (const auto& [database, when] : content_->checked) {
+        lines += lineEnd(ledger::checkLine(database, when));
+    }
+    for (const auto& [key, starts] : content_->replaced) {
+        const auto& [database, master] = content_->masters.at(key);
+        for (const DateTime start : starts) {
+            if (!longAgo(start, reference)) {
+                lines += lineEnd(ledger::replacedLine(database, master, start));
+            }
+        }
+    }
+    for (const std::string& line : content_->foreign) {
+        lines += lineEnd(line);
+    }
+    return lines;
+}
+
+// Worth it when most lines have been overtaken by later ones, or at a start when any has become
+// too old.
+void Ledger::compact(bool starting) {
+    const std::size_t held = content_->events.size() + content_->checked.size() +
+                             content_->replaced.size() + content_->foreign.size();
+    if (lines_ == 0 || (!starting && lines_ <= 2 * held + kSpareLines)) {
+        return;
+    }
+    SharedFile::Lock lock;
+    if (starting) {  // else the one who adds a line holds it
+        lock = file_->lock(kLockWait);
+        ReadAgain();
+    }
+    // A clock that is far ahead for once must not make everything look old.
+    DateTime latest;
+    for (const auto& [database, when] : content_->checked) {
+        latest = std::max(latest, when);
+    }
+    const DateTime now = clock_.now();
+    const std::string lines = compacted(latest.isZero() ? now : std::min(now, latest.addDays(1)));
+    const auto live = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+    if (live < lines_ || lines.size() < bytes_) {
+        file_->replace(lines);
+        lines_ = live;
+        bytes_ = lines.size();
+        torn_ = false;
+    }
+}
+
+}  // namespace vl

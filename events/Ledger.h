@@ -1,0 +1,122 @@
+// The ledger: what the user has dealt with, kept over restarts.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "app/SharedFile.h"
+#include "base/Clock.h"
+#include "events/LedgerState.h"
+
+namespace vl {
+
+/// GUIDs are equal without regard to case; so are their hashes.
+std::uint64_t guidHash(std::string_view GUID);
+
+/// A file beside the settings, one JSON object a line:
+///
+///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
+///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":}],
+///    "endedBefore":,"openSince":,"said":{"NextReminder":,"Dismissed":},
+///    "row":{COLUMN:[before ...,after]}}
+///   {"db":PATH,"checked":TIME}             the last check of a day
+///   {"db":PATH,"master":ID,"replaced":TIME}   a start that an exception has taken over
+///
+/// Times are "yyyy-mm-dd hh:mm:ss"; what is not there is none. A line holds the whole state of the
+/// occurrences it names and of the event beside them; with "forget" it is all there is. The last
+/// line of an occurrence counts. Lines of an unknown shape are kept, those that are no JSON, a torn
+/// last one among them, are passed over and leave with the next compaction.
+///
+/// Several copies of the program share the file: each change is made under a lock, after what
+/// others have added was read, and is on the disk when the method returns. Where the file cannot be
+/// written the ledger goes on in memory, and writes what it owes with the next change that can be
+/// written. No method throws; the pending error stays as it was.
+class Ledger {
+public:
+    /// In memory only.
+    explicit Ledger(const Clock& clock);
+    /// Reads `path` and compacts it when that is worth it. `clock` must outlive the ledger.
+    Ledger(const Clock& clock, std::string path);
+    ~Ledger();
+    Ledger(const Ledger&) = delete;
+    Ledger& operator=(const Ledger&) = delete;
+
+    /// Reads what others have added since. Costs one look at the file's size and time.
+    void ReadAgain();
+
+    /// Null when nothing is known. Good until the next change or `ReadAgain`.
+    const EventState* find(std::string_view database, std::string_view GUID) const;
+
+    struct Known {
+        std::string database;
+        std::string GUID;
+        EventState state;
+    };
+    /// Everything known of the events of one database, in no order.
+    std::vector<Known> all(std::string_view database) const;
+
+    /// Changes what is known of one event, as one line. `act` says by what. False when the line is
+    /// not on the disk; it holds in memory all the same.
+    bool change(std::string_view database, std::string_view GUID, std::string_view act,
+                const std::function<void(EventState&)>& edit);
+
+    struct Change {
+        std::string GUID;
+        std::function<void(EventState&)> edit;
+    };
+    /// The same for several events of a database, flushed once.
+    bool change(std::string_view database, std::string_view act,
+                const std::vector<Change>& changes);
+
+    /// Everything about the event is forgotten before `edit` is asked.
+    bool forget(std::string_view database, std::string_view GUID, std::string_view act,
+                const std::function<void(EventState&)>& edit);
+
+    /// When the database was last checked, not later than this and on the same day; 0: never.
+    DateTime lastCheck(std::string_view database) const;
+    /// Writes a line for the first check of a day only: a check of a time that has been checked
+    /// finds nothing that is not known.
+    void noteCheck(std::string_view database, DateTime when);
+
+    /// The starts of the series `master` (its id) that exceptions have taken over, although these
+    /// may not be there any more; local times, ascending.
+    std::vector<DateTime> replaced(std::string_view database, std::string_view master) const;
+    void keepReplaced(std::string_view database, std::string_view master, DateTime start);
+
+    /// Grows with every change of an event, by whomever.
+    std::uint64_t version() const noexcept { return log_.size(); }
+    /// `guidHash` of the events that changed since `version` was that.
+    std::vector<std::uint64_t> changedSince(std::uint64_t version) const;
+
+    /// Whether changes reach the disk at the moment.
+    bool onDisk() const noexcept { return owed_.empty() && file_ != nullptr; }
+
+private:
+    struct Content;
+
+    void load();
+    void write(const std::string& lines);
+    bool store(const std::function<std::string()>& makeLines);
+    std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
+                       const std::function<void(EventState&)>& edit, bool forget);
+    void compact(bool always);
+    std::string compacted(DateTime reference) const;
+
+    const Clock& clock_;
+    std::unique_ptr<SharedFile> file_;  // null: in memory only
+    std::unique_ptr<Content> content_;
+    std::string owed_;                // lines that are not on the disk yet
+    std::vector<std::uint64_t> log_;  // `guidHash` of each change, in order
+    std::size_t lines_ = 0;           // in the file
+    std::size_t bytes_ = 0;           // the same
+    bool torn_ = false;               // the file's last line has no end
+};
+
+}  // namespace vl

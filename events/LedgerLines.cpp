@@ -1,0 +1,188 @@
+#include "LedgerLines.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "base/Variant.h"
+
+namespace vl::ledger {
+
+namespace {
+
+struct MutedName {
+    Muted muted;
+    const char* name;
+};
+constexpr MutedName kMutedNames[] = {{Muted::ThroughStart, "start"}, {Muted::ForEver, "ever"}};
+
+void put(Json& json, const char* name, DateTime time) {
+    if (!time.isZero()) {
+        json[name] = formatDateTime(time);
+    }
+}
+
+DateTime time(const Json& json, const char* name) {
+    const auto member = json.find(name);
+    return member == json.end() ? DateTime() : parseDateTime(member->get<std::string>());
+}
+
+// `"start"` is there also where it is 0: an event without a date has an occurrence, too.
+Json occurrenceJson(const OccurrenceState& one) {
+    Json json = Json::object();
+    json["start"] = formatDateTime(one.start);
+    put(json, "end", one.end);
+    put(json, "handled", one.handled);
+    put(json, "snoozed", one.snoozed);
+    for (const auto& [muted, name] : kMutedNames) {
+        if (one.muted == muted) {
+            json["muted"] = name;
+        }
+    }
+    put(json, "listed", one.listed);
+    return json;
+}
+
+OccurrenceState occurrenceOf(const Json& json) {
+    OccurrenceState one;
+    one.start = parseDateTime(json.at("start").get<std::string>());
+    one.end = time(json, "end");
+    one.handled = time(json, "handled");
+    one.snoozed = time(json, "snoozed");
+    one.listed = time(json, "listed");
+    for (const auto& [muted, name] : kMutedNames) {
+        if (json.value("muted", "") == name) {
+            one.muted = muted;
+        }
+    }
+    return one;
+}
+
+Json rowJson(const EventState& state) {
+    Json row = Json::object();
+    for (const auto& [column, note] : state.row) {
+        Json texts = note.before;
+        texts.push_back(note.after);
+        row[column] = std::move(texts);
+    }
+    return row;
+}
+
+decltype(EventState::row) rowOf(const Json& json) {
+    decltype(EventState::row) row;
+    for (const auto& [column, texts] : json.items()) {
+        auto list = texts.get<std::vector<std::string>>();
+        if (list.empty()) {
+            throw Error(ErrNo::Syntax, "ledger: a note of a column without a text");
+        }
+        ColumnNote note;
+        note.after = std::move(list.back());
+        list.pop_back();
+        note.before = std::move(list);
+        row[column] = std::move(note);
+    }
+    return row;
+}
+
+void takeEvent(Content& content, const Json& json) {
+    Entry entry{json.at("db").get<std::string>(), json.at("guid").get<std::string>(), {}};
+    const std::string key = keyOf(entry.database, entry.GUID);
+    const auto known = content.events.find(key);
+    if (known != content.events.end() && !json.value("forget", false)) {
+        entry.state.occurrences = known->second.state.occurrences;
+    }
+    EventState& state = entry.state;
+    for (const Json& one : json.value("occurrences", Json::array())) {
+        const OccurrenceState occurrence = occurrenceOf(one);
+        state.at(occurrence.start) = occurrence;
+    }
+    state.endedBefore = time(json, "endedBefore");
+    state.openSince = time(json, "openSince");
+    state.acted = time(json, "acted");
+    const Json said = json.value("said", Json::object());
+    state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
+    state.row = rowOf(json.value("row", Json::object()));
+    state.tidy();
+    content.events[key] = std::move(entry);
+}
+
+}  // namespace
+
+std::string keyOf(std::string_view database, std::string_view id) {
+    return std::string(database) + '\n' + text::foldCase(id);
+}
+
+void Content::take(const std::string& line) {
+    const Json json = Json::parse(line);
+    if (!json.is_object()) {
+        throw Error(ErrNo::Syntax, "ledger: a line that is no object");
+    }
+    if (json.contains("guid")) {
+        takeEvent(*this, json);
+    } else if (json.contains("checked")) {
+        checked[json.at("db").get<std::string>()] = time(json, "checked");
+    } else if (json.contains("replaced")) {
+        const auto database = json.at("db").get<std::string>();
+        const auto master = json.at("master").get<std::string>();
+        const DateTime start = time(json, "replaced");
+        masters[keyOf(database, master)] = {database, master};
+        replaced[keyOf(database, master)].insert(start);
+    } else {
+        foreign.push_back(line);
+    }
+}
+
+std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,
+                      DateTime when) {
+    Json json = Json::object();
+    json["db"] = now.database;
+    json["guid"] = now.GUID;
+    json["act"] = act;
+    put(json, "when", when);
+    if (forget) {
+        json["forget"] = true;
+    }
+    const EventState& state = now.state;
+    Json occurrences = Json::array();
+    for (const OccurrenceState& one : state.occurrences) {
+        const OccurrenceState* old = forget ? nullptr : before.find(one.start);
+        if (old == nullptr || *old != one) {
+            occurrences.push_back(occurrenceJson(one));
+        }
+    }
+    for (const OccurrenceState& old : before.occurrences) {
+        if (!forget && state.find(old.start) == nullptr) {
+            OccurrenceState gone;
+            gone.start = old.start;
+            occurrences.push_back(occurrenceJson(gone));
+        }
+    }
+    if (!occurrences.empty()) {
+        json["occurrences"] = std::move(occurrences);
+    }
+    put(json, "endedBefore", state.endedBefore);
+    put(json, "openSince", state.openSince);
+    put(json, "acted", state.acted);
+    if (state.word.saysAnything()) {
+        put(json["said"], "NextReminder", state.word.NextReminder);
+        put(json["said"], "Dismissed", state.word.Dismissed);
+    }
+    if (!state.row.empty()) {
+        json["row"] = rowJson(state);
+    }
+    // Texts of a row may hold anything: what is no character must not cost the line.
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string checkLine(std::string_view database, DateTime when) {
+    return Json{{"db", database}, {"checked", formatDateTime(when)}}.dump(
+        -1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string replacedLine(std::string_view database, std::string_view master, DateTime start) {
+    return Json{{"db", database}, {"master", master}, {"replaced", formatDateTime(start)}}.dump(
+        -1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace vl::ledger

@@ -1,0 +1,46 @@
+// The ledger's lines: from text to state and back.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "events/LedgerState.h"
+
+namespace vl::ledger {
+
+using Json = nlohmann::ordered_json;
+
+struct Entry {
+    std::string database;
+    std::string GUID;  // as first written
+    EventState state;
+};
+
+/// Everything the lines say, the later over the earlier.
+struct Content {
+    std::unordered_map<std::string, Entry> events;       // by `keyOf`
+    std::map<std::string, DateTime> checked;             // by database
+    std::map<std::string, std::set<DateTime>> replaced;  // by `keyOf` of the master's id
+    std::map<std::string, std::pair<std::string, std::string>> masters;  // the same: database, id
+    std::vector<std::string> foreign;  // lines of an unknown shape
+
+    /// Takes one line in. Throws when it is no line of ours; nothing is changed then.
+    void take(const std::string& line);
+};
+
+/// Paths are told apart by case, GUIDs and ids are not.
+std::string keyOf(std::string_view database, std::string_view id);
+
+/// One line without its end: what is different in `now` from `before`.
+std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,
+                      DateTime when);
+std::string checkLine(std::string_view database, DateTime when);
+std::string replacedLine(std::string_view database, std::string_view master, DateTime start);
+
+}  // namespace vl::ledger

@@ -1,0 +1,88 @@
+// What the user has dealt with, event by event and occurrence by occurrence.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/DateTime.h"
+
+namespace vl {
+
+class calEvent;
+
+/// On disk by name; see `Ledger`.
+enum class Muted { No, ThroughStart, ForEver };
+
+/// One occurrence of an event. All times but `snoozed` are on the wall clock of the event's series
+/// (`calEvent::ToWall`), so they mean the same reminder wherever the computer is. 0: none.
+struct OccurrenceState {
+    DateTime start;    ///< by this it is known
+    DateTime end;      ///< when it is over
+    DateTime handled;  ///< reminders up to this time, included, are dealt with
+    DateTime snoozed;  ///< in UTC: a moment, and no time of the occurrence
+    Muted muted = Muted::No;
+    DateTime listed;  ///< the time of the reminder it was listed with; 0 after an act on it
+
+    /// False: the same as if there were no entry.
+    bool saysAnything() const {
+        return !handled.isZero() || !snoozed.isZero() || muted != Muted::No || !listed.isZero();
+    }
+    friend bool operator==(const OccurrenceState&, const OccurrenceState&) = default;
+};
+
+/// A column of the event's row that an act has set: the texts that may stand there.
+struct ColumnNote {
+    std::vector<std::string> before;  ///< more than one while earlier writes still wait
+    std::string after;
+    /// The row shows what it did before the act: the write has not come through.
+    bool waits(const std::string& text) const;
+    /// The row shows something that we know of.
+    bool knows(const std::string& text) const;
+    friend bool operator==(const ColumnNote&, const ColumnNote&) = default;
+};
+
+/// What another program has put into the row: the two columns, and nothing else, tell it.
+struct RowWord {
+    DateTime NextReminder;
+    DateTime Dismissed;
+    bool saysAnything() const { return !NextReminder.isZero() || !Dismissed.isZero(); }
+    friend bool operator==(const RowWord&, const RowWord&) = default;
+};
+
+struct EventState {
+    std::vector<OccurrenceState> occurrences;  ///< by start
+    /// Wall time: occurrences that begin before it are ended, unless they are snoozed.
+    DateTime endedBefore;
+    /// Wall time: what fell due from here on may not have been shown, since another reminder of the
+    /// event stood in the list.
+    DateTime openSince;
+    DateTime acted;  ///< local; when the last act was
+    RowWord word;    ///< what the row said before the first act took the word from it
+    std::map<std::string, ColumnNote, std::less<>> row;
+
+    /// Null when no act has written the column.
+    const ColumnNote* note(std::string_view column) const;
+    OccurrenceState* find(DateTime start);
+    const OccurrenceState* find(DateTime start) const;
+    /// The entry of that start, made when there is none.
+    OccurrenceState& at(DateTime start);
+    /// Removes the entries that say nothing.
+    void tidy();
+
+    friend bool operator==(const EventState&, const EventState&) = default;
+};
+
+/// The columns that acts write, in the order in which they are written.
+inline constexpr std::string_view kStateColumns[] = {"NextReminder", "Dismissed", "Hidden",
+                                                     "status"};
+
+/// A state column of the event as its note writes it.
+std::string columnText(const calEvent& event, std::string_view column);
+
+/// Whether the row speaks for itself: it shows what no act of ours has put there.
+bool rowSpeaks(const calEvent& event, const EventState* state);
+
+}  // namespace vl

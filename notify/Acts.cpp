@@ -1,0 +1,340 @@
+#include "notify/Acts.h"
+
+#include <algorithm>
+
+#include "app/Files.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+
+namespace vl {
+
+namespace {
+
+constexpr const char* kNextReminder = "NextReminder";
+constexpr const char* kDismissed = "Dismissed";
+constexpr const char* kHidden = "Hidden";
+constexpr const char* kStatus = "status";
+constexpr const char* kAllDone = "AllDone";
+
+/// Who writes which column.
+struct Writer {
+    const char* column;
+    std::int64_t (calEvent::*save)(DBRemindUtils&) const;
+};
+constexpr Writer kWriters[] = {{kNextReminder, &calEvent::SaveNextReminderDB},
+                               {kDismissed, &calEvent::SaveDismissedDB},
+                               {kHidden, &calEvent::SaveHiddenDB},
+                               {kStatus, &calEvent::SaveStatusDB}};
+
+std::shared_ptr<calEvent> heldBy(const std::shared_ptr<GenCollection>& set,
+                                 const std::string& GUID) {
+    return set && set->Exists(GUID) ? objectAt<calEvent>(*set, GUID) : nullptr;
+}
+
+// The row is written later: others hold the file, the disk does not answer or is not there.
+bool passes(const DBRemindUtils& db) {
+    const ErrNo error = db.LastError();
+    return error == ErrNo::Locked || error == ErrNo::Io ||
+           (error == ErrNo::NotFound && !fileExists(db.DBFullName));
+}
+
+DateTime firstReminderOfNext(const calEvent& event) {
+    const DateTime next = event.NextInstance(event.InstanceStart);
+    return next > event.InstanceStart ? next.addMinutes(event.FirstReminder()) : DateTime();
+}
+
+DateTime nextReminderAfter(const calEvent& event, DismissMode mode, DateTime now) {
+    switch (mode) {
+        case DismissMode::This:
+            return event.NextReminderD(now);
+        case DismissMode::AllButAfter:
+            return event.FirstReminderAfterEventStart();
+        case DismissMode::All:
+            break;
+    }
+    return {};
+}
+
+const char* nameOf(DismissMode mode) {
+    return mode == DismissMode::This          ? "this"
+           : mode == DismissMode::AllButAfter ? "all but after"
+                                              : "all";
+}
+
+// Something of the event is still to come, beside the occurrence: it must go on being read.
+bool anyLeft(const EventState* state, DateTime wallStart) {
+    return state != nullptr &&
+           std::any_of(state->occurrences.begin(), state->occurrences.end(),
+                       [&](const OccurrenceState& one) {
+                           return one.start != wallStart &&
+                                  (!one.snoozed.isZero() || !one.listed.isZero());
+                       });
+}
+
+}  // namespace
+
+Acts::Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
+           Ledger& ledger, ReminderState& state)
+    : reminders_(reminders),
+      period_(period),
+      db_(db),
+      clock_(clock),
+      ledger_(ledger),
+      state_(state) {}
+
+Acts::Objects Acts::objectsOf(const ActRow& row) const {
+    const std::string& GUID = row.event->GUID;
+    Objects objects;
+    const auto add = [&](const std::shared_ptr<calEvent>& event) {
+        if (event && std::find(objects.begin(), objects.end(), event) == objects.end()) {
+            objects.push_back(event);
+        }
+    };
+    add(heldBy(period_.mCol, GUID));
+    add(heldBy(reminders_.mCol, GUID));
+    add(row.event);
+    add(heldBy(state_.NewReminders, GUID));
+    if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
+        add(state_.curEvent);
+    }
+    return objects;
+}
+
+std::shared_ptr<calEvent> Acts::EventOf(const ActRow& row) {
+    const ErrScope scope;
+    const Objects objects = objectsOf(row);
+    for (const auto& event : objects) {
+        event->InstanceStart = row.InstanceStart;
+        event->dReminder = row.reminder;
+        event->iRemMinutes =
+            row.reminder.isZero()
+                ? calEvent::kNoReminder
+                : static_cast<std::int32_t>(minutesBetween(row.reminder, row.InstanceStart));
+    }
+    return objects.front();
+}
+
+ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
+    const DateTime start = row.InstanceStart.isZero() ? event.StartDateTime : row.InstanceStart;
+    return {event, start, clock_.now(), TimeZone::local()};
+}
+
+bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
+    const ErrScope scope;
+    if (minutes <= 0) {
+        return false;
+    }
+    attempt([&] {
+        const auto event = EventOf(row);
+        calEvent wanted(*event);
+        wanted.NextReminder = clock_.now().addMinutes(minutes);
+        const ActOn act = actOn(*event, row);
+        apply(row, "snooze", wanted, {kNextReminder},
+              [&](EventState& state) { recordSnooze(state, act, wanted.NextReminder); });
+    });
+    LeaveNewList(row.event->GUID);
+    return true;
+}
+
+void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
+    const ErrScope scope;
+    attempt([&] {
+        const auto event = EventOf(row);
+        const DateTime now = clock_.now();
+        calEvent wanted(*event);
+        wanted.Dismissed = now;
+        std::vector<std::string> columns{kDismissed};
+        const DateTime candidate = nextReminderAfter(*event, mode, now);
+        if (now < candidate) {
+            wanted.NextReminder = candidate;
+            columns.emplace_back(kNextReminder);
+        }
+        // Only where nothing stands there: an old value stays.
+        if (wanted.NextReminder.isZero() && event->IsRepeating()) {
+            wanted.NextReminder = firstReminderOfNext(*event);
+            columns.emplace_back(kNextReminder);
+        }
+        const ActOn act = actOn(*event, row);
+        const bool isLast = !event->IsRepeating() || event->NextInstance(act.start).isZero();
+        if (markDone && isLast &&
+            !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
+            wanted.status = kAllDone;
+            columns.emplace_back(kStatus);
+        }
+        apply(row, markDone ? "done" : nameOf(mode), wanted, columns, [&](EventState& state) {
+            recordDismiss(state, act, mode);
+            if (markDone) {
+                recordDone(state, act);
+            }
+        });
+    });
+    LeaveNewList(row.event->GUID);
+}
+
+void Acts::Reactivate(const ActRow& row) {
+    const ErrScope scope;
+    attempt([&] {
+        calEvent wanted(*EventOf(row));
+        wanted.NextReminder = DateTime();
+        wanted.Dismissed = DateTime();
+        const DateTime now = clock_.now();
+        apply(
+            row, "reactivate", wanted, {kNextReminder, kDismissed},
+            [&](EventState& state) { state.acted = now; }, true);
+    });
+}
+
+void Acts::Hide(const ActRow& row, bool hidden) {
+    const ErrScope scope;
+    attempt([&] {
+        calEvent wanted(*EventOf(row));
+        wanted.Hidden = hidden;
+        apply(row, hidden ? "hide" : "unhide", wanted, {kHidden}, [](EventState&) {});
+    });
+}
+
+void Acts::LeaveNewList(std::string_view GUID) {
+    const ErrScope scope;
+    for (GenCollection* list : {state_.NewReminders.get(), state_.LastEventsReminded.get()}) {
+        list->Remove(GUID);
+    }
+}
+
+// The ledger first: from the moment it stands there, the row follows, now or later.
+void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
+                 const std::vector<std::string>& columns,
+                 const std::function<void(EventState&)>& edit, bool forget) {
+    const auto event = EventOf(row);
+    const auto change = [&](EventState& state) {
+        edit(state);
+        noteRow(state, *event, wanted, columns);
+    };
+    if (forget) {
+        ledger_.forget(db_.DBFullName, event->GUID, name, change);
+    } else {
+        ledger_.change(db_.DBFullName, event->GUID, name, change);
+    }
+    for (const auto& object : objectsOf(row)) {
+        for (const std::string& column : columns) {
+            object->setProperty(column, wanted.property(column));
+        }
+    }
+    for (const std::string_view column : kStateColumns) {
+        if (std::find(columns.begin(), columns.end(), column) != columns.end()) {
+            enqueue({event->GUID, std::string(column), columnText(wanted, column)});
+        }
+    }
+    WriteWaiting();
+}
+
+// Both columns by which the row speaks are noted with every act, so that it is silent after each.
+void Acts::noteRow(EventState& state, const calEvent& before, const calEvent& wanted,
+                   const std::vector<std::string>& columns) const {
+    const bool hideOnly = columns.size() == 1 && columns.front() == kHidden;
+    for (const std::string_view name : kStateColumns) {
+        const std::string column(name);
+        const bool speaks = column == kNextReminder || column == kDismissed;
+        const bool written = std::find(columns.begin(), columns.end(), column) != columns.end();
+        if (!written && (!speaks || hideOnly)) {
+            continue;
+        }
+        ColumnNote& note = state.row[column];
+        const std::string text = columnText(before, column);
+        const bool waits = std::any_of(waiting_.begin(), waiting_.end(), [&](const Write& write) {
+            return write.column == column && text::equalsNoCase(write.GUID, before.GUID);
+        });
+        if (!waits) {
+            note.before.clear();
+        } else if (note.after != text) {
+            note.before.push_back(note.after);
+        }
+        if (std::find(note.before.begin(), note.before.end(), text) == note.before.end()) {
+            note.before.push_back(text);
+        }
+        note.after = columnText(wanted, column);
+    }
+}
+
+// A later act on the same column takes the place of the earlier, which nobody has seen.
+void Acts::enqueue(Write write) {
+    const auto same = std::find_if(waiting_.begin(), waiting_.end(), [&](const Write& other) {
+        return other.column == write.column && text::equalsNoCase(other.GUID, write.GUID);
+    });
+    if (same != waiting_.end()) {
+        same->text = write.text;
+    } else {
+        waiting_.push_back(std::move(write));
+    }
+}
+
+bool Acts::write(const Write& write) {
+    calEvent carrier;
+    carrier.GUID = write.GUID;
+    if (!attempt([&] { carrier.setProperty(write.column, Variant(write.text)); })) {
+        return true;
+    }
+    for (const Writer& writer : kWriters) {
+        if (write.column == writer.column) {
+            (carrier.*writer.save)(db_);
+        }
+    }
+    trouble_ = db_.LastErrorText();
+    return !passes(db_);
+}
+
+void Acts::WriteWaiting() {
+    const ErrScope scope;
+    attempt([&] {
+        while (!waiting_.empty() && write(waiting_.front())) {
+            waiting_.pop_front();
+        }
+    });
+    state_.waitingWrites = static_cast<int>(waiting_.size());
+}
+
+void Acts::RestoreWaiting() {
+    const ErrScope scope;
+    if (!lookedForLeftOver_ && (reminders_.mCol || period_.mCol)) {
+        lookedForLeftOver_ = true;
+        attempt([&] { findLeftOver(); });
+    }
+    // Who has written something else meanwhile has the last word.
+    std::erase_if(waiting_, [&](const Write& write) {
+        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            const auto event = heldBy(set->mCol, write.GUID);
+            const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+            if (event && note != nullptr && !note->knows(columnText(*event, write.column))) {
+                return true;
+            }
+        }
+        return false;
+    });
+    for (const Write& write : waiting_) {
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            if (const auto event = heldBy(set->mCol, write.GUID)) {
+                attempt([&] { event->setProperty(write.column, Variant(write.text)); });
+            }
+        }
+    }
+    state_.waitingWrites = static_cast<int>(waiting_.size());
+}
+
+// An earlier run noted the act and did not come to the row, or could not write it.
+void Acts::findLeftOver() {
+    auto known = ledger_.all(db_.DBFullName);
+    std::sort(known.begin(), known.end(),
+              [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
+    for (const auto& one : known) {
+        auto event = heldBy(period_.mCol, one.GUID);
+        event = event ? event : heldBy(reminders_.mCol, one.GUID);
+        for (const std::string_view name : kStateColumns) {
+            const ColumnNote* note = one.state.note(name);
+            if (event && note != nullptr && note->waits(columnText(*event, name))) {
+                enqueue({event->GUID, std::string(name), note->after});
+            }
+        }
+    }
+}
+
+}  // namespace vl

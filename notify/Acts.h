@@ -1,0 +1,112 @@
+// What the user does to a reminder: snooze, dismiss, mark as done, reactivate, hide.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Clock.h"
+#include "db/DBRemindUtils.h"
+#include "events/ActRules.h"
+#include "events/CalEvents.h"
+#include "events/Ledger.h"
+#include "model/calEvent.h"
+#include "notify/ReminderState.h"
+
+namespace vl {
+
+/// The row an act is on, as it was filled. Copy it before a dialog is shown: while a box is open
+/// checks go on, and change what the events hold.
+struct ActRow {
+    std::shared_ptr<calEvent> event;  ///< of the row; never null
+    DateTime InstanceStart;           ///< of the occurrence the row shows
+    DateTime reminder;                ///< the time of its reminder; 0 in a row that shows none
+};
+
+/// Each act is noted in the ledger and on the disk before the event's row is written; it is set at
+/// once in every object that holds the event (of both sets, of the list of new reminders, of the
+/// row) and works on the row's own occurrence, which it first restores in them. The act holds
+/// whatever becomes of the row: one that cannot be written now is written later. An act on an event
+/// that has left the sets is done all the same.
+///
+/// Rows, tray and window are the caller's: these take the event off the list of new reminders and
+/// out of its index (`LeaveNewList`), nothing else.
+///
+/// No method throws, and the pending error stays as it was.
+class Acts {
+public:
+    /// What is handed in must outlive the acts. `period` is where an event is looked up first.
+    Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
+         Ledger& ledger, ReminderState& state);
+
+    /// Shown again `minutes` from now, not from the reminder. False, and nothing is done, unless
+    /// `minutes` is greater than 0.
+    bool Snooze(const ActRow& row, std::int32_t minutes);
+
+    /// `markDone`: none of the occurrence's reminders comes any more, and an event without a later
+    /// occurrence becomes "AllDone".
+    void Dismiss(const ActRow& row, DismissMode mode, bool markDone = false);
+
+    /// Its reminders come again as if the event had just been met.
+    void Reactivate(const ActRow& row);
+
+    /// Hidden from the views; its reminders still come.
+    void Hide(const ActRow& row, bool hidden = true);
+
+    /// The event under a row's `GUID` as the sets hold it now, else the row's own: what the
+    /// captions of a dialog are taken from, with the row's occurrence in it. Never null.
+    std::shared_ptr<calEvent> EventOf(const ActRow& row);
+
+    /// Takes the event off the list of new reminders.
+    void LeaveNewList(std::string_view GUID);
+
+    /// Writes what waits, in the order of the acts, up to the first write that has to wait on.
+    /// Checks call it; costs nothing when nothing waits.
+    void WriteWaiting();
+
+    /// Puts what waits into the events of both sets again, after these were read: their rows do
+    /// not have it yet. The first call after the start also finds what an earlier run has left.
+    void RestoreWaiting();
+
+    /// Columns that wait to be written, for the status line (also in the state).
+    std::size_t Waiting() const noexcept { return waiting_.size(); }
+    /// Why the last write failed, in the engine's words; empty when it did not.
+    const std::string& Trouble() const noexcept { return trouble_; }
+
+private:
+    /// A column of a row that is to hold `text`.
+    struct Write {
+        std::string GUID;
+        std::string column;
+        std::string text;
+    };
+    using Objects = std::vector<std::shared_ptr<calEvent>>;
+
+    Objects objectsOf(const ActRow& row) const;
+    ActOn actOn(const calEvent& event, const ActRow& row) const;
+    void apply(const ActRow& row, const char* name, const calEvent& wanted,
+               const std::vector<std::string>& columns,
+               const std::function<void(EventState&)>& edit, bool forget = false);
+    void noteRow(EventState& state, const calEvent& before, const calEvent& wanted,
+                 const std::vector<std::string>& columns) const;
+    void enqueue(Write write);
+    bool write(const Write& write);
+    void findLeftOver();
+
+    CalEvents& reminders_;
+    CalEvents& period_;
+    DBRemindUtils& db_;
+    const Clock& clock_;
+    Ledger& ledger_;
+    ReminderState& state_;
+    std::deque<Write> waiting_;
+    std::string trouble_;
+    bool lookedForLeftOver_ = false;
+};
+
+}  // namespace vl
