@@ -45,13 +45,20 @@ KeyBytes Table::indexKey(std::size_t index, std::span<const Variant> values) con
 }
 
 RowId Table::insert(std::span<const Change> changes) {
-    return RowWriter(*file_, *definition_).insert(changes);
+    return RowWriter(*file_, *definition_).insert(changes, rules());
 }
 
 void Table::update(RowId id, std::span<const Change> changes) {
-    RowWriter(*file_, *definition_).update(id, changes);
+    RowWriter(*file_, *definition_).update(id, changes, rules());
 }
 
 void Table::remove(RowId id) { RowWriter(*file_, *definition_).remove(id); }
+
+const ColumnRules& Table::rules() {
+    if (!rules_) {
+        rules_ = std::make_shared<const ColumnRules>(ColumnRules::load(*file_, *definition_));
+    }
+    return *rules_;
+}
 
 }  // namespace vl::jet

@@ -13,6 +13,8 @@
 
 namespace vl::jet {
 
+struct ColumnRules;
+
 /// The definition as it was when the table was asked for; copying is cheap. The `Database` must
 /// outlive it. Every method that reads or writes throws `Error`.
 class Table {
@@ -54,7 +56,7 @@ public:
 
     /// A new row; columns that are not named are null, false, or the next autonumber. An autonumber
     /// that is given here raises those that follow. Throws `Error`: `ErrNo::TypeMismatch` for a
-    /// value that is none of its column's type, or null where a value is needed;
+    /// value that is none of its column's type, or null or an empty text where none may be;
     /// `ErrNo::Overflow` for a value, key or row that is too long or too large; `ErrNo::Exists` for
     /// a key that a unique index has already; `ErrNo::Unsupported` for a text in a column that is
     /// sorted in another language's order.
@@ -80,8 +82,11 @@ public:
     void updateInPlace(RowId id, std::span<const Change> changes);
 
 private:
+    const ColumnRules& rules();
+
     PageFile* file_;
     std::shared_ptr<const TableDefinition> definition_;
+    std::shared_ptr<const ColumnRules> rules_;  // null until the first write
 };
 
 }  // namespace vl::jet

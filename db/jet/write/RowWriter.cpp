@@ -82,10 +82,13 @@ RowWriter::RowWriter(PageFile& file, const TableDefinition& table)
 
 RowPages RowWriter::pages() { return {file_, table_.page, table_.ownedPages, table_.freePages}; }
 
-RowId RowWriter::insert(std::span<const Table::Change> changes) {
+RowId RowWriter::insert(std::span<const Table::Change> changes, const ColumnRules& rules) {
     Fields fields(table_.columns.size());
     assign(fields, changes);
     number(fields);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        checkRule(i, fields[i], rules);
+    }
     std::vector<KeyChange> keys;
     for (std::size_t i = 0; i < table_.trees.size(); ++i) {
         planKey(keys, i, nullptr, &fields, {});
@@ -100,7 +103,7 @@ RowId RowWriter::insert(std::span<const Table::Change> changes) {
     return id;
 }
 
-void RowWriter::update(RowId id, std::span<const Table::Change> changes) {
+void RowWriter::update(RowId id, std::span<const Table::Change> changes, const ColumnRules& rules) {
     const Stored row = read(id);
     const Origin& origin = row.place.page.origin();
     Fields fields = row.fields;
@@ -121,6 +124,7 @@ void RowWriter::update(RowId id, std::span<const Table::Change> changes) {
             throw Error(ErrNo::Unsupported, labelOf(file_, table_) + ": column \"" + column.name +
                                                 "\" numbers the rows and is not changed");
         }
+        checkRule(position, field, rules);
         affected[position] = true;
         changed = true;
     }
@@ -207,6 +211,20 @@ void RowWriter::assign(Fields& fields, std::span<const Table::Change> changes) {
         const Column& column = table_.columns[position];
         named([&] { return labelOf(file_, table_) + ", column \"" + column.name + "\""; },
               [&, &v = value, at = position] { fields[at] = fieldOf(column, v); });
+    }
+}
+
+void RowWriter::checkRule(std::size_t position, const Field& field, const ColumnRules& rules) {
+    const Column& column = table_.columns[position];
+    const auto refuse = [&](const char* what) {
+        throw Error(ErrNo::TypeMismatch,
+                    labelOf(file_, table_) + ", column \"" + column.name + "\": " + what);
+    };
+    if (rules.required[position] && !field.bit && column.type != ColumnType::Boolean) {
+        refuse("null is not allowed");
+    }
+    if (rules.noEmpty[position] && field.bit && field.bytes.empty()) {
+        refuse("an empty text is not allowed");
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "ColumnRules.h"
 #include "Counters.h"
 #include "Field.h"
 #include "RowPages.h"
@@ -21,8 +22,8 @@ public:
     /// what `table` says any more.
     RowWriter(PageFile& file, const TableDefinition& table);
 
-    RowId insert(std::span<const Table::Change> changes);
-    void update(RowId id, std::span<const Table::Change> changes);
+    RowId insert(std::span<const Table::Change> changes, const ColumnRules& rules);
+    void update(RowId id, std::span<const Table::Change> changes, const ColumnRules& rules);
     void remove(RowId id);
 
 private:
@@ -43,6 +44,7 @@ private:
     Stored read(RowId id);
     void assign(Fields& fields, std::span<const Table::Change> changes);
     void number(Fields& fields);
+    void checkRule(std::size_t column, const Field& field, const ColumnRules& rules);
     std::vector<Variant> partsOf(std::size_t tree, const Fields& fields, const Origin& origin);
     void planKey(std::vector<KeyChange>& plan, std::size_t tree, const Fields* before,
                  const Fields* after, std::optional<RowId> own);

@@ -5,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "MemoryFile.h"
+#include "DataPage.h"
+#include "Pages.h"
 #include "Rows.h"
 
 namespace vl {
@@ -42,6 +43,118 @@ TEST(JetCheck, FindsNothingInFilesThatAreWhole) {
         }
     }
     std::cout << files << " files of others\n";
+}
+
+// The file's pages while they are damaged by hand. Page 16 is the definition of `Reminders`.
+struct Damaged {
+    Disk disk{test::firstLight()};
+
+    std::span<std::byte> page(std::size_t number) {
+        return std::span(disk.bytes).subspan(number * jet::kPageSize, jet::kPageSize);
+    }
+    std::uint8_t byte(std::size_t number, std::size_t at) {
+        return std::to_integer<std::uint8_t>(page(number)[at]);
+    }
+    void flip(std::size_t number, std::size_t at, unsigned bits) {
+        page(number)[at] ^= static_cast<std::byte>(bits);
+    }
+    std::string findings() {
+        auto db = test::openMemory(disk);
+        return textOf(checkDatabase(db));
+    }
+};
+
+// Of each kind of page the first that belongs to the table: data, index, long values.
+struct Places {
+    std::size_t data = 0;
+    std::size_t leaf = 0;
+    std::size_t longValues = 0;
+    std::size_t map = 0;
+};
+
+Places placesOf(const Disk& disk) {
+    Places places;
+    for (std::size_t page = 3; page < disk.bytes.size() / jet::kPageSize; ++page) {
+        const jet::ByteView bytes =
+            jet::ByteView(disk.bytes).subspan(page * jet::kPageSize, jet::kPageSize);
+        const unsigned kind = jet::u8(bytes, 0);
+        const std::uint32_t owner = jet::u32(bytes, 4);
+        if (kind == 1 && owner == 16 && places.data == 0) {
+            places.data = page;
+        } else if (kind == 4 && owner == 16 && places.leaf == 0) {
+            places.leaf = page;
+        } else if (kind == 1 && owner == jet::DataPage::kLongValues && places.longValues == 0) {
+            places.longValues = page;
+        }
+    }
+    places.map = jet::RowPointer::read(disk.bytes, 16 * jet::kPageSize + 0x37).page;
+    return places;
+}
+
+TEST(JetCheck, FindsEachKindOfDamage) {
+    const Places at = placesOf(Disk(test::firstLight()));
+    ASSERT_TRUE(at.data != 0 && at.leaf != 0 && at.longValues != 0 && at.map != 0);
+    struct Case {
+        const char* what;
+        void (*damage)(Damaged& file, const Places& at);
+        const char* finding;
+    };
+    const Case cases[] = {
+        {"the number of rows", [](Damaged& f, const Places&) { f.flip(16, 0x10, 1); },
+         "rows, but it has"},
+        {"a page's free bytes", [](Damaged& f, const Places& p) { f.flip(p.data, 2, 1); },
+         "free bytes, but has"},
+        {"a page of another owner", [](Damaged& f, const Places& p) { f.flip(p.data, 4, 1); },
+         "is in the map of table"},
+        {"a row that is deleted", [](Damaged& f, const Places& p) { f.flip(p.data, 15, 0xC0); },
+         "has an entry that is of no row"},
+        {"a body without a pointer", [](Damaged& f, const Places& p) { f.flip(p.data, 15, 0x80); },
+         "nothing points to it"},
+        {"a row outside its page", [](Damaged& f, const Places& p) { f.flip(p.data, 15, 0x1F); },
+         "is not inside the page"},
+        {"a key of another value", [](Damaged& f, const Places& p) { f.flip(p.leaf, 0x1E2, 1); },
+         "has no entry in index 0"},
+        {"a tree whose root is no index page",
+         [](Damaged& f, const Places& p) { f.flip(p.leaf, 0, 1); },
+         "index 0 of table \"Reminders\""},
+        {"a long value that is gone",
+         [](Damaged& f, const Places& p) { f.flip(p.longValues, 15, 0xC0); }, "is pointed to"},
+        {"a page in use that counts as free",
+         [](Damaged& f, const Places& p) {
+             const std::size_t bitmap = jet::u16(f.page(1), 14) & 0x1FFFU;
+             f.flip(1, bitmap + 5 + p.data / 8, 1U << (p.data % 8));
+         },
+         "is in the map of free pages, but belongs to"},
+        {"a map of another kind",
+         [](Damaged& f, const Places& p) {
+             const std::size_t row = jet::RowPointer::read(f.page(16), 0x37).row;
+             f.flip(p.map, jet::u16(f.page(p.map), 14 + 2 * row) & 0x1FFFU, 7);
+         },
+         "is no usage map"},
+        {"two maps in one row",
+         [](Damaged& f, const Places&) { f.page(16)[0x3B] = f.page(16)[0x37]; }, "but also of"},
+        {"no definition", [](Damaged& f, const Places&) { f.flip(16, 0, 2); },
+         "is no table definition"},
+        {"no catalog", [](Damaged& f, const Places&) { f.flip(2, 0, 2); },
+         "is no table definition"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Damaged file;
+        ASSERT_EQ(file.findings(), "");
+        c.damage(file, at);
+        EXPECT_NE(file.findings().find(c.finding), std::string::npos) << file.findings();
+    }
+}
+
+TEST(JetCheck, GivesUpCountingAtSomePoint) {
+    jet::Findings findings("file");
+    for (std::size_t i = 0; i < jet::Findings::kMost + 7; ++i) {
+        findings.add(1, "something");
+    }
+    const std::vector<jet::Finding> all = findings.take();
+    ASSERT_EQ(all.size(), jet::Findings::kMost + 1);
+    EXPECT_EQ(all.back().what, "and 7 more");
 }
 
 }  // namespace

@@ -130,7 +130,8 @@ Variant randomValue(Random& random, const Column& column) {
     }
 }
 
-Model::Model(const jet::Table& table) : table_(&table), unique_(table.indexes().size()) {
+Model::Model(const jet::Table& table, jet::ColumnRules rules)
+    : table_(&table), rules_(std::move(rules)), unique_(table.indexes().size()) {
     jet::RowCursor cursor = table.scan();
     while (cursor.next()) {
         Row row;
@@ -182,7 +183,21 @@ bool Model::anyNull(std::size_t index, const Row& row) const {
                        [&](const auto& part) { return row[column(part)].isNull(); });
 }
 
+bool Model::breaksRules(const Row& row, const Row* before) const {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        const bool broken =
+            (rules_.required[i] && row[i].isNull()) || (rules_.noEmpty[i] && row[i] == Variant(""));
+        if (broken && !(before && row[i] == (*before)[i])) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool Model::refuses(const Row& row, const Row* before) const {
+    if (breaksRules(row, before)) {
+        return true;
+    }
     for (std::size_t i = 0; i < table_->indexes().size(); ++i) {
         const jet::Index& index = table_->indexes()[i];
         const jet::KeyBytes own = key(i, row);

@@ -5,6 +5,7 @@
 #include <random>
 #include <vector>
 
+#include "ColumnRules.h"
 #include "db/jet/Database.h"
 
 namespace vl::test {
@@ -23,7 +24,7 @@ public:
     using Row = std::vector<Variant>;
     using Rows = std::map<std::pair<jet::PageNo, std::uint16_t>, Row>;
 
-    explicit Model(const jet::Table& table);
+    Model(const jet::Table& table, jet::ColumnRules rules);
 
     const Rows& rows() const { return rows_; }
     /// An existing row's place; there must be one.
@@ -31,7 +32,8 @@ public:
 
     /// What the row would be with these columns changed.
     Row changed(const Row& row, std::span<const jet::Table::Change> changes) const;
-    /// Whether an index refuses the row: a key that another one has, or null where none may be.
+    /// Whether the table refuses the row: a key that another one has, null or an empty text where
+    /// none may be. Of a row that was there, what has not changed is not asked.
     bool refuses(const Row& row, const Row* before) const;
 
     void put(jet::RowId id, Row row);
@@ -46,7 +48,10 @@ private:
     bool anyNull(std::size_t index, const Row& row) const;
     std::size_t column(const jet::IndexColumn& part) const;
 
+    bool breaksRules(const Row& row, const Row* before) const;
+
     const jet::Table* table_;
+    jet::ColumnRules rules_;
     Rows rows_;
     std::vector<std::map<jet::KeyBytes, int>> unique_;  // by index: how many rows have a key
 };

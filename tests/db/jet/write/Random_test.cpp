@@ -5,12 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "Mdb.h"
-#include "MemoryFile.h"
+#include "Pages.h"
 #include "RandomRows.h"
 #include "Rows.h"
 #include "base/Text.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
+#include "db/jet/define/NewTable.h"
 
 namespace vl {
 namespace {
@@ -153,8 +154,12 @@ void expectTheySee(const Disk& disk, const Table& table, const Model& model, Cou
 /// Changes to one table, and what it holds meanwhile.
 class Run {
 public:
-    Run(jet::Database& db, Table& table, Random& random, Counts& counts)
-        : db_(db), table_(table), random_(random), counts_(counts), model_(table) {}
+    Run(jet::Database& db, Table& table, jet::ColumnRules rules, Random& random, Counts& counts)
+        : db_(db),
+          table_(table),
+          random_(random),
+          counts_(counts),
+          model_(table, std::move(rules)) {}
 
     const Model& model() const { return model_; }
 
@@ -283,13 +288,24 @@ private:
     Model model_;
 };
 
+jet::ColumnRules rulesOf(Disk& disk, const jet::Database& db, const std::string& name) {
+    jet::PageFile file = test::pagesOf(disk);
+    for (const jet::TableInfo& info : db.tables()) {
+        if (info.name == name) {
+            return jet::ColumnRules::load(
+                file, jet::readTableDefinition(file, info.definitionPage, name));
+        }
+    }
+    return {};
+}
+
 void changeTable(const std::string& bytes, const std::string& name, std::size_t batches,
                  Random& random, Counts& counts) {
     SCOPED_TRACE(name);
     Disk disk(bytes);
     auto db = test::openMemory(disk, Access::ReadWrite);
     Table table = db.table(name);
-    Run run(db, table, random, counts);
+    Run run(db, table, rulesOf(disk, db, name), random, counts);
     ++counts.tables;
     for (std::size_t i = 0; i < batches && !testing::Test::HasFatalFailure(); ++i) {
         SCOPED_TRACE(testing::Message() << "batch " << i);
@@ -302,13 +318,73 @@ void changeTable(const std::string& bytes, const std::string& name, std::size_t 
     }
 }
 
+// Every type of column, indexes of every kind on most of them.
+std::string tableOfAllTypes() {
+    const test::TempFolder folder;
+    const fs::path path = folder / "all.mdb";
+    {
+        auto db = jet::Database::create(path.string());
+        std::vector<jet::NewColumn> columns;
+        std::vector<jet::NewIndex> indexes;
+        const auto column = [&](const char* name, ColumnType type) -> jet::NewColumn& {
+            columns.push_back({});
+            columns.back().name = name;
+            columns.back().type = type;
+            return columns.back();
+        };
+        const auto index = [&](std::vector<jet::IndexColumn> parts) -> jet::NewIndex& {
+            indexes.push_back({});
+            indexes.back().name = "I" + std::to_string(indexes.size());
+            indexes.back().columns = std::move(parts);
+            return indexes.back();
+        };
+        column("Id", ColumnType::Long).autoNumber = true;
+        column("Flag", ColumnType::Boolean);
+        column("Small", ColumnType::Byte);
+        column("Int", ColumnType::Integer);
+        column("Long", ColumnType::Long);
+        column("Money", ColumnType::Money);
+        column("Single", ColumnType::Single);
+        column("Double", ColumnType::Double);
+        column("Date", ColumnType::Date);
+        column("Text", ColumnType::Text);
+        column("Short", ColumnType::Text).length = 20;
+        column("Needed", ColumnType::Text).required = true;
+        column("Full", ColumnType::Text).allowZeroLength = false;
+        column("Memo", ColumnType::Memo);
+        column("Memo2", ColumnType::Memo);
+        column("Ole", ColumnType::Ole);
+        column("Bytes", ColumnType::Binary).length = 40;
+        column("Guid", ColumnType::Guid);
+        jet::NewColumn& numeric = column("Numeric", ColumnType::Numeric);
+        numeric.precision = 20;
+        numeric.scale = 4;
+        index({{"Id", false}}).primary = true;
+        index({{"Long", true}});
+        index({{"Short", false}, {"Int", true}}).unique = true;
+        index({{"Text", false}}).ignoreNulls = true;
+        index({{"Text", true}});
+        index({{"Memo2", false}});
+        index({{"Flag", false}, {"Date", true}});
+        index({{"Money", false}, {"Small", true}});
+        index({{"Single", false}});
+        index({{"Double", true}});
+        index({{"Guid", false}, {"Bytes", true}}).ignoreNulls = true;
+        index({{"Numeric", false}});
+        db.createTable("All", columns, indexes);
+    }
+    return test::readFile(path);
+}
+
 TEST(JetRandomRows, TablesHoldWhatTheyShould) {
     const std::size_t seed = fromEnvironment("VL_SEED", 20261121);
     const std::size_t batches = fromEnvironment("VL_ROW_BATCHES", 12);
     Random random(seed);
     Counts counts;
     std::vector<std::pair<std::string, std::string>> files = {
-        {"first-light", test::firstLight()}, {"generated-reminders", test::generated()}};
+        {"first-light", test::firstLight()},
+        {"generated-reminders", test::generated()},
+        {"all types", tableOfAllTypes()}};
     if (const fs::path shared = test::sharedFolder(); !shared.empty()) {
         for (const auto& file : fs::directory_iterator(shared / "jet4" / "samples")) {
             if (file.is_regular_file() && file.path().extension() == ".mdb") {
