@@ -55,6 +55,7 @@ struct Command {
 };
 
 Command eventCommand();
+Command newCommand();
 Command occurrencesCommand();
 Command sqlCommand();
 Command tablesCommand();

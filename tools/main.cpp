@@ -16,7 +16,7 @@ std::string Arguments::option(std::string_view name) const {
 }
 
 std::vector<Command> commands() {
-    return {tablesCommand(), sqlCommand(), eventCommand(), occurrencesCommand()};
+    return {newCommand(), tablesCommand(), sqlCommand(), eventCommand(), occurrencesCommand()};
 }
 
 namespace {

@@ -1,6 +1,7 @@
 // The engine's front: a Jet 4 file, its tables, their rows.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -35,10 +36,12 @@ public:
     /// The same over a file of the caller's kind; `name` stands in the texts of errors.
     static Database open(std::unique_ptr<File> file, std::string name, Access access);
 
-    /// Makes a new file without any table of a user's, on the disk as a whole before this returns,
-    /// and opens it for writing. Throws `Error`: `ErrNo::Exists` when there is something at `path`,
-    /// `ErrNo::NotFound` when its folder is not there, `ErrNo::Io`.
-    static Database create(const std::string& path);
+    /// Makes a new file, without any table of a user's but what `fill` makes in it, and opens it
+    /// for writing. It is on the disk as a whole before this returns, or there is none: `fill`
+    /// works on it in memory. Throws `Error`: `ErrNo::Exists` when there is something at `path`,
+    /// `ErrNo::NotFound` when its folder is not there, `ErrNo::Io`, and what `fill` throws.
+    static Database create(const std::string& path,
+                           const std::function<void(Database&)>& fill = {});
 
     Database(Database&&) noexcept;
     Database& operator=(Database&&) noexcept;

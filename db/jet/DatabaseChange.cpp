@@ -9,8 +9,8 @@
 
 namespace vl::jet {
 
-Database Database::create(const std::string& path) {
-    publishNewFile(path, newDatabase());
+Database Database::create(const std::string& path, const std::function<void(Database&)>& fill) {
+    publishNewFile(path, newDatabase(fill));
     return open(path, Access::ReadWrite);
 }
 

@@ -74,6 +74,12 @@ class Start(unittest.TestCase):
         self.wait_read()
         self.assertIsNone(process.poll())
 
+    def test_a_first_start_makes_a_database_of_what_was_built_with_the_program(self):
+        self.start("--db-folder", self.path("db"))
+        self.wait_for(lambda: os.path.exists(self.path("db", DATABASE)), "the database")
+        with open(self.path("db", DATABASE), "rb") as file:
+            self.assertEqual(file.read(20)[4:19], b"Standard Jet DB")
+
     def test_a_database_that_is_there_stays(self):
         self.write("template", "share", "Velmora", DATABASE)
         self.write("in use", "db", DATABASE)

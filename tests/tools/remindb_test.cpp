@@ -73,6 +73,31 @@ TEST(Remindb, SqlChangesTheFile) {
               "n\n9\n");
 }
 
+TEST(Remindb, NewMakesADatabaseThatTheProgramCanUse) {
+    const test::TempFolder folder;
+    const std::string file = (folder / "new.RemindDB").string();
+    const auto made = remindb({"new", file});
+    EXPECT_EQ(made.code, 0) << made.err;
+    EXPECT_EQ(made.out, "");
+    EXPECT_EQ(remindb({"sql", file, "SELECT * FROM Reminders", "--json"}).out, "");
+    const auto tables = linesOf(remindb({"tables", file, "--json"}).out);
+    const auto sample = linesOf(remindb({"tables", firstLight(), "--json"}).out);
+    ASSERT_EQ(tables.size(), 1U);
+    EXPECT_EQ(tables[0]["table"], "Reminders");
+    EXPECT_EQ(tables[0]["rows"], 0);
+    EXPECT_EQ(tables[0]["columns"], sample[0]["columns"]);
+    EXPECT_EQ(tables[0]["indexes"][0], sample[0]["indexes"][0]);
+    EXPECT_EQ(tables[0]["indexes"].size(), 4U);
+    EXPECT_THAT(remindb({"tables", file}).out, HasSubstr("    Modified    on Modified\n"));
+
+    const std::string before = test::readFile(file);
+    const auto again = remindb({"new", file});
+    EXPECT_EQ(again.code, 1);
+    EXPECT_THAT(again.err, HasSubstr("new.RemindDB"));
+    EXPECT_EQ(test::readFile(file), before);
+    EXPECT_EQ(remindb({"new", (folder / "none/new.RemindDB").string()}).code, 1);
+}
+
 TEST(Remindb, SaysWhatFailed) {
     const std::string file = firstLight();
     struct Case {
@@ -81,7 +106,7 @@ TEST(Remindb, SaysWhatFailed) {
         const char* message;
     };
     const Case cases[] = {
-        {{}, 2, "expected a command: tables, sql, "},
+        {{}, 2, "expected a command: new, tables, sql, "},
         {{"--json"}, 2, "expected a command"},
         {{"compact", file}, 2, "unknown command compact"},
         {{"tables"}, 2, "tables expects a file"},
@@ -111,7 +136,7 @@ TEST(Remindb, SaysWhatFailed) {
 TEST(Remindb, ExplainsItself) {
     const auto help = remindb({"--help"});
     EXPECT_EQ(help.code, 0);
-    EXPECT_THAT(help.out, StartsWith("usage: remindb tables FILE [--json]\n"));
+    EXPECT_THAT(help.out, StartsWith("usage: remindb new FILE\n"));
     EXPECT_EQ(help.err, "");
     const auto version = remindb({"--version"});
     EXPECT_EQ(version.code, 0);

@@ -7,7 +7,7 @@
 #include "TableDefinition.h"
 #include "base/Clock.h"
 #include "base/ErrorState.h"
-#include "db/jet/Table.h"
+#include "db/jet/Database.h"
 #include "db/jet/Transaction.h"
 
 namespace vl::jet {
@@ -36,6 +36,9 @@ public:
 private:
     std::vector<std::byte>& bytes_;
 };
+
+// In the text of errors.
+constexpr const char* kName = "a new database";
 
 constexpr std::uint32_t kContainers = 0x0F000000;  // what the containers lie in; has no row
 constexpr std::uint32_t kTables = 0x0F000001;
@@ -154,16 +157,22 @@ void fillCatalog(PageFile& file) {
 
 }  // namespace
 
-std::vector<std::byte> newDatabase() {
+std::vector<std::byte> newDatabase(const std::function<void(Database&)>& fill) {
     const std::vector<Page::Bytes> pages = firstPages();
     std::vector<std::byte> bytes;
     for (const Page::Bytes& page : pages) {
         bytes.insert(bytes.end(), page.begin(), page.end());
     }
-    PageFile file(std::make_unique<Draft>(bytes), "a new database", Access::ReadWrite);
-    Transaction change(file);
-    fillCatalog(file);
-    change.commit();
+    {
+        PageFile file(std::make_unique<Draft>(bytes), kName, Access::ReadWrite);
+        Transaction change(file);
+        fillCatalog(file);
+        change.commit();
+    }
+    if (fill) {
+        Database db = Database::open(std::make_unique<Draft>(bytes), kName, Access::ReadWrite);
+        fill(db);
+    }
     // Nobody has changed it yet.
     std::copy(pages[0].begin(), pages[0].end(), bytes.begin());
     return bytes;

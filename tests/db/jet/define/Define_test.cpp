@@ -41,7 +41,7 @@ NewIndex primaryKey(const char* column) {
 struct JetDefine : testing::Test {
     Database open() { return test::openMemory(disk, jet::Access::ReadWrite); }
     void expectSound() {
-        EXPECT_EQ(test::PageAudit(disk).findings(), "");
+        EXPECT_EQ(test::findingsOf(disk), "");
         Database db = test::openMemory(disk);
         for (const jet::TableInfo& info : db.tables()) {
             test::expectIndexesComplete(db.table(info.name));
@@ -240,7 +240,7 @@ TEST_F(JetDefine, ADefinitionGrowsOverManyPagesAndIsGivenBack) {
     db.dropTable("Wide");
     expectSound();
     EXPECT_GT(disk.bytes.size(), before);
-    EXPECT_EQ(test::PageAudit(disk).used(), before / jet::kPageSize) << "all of it is free again";
+    EXPECT_EQ(test::usedPages(disk), before / jet::kPageSize) << "all of it is free again";
 }
 
 TEST_F(JetDefine, AnIndexIsFilledWithTheRowsThatAreThere) {
@@ -306,7 +306,7 @@ TEST_F(JetDefine, AnIndexThatRowsContradictIsRefusedAndNothingIsChanged) {
 TEST_F(JetDefine, ATableThatGoesLeavesNothingBehind) {
     Database db = open();
     db.createTable("Stays", std::vector{text("a")});
-    const std::size_t used = test::PageAudit(disk).used();
+    const std::size_t used = test::usedPages(disk);
     const auto objects = rowsOf(db.table("MSysObjects")).values;
     db.createTable(
         "Goes",
@@ -326,7 +326,7 @@ TEST_F(JetDefine, ATableThatGoesLeavesNothingBehind) {
     const std::size_t size = disk.bytes.size();
     db.dropTable("goes");
     expectSound();
-    EXPECT_EQ(test::PageAudit(disk).used(), used);
+    EXPECT_EQ(test::usedPages(disk), used);
     EXPECT_EQ(rowsOf(db.table("MSysObjects")).values, objects);
     EXPECT_EQ(errorOf([&] { db.table("Goes"); }), ErrNo::NotFound);
 

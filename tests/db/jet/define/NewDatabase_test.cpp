@@ -19,10 +19,9 @@ using test::errorOf;
 
 TEST(JetNewDatabase, IsSound) {
     Disk disk(test::emptyDatabase());
-    test::PageAudit audit(disk);
-    EXPECT_EQ(audit.findings(), "");
+    EXPECT_EQ(test::findingsOf(disk), "");
     EXPECT_EQ(disk.bytes.size(), 16 * jet::kPageSize);
-    EXPECT_EQ(audit.used(), 16U);
+    EXPECT_EQ(test::usedPages(disk), 16U);
 }
 
 TEST(JetNewDatabase, HasTheEnginesTablesAndNoOthers) {
