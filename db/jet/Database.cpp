@@ -8,18 +8,33 @@
 #include "TableDefinition.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "db/jet/ReadGuard.h"
 
 namespace vl::jet {
 
-Database Database::open(const std::string& path, Access access) {
-    return open(openFile(path, access), path, access);
+namespace {
+
+void checkStart(const std::string& name, const File& file) {
+    Page::Bytes first{};
+    const std::size_t there = std::min<std::uint64_t>(file.size(), first.size());
+    file.read(0, std::span(first).first(there));
+    checkHeader(name, ByteView(first).first(there));
+}
+
+}  // namespace
+
+Database Database::open(const std::string& path, Access access, const OpenOptions& options) {
+    auto file =
+        std::make_unique<PageFile>(options.files->open(path, access), path, access, options);
+    {
+        const ReadGuard guard(*file);
+        checkStart(path, file->file());
+    }
+    return Database(std::move(file));
 }
 
 Database Database::open(std::unique_ptr<File> file, std::string name, Access access) {
-    Page::Bytes first{};
-    const std::size_t there = std::min<std::uint64_t>(file->size(), first.size());
-    file->read(0, std::span(first).first(there));
-    checkHeader(name, ByteView(first).first(there));
+    checkStart(name, *file);
     return Database(std::make_unique<PageFile>(std::move(file), std::move(name), access));
 }
 
@@ -30,17 +45,24 @@ Database::~Database() = default;
 
 const std::string& Database::name() const noexcept { return file_->name(); }
 
+void Database::setPatience(std::chrono::milliseconds most) noexcept { file_->setPatience(most); }
+
 std::vector<TableInfo> Database::tables() const {
-    file_->refresh();
-    return readCatalog(*file_);
+    return readWhole(*this, [&] { return readCatalog(*file_); });
 }
 
 Table Database::table(std::string_view name) const {
-    for (const TableInfo& info : tables()) {
-        if (text::equalsNoCase(info.name, name)) {
-            return {*file_, std::make_shared<const TableDefinition>(
-                                readTableDefinition(*file_, info.definitionPage, info.name))};
+    const auto definition = readWhole(*this, [&]() -> std::shared_ptr<const TableDefinition> {
+        for (const TableInfo& info : readCatalog(*file_)) {
+            if (text::equalsNoCase(info.name, name)) {
+                return std::make_shared<const TableDefinition>(
+                    readTableDefinition(*file_, info.definitionPage, info.name));
+            }
         }
+        return nullptr;
+    });
+    if (definition) {
+        return {*file_, definition};
     }
     throw Error(ErrNo::NotFound,
                 file_->name() + ": there is no table \"" + std::string(name) + "\"");

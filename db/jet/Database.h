@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "db/jet/File.h"
+#include "db/jet/OpenOptions.h"
 #include "db/jet/Table.h"
 #include "db/jet/Types.h"
 #include "db/jet/define/NewTable.h"
@@ -29,11 +30,15 @@ struct TableInfo {
 /// (`ErrNo::Corrupt`), the page. Not for several threads at once.
 class Database {
 public:
-    /// Reads the first page only. Throws `Error`: `ErrNo::NotFound` when there is no such file,
-    /// `ErrNo::Format` when it is no Jet 4 database (an older or later generation, encrypted, or
-    /// anything else; the text says which), `ErrNo::Io` when the system refuses.
-    static Database open(const std::string& path, Access access);
-    /// The same over a file of the caller's kind; `name` stands in the texts of errors.
+    /// Reads the first page only. A change that was broken off by a crash is taken back first, or,
+    /// where that cannot be done now, what it changed is read as it was before. Throws `Error`:
+    /// `ErrNo::NotFound` when there is no such file, `ErrNo::Format` when it is no Jet 4 database
+    /// (an older or later generation, encrypted, or anything else; the text says which),
+    /// `ErrNo::Locked` when somebody writes for longer than we wait, `ErrNo::Io` when the system
+    /// refuses.
+    static Database open(const std::string& path, Access access, const OpenOptions& options = {});
+    /// The same over a file of the caller's kind that nobody else has: without locks, and without a
+    /// journal. `name` stands in the texts of errors.
     static Database open(std::unique_ptr<File> file, std::string name, Access access);
 
     /// Makes a new file, without any table of a user's but what `fill` makes in it, and opens it
@@ -49,9 +54,12 @@ public:
 
     const std::string& name() const noexcept;
 
-    /// All tables of this file, system tables too, as the catalog has them now: pages read before
-    /// are forgotten, so that what other programs wrote since is seen. Costs one pass over the
-    /// catalog, usually one or two pages.
+    /// The longest waiting for others in one statement, from now on.
+    void setPatience(std::chrono::milliseconds most) noexcept;
+
+    /// All tables of this file, system tables too, as the catalog has them now: when other programs
+    /// wrote since, the pages read before are forgotten. Costs one pass over the catalog, usually
+    /// one or two pages.
     std::vector<TableInfo> tables() const;
 
     /// The table of that name, without regard to case; as fresh as `tables()`. Throws `Error`
@@ -84,6 +92,7 @@ public:
     void dropTable(std::string_view name);
 
 private:
+    friend class ReadGuard;
     friend class Transaction;
     friend std::vector<Finding> checkDatabase(Database& db);
     explicit Database(std::unique_ptr<PageFile> file);

@@ -1,10 +1,17 @@
 #ifndef _WIN32
 
+// Locks that belong to an open file and not to a process are Linux's own.
+#ifndef _GNU_SOURCE
+#define _GNU_SOURCE
+#endif
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 #include "base/ErrorState.h"
@@ -14,6 +21,11 @@ namespace vl::jet {
 
 namespace {
 
+[[noreturn]] void refusedFor(const std::string& path, const std::string& what, int reason) {
+    throw Error(ErrNo::Io,
+                path + ": cannot " + what + ": " + std::generic_category().message(reason));
+}
+
 class PosixFile : public File {
 public:
     PosixFile(std::string path, int descriptor) : path_(std::move(path)), fd_(descriptor) {}
@@ -21,15 +33,25 @@ public:
     PosixFile(const PosixFile&) = delete;
     PosixFile& operator=(const PosixFile&) = delete;
 
-    std::uint64_t size() const override {
+    struct stat status() const {
         struct stat status {};
         if (::fstat(fd_, &status) != 0) {
             refused("tell its size");
         }
-        if (!S_ISREG(status.st_mode)) {
+        return status;
+    }
+
+    std::uint64_t size() const override {
+        const struct stat now = status();
+        if (!S_ISREG(now.st_mode)) {
             throw Error(ErrNo::Io, path_ + ": is no regular file");
         }
-        return static_cast<std::uint64_t>(status.st_size);
+        return static_cast<std::uint64_t>(now.st_size);
+    }
+
+    std::int64_t modified() const override {
+        const struct stat now = status();
+        return std::int64_t{now.st_mtim.tv_sec} * 1'000'000'000 + now.st_mtim.tv_nsec;
     }
 
     void read(std::uint64_t offset, std::span<std::byte> bytes) const override {
@@ -65,35 +87,153 @@ public:
         }
     }
 
+    void truncate(std::uint64_t size) override {
+        if (::ftruncate(fd_, static_cast<::off_t>(size)) != 0) {
+            refused("cut it off at " + std::to_string(size));
+        }
+    }
+
+    // Times of access and change are not worth waiting for; the size is waited for all the same.
     void flush() override {
-        if (::fsync(fd_) != 0) {
+        if (::fdatasync(fd_) != 0) {
             refused("flush");
         }
     }
 
+    bool tryLock(std::uint64_t first, std::uint64_t count, LockKind kind) override {
+        struct flock range = rangeOf(first, count, kind == LockKind::Shared ? F_RDLCK : F_WRLCK);
+        if (::fcntl(fd_, F_OFD_SETLK, &range) == 0) {
+            return true;
+        }
+        if (errno == EAGAIN || errno == EACCES) {
+            return false;
+        }
+        unsupported();
+    }
+
+    void unlock(std::uint64_t first, std::uint64_t count) noexcept override {
+        struct flock range = rangeOf(first, count, F_UNLCK);
+        ::fcntl(fd_, F_OFD_SETLK, &range);
+    }
+
+    bool heldByOthers(std::uint64_t at) override {
+        struct flock range = rangeOf(at, 1, F_WRLCK);
+        if (::fcntl(fd_, F_OFD_GETLK, &range) != 0) {
+            unsupported();
+        }
+        return range.l_type != F_UNLCK;
+    }
+
 private:
-    [[noreturn]] void refused(const std::string& what) const {
-        const int reason = errno;
-        throw Error(ErrNo::Io,
-                    path_ + ": cannot " + what + ": " + std::generic_category().message(reason));
+    static struct flock rangeOf(std::uint64_t first, std::uint64_t count, short type) {
+        struct flock range {};
+        range.l_type = type;
+        range.l_whence = SEEK_SET;
+        range.l_start = static_cast<::off_t>(first);
+        range.l_len = static_cast<::off_t>(count);
+        return range;
+    }
+
+    [[noreturn]] void refused(const std::string& what) const { refusedFor(path_, what, errno); }
+
+    [[noreturn]] void unsupported() const {
+        throw Error(ErrNo::Unsupported,
+                    path_ + ": cannot be locked here: " + std::generic_category().message(errno));
     }
 
     std::string path_;
     int fd_;
 };
 
+class PosixFiles final : public FileSystem {
+public:
+    std::unique_ptr<File> open(const std::string& path, Access access) override {
+        const int fd =
+            ::open(path.c_str(), (access == Access::Read ? O_RDONLY : O_RDWR) | O_CLOEXEC);
+        if (fd < 0) {
+            const int reason = errno;
+            const bool absent = reason == ENOENT || reason == ENOTDIR;
+            throw Error(absent ? ErrNo::NotFound : ErrNo::Io,
+                        path + ": cannot open: " + std::generic_category().message(reason));
+        }
+        return std::make_unique<PosixFile>(path, fd);
+    }
+
+    std::unique_ptr<File> openOrCreate(const std::string& path, const File& like) override {
+        const auto* other = dynamic_cast<const PosixFile*>(&like);
+        const ::mode_t mode = other != nullptr ? other->status().st_mode & 0666U : 0600U;
+        const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, mode);
+        if (fd < 0) {
+            refusedFor(path, "make", errno);
+        }
+        auto file = std::make_unique<PosixFile>(path, fd);
+        if (file->size() == 0 && (file->status().st_mode & 0666U) != mode) {
+            // The process's mask has taken rights away. Only the owner may, and needs to.
+            static_cast<void>(::fchmod(fd, mode));
+        }
+        return file;
+    }
+
+    bool names(const std::string& path, const File& file) override {
+        const auto* open = dynamic_cast<const PosixFile*>(&file);
+        struct stat named {};
+        if (open == nullptr || ::stat(path.c_str(), &named) != 0) {
+            return false;
+        }
+        const struct stat ours = open->status();
+        return named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
+    }
+
+    void remove(const std::string& path) override {
+        if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
+            refusedFor(path, "remove", errno);
+        }
+    }
+
+    void closeAndRemove(std::unique_ptr<File> file, const std::string& path) override {
+        remove(path);
+        file.reset();
+    }
+
+    void rename(const std::string& from, const std::string& to) override {
+        if (std::rename(from.c_str(), to.c_str()) != 0) {
+            refusedFor(from, "rename to " + to, errno);
+        }
+    }
+
+    void flushFolderOf(const std::string& path) override {
+        const std::size_t slash = path.rfind('/');
+        const std::string folder = slash == std::string::npos ? "."
+                                   : slash == 0               ? "/"
+                                                              : path.substr(0, slash);
+        const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (fd < 0) {
+            refusedFor(folder, "open", errno);
+        }
+        const int result = ::fsync(fd);
+        const int reason = errno;
+        ::close(fd);
+        // A file system that does not flush folders says so, and needs none.
+        if (result != 0 && reason != EINVAL && reason != ENOTSUP) {
+            refusedFor(folder, "flush", reason);
+        }
+    }
+};
+
 }  // namespace
 
+FileSystem& systemFiles() {
+    static PosixFiles files;
+    return files;
+}
+
+std::string computerName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
 std::unique_ptr<File> openFile(const std::string& path, Access access) {
-    const int mode = (access == Access::Read ? O_RDONLY : O_RDWR) | O_CLOEXEC;
-    const int fd = ::open(path.c_str(), mode);
-    if (fd < 0) {
-        const int reason = errno;
-        const bool absent = reason == ENOENT || reason == ENOTDIR;
-        throw Error(absent ? ErrNo::NotFound : ErrNo::Io,
-                    path + ": cannot open: " + std::generic_category().message(reason));
-    }
-    return std::make_unique<PosixFile>(path, fd);
+    return systemFiles().open(path, access);
 }
 
 }  // namespace vl::jet

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <system_error>
 
 #include "base/ErrorState.h"
@@ -23,6 +24,19 @@ OVERLAPPED at(std::uint64_t offset) {
     return place;
 }
 
+std::wstring wideOf(const std::string& path) {
+    const std::u16string units = text::toUtf16(path);
+    return {units.begin(), units.end()};
+}
+
+std::string messageOf(DWORD reason) {
+    return std::system_category().message(static_cast<int>(reason));
+}
+
+[[noreturn]] void refusedFor(const std::string& path, const std::string& what, DWORD reason) {
+    throw Error(ErrNo::Io, path + ": cannot " + what + ": " + messageOf(reason));
+}
+
 class WindowsFile : public File {
 public:
     WindowsFile(std::string path, HANDLE handle) : path_(std::move(path)), handle_(handle) {}
@@ -30,12 +44,26 @@ public:
     WindowsFile(const WindowsFile&) = delete;
     WindowsFile& operator=(const WindowsFile&) = delete;
 
+    BY_HANDLE_FILE_INFORMATION status() const {
+        BY_HANDLE_FILE_INFORMATION status{};
+        if (!::GetFileInformationByHandle(handle_, &status)) {
+            refused("tell its size");
+        }
+        return status;
+    }
+
     std::uint64_t size() const override {
         LARGE_INTEGER size{};
         if (!::GetFileSizeEx(handle_, &size)) {
             refused("tell its size");
         }
         return static_cast<std::uint64_t>(size.QuadPart);
+    }
+
+    std::int64_t modified() const override {
+        const FILETIME time = status().ftLastWriteTime;
+        return static_cast<std::int64_t>((std::uint64_t{time.dwHighDateTime} << 32) |
+                                         time.dwLowDateTime);
     }
 
     void read(std::uint64_t offset, std::span<std::byte> bytes) const override {
@@ -64,43 +92,143 @@ public:
         }
     }
 
+    void truncate(std::uint64_t size) override {
+        LARGE_INTEGER end{};
+        end.QuadPart = static_cast<LONGLONG>(size);
+        if (!::SetFilePointerEx(handle_, end, nullptr, FILE_BEGIN) || !::SetEndOfFile(handle_)) {
+            refused("cut it off at " + std::to_string(size));
+        }
+    }
+
     void flush() override {
         if (!::FlushFileBuffers(handle_)) {
             refused("flush");
         }
     }
 
+    bool tryLock(std::uint64_t first, std::uint64_t count, LockKind kind) override {
+        OVERLAPPED place = at(first);
+        const DWORD flags = LOCKFILE_FAIL_IMMEDIATELY |
+                            (kind == LockKind::Exclusive ? DWORD{LOCKFILE_EXCLUSIVE_LOCK} : 0);
+        if (::LockFileEx(handle_, flags, 0, static_cast<DWORD>(count),
+                         static_cast<DWORD>(count >> 32), &place)) {
+            return true;
+        }
+        const DWORD reason = ::GetLastError();
+        if (reason == ERROR_LOCK_VIOLATION || reason == ERROR_IO_PENDING) {
+            return false;
+        }
+        throw Error(ErrNo::Unsupported, path_ + ": cannot be locked here: " + messageOf(reason));
+    }
+
+    void unlock(std::uint64_t first, std::uint64_t count) noexcept override {
+        OVERLAPPED place = at(first);
+        ::UnlockFileEx(handle_, 0, static_cast<DWORD>(count), static_cast<DWORD>(count >> 32),
+                       &place);
+    }
+
+    // The system does not tell who holds what; trying does.
+    bool heldByOthers(std::uint64_t byte) override {
+        if (!tryLock(byte, 1, LockKind::Shared)) {
+            return true;
+        }
+        unlock(byte, 1);
+        return false;
+    }
+
 private:
     [[noreturn]] void refused(const std::string& what) const {
-        const auto reason = static_cast<int>(::GetLastError());
-        throw Error(ErrNo::Io,
-                    path_ + ": cannot " + what + ": " + std::system_category().message(reason));
+        refusedFor(path_, what, ::GetLastError());
     }
 
     std::string path_;
     HANDLE handle_;
 };
 
+class WindowsFiles final : public FileSystem {
+public:
+    std::unique_ptr<File> open(const std::string& path, Access access) override {
+        const DWORD rights = access == Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+        const HANDLE handle = opened(path, rights, OPEN_EXISTING);
+        if (handle == INVALID_HANDLE_VALUE) {
+            const auto reason = ::GetLastError();
+            const bool absent = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||
+                                reason == ERROR_INVALID_NAME;
+            const bool held = reason == ERROR_SHARING_VIOLATION || reason == ERROR_LOCK_VIOLATION;
+            throw Error(absent ? ErrNo::NotFound
+                        : held ? ErrNo::Locked
+                               : ErrNo::Io,
+                        path + ": cannot open: " + messageOf(reason));
+        }
+        return std::make_unique<WindowsFile>(path, handle);
+    }
+
+    // A new file has the folder's rights, as the others in it.
+    std::unique_ptr<File> openOrCreate(const std::string& path, const File& /*like*/) override {
+        const HANDLE handle = opened(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+        if (handle == INVALID_HANDLE_VALUE) {
+            refusedFor(path, "make", ::GetLastError());
+        }
+        return std::make_unique<WindowsFile>(path, handle);
+    }
+
+    bool names(const std::string& path, const File& file) override {
+        const auto* ours = dynamic_cast<const WindowsFile*>(&file);
+        const HANDLE handle = opened(path, 0, OPEN_EXISTING);
+        if (ours == nullptr || handle == INVALID_HANDLE_VALUE) {
+            return false;
+        }
+        const BY_HANDLE_FILE_INFORMATION named = WindowsFile(path, handle).status();
+        const BY_HANDLE_FILE_INFORMATION open = ours->status();
+        return named.dwVolumeSerialNumber == open.dwVolumeSerialNumber &&
+               named.nFileIndexHigh == open.nFileIndexHigh &&
+               named.nFileIndexLow == open.nFileIndexLow;
+    }
+
+    void remove(const std::string& path) override {
+        if (!::DeleteFileW(wideOf(path).c_str()) && ::GetLastError() != ERROR_FILE_NOT_FOUND) {
+            refusedFor(path, "remove", ::GetLastError());
+        }
+    }
+
+    // An open file cannot be removed, neither ours nor another's: who opens it in between keeps it.
+    void closeAndRemove(std::unique_ptr<File> file, const std::string& path) override {
+        file.reset();
+        ::DeleteFileW(wideOf(path).c_str());
+    }
+
+    void rename(const std::string& from, const std::string& to) override {
+        if (!::MoveFileExW(wideOf(from).c_str(), wideOf(to).c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+            refusedFor(from, "rename to " + to, ::GetLastError());
+        }
+    }
+
+    // The system keeps names by a journal of its own.
+    void flushFolderOf(const std::string& /*path*/) override {}
+
+private:
+    static HANDLE opened(const std::string& path, DWORD rights, DWORD disposition) {
+        return ::CreateFileW(wideOf(path).c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                             nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    }
+};
+
 }  // namespace
 
+FileSystem& systemFiles() {
+    static WindowsFiles files;
+    return files;
+}
+
+std::string computerName() {
+    std::array<char, MAX_COMPUTERNAME_LENGTH + 1> name{};
+    DWORD size = static_cast<DWORD>(name.size());
+    return ::GetComputerNameA(name.data(), &size) ? std::string(name.data(), size) : std::string();
+}
+
 std::unique_ptr<File> openFile(const std::string& path, Access access) {
-    const std::u16string units = text::toUtf16(path);
-    const std::wstring wide(units.begin(), units.end());
-    const DWORD rights = access == Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
-    const HANDLE handle = ::CreateFileW(wide.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        const auto reason = ::GetLastError();
-        const bool absent = reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND ||
-                            reason == ERROR_INVALID_NAME;
-        const bool held = reason == ERROR_SHARING_VIOLATION || reason == ERROR_LOCK_VIOLATION;
-        throw Error(
-            absent ? ErrNo::NotFound
-            : held ? ErrNo::Locked
-                   : ErrNo::Io,
-            path + ": cannot open: " + std::system_category().message(static_cast<int>(reason)));
-    }
-    return std::make_unique<WindowsFile>(path, handle);
+    return systemFiles().open(path, access);
 }
 
 }  // namespace vl::jet

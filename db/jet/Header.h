@@ -9,6 +9,8 @@ namespace vl::jet {
 
 /// Where page 0 keeps its commit words, 16 bits each.
 inline constexpr std::size_t kCommitWords = 0xE00;
+/// The word that our own changes raise: that of the first user who shares the file.
+inline constexpr std::size_t kOwnCommitWord = kCommitWords + 2;
 
 /// `start` is the file's beginning, a page of it or, when the file is shorter, all of it. Throws
 /// `Error` (`ErrNo::Format`, naming what the file is instead) unless it is a Jet 4 file that is

@@ -1,31 +1,36 @@
 #include "PageFile.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 
-#include "Bytes.h"
 #include "Header.h"
+#include "Sharing.h"
 #include "base/ErrorState.h"
 
 namespace vl::jet {
 
-namespace {
-
-// The word of the first user who shares the file. Only its two bytes are written: the others
-// belong to others.
-void raiseCounter(File& file) {
-    constexpr std::uint64_t kWord = kCommitWords + 2;
-    std::array<std::byte, 2> word{};
-    file.read(kWord, word);
-    store(std::span<std::byte>(word), 0, static_cast<std::uint16_t>(u16(word, 0) + 1));
-    file.write(kWord, word);
+PageFile::PageFile(std::unique_ptr<File> file, std::string name, Access access)
+    : file_(std::move(file)),
+      name_(std::move(name)),
+      access_(access),
+      frames_(kFrames),
+      mostChanged_(std::numeric_limits<std::size_t>::max()) {
+    refresh();
 }
 
-}  // namespace
+PageFile::PageFile(std::unique_ptr<File> file, std::string path, Access access,
+                   const OpenOptions& options)
+    : PageFile(std::move(file), std::move(path), access) {
+    sharing_ = std::make_unique<Sharing>(name_, options);
+    mostChanged_ = options.mostChangedPages;
+}
 
-PageFile::PageFile(std::unique_ptr<File> file, std::string name, Access access)
-    : file_(std::move(file)), name_(std::move(name)), access_(access), frames_(kFrames) {
-    refresh();
+PageFile::~PageFile() {
+    rollback();
+    if (sharing_) {
+        sharing_->close(*file_);
+    }
 }
 
 Page PageFile::page(PageNo number) {
@@ -36,19 +41,40 @@ Page PageFile::page(PageNo number) {
     if (const auto changed = changed_.find(number); changed != changed_.end()) {
         return {changed->second, origin};
     }
+    return {load(number), origin};
+}
+
+std::shared_ptr<Page::Bytes> PageFile::load(PageNo number) {
     Frame& frame = frames_[number % kFrames];
     if (frame.bytes && frame.number == number) {
-        return {frame.bytes, origin};
+        return frame.bytes;
     }
     // Whoever still looks at the page that stood here keeps its bytes.
     std::shared_ptr<Page::Bytes> bytes = std::move(frame.bytes);
     if (!bytes || bytes.use_count() != 1) {
         bytes = std::make_shared<Page::Bytes>();
     }
-    file_->read(std::uint64_t{number} * kPageSize, *bytes);
+    if (!broken_ || !broken_->read(number, *bytes)) {
+        file_->read(std::uint64_t{number} * kPageSize, *bytes);
+    }
     frame.number = number;
     frame.bytes = std::move(bytes);
-    return {frame.bytes, origin};
+    return frame.bytes;
+}
+
+void PageFile::forget(PageNo number) noexcept {
+    Frame& frame = frames_[number % kFrames];
+    if (frame.number == number) {
+        frame.bytes.reset();
+    }
+}
+
+PageFile::Look PageFile::look() const {
+    Look now{file_->size(), file_->modified(), {}};
+    if (now.size >= kPageSize) {
+        file_->read(kCommitWords, now.commitWords);
+    }
+    return now;
 }
 
 void PageFile::refresh() {
@@ -56,60 +82,60 @@ void PageFile::refresh() {
         return;  // nobody else writes, and the file has not all of it yet
     }
     frames_.assign(kFrames, Frame{});
-    pageCount_ = static_cast<PageNo>(
-        std::min<std::uint64_t>(file_->size() / kPageSize, std::numeric_limits<PageNo>::max()));
+    if (readers_ == 0) {
+        known_.reset();  // else it tells how the file was when the reading began
+    }
+    pageCount_ = broken_ ? broken_->pageCount()
+                         : static_cast<PageNo>(std::min<std::uint64_t>(
+                               file_->size() / kPageSize, std::numeric_limits<PageNo>::max()));
 }
 
-void PageFile::writePage(PageNo number, const Page::Bytes& bytes) {
-    if (changing_) {
-        changed_[number] = std::make_shared<const Page::Bytes>(bytes);
+void PageFile::refreshIfChanged() {
+    const Look now = look();
+    if (known_ != now) {
+        refresh();
+        known_ = now;
+    }
+}
+
+void PageFile::beginReading() {
+    if (readers_ == 0 && !changing_) {
+        if (sharing_) {
+            if (auto broken = sharing_->beginReading(*file_)) {
+                broken_ = std::make_unique<BrokenChange>(std::move(*broken));
+                known_.reset();
+            }
+        }
+        try {
+            refreshIfChanged();
+        } catch (const Error&) {
+            ++readers_;
+            endReading();
+            throw;
+        }
+    }
+    ++readers_;
+}
+
+void PageFile::endReading() noexcept {
+    assert(readers_ > 0);
+    if (--readers_ > 0 || changing_) {
         return;
     }
-    Frame& frame = frames_[number % kFrames];
-    frame.bytes.reset();  // after a failed write nobody knows what the page holds
-    file_->write(std::uint64_t{number} * kPageSize, bytes);
-    frame.bytes = std::make_shared<Page::Bytes>(bytes);
-    frame.number = number;
+    if (broken_) {
+        broken_.reset();
+        known_.reset();
+    }
+    if (sharing_) {
+        sharing_->endReading(*file_);
+    }
 }
 
-PageNo PageFile::appendPage() {
-    if (!changing_) {
-        throw Error(ErrNo::Unexpected, name_ + ": grows outside a transaction");
-    }
-    changed_[pageCount_] = std::make_shared<const Page::Bytes>();
-    return pageCount_++;
-}
+bool PageFile::disturbed() const { return readers_ == 1 && !changing_ && known_ != look(); }
 
-void PageFile::begin() {
-    if (access_ != Access::ReadWrite) {
-        throw Error(ErrNo::ReadOnly, name_ + ": is open for reading only");
-    }
-    if (changing_) {
-        throw Error(ErrNo::Unexpected, name_ + ": a transaction is open already");
-    }
-    refresh();  // what others wrote to the same pages since must not be undone
-    changing_ = true;
-    countBefore_ = pageCount_;
-}
-
-void PageFile::commit() {
-    if (!changed_.empty()) {
-        frames_.assign(kFrames, Frame{});
-        for (const auto& [number, bytes] : changed_) {
-            file_->write(std::uint64_t{number} * kPageSize, *bytes);
-        }
-        file_->flush();
-        raiseCounter(*file_);
-    }
-    changed_.clear();
-    changing_ = false;
-}
-
-void PageFile::rollback() noexcept {
-    if (changing_) {
-        pageCount_ = countBefore_;
-        changed_.clear();
-        changing_ = false;
+void PageFile::setPatience(std::chrono::milliseconds most) noexcept {
+    if (sharing_) {
+        sharing_->setPatience(most);
     }
 }
 

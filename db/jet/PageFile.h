@@ -4,13 +4,17 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Origin.h"
-#include "db/jet/File.h"
+#include "db/jet/OpenOptions.h"
 
 namespace vl::jet {
+
+class BrokenChange;
+class Sharing;
 
 /// A page as it was when it was read: later writes make a new one and leave this as it is.
 /// Copying is cheap and keeps the bytes alive; the `PageFile` must outlive it.
@@ -32,11 +36,19 @@ private:
     Origin origin_;
 };
 
-/// Owns the file. Holds at most `kFrames` pages (1 MiB) beside those that callers keep.
+/// Owns the file. Holds at most `kFrames` pages (1 MiB) beside those that callers keep, and in a
+/// transaction those that were changed, up to a limit.
 class PageFile {
 public:
-    /// Reads nothing but the file's size. `name` stands in the texts of errors.
+    /// A file that nobody else has: without locks, and a change that is broken off leaves it half
+    /// written. Reads nothing but the file's size. `name` stands in the texts of errors.
     PageFile(std::unique_ptr<File> file, std::string name, Access access);
+    /// A file among others, whose name is its path.
+    PageFile(std::unique_ptr<File> file, std::string path, Access access,
+             const OpenOptions& options);
+    PageFile(const PageFile&) = delete;
+    PageFile& operator=(const PageFile&) = delete;
+    ~PageFile();
 
     const std::string& name() const noexcept { return name_; }
     bool writable() const noexcept { return access_ == Access::ReadWrite; }
@@ -48,28 +60,42 @@ public:
     /// (some page pointed to it), `ErrNo::Io` when the system refuses.
     Page page(PageNo number);
 
-    /// Forgets the pages read and asks for the size again, so that what other programs have
-    /// written since is seen. Does nothing inside a transaction.
+    /// Between the two, which nest, no other copy of this program writes. The outermost one sees
+    /// what others wrote before. In a transaction they cost nothing. `beginReading` throws `Error`:
+    /// `ErrNo::Locked` when somebody writes for longer than we wait, `ErrNo::Io`.
+    void beginReading();
+    void endReading() noexcept;
+    /// Whether somebody wrote since the only `beginReading` that is open: an engine that does not
+    /// know our locks. False while others are open, or a transaction.
+    bool disturbed() const;
+
+    /// Forgets the pages read and asks for the size again. Does nothing inside a transaction.
     void refresh();
 
-    /// Writes a page of the file and puts the new bytes in the place of the remembered ones. Inside
-    /// a transaction the file itself is written by `commit`. Throws `Error` (`ErrNo::Io`); the page
-    /// on the disk is then either of both, or torn.
+    /// Only inside a transaction, of which they are part. The header's page is not written this
+    /// way. Throws `Error`: `ErrNo::Unexpected`, or as `commit`, when so much was changed that some
+    /// of it has to go to the file already.
     void writePage(PageNo number, const Page::Bytes& bytes);
-
-    /// Only inside a transaction: one page more at the end of the file; what it holds until it is
-    /// written is zero.
+    /// One page more at the end of the file; what it holds until it is written is zero.
     PageNo appendPage();
 
     bool inTransaction() const noexcept { return changing_; }
-    /// From here on writes are kept in memory and seen by `page`. Throws `Error`:
-    /// `ErrNo::ReadOnly`, or `ErrNo::Unexpected` when a transaction is open.
+    /// From here on nobody else can write, and what is written is seen by `page`, not by others.
+    /// Throws `Error`: `ErrNo::ReadOnly`; `ErrNo::Locked`, naming who has the file;
+    /// `ErrNo::Format` for a file that is no database any more; `ErrNo::Unexpected` when a
+    /// transaction is open; `ErrNo::Io`.
     void begin();
-    /// Writes and flushes what was changed, then raises the header's counter by which other readers
-    /// learn of it, and ends the transaction. Throws `Error` (`ErrNo::Io`).
+    /// Makes what was changed the file's, on the disk when it returns, and raises the header's
+    /// counter by which other readers learn of it. Throws `Error`, and the transaction is still
+    /// open: `ErrNo::Locked` when others read for longer than we wait, then it may be called again;
+    /// `ErrNo::Io`, then `rollback` is all that is left.
     void commit();
-    /// Forgets what was changed and ends the transaction.
+    /// Forgets what was changed and ends the transaction. When `commit` failed the file gets back
+    /// what it held; if that fails too, the next one who opens the file finds the journal.
     void rollback() noexcept;
+
+    /// The longest waiting for others in one statement, from now on.
+    void setPatience(std::chrono::milliseconds most) noexcept;
 
     /// The file itself, for what is not read or written by pages.
     File& file() noexcept { return *file_; }
@@ -82,16 +108,39 @@ private:
         PageNo number = 0;
         std::shared_ptr<Page::Bytes> bytes;
     };
+    // Two equal ones: the pages that are remembered are still those of the file.
+    struct Look {
+        std::uint64_t size = 0;
+        std::int64_t modified = 0;
+        std::array<std::byte, 512> commitWords{};
+        friend bool operator==(const Look&, const Look&) = default;
+    };
+
+    Look look() const;
+    void refreshIfChanged();
+    std::shared_ptr<Page::Bytes> load(PageNo number);
+    void forget(PageNo number) noexcept;
+    void putChanged(PageNo number, std::shared_ptr<const Page::Bytes> bytes);
+    void writeChanged();
+    void writeUnshared();
 
     std::unique_ptr<File> file_;
     std::string name_;
     Access access_;
+    std::unique_ptr<Sharing> sharing_;  // none: nobody else has the file
     PageNo pageCount_ = 0;
     std::vector<Frame> frames_;
+    std::optional<Look> known_;  // the file, when `frames_` were read
+    int readers_ = 0;
+    std::unique_ptr<BrokenChange> broken_;  // read from it, it cannot be taken back now
 
     bool changing_ = false;
-    PageNo countBefore_ = 0;  // of the pages, when the transaction began
+    bool failed_ = false;      // in the middle of writing
+    bool written_ = false;     // some of the change is in the file
+    std::size_t mostChanged_;  // pages in memory
+    PageNo countBefore_ = 0;   // of the pages, when the transaction began
     std::map<PageNo, std::shared_ptr<const Page::Bytes>> changed_;
+    std::vector<bool> saved_;  // whether what a page held is in the journal
 };
 
 }  // namespace vl::jet

@@ -9,6 +9,7 @@
 #include "UsageMap.h"
 #include "Value.h"
 #include "base/ErrorState.h"
+#include "db/jet/ReadGuard.h"
 #include "index/EntriesInRange.h"
 
 namespace vl::jet {
@@ -29,6 +30,7 @@ struct RowCursor::State {
     RowId id;
     RowPlace place;  // of the current row
     RowView row;
+    ReadGuard guard{file};
 };
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table)

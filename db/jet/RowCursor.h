@@ -24,9 +24,10 @@ struct KeyRange {
 /// Stands before the first row at the beginning. Rows come in the order of their original places,
 /// of an index's keys, or of a list; the cursor holds one page, and sees it as it was when it came
 /// to it: what is written to a row of that page meanwhile is not seen. Rows are not copied, values
-/// only when asked for. The `Database` must outlive it. Every method throws `Error`
-/// (`ErrNo::Corrupt` with file and page, or `ErrNo::Io`); a cursor that threw in `next` stays where
-/// it is and throws again.
+/// only when asked for. As long as it lives no other copy of this program writes to the file
+/// (`ReadGuard`). The `Database` must outlive it. Every method throws `Error` (`ErrNo::Corrupt`
+/// with file and page, or `ErrNo::Io`), making one `ErrNo::Locked` too; a cursor that threw in
+/// `next` stays where it is and throws again.
 class RowCursor {
 public:
     RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table);

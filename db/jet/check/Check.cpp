@@ -4,6 +4,7 @@
 #include "Catalog.h"
 #include "TableCheck.h"
 #include "UsageMap.h"
+#include "db/jet/ReadGuard.h"
 
 namespace vl::jet {
 
@@ -54,8 +55,10 @@ std::vector<Finding> checkDatabase(PageFile& file) {
 }
 
 std::vector<Finding> checkDatabase(Database& db) {
-    db.file_->refresh();
-    return checkDatabase(*db.file_);
+    return readWhole(db, [&] {
+        db.file_->refresh();  // what stands in the file, not what is remembered of it
+        return checkDatabase(*db.file_);
+    });
 }
 
 }  // namespace vl::jet

@@ -31,7 +31,14 @@ public:
         bytes_.resize(std::max<std::size_t>(bytes_.size(), offset + bytes.size()));
         std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(offset));
     }
+    void truncate(std::uint64_t size) override { bytes_.resize(size); }
     void flush() override {}
+
+    // Nobody else has it.
+    std::int64_t modified() const override { return 0; }
+    bool tryLock(std::uint64_t, std::uint64_t, LockKind) override { return true; }
+    void unlock(std::uint64_t, std::uint64_t) noexcept override {}
+    bool heldByOthers(std::uint64_t) override { return false; }
 
 private:
     std::vector<std::byte>& bytes_;

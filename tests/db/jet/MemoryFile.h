@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/ErrorState.h"
@@ -33,6 +35,12 @@ public:
     explicit MemoryFile(Disk& disk) : disk_(disk) {}
 
     std::uint64_t size() const override { return disk_.bytes.size(); }
+    // Tests change the bytes by hand, too.
+    std::int64_t modified() const override {
+        const std::string_view bytes(reinterpret_cast<const char*>(disk_.bytes.data()),
+                                     disk_.bytes.size());
+        return static_cast<std::int64_t>(std::hash<std::string_view>()(bytes) >> 1U);
+    }
     void read(std::uint64_t offset, std::span<std::byte> bytes) const override {
         if (offset + bytes.size() > disk_.bytes.size()) {
             throw Error(ErrNo::Io, "memory: ends before");
@@ -49,6 +57,14 @@ public:
         std::copy(bytes.begin(), bytes.end(),
                   disk_.bytes.begin() + static_cast<std::ptrdiff_t>(offset));
     }
+    void truncate(std::uint64_t size) override {
+        operation('t');
+        disk_.bytes.resize(size);
+    }
+    // Nobody else has it.
+    bool tryLock(std::uint64_t, std::uint64_t, jet::LockKind) override { return true; }
+    void unlock(std::uint64_t, std::uint64_t) noexcept override {}
+    bool heldByOthers(std::uint64_t) override { return false; }
     void flush() override {
         ++disk_.flushes;
         operation('f');

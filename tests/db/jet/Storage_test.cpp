@@ -169,7 +169,10 @@ TEST(JetPages, AfterAFailedWriteThePageIsReadAnew) {
     jet::PageFile file(std::make_unique<test::MemoryFile>(disk), "memory", jet::Access::ReadWrite);
     EXPECT_EQ(jet::u8(file.page(2).bytes(), 0), 0);
     disk.failAt = 1;
-    EXPECT_EQ(test::errorOf([&] { file.writePage(2, {}); }), ErrNo::Io);
+    file.begin();
+    file.writePage(2, {});
+    EXPECT_EQ(test::errorOf([&] { file.commit(); }), ErrNo::Io);
+    file.rollback();
     disk.bytes[2 * jet::kPageSize] = std::byte{7};  // what the failed write has left there
     EXPECT_EQ(jet::u8(file.page(2).bytes(), 0), 7);
 }
@@ -185,7 +188,9 @@ TEST(JetPages, APageKeptByItsReaderIsNotChangedByLaterReadsAndWrites) {
     EXPECT_EQ(jet::u8(other.bytes(), 0), 2);
     jet::Page::Bytes bytes{};
     bytes[0] = std::byte{3};
+    file.begin();
     file.writePage(261, bytes);
+    file.commit();
     EXPECT_EQ(jet::u8(other.bytes(), 0), 2);
     EXPECT_EQ(jet::u8(file.page(261).bytes(), 0), 3);
     EXPECT_EQ(jet::u8(file.page(5).bytes(), 0), 1);

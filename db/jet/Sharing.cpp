@@ -1,0 +1,201 @@
+#include "Sharing.h"
+
+#include <cassert>
+
+#include "base/ErrorState.h"
+
+namespace vl::jet {
+
+namespace {
+
+// Past the 2 GiB that a file of this format can have.
+constexpr std::uint64_t kWaiting = 0xC0000001;
+constexpr std::uint64_t kReading = 0xC0000002;
+
+}  // namespace
+
+bool DataLock::tryShared(File& database) {
+    assert(state_ == State::None);
+    if (!database.tryLock(kWaiting, 1, LockKind::Shared)) {
+        return false;
+    }
+    const bool got = database.tryLock(kReading, 1, LockKind::Shared);
+    database.unlock(kWaiting, 1);
+    if (got) {
+        state_ = State::Shared;
+    }
+    return got;
+}
+
+bool DataLock::tryExclusive(File& database) {
+    if (state_ == State::Exclusive) {
+        return true;
+    }
+    waiting_ = waiting_ || database.tryLock(kWaiting, 1, LockKind::Exclusive);
+    if (!waiting_) {
+        return false;
+    }
+    // A share of our own would be in our way. Nobody writes while it is gone: who could has the
+    // right to, and that is us.
+    if (state_ == State::Shared) {
+        database.unlock(kReading, 1);
+    }
+    if (database.tryLock(kReading, 1, LockKind::Exclusive)) {
+        state_ = State::Exclusive;
+        return true;
+    }
+    if (state_ == State::Shared) {
+        database.tryLock(kReading, 1, LockKind::Shared);
+    }
+    return false;
+}
+
+void DataLock::release(File& database, bool stillReading) noexcept {
+    if (state_ == State::Exclusive || (state_ == State::Shared && !stillReading)) {
+        database.unlock(kReading, 1);
+        state_ = State::None;
+    }
+    if (stillReading && state_ == State::None) {
+        const ErrScope scope;
+        attempt([&] {
+            if (database.tryLock(kReading, 1, LockKind::Shared)) {
+                state_ = State::Shared;
+            }
+        });
+    }
+    if (waiting_) {
+        database.unlock(kWaiting, 1);
+        waiting_ = false;
+    }
+}
+
+Sharing::Sharing(const std::string& path, const OpenOptions& options)
+    : files_(options.files),
+      waiter_(options.waiter),
+      most_(options.patience),
+      patience_(*waiter_, most_),
+      path_(path),
+      lockFile_(*files_, path),
+      journal_(*files_, path) {}
+
+std::optional<BrokenChange> Sharing::brokenChange(const File& database) const {
+    return BrokenChange::find(*files_, path_, database);
+}
+
+// Whoever opened the old file would read what no longer is, and write what nobody finds.
+void Sharing::checkName(const File& database) const {
+    if (!files_->names(path_, database)) {
+        throw Error(ErrNo::Io, path_ + ": was removed or replaced since it was opened");
+    }
+}
+
+void Sharing::share(File& database) {
+    bool shared = false;
+    try {
+        shared = patience_.until([&] { return dataLock_.tryShared(database); });
+    } catch (const Error& e) {
+        if (e.number() != ErrNo::Unsupported) {
+            throw;
+        }
+        shared = true;  // where nothing can be locked, nobody of us can write
+    }
+    if (!shared) {
+        throw Error(ErrNo::Locked, path_ + ": is being written by " + lockFile_.holder());
+    }
+}
+
+std::optional<BrokenChange> Sharing::beginReading(File& database) {
+    startWaiting();
+    checkName(database);
+    share(database);
+    try {
+        std::optional<BrokenChange> broken = brokenChange(database);
+        if (broken) {
+            broken.reset();
+            endReading(database);
+            takeBackIfPossible();
+            share(database);
+            broken = brokenChange(database);
+        }
+        return broken;
+    } catch (const Error&) {
+        endReading(database);
+        throw;
+    }
+}
+
+void Sharing::endReading(File& database) noexcept { dataLock_.release(database, false); }
+
+// A reader's file may be open for reading only, and its lock is not one to write with: this opens
+// the file anew. Where it fails the reader has the journal to read from, and the next one tries
+// again.
+void Sharing::takeBackIfPossible() {
+    const ErrScope scope;
+    attempt([&] {
+        const auto database = files_->open(path_, Access::ReadWrite);
+        LockFile lockFile(*files_, path_);
+        if (!lockFile.tryLock(*database)) {
+            return;
+        }
+        DataLock lock;
+        if (patience_.until([&] { return lock.tryExclusive(*database); })) {
+            if (const auto broken = brokenChange(*database)) {
+                broken->takeBack(*files_, path_, *database);
+            }
+            Journal(*files_, path_).removeIdle();
+        }
+        lockFile.remove();
+    });
+}
+
+void Sharing::beginWriting(File& database, bool reading) {
+    startWaiting();
+    checkName(database);
+    if (!patience_.until([&] { return lockFile_.tryLock(database); })) {
+        throw Error(ErrNo::Locked, path_ + ": is in use by " + lockFile_.holder());
+    }
+    hasWritten_ = true;
+    try {
+        if (const auto broken = brokenChange(database)) {
+            keepReadersOut(database);
+            broken->takeBack(*files_, path_, database);
+            dataLock_.release(database, reading);
+        }
+    } catch (const Error&) {
+        endWriting(database, reading);
+        throw;
+    }
+}
+
+void Sharing::keepReadersOut(File& database) {
+    if (!patience_.until([&] { return dataLock_.tryExclusive(database); })) {
+        throw Error(ErrNo::Locked, path_ + ": is being read by others");
+    }
+}
+
+void Sharing::takeBack(File& database) {
+    journal_.abandon();
+    if (const auto broken = brokenChange(database)) {
+        broken->takeBack(*files_, path_, database);
+    }
+}
+
+void Sharing::endWriting(File& database, bool stillReading) noexcept {
+    dataLock_.release(database, stillReading);
+    lockFile_.unlock();
+}
+
+void Sharing::close(File& database) noexcept {
+    if (!hasWritten_) {
+        return;
+    }
+    const ErrScope scope;
+    attempt([&] {
+        if (files_->names(path_, database) && lockFile_.tryLock(database)) {
+            journal_.removeIdle();
+            lockFile_.remove();
+        }
+    });
+}
+
+}  // namespace vl::jet

@@ -1,0 +1,315 @@
+// Several who have one file open.
+#include <gtest/gtest.h>
+
+#include "LockFile.h"
+#include "ManualWaiter.h"
+#include "Rows.h"
+#include "Statements.h"
+#include "db/jet/ReadGuard.h"
+#include "db/jet/Transaction.h"
+#include "support/ErrorOf.h"
+
+namespace vl {
+namespace {
+
+using jet::Access;
+using jet::Database;
+using jet::LockKind;
+using jet::ReadGuard;
+using jet::Transaction;
+using std::chrono::milliseconds;
+using test::errorOf;
+using test::kDatabase;
+
+const std::string kLockFile = jet::lockFileOf(kDatabase);
+constexpr std::uint64_t kFirstUser = 0x10000001;
+
+struct Several : testing::Test {
+    Several() { folder.put(kDatabase, test::firstLight()); }
+
+    Database open(Access access = Access::ReadWrite) {
+        jet::OpenOptions options = test::fewPages(folder);
+        options.waiter = &waiter;
+        options.patience = milliseconds(200);
+        return Database::open(kDatabase, access, options);
+    }
+    static void write(Database& db) { test::statements()[0].run(db); }
+
+    /// Another engine that has the file open as its n-th user, counted from 1.
+    std::unique_ptr<jet::File> engine(int n, const std::string& computer, const std::string& user) {
+        const auto database = folder.open(kDatabase, Access::Read);
+        auto file = folder.openOrCreate(kLockFile, *database);
+        EXPECT_TRUE(
+            file->tryLock(kFirstUser + static_cast<unsigned>(n - 1), 1, LockKind::Exclusive));
+        std::string entry(64, '\0');
+        entry.replace(0, computer.size(), computer);
+        entry.replace(32, user.size(), user);
+        file->write(64U * static_cast<unsigned>(n - 1), std::as_bytes(std::span(entry)));
+        return file;
+    }
+
+    template <class Step>
+    std::string errorText(Step&& step) {
+        try {
+            step();
+        } catch (const Error& e) {
+            EXPECT_EQ(e.number(), ErrNo::Locked);
+            return e.what();
+        }
+        return "no error";
+    }
+
+    test::MemoryFolder folder;
+    test::ManualWaiter waiter;
+};
+
+TEST(JetLockFile, HasTheDatabasesNameWithAnExtensionOfItsOwn) {
+    static constexpr std::pair<const char*, const char*> cases[] = {
+        {"/a/b.RemindDB", "/a/b.ldb"},
+        {"b.c.mdb", "b.c.ldb"},
+        {"/a.b/c", "/a.b/c.ldb"},
+        {"C:\\a.b\\c", "C:\\a.b\\c.ldb"},
+        {"/a/.hidden", "/a/.hidden.ldb"}};
+    for (const auto& [database, lock] : cases) {
+        EXPECT_EQ(jet::lockFileOf(database), lock);
+    }
+}
+
+TEST_F(Several, ReadingMakesNoFileAndWritesNothing) {
+    {
+        const Database db = open(Access::Read);
+        EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+    }
+    { const Database db = open(Access::ReadWrite); }
+    EXPECT_EQ(folder.log, "");
+    EXPECT_EQ(folder.files(), 1U);
+}
+
+TEST_F(Several, AWriterTellsWhoHeIsAndTidiesUp) {
+    {
+        Database db = open();
+        const Transaction change(db);
+        const std::string entry = folder.bytes(kLockFile);
+        ASSERT_EQ(entry.size(), 64U);
+        EXPECT_EQ(entry.substr(0, entry.find('\0')), jet::computerName().substr(0, 31));
+        EXPECT_EQ(entry.substr(32), "Admin" + std::string(27, '\0'));
+    }
+    EXPECT_FALSE(folder.exists(kLockFile));
+}
+
+TEST_F(Several, OneWritesAndTheOtherLearnsWhoItIs) {
+    Database first = open();
+    Database second = open();
+    {
+        const Transaction change(first);
+        const std::string text = errorText([&] { write(second); });
+        EXPECT_NE(text.find("\"Admin\" on computer \"" + jet::computerName().substr(0, 31)),
+                  std::string::npos)
+            << text;
+        EXPECT_EQ(waiter.slept, milliseconds(200));
+        second.setPatience(milliseconds(5000));
+        errorText([&] { write(second); });
+        EXPECT_EQ(waiter.slept, milliseconds(5200));
+    }
+    write(second);
+}
+
+TEST_F(Several, WhoWaitsGetsItWhenTheOtherIsDone) {
+    Database first = open();
+    Database second = open();
+    auto change = std::make_unique<Transaction>(first);
+    waiter.onSleep = [&] { change.reset(); };
+    write(second);
+    EXPECT_LT(waiter.slept, milliseconds(50));
+}
+
+TEST_F(Several, AnotherEngineIsNotDisturbedAndItsNameIsTold) {
+    const auto host = engine(2, "DESKTOP-7", "Anna");
+    Database db = open();
+    EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+    EXPECT_NE(errorText([&] { write(db); }).find("user \"Anna\" on computer \"DESKTOP-7\""),
+              std::string::npos);
+    EXPECT_TRUE(folder.bytes(kDatabase) == test::firstLight());
+    host->unlock(kFirstUser + 1, 1);
+    write(db);
+    EXPECT_TRUE(folder.bytes(kDatabase) != test::firstLight());
+}
+
+TEST_F(Several, AnotherEnginesLockFileStays) {
+    Database db = open();
+    write(db);
+    const auto host = engine(1, "DESKTOP-7", "Anna");
+    db = open();  // closes the first
+    EXPECT_TRUE(folder.exists(kLockFile));
+}
+
+TEST_F(Several, NoOtherEngineComesInWhileOneWrites) {
+    Database db = open();
+    const Transaction change(db);
+    const auto host = folder.open(kLockFile, Access::ReadWrite);
+    for (unsigned user = 0; user < 255; ++user) {
+        EXPECT_FALSE(host->tryLock(kFirstUser + user, 1, LockKind::Exclusive));
+    }
+}
+
+TEST_F(Several, ALockOnARemovedLockFileIsNone) {
+    Database first = open();
+    write(first);
+    folder.remove(kLockFile);  // by one who was the last to leave
+    Database second = open();
+    const Transaction change(second);
+    errorText([&] { write(first); });
+}
+
+TEST_F(Several, AReaderKeepsCommitsOutAndNotTheWorkBefore) {
+    Database writer = open();
+    Database reader = open(Access::Read);
+    auto guard = std::make_unique<ReadGuard>(reader);
+    const auto before = test::rowsOf(reader.table("Reminders")).values;
+    Transaction change(writer);
+    jet::Table table = writer.table("Reminders");
+    table.updateInPlace(test::rowsOf(table).ids[0],
+                        std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
+    errorText([&] { change.commit(); });
+    EXPECT_EQ(test::rowsOf(reader.table("Reminders")).values, before);
+    guard.reset();
+    change.commit();
+    EXPECT_NE(test::rowsOf(reader.table("Reminders")).values, before);
+}
+
+TEST_F(Several, ACursorIsAReader) {
+    Database writer = open();
+    Database reader = open(Access::Read);
+    {
+        jet::RowCursor cursor = reader.table("Reminders").scan();
+        ASSERT_TRUE(cursor.next());
+        errorText([&] { write(writer); });
+    }
+    write(writer);
+}
+
+TEST_F(Several, ReadersThatFollowEachOtherDoNotKeepAWriterOut) {
+    Database writer = open();
+    Database readers[] = {open(Access::Read), open(Access::Read)};
+    auto guard = std::make_unique<ReadGuard>(readers[0]);
+    bool secondCameIn = false;
+    waiter.onSleep = [&] {
+        waiter.onSleep = nullptr;
+        secondCameIn = errorOf([&] { const ReadGuard late(readers[1]); }) == ErrNo::None;
+        guard.reset();
+    };
+    write(writer);
+    EXPECT_FALSE(secondCameIn) << "one waits already";
+}
+
+TEST_F(Several, AReaderWaitsForAWriterAndSeesAllOfIt) {
+    Database writer = open();
+    Database reader = open(Access::Read);
+    reader.table("Reminders");
+    // The statement is larger than what is kept in memory, so readers are out before it ends.
+    auto change = std::make_unique<Transaction>(writer);
+    jet::Table table = writer.table("Reminders");
+    int inserted = 0;
+    const auto insert = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            table.insert(std::vector<jet::Table::Change>{
+                {test::position(table, "GUID"), "{" + std::to_string(++inserted) + "}"},
+                {test::position(table, "JSON"), std::string(9000, 'j')}});
+        }
+    };
+    insert(10);
+    EXPECT_NE(errorText([&] { reader.table("Reminders"); }).find("is being written by user"),
+              std::string::npos);
+    waiter.onSleep = [&] {
+        if (change) {
+            insert(1);
+            change->commit();
+            change.reset();
+        }
+    };
+    EXPECT_EQ(test::rowsOf(reader.table("Reminders")).ids.size(), 23U);
+}
+
+TEST_F(Several, OnesOwnReadingDoesNotKeepOneFromWriting) {
+    Database db = open();
+    Database other = open();
+    {
+        jet::RowCursor cursor = db.table("Reminders").scan();
+        ASSERT_TRUE(cursor.next());
+        write(db);
+        errorText([&] { write(other); });  // the cursor still reads
+        while (cursor.next()) {
+        }
+    }
+    write(other);
+}
+
+TEST_F(Several, WhatAnotherEngineWritesMeanwhileIsReadAgain) {
+    Database db = open(Access::Read);
+    const auto host = folder.open(kDatabase, Access::ReadWrite);
+    const auto hostWrites = [&] {
+        std::array<std::byte, 2> word{};
+        host->read(0xE04, word);
+        word[0] ^= std::byte{1};
+        host->write(0xE04, word);
+    };
+    for (const int disturbances : {0, 1, 2, 3, 1000}) {
+        int readings = 0;
+        const int result = jet::readWhole(db, [&] {
+            if (readings < disturbances) {
+                hostWrites();
+            }
+            if (++readings <= std::min(disturbances, 2)) {
+                throw Error(ErrNo::Corrupt, "half of it was of yesterday");
+            }
+            return 5;
+        });
+        EXPECT_EQ(result, 5);
+        EXPECT_EQ(readings, std::min(disturbances + 1, 3)) << disturbances;
+    }
+    EXPECT_EQ(errorOf([&] {
+                  jet::readWhole(db, [&]() -> int { throw Error(ErrNo::Corrupt, "it is"); });
+              }),
+              ErrNo::Corrupt);
+}
+
+TEST_F(Several, TheFileThatWasReplacedIsNotWritten) {
+    Database db = open();
+    write(db);
+    folder.put(kDatabase, test::firstLight());
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    EXPECT_EQ(errorOf([&] { db.tables(); }), ErrNo::Io);
+    folder.remove(kDatabase);
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    EXPECT_FALSE(folder.exists(kDatabase));
+}
+
+TEST_F(Several, AFileThatShrinksWhileItIsOpenIsAnErrorAndStaysAsItIs) {
+    Database db = open();
+    write(db);
+    const auto other = folder.open(kDatabase, Access::ReadWrite);
+    other->truncate(5 * jet::kPageSize);
+    const std::string left = folder.bytes(kDatabase);
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Corrupt);
+    EXPECT_EQ(errorOf([&] { db.tables(); }), ErrNo::Corrupt);
+    EXPECT_TRUE(folder.bytes(kDatabase) == left);
+}
+
+TEST_F(Several, WhereNothingCanBeLockedOneReadsAndDoesNotWrite) {
+    folder.lockless = true;
+    Database db = open();
+    EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Unsupported);
+    EXPECT_TRUE(folder.bytes(kDatabase) == test::firstLight());
+}
+
+TEST_F(Several, WhereNoFileCanBeMadeOneReadsAndDoesNotWrite) {
+    Database db = open();
+    folder.readOnly = true;
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    EXPECT_EQ(test::rowsOf(open(Access::Read).table("Reminders")).ids.size(), 12U);
+    EXPECT_EQ(errorOf([&] { open(); }), ErrNo::Io);
+}
+
+}  // namespace
+}  // namespace vl
