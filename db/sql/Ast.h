@@ -17,8 +17,9 @@ namespace vl::sql {
 enum class Op : std::uint8_t {
     Literal,
     Column,
-    And,  ///< two operands or more, so that a long chain is no deep tree
-    Or,   ///< as `And`
+    Parameter,  ///< `?`; `bind` makes it a literal
+    And,        ///< two operands or more, so that a long chain is no deep tree
+    Or,         ///< as `And`
     Not,
     Equal,
     NotEqual,
@@ -53,30 +54,37 @@ struct Expr {
     int depth = 1;
     Variant literal;
     ColumnRef column;
-    std::size_t ordinal = 0;  ///< set by `bind`
+    std::size_t ordinal = 0;  ///< of a parameter, from 0; of a column, set by `bind`
     bool decimal = false;     ///< set by `bind`: the column's values are decimal texts
-    TextOrder textOrder = TextOrder::General;  ///< set by `bind`: of the columns in it
+    TextOrder textOrder = TextOrder::General;         ///< set by `bind`: of the columns in it
+    jet::ColumnType type = jet::ColumnType::Boolean;  ///< set by `bind`: of its values, as a rule
     std::vector<std::unique_ptr<Expr>> operands;
 };
 using ExprPtr = std::unique_ptr<Expr>;
 
-enum class ItemKind : std::uint8_t { All, Column, CountAll, Count, Min, Max };
+enum class ItemKind : std::uint8_t { All, Value, CountAll, Count, Min, Max };
 
-/// One entry of a SELECT list. `column` is empty for `CountAll`; for `All` only its table counts.
+/// One entry of a SELECT list. `value` is null for `All` and `CountAll`; `table` belongs to `All`.
 struct SelectItem {
     ItemKind kind = ItemKind::All;
-    ColumnRef column;
+    Position at;
+    std::string table;  ///< empty when it was not named
+    ExprPtr value;
     std::string alias;  ///< the name behind AS, or empty
 };
 
+/// A whole number as `value` is a place in the SELECT list, from 1.
 struct OrderItem {
-    ColumnRef column;
+    ExprPtr value;
     bool descending = false;
 };
 
 struct TableRef {
     Position at;
     std::string name;
+    std::string alias;  ///< what the rest of the statement calls it, or empty
+
+    const std::string& calledBy() const noexcept { return alias.empty() ? name : alias; }
 };
 
 struct Select {
@@ -99,6 +107,68 @@ struct Update {
     ExprPtr where;  ///< null: every row
 };
 
-using Statement = std::variant<Select, Update>;
+struct Insert {
+    TableRef table;
+    std::vector<ColumnRef> columns;  ///< empty: all, in their order
+    Position at;                     ///< of what gives the values
+    std::vector<ExprPtr> values;     ///< of one row; empty where `rows` gives them
+    std::optional<Select> rows;
+};
+
+struct Delete {
+    TableRef table;
+    std::optional<ColumnRef> named;  ///< `Table.*` before FROM; only its table counts
+    ExprPtr where;                   ///< null: every row
+};
+
+struct ColumnSpec {
+    ColumnRef name;
+    jet::ColumnType type = jet::ColumnType::Long;
+    std::uint16_t length = 0;  ///< of a text in characters, of binary in bytes
+    bool autoNumber = false;
+    std::uint8_t precision = 0;  ///< of a numeric column
+    std::uint8_t scale = 0;
+    bool required = false;  ///< NOT NULL
+};
+
+struct KeySpec {
+    ColumnRef column;
+    bool descending = false;
+};
+
+/// An index, or a constraint that one keeps.
+struct IndexSpec {
+    Position at;
+    std::string name;  ///< empty: one is made up
+    bool primary = false;
+    bool unique = false;
+    bool required = false;
+    bool ignoreNulls = false;
+    std::vector<KeySpec> keys;
+};
+
+struct CreateTable {
+    TableRef table;
+    std::vector<ColumnSpec> columns;
+    std::vector<IndexSpec> indexes;
+};
+
+struct AddColumn {
+    TableRef table;
+    ColumnSpec column;
+    std::vector<IndexSpec> indexes;  ///< of that column
+};
+
+struct CreateIndex {
+    TableRef table;
+    IndexSpec index;
+};
+
+struct DropTable {
+    TableRef table;
+};
+
+using Statement =
+    std::variant<Select, Update, Insert, Delete, CreateTable, AddColumn, CreateIndex, DropTable>;
 
 }  // namespace vl::sql

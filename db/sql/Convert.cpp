@@ -112,8 +112,8 @@ Variant bytes(const jet::Column& column, const Variant& value, Position at) {
 }  // namespace
 
 Variant convertFor(const jet::Column& column, const Variant& value, Position at) {
-    if (value.isNull()) {
-        return value;
+    if (value.isNull()) {  // yes/no columns have no null
+        return column.type == ColumnType::Boolean ? Variant(false) : value;
     }
     switch (column.type) {
         case ColumnType::Boolean:

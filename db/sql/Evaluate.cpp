@@ -1,10 +1,7 @@
 #include "Evaluate.h"
 
-#include <algorithm>
-
 #include "Like.h"
 #include "Value.h"
-#include "base/Text.h"
 
 namespace vl::sql {
 
@@ -96,39 +93,6 @@ Variant columnValue(const Expr& expr, const RowSource& row) {
 
 }  // namespace
 
-std::size_t findColumn(const ColumnRef& ref, const TableShape& shape) {
-    if (!ref.table.empty() && !text::equalsNoCase(ref.table, shape.name)) {
-        fail(ErrNo::NotFound, ref.at,
-             "no table " + ref.table + " is read here, expected " + shape.name);
-    }
-    const auto hit = std::find_if(
-        shape.columns.begin(), shape.columns.end(),
-        [&](const jet::Column& column) { return text::equalsNoCase(column.name, ref.name); });
-    if (hit == shape.columns.end()) {
-        fail(ErrNo::NotFound, ref.at,
-             "no column " + ref.name + ", expected one of table " + shape.name);
-    }
-    return static_cast<std::size_t>(hit - shape.columns.begin());
-}
-
-void bind(Expr* expr, const TableShape& shape) {
-    if (expr == nullptr) {
-        return;
-    }
-    if (expr->op == Op::Column) {
-        expr->ordinal = findColumn(expr->column, shape);
-        const jet::Column& column = shape.columns[expr->ordinal];
-        expr->decimal = isDecimal(column);
-        expr->textOrder = textOrderOf(column);
-    }
-    for (const ExprPtr& operand : expr->operands) {
-        bind(operand.get(), shape);
-        if (operand->textOrder != TextOrder::General) {
-            expr->textOrder = operand->textOrder;
-        }
-    }
-}
-
 Variant evaluate(const Expr& expr, const RowSource& row) {
     switch (expr.op) {
         case Op::Literal:
@@ -165,6 +129,10 @@ Variant evaluate(const Expr& expr, const RowSource& row) {
         default:
             return compared(expr, row);
     }
+}
+
+Variant exactValue(const Expr& expr, const RowSource& row) {
+    return expr.op == Op::Column ? row.value(expr.ordinal) : evaluate(expr, row);
 }
 
 bool keeps(const Expr* where, const RowSource& row) {

@@ -1,32 +1,23 @@
 #include <algorithm>
 #include <utility>
-#include <vector>
 
+#include "ChangeRows.h"
+#include "DefineTables.h"
+#include "FileTable.h"
 #include "Lexer.h"
 #include "Parser.h"
 #include "SelectRows.h"
 #include "Sql.h"
-#include "UpdateRows.h"
 #include "base/Text.h"
+#include "db/jet/Transaction.h"
 
 namespace vl::sql {
 
 namespace {
 
-class TableRows final : public RowSource {
-public:
-    explicit TableRows(const jet::Table& table) : cursor_(table.scan()) {}
-    bool next() override { return cursor_.next(); }
-    Variant value(std::size_t column) const override { return cursor_.value(column); }
-    jet::RowId id() const { return cursor_.id(); }
-
-private:
-    jet::RowCursor cursor_;
-};
-
-jet::Table open(jet::Database& db, const TableRef& ref) {
+FileTable open(jet::Database& db, const TableRef& ref) {
     try {
-        return db.table(ref.name);
+        return FileTable(db.table(ref.name));
     } catch (const Error& e) {
         if (e.number() == ErrNo::NotFound) {
             fail(ErrNo::NotFound, ref.at, std::string(e.what()));
@@ -35,58 +26,60 @@ jet::Table open(jet::Database& db, const TableRef& ref) {
     }
 }
 
-TableShape shapeOf(const jet::Table& table) { return {table.name(), table.columns()}; }
+/// One statement on a file.
+class Run {
+public:
+    Run(jet::Database& db, std::span<const Parameter> parameters)
+        : db_(db), parameters_(parameters) {}
 
-Result run(Select& statement, jet::Database& db) {
-    const jet::Table table = open(db, statement.table);
-    TableRows rows(table);
-    return select(statement, shapeOf(table), rows);
-}
-
-struct RowChange {
-    jet::RowId id;
-    Changes before;
-    Changes after;
-};
-
-std::vector<RowChange> changesOf(Update& statement, const jet::Table& table) {
-    TableRows rows(table);
-    std::vector<RowChange> found;
-    findChanges(statement, shapeOf(table), rows, [&](Changes after) {
-        Changes before;
-        for (const auto& [column, value] : after) {
-            before.emplace_back(column, rows.value(column));
-        }
-        found.push_back({rows.id(), std::move(before), std::move(after)});
-    });
-    return found;
-}
-
-// What a row can take is known only when it is written (one may be older than the column): when
-// one refuses, those before it get their old values back, so that the statement did nothing. A row
-// whose write failed in the middle may hold either; giving it what it holds costs nothing.
-void writeAll(jet::Table& table, const std::vector<RowChange>& changes) {
-    std::size_t next = 0;
-    try {
-        for (; next < changes.size(); ++next) {
-            table.updateInPlace(changes[next].id, changes[next].after);
-        }
-    } catch (const Error& e) {
-        for (std::size_t undo = next + (e.number() == ErrNo::Io ? 1 : 0); undo > 0; --undo) {
-            table.updateInPlace(changes[undo - 1].id, changes[undo - 1].before);
-        }
-        throw;
+    Result operator()(Select& statement) const {
+        return select(statement, open(db_, statement.table), parameters_);
     }
-}
 
-Result run(Update& statement, jet::Database& db) {
-    jet::Table table = open(db, statement.table);
-    const std::vector<RowChange> changes = changesOf(statement, table);
-    writeAll(table, changes);
-    Result result;
-    result.affected = static_cast<std::int64_t>(changes.size());
-    return result;
-}
+    Result operator()(Insert& statement) const {
+        return changing([&] {
+            FileTable table = open(db_, statement.table);
+            Result rows = statement.rows ? (*this)(*statement.rows) : Result();
+            return insertRows(statement, table, std::move(rows), parameters_);
+        });
+    }
+
+    Result operator()(Update& statement) const {
+        return changing([&] {
+            FileTable table = open(db_, statement.table);
+            return updateRows(statement, table, parameters_);
+        });
+    }
+
+    Result operator()(Delete& statement) const {
+        return changing([&] {
+            FileTable table = open(db_, statement.table);
+            return deleteRows(statement, table, parameters_);
+        });
+    }
+
+    template <class Definition>
+    Result operator()(Definition& statement) const {
+        return changing([&] {
+            define(statement, db_);
+            return 0;
+        });
+    }
+
+private:
+    // The table is looked up inside: what others write meanwhile must not be undone.
+    template <class Step>
+    Result changing(Step&& step) const {
+        jet::Transaction transaction(db_);
+        Result result;
+        result.affected = std::forward<Step>(step)();
+        transaction.commit();
+        return result;
+    }
+
+    jet::Database& db_;
+    std::span<const Parameter> parameters_;
+};
 
 }  // namespace
 
@@ -98,9 +91,9 @@ bool isQuery(std::string_view statement) noexcept {
     return text::equalsNoCase(word.substr(0, end), "SELECT");
 }
 
-Result execute(jet::Database& db, std::string_view text) {
+Result execute(jet::Database& db, std::string_view text, std::span<const Parameter> parameters) {
     Statement statement = parse(text);
-    return std::visit([&](auto& parsed) { return run(parsed, db); }, statement);
+    return std::visit(Run(db, parameters), statement);
 }
 
 }  // namespace vl::sql

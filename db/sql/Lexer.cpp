@@ -69,7 +69,7 @@ private:
 
     Token next() {
         const char c = peek();
-        if (startsName(c)) {
+        if (startsName(c) || (c == '@' && startsName(peek(1)))) {
             return name();
         }
         if (startsNumber()) {
@@ -91,6 +91,7 @@ private:
     Token name() {
         Token token{TokenKind::Name, at_, {}, {}};
         const std::size_t start = index_;
+        advance();
         while (!atEnd() && continuesName(peek())) {
             advance();
         }
@@ -196,7 +197,7 @@ private:
         if (std::find(kDouble.begin(), kDouble.end(), two) != kDouble.end()) {
             token.text = two;
             advance();
-        } else if (std::string_view("=<>+-*/&(),.;").find(peek()) != std::string_view::npos) {
+        } else if (std::string_view("=<>+-*/&(),.;?").find(peek()) != std::string_view::npos) {
             token.text = peek();
         } else {
             const auto code = static_cast<unsigned char>(peek());

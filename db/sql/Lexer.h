@@ -23,7 +23,7 @@ struct Position {
 bool continuesName(char c) noexcept;
 
 enum class TokenKind {
-    Name,       ///< a bare word: keyword or name, whatever the grammar wants there
+    Name,       ///< a bare word: keyword or name, whatever the grammar wants there; or @a word
     Bracketed,  ///< [a name], which is never a keyword
     Text,       ///< "text" or 'text'; `literal` without quotes, doubled ones halved
     Number,     ///< `literal` is an int32, or a double when it has a fraction or does not fit

@@ -152,6 +152,11 @@ private:
             token.kind == TokenKind::Date) {
             return literal(tokens_.take().literal, at);
         }
+        if (tokens_.takeSymbol("?")) {
+            ExprPtr parameter = node(Op::Parameter, at);
+            parameter->ordinal = tokens_.countParameter();
+            return parameter;
+        }
         return named(at);
     }
 

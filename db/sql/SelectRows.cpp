@@ -5,7 +5,7 @@
 #include <set>
 
 #include "Evaluate.h"
-#include "Value.h"
+#include "FindRows.h"
 
 namespace vl::sql {
 
@@ -13,90 +13,118 @@ namespace {
 
 using Row = std::vector<Variant>;
 
-struct OrderColumn {
-    std::size_t column;
-    bool decimal;
-    TextOrder textOrder;
-    bool descending;
-};
-
-Variant keyOf(const RowSource& rows, std::size_t column, bool decimal) {
-    return decimal ? fromDecimal(rows.value(column)) : rows.value(column);
-}
-
 bool isAggregate(const SelectItem& item) noexcept {
-    return item.kind != ItemKind::All && item.kind != ItemKind::Column;
+    return item.kind != ItemKind::All && item.kind != ItemKind::Value;
 }
 
-// The columns of a result and where in the table they come from.
+std::string nameOf(const SelectItem& item, const TableShape& shape, std::size_t place) {
+    if (!item.alias.empty()) {
+        return item.alias;
+    }
+    if (item.kind == ItemKind::Value && item.value->op == Op::Column) {
+        return shape.columns[item.value->ordinal].name;
+    }
+    return "Expr" + std::to_string(1000 + place);
+}
+
+// The columns of a result and what gives their values. Of `*` too, which stands for columns.
 struct Output {
     std::vector<Field> fields;
-    std::vector<std::size_t> columns;
+    std::vector<const Expr*> values;
+    std::vector<ExprPtr> own;
 };
 
-void addAll(Output& output, const SelectItem& item, const TableShape& shape) {
-    if (!item.column.table.empty() && !shape.columns.empty()) {  // checks the table's name
-        findColumn({item.column.at, item.column.table, shape.columns.front().name}, shape);
-    }
-    for (std::size_t i = 0; i < shape.columns.size(); ++i) {
-        output.fields.push_back({shape.columns[i].name, shape.columns[i].type});
-        output.columns.push_back(i);
+void addAll(Output& output, const SelectItem& item, const Scope& scope) {
+    for (const jet::Column& column : scope.shape().columns) {
+        auto value = std::make_unique<Expr>();
+        value->op = Op::Column;
+        value->column = {item.at, item.table, column.name};
+        scope.bind(value.get());
+        output.fields.push_back({column.name, column.type});
+        output.values.push_back(value.get());
+        output.own.push_back(std::move(value));
     }
 }
 
-Output outputOf(const Select& statement, const TableShape& shape) {
+Output outputOf(const Select& statement, const Scope& scope) {
     Output output;
     for (const SelectItem& item : statement.items) {
         if (item.kind == ItemKind::All) {
-            addAll(output, item, shape);
+            addAll(output, item, scope);
             continue;
         }
-        const std::size_t column = findColumn(item.column, shape);
-        const jet::Column& source = shape.columns[column];
-        output.fields.push_back({item.alias.empty() ? source.name : item.alias, source.type});
-        output.columns.push_back(column);
+        scope.bind(item.value.get());
+        output.fields.push_back(
+            {nameOf(item, scope.shape(), output.fields.size()), item.value->type});
+        output.values.push_back(item.value.get());
     }
     return output;
 }
 
+struct OrderBy {
+    const Expr* value;
+    bool descending;
+};
+
+const Expr* listed(const Expr& value, const Output& output) {
+    const auto* number = value.op == Op::Literal ? value.literal.get<std::int32_t>() : nullptr;
+    if (number == nullptr) {
+        return nullptr;
+    }
+    const std::size_t count = output.values.size();
+    if (*number < 1 || static_cast<std::size_t>(*number) > count) {
+        fail(ErrNo::Syntax, value.at,
+             "expected a place in the list from 1 to " + std::to_string(count) + ", found " +
+                 std::to_string(*number));
+    }
+    return output.values[static_cast<std::size_t>(*number) - 1];
+}
+
 // What sorting a DISTINCT result by a column it does not have would mean, nobody can say.
-void requireListed(const OrderItem& item, std::size_t column, const Output& output) {
-    if (std::find(output.columns.begin(), output.columns.end(), column) == output.columns.end()) {
-        fail(ErrNo::Syntax, item.column.at,
-             "expected a column of the DISTINCT list, found " + item.column.name);
+void requireListed(const Expr& value, const Output& output) {
+    const bool found = std::any_of(output.values.begin(), output.values.end(), [&](const Expr* e) {
+        return e == &value ||
+               (e->op == Op::Column && value.op == Op::Column && e->ordinal == value.ordinal);
+    });
+    if (!found) {
+        fail(ErrNo::Syntax, value.at,
+             "expected a column of the DISTINCT list" +
+                 (value.op == Op::Column ? ", found " + value.column.name : std::string()));
     }
 }
 
-std::vector<OrderColumn> orderOf(const Select& statement, const TableShape& shape,
-                                 const Output& output) {
-    std::vector<OrderColumn> order;
+std::vector<OrderBy> orderOf(const Select& statement, const Scope& scope, const Output& output) {
+    std::vector<OrderBy> order;
     for (const OrderItem& item : statement.order) {
-        const std::size_t column = findColumn(item.column, shape);
-        if (statement.distinct) {
-            requireListed(item, column, output);
+        const Expr* value = listed(*item.value, output);
+        if (value == nullptr) {
+            scope.bind(item.value.get());
+            value = item.value.get();
         }
-        const jet::Column& by = shape.columns[column];
-        order.push_back({column, isDecimal(by), textOrderOf(by), item.descending});
+        if (statement.distinct) {
+            requireListed(*value, output);
+        }
+        order.push_back({value, item.descending});
     }
     return order;
 }
 
-bool sortsBefore(const Row& a, const Row& b, const std::vector<OrderColumn>& columns) {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const int c = order(a[i], b[i], columns[i].textOrder);
+bool sortsBefore(const Row& a, const Row& b, const std::vector<OrderBy>& by) {
+    for (std::size_t i = 0; i < by.size(); ++i) {
+        const int c = order(a[i], b[i], by[i].value->textOrder);
         if (c != 0) {
-            return (c < 0) != columns[i].descending;
+            return (c < 0) != by[i].descending;
         }
     }
     return false;
 }
 
 struct DistinctLess {
-    std::vector<TextOrder> orders;  // of the columns
+    const std::vector<const Expr*>* columns;
 
     bool operator()(const Row& a, const Row& b) const {
         for (std::size_t i = 0; i < a.size(); ++i) {
-            const int c = order(a[i], b[i], orders[i]);
+            const int c = order(a[i], b[i], (*columns)[i]->textOrder);
             if (c != 0) {
                 return c < 0;
             }
@@ -106,17 +134,16 @@ struct DistinctLess {
 };
 
 // Moves the rows into the order of their keys and cuts behind TOP, but not between equal rows.
-void arrange(std::vector<Row>& rows, const std::vector<Row>& keys,
-             const std::vector<OrderColumn>& columns, std::optional<std::int32_t> top) {
+void arrange(std::vector<Row>& rows, const std::vector<Row>& keys, const std::vector<OrderBy>& by,
+             std::optional<std::int32_t> top) {
     std::vector<std::size_t> places(rows.size());
     std::iota(places.begin(), places.end(), std::size_t{0});
     std::stable_sort(places.begin(), places.end(), [&](std::size_t a, std::size_t b) {
-        return sortsBefore(keys[a], keys[b], columns);
+        return sortsBefore(keys[a], keys[b], by);
     });
     if (top && static_cast<std::size_t>(*top) < places.size()) {
         auto end = static_cast<std::size_t>(*top);
-        while (end < places.size() &&
-               !sortsBefore(keys[places[end - 1]], keys[places[end]], columns)) {
+        while (end < places.size() && !sortsBefore(keys[places[end - 1]], keys[places[end]], by)) {
             ++end;
         }
         places.resize(end);
@@ -129,49 +156,52 @@ void arrange(std::vector<Row>& rows, const std::vector<Row>& keys,
     rows = std::move(sorted);
 }
 
-Result selectColumns(Select& statement, const TableShape& shape, RowSource& rows) {
-    Output output = outputOf(statement, shape);
-    const std::vector<OrderColumn> order = orderOf(statement, shape, output);
+Row valuesOf(const std::vector<const Expr*>& columns, const RowSource& row) {
+    Row values;
+    values.reserve(columns.size());
+    for (const Expr* column : columns) {
+        values.push_back(exactValue(*column, row));
+    }
+    return values;
+}
+
+Row keysOf(const std::vector<const Expr*>& columns, const RowSource& row) {
+    Row values;
+    values.reserve(columns.size());
+    for (const Expr* column : columns) {
+        values.push_back(evaluate(*column, row));
+    }
+    return values;
+}
+
+Result selectColumns(Select& statement, const StoredTable& table, const Scope& scope) {
+    Output output = outputOf(statement, scope);
+    const std::vector<OrderBy> by = orderOf(statement, scope, output);
+    std::vector<const Expr*> sortColumns;
+    for (const OrderBy& item : by) {
+        sortColumns.push_back(item.value);
+    }
     const auto full = [&](const Result& result) {
-        return order.empty() && statement.top &&
+        return by.empty() && statement.top &&
                result.rows.size() == static_cast<std::size_t>(*statement.top);
     };
     Result result;
     result.isQuery = true;
     std::vector<Row> keys;
-    DistinctLess distinctLess;
-    for (const std::size_t column : output.columns) {
-        distinctLess.orders.push_back(textOrderOf(shape.columns[column]));
-    }
-    std::set<Row, DistinctLess> seen(std::move(distinctLess));
-    while (!full(result) && rows.next()) {
-        if (!keeps(statement.where.get(), rows)) {
+    std::set<Row, DistinctLess> seen(DistinctLess{&output.values});
+    const auto rows = findRows(table, statement.where.get());
+    while (!full(result) && rows->next()) {
+        if (!keeps(statement.where.get(), *rows) ||
+            (statement.distinct && !seen.insert(keysOf(output.values, *rows)).second)) {
             continue;
         }
-        if (statement.distinct) {
-            Row values;
-            for (const std::size_t column : output.columns) {
-                values.push_back(keyOf(rows, column, isDecimal(shape.columns[column])));
-            }
-            if (!seen.insert(std::move(values)).second) {
-                continue;
-            }
-        }
-        Row values;
-        values.reserve(output.columns.size());
-        for (const std::size_t column : output.columns) {
-            values.push_back(rows.value(column));
-        }
-        result.rows.push_back(std::move(values));
-        if (!order.empty()) {
-            Row& key = keys.emplace_back();
-            for (const OrderColumn& by : order) {
-                key.push_back(keyOf(rows, by.column, by.decimal));
-            }
+        result.rows.push_back(valuesOf(output.values, *rows));
+        if (!by.empty()) {
+            keys.push_back(keysOf(sortColumns, *rows));
         }
     }
-    if (!order.empty()) {
-        arrange(result.rows, keys, order, statement.top);
+    if (!by.empty()) {
+        arrange(result.rows, keys, by, statement.top);
     }
     result.fields = std::move(output.fields);
     return result;
@@ -180,58 +210,48 @@ Result selectColumns(Select& statement, const TableShape& shape, RowSource& rows
 // One COUNT, MIN or MAX while the rows pass by.
 class Aggregate {
 public:
-    Aggregate(const SelectItem& item, const TableShape& shape) : kind_(item.kind) {
-        if (kind_ != ItemKind::CountAll) {
-            column_ = findColumn(item.column, shape);
-            decimal_ = isDecimal(shape.columns[column_]);
-            textOrder_ = textOrderOf(shape.columns[column_]);
-            type_ = shape.columns[column_].type;
-        }
-    }
+    explicit Aggregate(const SelectItem& item) : kind_(item.kind), value_(item.value.get()) {}
 
     jet::ColumnType type() const noexcept {
-        return kind_ == ItemKind::Min || kind_ == ItemKind::Max ? type_ : jet::ColumnType::Long;
+        return isBest() ? value_->type : jet::ColumnType::Long;
     }
 
-    void see(const RowSource& rows) {
+    void see(const RowSource& row) {
         if (kind_ == ItemKind::CountAll) {
             ++count_;
             return;
         }
-        const Variant key = keyOf(rows, column_, decimal_);
+        Variant key = evaluate(*value_, row);
         if (key.isNull()) {
             return;
         }
         ++count_;
-        if (kind_ == ItemKind::Count) {
+        if (!isBest()) {
             return;
         }
-        const int c = order(key, bestKey_, textOrder_);
+        const int c = order(key, bestKey_, value_->textOrder);
         if (bestKey_.isNull() || (kind_ == ItemKind::Min ? c < 0 : c > 0)) {
-            best_ = rows.value(column_);
-            bestKey_ = key;
+            best_ = exactValue(*value_, row);
+            bestKey_ = std::move(key);
         }
     }
 
     /// Null for MIN and MAX of no values.
-    Variant result() const {
-        return kind_ == ItemKind::Min || kind_ == ItemKind::Max ? best_ : Variant(count_);
-    }
+    Variant result() const { return isBest() ? best_ : Variant(count_); }
 
 private:
+    bool isBest() const noexcept { return kind_ == ItemKind::Min || kind_ == ItemKind::Max; }
+
     ItemKind kind_;
-    std::size_t column_ = 0;
-    bool decimal_ = false;
-    TextOrder textOrder_ = TextOrder::General;
-    jet::ColumnType type_ = jet::ColumnType::Long;
+    const Expr* value_;
     std::int32_t count_ = 0;
     Variant best_ = Null{};
     Variant bestKey_ = Null{};
 };
 
-Result selectAggregates(const Select& statement, const TableShape& shape, RowSource& rows) {
+Result selectAggregates(const Select& statement, const StoredTable& table, const Scope& scope) {
     if (!statement.order.empty()) {
-        fail(ErrNo::Syntax, statement.order.front().column.at,
+        fail(ErrNo::Syntax, statement.order.front().value->at,
              "expected no ORDER BY: COUNT, MIN and MAX give one row");
     }
     Result result;
@@ -239,18 +259,18 @@ Result selectAggregates(const Select& statement, const TableShape& shape, RowSou
     std::vector<Aggregate> aggregates;
     for (const SelectItem& item : statement.items) {
         if (!isAggregate(item)) {
-            fail(ErrNo::Syntax, item.column.at,
-                 "expected COUNT, MIN or MAX, as the other columns are");
+            fail(ErrNo::Syntax, item.at, "expected COUNT, MIN or MAX, as the other columns are");
         }
-        aggregates.emplace_back(item, shape);
+        scope.bind(item.value.get());
+        aggregates.emplace_back(item);
         result.fields.push_back(
-            {item.alias.empty() ? "Expr" + std::to_string(1000 + result.fields.size()) : item.alias,
-             aggregates.back().type()});
+            {nameOf(item, scope.shape(), result.fields.size()), aggregates.back().type()});
     }
-    while (rows.next()) {
-        if (keeps(statement.where.get(), rows)) {
+    const auto rows = findRows(table, statement.where.get());
+    while (rows->next()) {
+        if (keeps(statement.where.get(), *rows)) {
             for (Aggregate& aggregate : aggregates) {
-                aggregate.see(rows);
+                aggregate.see(*rows);
             }
         }
     }
@@ -263,12 +283,13 @@ Result selectAggregates(const Select& statement, const TableShape& shape, RowSou
 
 }  // namespace
 
-Result select(Select& statement, const TableShape& shape, RowSource& rows) {
-    bind(statement.where.get(), shape);
+Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters) {
+    const Scope scope(table.shape(), statement.table, parameters);
+    scope.bind(statement.where.get());
     const bool aggregates =
         std::any_of(statement.items.begin(), statement.items.end(), isAggregate);
-    return aggregates ? selectAggregates(statement, shape, rows)
-                      : selectColumns(statement, shape, rows);
+    return aggregates ? selectAggregates(statement, table, scope)
+                      : selectColumns(statement, table, scope);
 }
 
 }  // namespace vl::sql

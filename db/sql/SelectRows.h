@@ -1,14 +1,12 @@
-// SELECT over the rows of any source.
+// SELECT over the rows of any table.
 #pragma once
 
-#include "Ast.h"
-#include "RowSource.h"
-#include "Sql.h"
+#include "Scope.h"
 
 namespace vl::sql {
 
-/// Binds `statement` to `shape` and reads `rows` to their end (or to the TOP row where no order is
-/// asked for). Throws as `execute`.
-Result select(Select& statement, const TableShape& shape, RowSource& rows);
+/// Binds `statement` to the table and reads its rows to their end (or to the TOP row where no order
+/// is asked for). Throws as `execute`.
+Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters);
 
 }  // namespace vl::sql

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +36,15 @@ struct Result {
     bool isQuery = false;
     std::vector<Field> fields;
     std::vector<std::vector<Variant>> rows;  ///< as wide as `fields`
-    std::int64_t affected = 0;               ///< rows an UPDATE changed; 0 for a query
+    std::int64_t affected = 0;  ///< rows that were inserted, changed or removed; 0 for a query
+};
+
+/// A value from the program instead of one written into the statement. In the statement stands its
+/// name, where no column has it (in brackets, bare, or with @ before it); or `?`, and these take
+/// the values without a name in their order.
+struct Parameter {
+    std::string name;
+    Variant value;
 };
 
 /// Whether a statement only reads, by its first word; one that cannot be read is no query.
@@ -44,8 +53,8 @@ bool isQuery(std::string_view statement) noexcept;
 
 /// Runs one statement; a query's rows are all in memory afterwards. Rows come in scan order unless
 /// ORDER BY says otherwise; with it, TOP also gives the rows that equal the last one.
-/// An UPDATE computes and converts the new values of all rows before it writes the first, so that
-/// an error of the statement or its values leaves the file as it was.
-Result execute(jet::Database& db, std::string_view statement);
+/// A statement that changes the file is a transaction: after an error nothing has changed.
+Result execute(jet::Database& db, std::string_view statement,
+               std::span<const Parameter> parameters = {});
 
 }  // namespace vl::sql

@@ -1,6 +1,7 @@
-// What both halves of the parser ask of the tokens.
+// What all parts of the parser ask of the tokens.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +17,8 @@ public:
 
     /// The end stays current for ever.
     const Token& current() const noexcept { return tokens_[index_]; }
-    const Token& following() const noexcept {
-        return tokens_[index_ + 1 < tokens_.size() ? index_ + 1 : index_];
+    const Token& following(std::size_t ahead = 1) const noexcept {
+        return tokens_[std::min(index_ + ahead, tokens_.size() - 1)];
     }
     Token take();
 
@@ -32,12 +33,16 @@ public:
     /// `Column` or `Table.Column`.
     ColumnRef expectColumn();
 
+    /// The number of the `?` that was just taken, from 0.
+    std::size_t countParameter() noexcept { return parameters_++; }
+
     /// "expected `what`, found ..." at the current token.
     [[noreturn]] void failExpected(const std::string& what) const;
 
 private:
     std::vector<Token> tokens_;
     std::size_t index_ = 0;
+    std::size_t parameters_ = 0;
 };
 
 /// AND, OR, comparisons, arithmetic; stops at the first token that continues no expression.

@@ -62,7 +62,8 @@ Variant negate(const Variant& value, Position at);
 /// digits; anything else as it is.
 Variant fromDecimal(Variant value);
 
-/// `value` as `column` holds it, so that a write cannot fail for its type, range or length.
+/// `value` as `column` holds it, so that a write cannot fail for its type, range or length. Null is
+/// false in a yes/no column.
 /// Throws `Error` (`ErrNo::TypeMismatch`, `ErrNo::Overflow`, naming `at` and the column).
 Variant convertFor(const jet::Column& column, const Variant& value, Position at);
 

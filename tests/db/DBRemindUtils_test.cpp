@@ -169,7 +169,7 @@ TEST_F(DBRemindUtilsTest, AFailedStatementChangesNothingAndCloses) {
         {"UPDATE Reminders SET status = \"a\"b\" WHERE (GUID=\"x\");", ErrNo::Syntax},
         {"UPDATE Reminders SET Nowhere = 1", ErrNo::NotFound},
         {"UPDATE Reminders SET Hidden = \"maybe\"", ErrNo::TypeMismatch},
-        {"DELETE * FROM Reminders;", ErrNo::Unsupported},
+        {"DELETE * FROM Reminders WHERE (Gone=True);", ErrNo::NotFound},
         {"", ErrNo::Syntax},
     };
     for (const Case& c : cases) {

@@ -71,6 +71,14 @@ TEST(Remindb, SqlChangesTheFile) {
         "{\"e\":1001}\n{\"e\":1011}\n{\"e\":1012}\n");
     EXPECT_EQ(remindb({"sql", file, "SELECT Count(*) AS n FROM Reminders WHERE NOT Hidden"}).out,
               "n\n9\n");
+    EXPECT_EQ(remindb({"sql", file, "DELETE * FROM Reminders WHERE Hidden"}).out,
+              "3 rows changed\n");
+    EXPECT_EQ(remindb({"sql", file, "INSERT INTO Reminders (GUID) VALUES ('new')", "--json"}).out,
+              "{\"affected\":1}\n");
+    EXPECT_EQ(remindb({"--json", "sql", file,
+                       "SELECT GUID, EventID * 2 AS twice FROM Reminders WHERE GUID = 'NEW'"})
+                  .out,
+              "{\"GUID\":\"new\",\"twice\":null}\n");
 }
 
 TEST(Remindb, NewMakesADatabaseThatTheProgramCanUse) {
@@ -116,10 +124,11 @@ TEST(Remindb, SaysWhatFailed) {
         {{"tables", file, "--xml"}, 2, "unknown option --xml"},
         {{"tables", file + "x"}, 1, "first-light.RemindDBx"},
         {{"tables", VL_REMINDB}, 1, "remindb"},
-        {{"sql", file, "SELEKT"}, 1, "line 1, column 1: expected SELECT or UPDATE, found SELEKT"},
+        {{"sql", file, "SELEKT"}, 1, "line 1, column 1: expected SELECT, INSERT, UPDATE, DELETE, "},
         {{"sql", file, "SELECT a FROM Reminders"}, 1, "line 1, column 8: no column a"},
         {{"sql", file, "SELECT * FROM T"}, 1, "line 1, column 15: "},
-        {{"sql", file, "DELETE * FROM Reminders"}, 1, "the statement DELETE is not supported"},
+        {{"sql", file, "DELETE * FROM Reminder"}, 1, "line 1, column 15: "},
+        {{"sql", file, "DELETE * Reminders"}, 1, "line 1, column 10: expected FROM"},
     };
     const std::string before = test::readFile(file);
     for (const Case& c : cases) {

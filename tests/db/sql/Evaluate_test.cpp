@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "Memory.h"
+#include "Tables.h"
 
 namespace vl::sql {
 namespace {
@@ -12,28 +12,16 @@ using test::caught;
 using test::column;
 using test::MemoryTable;
 
-// One row with a column of every kind; `nothing` is null.
-MemoryTable sample() {
-    return {
-        {"T",
-         {column("flag", ColumnType::Boolean, 1), column("n", ColumnType::Long, 4),
-          column("x", ColumnType::Double, 8), column("d", ColumnType::Date, 8),
-          column("t", ColumnType::Text, 510), column("price", ColumnType::Money, 8),
-          column("bytes", ColumnType::Binary, 510), column("nothing", ColumnType::Text, 510),
-          column("id", ColumnType::Guid, 16)}},
-        {{true, 7, 2.5, DateTime::fromCivil(2026, 11, 15, 14, 30), "Abc ", "10.5000",
-          Bytes{std::byte{1}, std::byte{2}}, Null{}, "{00000000-0000-0000-0000-00000000000A}"}}};
-}
-
-// The value of an expression over that row: what an UPDATE would evaluate.
-Variant valueOf(const std::string& expression) {
-    const MemoryTable table = sample();
+// The value of an expression over the first row: what an UPDATE would evaluate.
+Variant valueOf(const std::string& expression, std::span<const Parameter> parameters = {}) {
+    const MemoryTable table = test::kinds();
     Statement statement = parse("UPDATE T SET t = " + expression);
-    Expr& expr = *std::get<Update>(statement).assignments[0].value;
-    bind(&expr, table.shape);
-    test::MemoryRows rows(table.rows);
-    rows.next();
-    return evaluate(expr, rows);
+    auto& update = std::get<Update>(statement);
+    Expr& expr = *update.assignments[0].value;
+    Scope(table.shape(), update.table, parameters).bind(&expr);
+    const auto rows = table.scan();
+    rows->next();
+    return evaluate(expr, *rows);
 }
 
 TEST(SqlLogic, FollowsTheTruthTablesOfThreeValues) {
@@ -88,9 +76,9 @@ TEST(SqlComparison, ComparesNumbersAndYesNoWithEachOther) {
                   {"x > n", false},
                   {"x = \"2.5\"", true},
                   {"n = \" 7 \"", true},
-                  {"price = 10.5", true},
-                  {"price < 9", false},
-                  {"price > \"9\"", true},
+                  {"pay = 10.5", true},
+                  {"pay < 9", false},
+                  {"pay > \"9\"", true},
                   {"2147483648 > 2147483647", true}});
 }
 
@@ -147,9 +135,9 @@ TEST(SqlComparison, DatesCompareByWholeMilliseconds) {
 
 TEST(SqlComparison, OtherTypesDoNotCompare) {
     for (const char* expression :
-         {"t = 1", "1 < t", "d = \"soon\"", "t > d", "bytes = 1", "bytes = \"a\"", "bytes < d",
+         {"t = 1", "1 < t", "d = \"soon\"", "t > d", "raw = 1", "raw = \"a\"", "raw < d",
           "n BETWEEN 1 AND \"x\"", "n IN (1, \"x\")", "flag = \"maybe\"", "t AND True",
-          "bytes LIKE \"*\"", "bytes & \"\"", "t + 1", "bytes + bytes", "-t"}) {
+          "raw LIKE \"*\"", "raw & \"\"", "t + 1", "raw + raw", "-t"}) {
         SCOPED_TRACE(expression);
         const auto error = caught([&] { valueOf(expression); });
         EXPECT_EQ(error.number, ErrNo::TypeMismatch);
@@ -175,7 +163,7 @@ TEST(SqlTests, InBetweenIsNullLike) {
                   {"n BETWEEN 8 AND Null", false},
                   {"n NOT BETWEEN Null AND 6", true},
                   {"d BETWEEN #2026-11-15# AND #2026-11-16#", true},
-                  {"bytes = bytes", true},
+                  {"raw = raw", true},
                   {"nothing IS NULL", true},
                   {"nothing IS NOT NULL", false},
                   {"n IS NULL", false},
@@ -197,7 +185,7 @@ TEST(SqlArithmetic, KeepsWholeNumbersWholeWhileTheyFit) {
                   {"65536 * 65536", 4294967296.0},
                   {"n + x", 9.5},
                   {"\"2\" * 3", 6.0},
-                  {"price * 2", 21.0},
+                  {"pay * 2", 21.0},
                   {"True + 0", -1},
                   {"(n = 7) * 5", -5},
                   {"\"2\" + \"3\"", "23"}});
@@ -225,6 +213,30 @@ TEST(SqlArithmetic, ConcatenatesTexts) {
                   {"flag & \"\"", "-1"},
                   {"d & \"\"", "2026-11-15 14:30:00"},
                   {"t & \"|\"", "Abc |"}});
+}
+
+TEST(SqlParameters, StandWhereNamesOrQuestionMarksStand) {
+    const Parameter given[] = {
+        {"Limit", 5},    {"", "first"}, {"@when", DateTime(3.0)},       {"two words", "x"},
+        {"", Variant()}, {"N", 1},      {"big", std::int64_t{1} << 40}, {"small", std::int64_t{9}}};
+    const auto value = [&](const char* expression) { return valueOf(expression, given); };
+    EXPECT_EQ(value("n > limit"), Variant(true));
+    EXPECT_EQ(value("[LIMIT] + 1"), Variant(6));
+    EXPECT_EQ(value("@limit"), Variant(5));
+    EXPECT_EQ(value("[when]"), Variant(DateTime(3.0)));
+    EXPECT_EQ(value("[two words] & ?"), Variant("xfirst"));
+    EXPECT_EQ(value("? IS NULL"), Variant(false));
+    EXPECT_EQ(value("(? & 'a') & ?"), Variant("firsta"));  // the second is null
+    EXPECT_EQ(value("n"), Variant(7));                     // a column comes first
+    EXPECT_EQ(value("big"), Variant(1099511627776.0));
+    EXPECT_EQ(value("small"), Variant(9));
+    EXPECT_EQ(caught([&] { value("? & ? & ?"); }).text,
+              "line 1, column 26: expected a value for the parameter number 3");
+    EXPECT_EQ(caught([&] { value("T.limit"); }).text,
+              "line 1, column 18: no column limit, expected one of table T");
+    class Thing final : public Object {};
+    const Parameter object[] = {{"o", std::make_shared<Thing>()}};
+    EXPECT_EQ(caught([&] { valueOf("o", object); }).number, ErrNo::TypeMismatch);
 }
 
 TEST(SqlNames, AreFoundWithoutRegardToCase) {

@@ -11,9 +11,9 @@ using test::caught;
 
 // An expression with all its brackets, to see what binds how.
 std::string shown(const Expr& e) {
-    static constexpr const char* kNames[] = {"",        "",   "AND", "OR", "NOT",     "=",    "<>",
-                                             "<",       "<=", ">",   ">=", "IS NULL", "LIKE", "IN",
-                                             "BETWEEN", "&",  "+",   "-",  "*",       "/",    "-"};
+    static constexpr const char* kNames[] = {
+        "",   "",        "?",    "AND", "OR",      "NOT", "=", "<>", "<", "<=", ">",
+        ">=", "IS NULL", "LIKE", "IN",  "BETWEEN", "&",   "+", "-",  "*", "/",  "-"};
     if (e.op == Op::Literal) {
         return e.literal.isNull() ? "Null" : e.literal.toText();
     }
@@ -80,11 +80,11 @@ TEST(SqlParser, ReadsTheClausesOfASelect) {
     EXPECT_EQ(s.top, 3);
     ASSERT_EQ(s.items.size(), 5U);
     EXPECT_EQ(s.items[0].kind, ItemKind::All);
-    EXPECT_EQ(s.items[0].column.table, "T");
+    EXPECT_EQ(s.items[0].table, "T");
     EXPECT_EQ(s.items[2].alias, "my b");
     EXPECT_EQ(s.items[3].kind, ItemKind::CountAll);
     EXPECT_EQ(s.items[4].kind, ItemKind::Min);
-    EXPECT_EQ(s.items[4].column.name, "c");
+    EXPECT_EQ(shown(*s.items[4].value), "T.c");
     EXPECT_EQ(s.table.name, "T t");
     EXPECT_NE(s.where, nullptr);
     ASSERT_EQ(s.order.size(), 3U);
@@ -118,9 +118,15 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
     static constexpr auto S = ErrNo::Syntax;
     static constexpr auto U = ErrNo::Unsupported;
     static constexpr Refusal cases[] = {
-        {"", S, "line 1, column 1: expected SELECT or UPDATE, found the end of the statement"},
-        {"  \n ;", S, "line 2, column 2: expected SELECT or UPDATE, found ;"},
-        {"VACUUM", S, "line 1, column 1: expected SELECT or UPDATE, found VACUUM"},
+        {"", S,
+         "line 1, column 1: expected SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER or DROP, found "
+         "the end of the statement"},
+        {"  \n ;", S,
+         "line 2, column 2: expected SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER or DROP, found "
+         ";"},
+        {"VACUUM", S,
+         "line 1, column 1: expected SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER or DROP, found "
+         "VACUUM"},
         {"SELECT", S, "line 1, column 7: expected a column or \"*\", found the end"},
         {"SELECT FROM T", S, "line 1, column 8: expected a column or \"*\", found FROM"},
         {"SELECT * T", S, "line 1, column 10: expected \",\" or FROM, found T"},
@@ -141,14 +147,13 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
         {"SELECT * FROM T WHERE a.b.c", S, "line 1, column 26: expected the end of the statement"},
         {"SELECT * FROM T WHERE a.*", S, "line 1, column 25: expected a column, found *"},
         {"SELECT * FROM T ORDER a", S, "line 1, column 23: expected BY, found a"},
-        {"SELECT * FROM T ORDER BY 1", S, "line 1, column 26: expected a column, found 1"},
         {"SELECT * FROM T ORDER BY a,", S, "line 1, column 28: expected a column"},
         {"SELECT * FROM T; x", S, "line 1, column 18: expected nothing behind the semicolon"},
         {"SELECT * FROM T;;", S, "line 1, column 17: expected nothing behind the semicolon"},
         {"SELECT TOP 0 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
         {"SELECT TOP 1.5 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
-        {"SELECT COUNT( FROM T", S, "line 1, column 15: expected a column, found FROM"},
-        {"SELECT MIN(*) FROM T", S, "line 1, column 12: expected a column, found *"},
+        {"SELECT COUNT( FROM T", S, "line 1, column 15: expected a column, a literal"},
+        {"SELECT MIN(*) FROM T", S, "line 1, column 12: expected a column, a literal"},
         {"SELECT a AS FROM T", S, "line 1, column 13: expected a name behind AS, found FROM"},
         {"UPDATE T a = 1", S, "line 1, column 10: expected SET, found a"},
         {"UPDATE T SET", S, "line 1, column 13: expected a column, found the end"},
@@ -157,11 +162,6 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
         {"UPDATE T SET a = WHERE", S, "line 1, column 18: expected a column, a literal or"},
         {"UPDATE T SET status = \"a\"b\" WHERE (GUID=\"x\");", S,
          "line 1, column 43: expected a closing quote"},
-        {"INSERT INTO T VALUES (1)", U, "line 1, column 1: the statement INSERT is not supported"},
-        {"delete * from T", U, "line 1, column 1: the statement DELETE is not supported"},
-        {"CREATE TABLE T (a LONG)", U, "line 1, column 1: the statement CREATE"},
-        {"ALTER TABLE T ADD a LONG", U, "line 1, column 1: the statement ALTER"},
-        {" DROP TABLE T", U, "line 1, column 2: the statement DROP"},
         {"SELECT * FROM T, U", U, "line 1, column 16: more than one table"},
         {"SELECT * FROM T INNER JOIN U ON 1", U, "line 1, column 17: INNER is not supported"},
         {"SELECT a FROM T GROUP BY a", U, "line 1, column 17: GROUP is not supported"},

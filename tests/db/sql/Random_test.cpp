@@ -1,14 +1,13 @@
 // Random expressions against SQLite, which knows three-valued logic from elsewhere, and random
-// texts into the parser. A failing run is repeated with VL_SEED set to the seed it printed.
+// texts into the parser.
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
-#include <cstdlib>
 #include <memory>
-#include <random>
 
 #include "Evaluate.h"
 #include "Memory.h"
+#include "Random.h"
 #include "db/sql/Sql.h"
 
 namespace vl::sql {
@@ -17,27 +16,8 @@ namespace {
 using jet::ColumnType;
 using test::column;
 using test::MemoryTable;
+using test::Random;
 using test::Row;
-
-class Random {
-public:
-    Random() {
-        const char* given = std::getenv("VL_SEED");
-        seed_ = given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
-                                 : std::random_device{}();
-        engine_.seed(seed_);
-    }
-    unsigned seed() const { return seed_; }
-    std::size_t below(std::size_t n) { return engine_() % n; }
-    template <class T, std::size_t N>
-    const T& pick(const T (&values)[N]) {
-        return values[below(N)];
-    }
-
-private:
-    unsigned seed_ = 0;
-    std::mt19937 engine_;
-};
 
 struct CloseSqlite {
     void operator()(sqlite3* db) const { sqlite3_close(db); }
@@ -192,20 +172,20 @@ private:
 TEST(SqlRandom, ConditionsKeepTheRowsThatSqliteKeeps) {
     Random random;
     SCOPED_TRACE(testing::Message() << "VL_SEED=" << random.seed());
-    MemoryTable table{{"T",
-                       {column("n", ColumnType::Long, 4), column("a", ColumnType::Long, 4),
-                        column("b", ColumnType::Long, 4), column("c", ColumnType::Double, 8),
-                        column("s", ColumnType::Text, 40), column("t", ColumnType::Text, 40)}},
-                      {}};
+    const TableShape shape{"T",
+                           {column("n", ColumnType::Long, 4), column("a", ColumnType::Long, 4),
+                            column("b", ColumnType::Long, 4), column("c", ColumnType::Double, 8),
+                            column("s", ColumnType::Text, 40), column("t", ColumnType::Text, 40)}};
+    std::vector<Row> rows;
     const Variant numbers[] = {Null{}, 0, 1, 2, -3, 7};
     const Variant texts[] = {Null{}, "", "Ann", "ann ", "bob", "BOB", "Zoe"};
     Sqlite sqlite;
     sqlite.run("CREATE TABLE T (n, a, b, c, s, t)");
     for (int i = 0; i < 60; ++i) {
-        table.rows.push_back({i, random.pick(numbers), random.pick(numbers), random.pick(numbers),
-                              random.pick(texts), random.pick(texts)});
+        rows.push_back({i, random.pick(numbers), random.pick(numbers), random.pick(numbers),
+                        random.pick(texts), random.pick(texts)});
         std::string values;
-        for (const Variant& v : table.rows.back()) {
+        for (const Variant& v : rows.back()) {
             values += values.empty() ? "" : ", ";
             values += v.isNull()            ? "NULL"
                       : v.is<std::string>() ? "'" + v.toText() + "'"
@@ -213,6 +193,7 @@ TEST(SqlRandom, ConditionsKeepTheRowsThatSqliteKeeps) {
         }
         sqlite.run("INSERT INTO T VALUES (" + values + ")");
     }
+    const MemoryTable table(shape, rows);
     std::size_t kept = 0;
     for (int round = 0; round < 3000; ++round) {
         const Spelled where = Generator(random).condition(4);

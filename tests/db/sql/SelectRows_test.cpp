@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "Memory.h"
+#include "Tables.h"
 
 namespace vl::sql {
 namespace {
@@ -10,28 +10,11 @@ namespace {
 using jet::ColumnType;
 using test::caught;
 using test::column;
+using test::firstColumn;
 using test::MemoryTable;
+using test::people;
 using test::Row;
 using testing::ElementsAre;
-
-MemoryTable people() {
-    return {{"People",
-             {column("Name", ColumnType::Text, 100), column("Age", ColumnType::Long, 4),
-              column("Town", ColumnType::Text, 100), column("Pay", ColumnType::Money, 8)}},
-            {{"Ann", 30, "Bonn", "9.5000"},
-             {"bob", 25, "KIEL", "10.0000"},
-             {"Cid", Null{}, Null{}, Null{}},
-             {"Dora", 30, "kiel ", "100.0000"},
-             {"Eve", 41, "Bonn", "-1.0000"}}};
-}
-
-std::vector<std::string> firstColumn(const Result& result) {
-    std::vector<std::string> values;
-    for (const Row& row : result.rows) {
-        values.push_back(row.at(0).isNull() ? "Null" : row.at(0).toText());
-    }
-    return values;
-}
 
 std::vector<std::string> namesBy(const std::string& rest) {
     return firstColumn(people().select("SELECT Name FROM People " + rest));
@@ -64,10 +47,8 @@ TEST(SqlSelect, KeepsOnlyWhatIsTrue) {
 
 TEST(SqlSelect, DecodesOnlyWhatItNeeds) {
     const MemoryTable table = people();
-    Statement statement = parse("SELECT Name FROM People WHERE Age > 40");
-    test::MemoryRows rows(table.rows);
-    select(std::get<Select>(statement), table.shape, rows);
-    EXPECT_EQ(rows.decoded, 5 + 1);  // every age, one name
+    table.select("SELECT Name FROM People WHERE Age > 40");
+    EXPECT_EQ(table.decoded, 5 + 1);  // every age, one name
 }
 
 TEST(SqlSelect, OrdersRows) {

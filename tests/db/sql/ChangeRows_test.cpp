@@ -1,47 +1,41 @@
-#include "UpdateRows.h"
-
 #include <gmock/gmock.h>
 
-#include "Memory.h"
+#include "Tables.h"
 
 namespace vl::sql {
 namespace {
 
 using jet::ColumnType;
 using test::caught;
-using test::column;
+using test::kinds;
 using test::MemoryTable;
+using test::Row;
 
-MemoryTable sample() {
-    jet::Column id = column("ID", ColumnType::Long, 4);
-    id.autoNumber = true;
-    return {
-        {"T",
-         {id, column("Flag", ColumnType::Boolean, 1), column("B", ColumnType::Byte, 1),
-          column("I", ColumnType::Integer, 2), column("L", ColumnType::Long, 4),
-          column("S", ColumnType::Single, 4), column("X", ColumnType::Double, 8),
-          column("D", ColumnType::Date, 8), column("T", ColumnType::Text, 10),
-          column("M", ColumnType::Memo), column("Pay", ColumnType::Money, 8),
-          column("Raw", ColumnType::Binary, 20), column("Odd", ColumnType::Complex, 4)}},
-        {{1, true, 1, 2, 3, 4.0, 5.0, DateTime(6.0), "seven", "eight", "9.0000", Bytes{}, Null{}},
-         {2, false, 1, 2, 30, 4.0, 5.0, DateTime(6.0), "seven", "eight", "9.0000", Bytes{},
-          Null{}}}};
-}
-
-Variant stored(const std::string& assignment) {
-    const auto changes = sample().changes("UPDATE T SET " + assignment + " WHERE ID = 1");
-    return changes.at(0).second.at(0).second;
+// What a column of the first row holds after an assignment.
+Variant stored(const std::string& assignment, std::span<const Parameter> parameters = {}) {
+    MemoryTable table = kinds();
+    EXPECT_EQ(table.run("UPDATE T SET " + assignment + " WHERE No = 1", parameters), 1);
+    const std::string column = assignment.substr(0, assignment.find(' '));
+    return table.select("SELECT " + column + " FROM T WHERE No = 1").rows.at(0).at(0);
 }
 
 TEST(SqlUpdate, ComputesNewValuesFromTheOldRow) {
-    const auto changes =
-        sample().changes("UPDATE T SET L = L + I, T.I = L, T = \"now\" & I WHERE L > 5");
-    ASSERT_EQ(changes.size(), 1U);
-    EXPECT_EQ(changes[0].first, 1U);  // the second row
-    const Changes expected = {{4, 32}, {3, 30}, {8, "now2"}};
-    EXPECT_EQ(changes[0].second, expected);
-    EXPECT_EQ(sample().changes("UPDATE T SET L = 0").size(), 2U);
-    EXPECT_TRUE(sample().changes("UPDATE T SET L = 0 WHERE False").empty());
+    MemoryTable table = kinds();
+    EXPECT_EQ(table.run("UPDATE T SET L = L + I, T.I = L, T = \"now\" & I WHERE L > 5"), 1);
+    const Result result = table.select("SELECT L, I, T FROM T");
+    EXPECT_EQ(result.rows[0], (Row{3, 2, "Abc "}));
+    EXPECT_EQ(result.rows[1], (Row{32, 30, "now2"}));
+    EXPECT_EQ(table.run("UPDATE T AS a SET L = a.L * 2"), 2);
+    EXPECT_EQ(table.select("SELECT MAX(L) FROM T").rows[0][0], Variant(64));
+    EXPECT_EQ(table.run("UPDATE T SET L = 0 WHERE False"), 0);
+}
+
+TEST(SqlUpdate, WritesNothingWhenARowCannotBeComputed) {
+    MemoryTable table = kinds();
+    EXPECT_EQ(caught([&] { table.run("UPDATE T SET L = 1 / (L - 30)"); }).number, ErrNo::Overflow);
+    EXPECT_EQ(caught([&] { table.run("UPDATE T SET T = L & \"abcd\""); }).number, ErrNo::Overflow);
+    EXPECT_EQ(table.writes, 0);
+    EXPECT_EQ(table.content(), kinds().content());
 }
 
 TEST(SqlUpdate, ConvertsToTheColumnsType) {
@@ -70,8 +64,10 @@ TEST(SqlUpdate, ConvertsToTheColumnsType) {
         {"Pay = 12.5", "12.5"},
         {"Pay = \"922337203685477.5807\"", "922337203685477.5807"},
         {"Pay = 1e15", "1000000000000000"},
-        {"Raw = Raw", Bytes{}},
+        {"Raw = Raw", Bytes{std::byte{1}, std::byte{2}}},
         {"D = Null", Null{}},
+        {"Flag = Null", false},
+        {"Pay = Pay", "10.5000"},  // the exact digits
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.assignment);
@@ -103,7 +99,7 @@ TEST(SqlUpdate, RefusesWhatDoesNotFitTheColumn) {
          "line 1, column 18: column T: a text of 6"},
         {"Raw = \"x\"", ErrNo::TypeMismatch, "line 1, column 20: column Raw: expected bytes"},
         {"Odd = 1", ErrNo::Unsupported, "line 1, column 20: column Odd"},
-        {"ID = 5", ErrNo::ReadOnly, "line 1, column 14: column ID numbers its rows itself"},
+        {"No = 5", ErrNo::ReadOnly, "line 1, column 14: column No numbers its rows itself"},
         {"L = 1, l = 2", ErrNo::Syntax, "line 1, column 21: expected each column once"},
         {"Z = 1", ErrNo::NotFound, "line 1, column 14: no column Z"},
         {"L = Z", ErrNo::NotFound, "line 1, column 18: no column Z"},

@@ -1,0 +1,19 @@
+// Which rows a condition can be true of, by an index where one helps.
+#pragma once
+
+#include <optional>
+
+#include "Ast.h"
+#include "RowSource.h"
+
+namespace vl::sql {
+
+/// The parts of one index that hold every row for which `where`, bound to the shape, is true; rows
+/// for which it is not may be among them. Nothing where no index helps. Empty: no row can be.
+std::optional<std::vector<IndexRange>> planRanges(const Expr* where, const TableShape& shape);
+
+/// All rows for which `where` can be true, and perhaps others, in the order of a scan. Goes by an
+/// index where one helps; one that cannot be read is passed over.
+std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where);
+
+}  // namespace vl::sql
