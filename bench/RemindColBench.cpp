@@ -10,6 +10,7 @@
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
+#include "events/Ledger.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ public:
 };
 
 void dueInWindow(benchmark::State& state) {
-    const Events events(static_cast<int>(state.range(0)));
+    Events events(static_cast<int>(state.range(0)));
     const DateTime to = kNow.addSeconds(state.range(1));
     std::size_t due = 0;
     for (auto _ : state) {
@@ -67,6 +68,28 @@ void dueInWindow(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+// The first check of a run: every event is looked at.
+void firstCheck(benchmark::State& state) {
+    Events events(static_cast<int>(state.range(0)));
+    vl::Ledger ledger(events.clock);
+    for (auto _ : state) {
+        events.set.UseLedger(ledger, {});
+        benchmark::DoNotOptimize(events.set.RemindCol(kNow.date(), kNow.addSeconds(10), true));
+    }
+}
+
+// A check in which nothing has happened, with what the first one found still listed.
+void idleCheck(benchmark::State& state) {
+    Events events(static_cast<int>(state.range(0)));
+    vl::Ledger ledger(events.clock);
+    events.set.UseLedger(ledger, [](std::string_view) { return true; });
+    const DateTime to = kNow.addSeconds(10);
+    events.set.RemindCol(kNow, to, true);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(events.set.RemindCol(kNow, to, true));
+    }
+}
+
 }  // namespace
 
 BENCHMARK(dueInWindow)
@@ -74,5 +97,8 @@ BENCHMARK(dueInWindow)
     ->Args({100'000, 20})
     ->Args({100'000, 86'400})
     ->Unit(benchmark::kMillisecond);
+
+BENCHMARK(firstCheck)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(idleCheck)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

@@ -1,5 +1,6 @@
 #include "events/CalEvents.h"
 
+#include "DueBook.h"
 #include "RowReader.h"
 #include "app/TimeZone.h"
 #include "base/ErrorState.h"
@@ -13,7 +14,14 @@ std::string quoted(std::string_view value) { return "\"" + std::string(value) + 
 }  // namespace
 
 CalEvents::CalEvents(DBRemindUtils& db, const Clock& clock, std::string defaultReminders)
-    : db_(db), clock_(clock), defaultReminders_(std::move(defaultReminders)) {}
+    : db_(db),
+      clock_(clock),
+      defaultReminders_(std::move(defaultReminders)),
+      noLedger_(std::make_unique<Ledger>(clock)),
+      ledger_(noLedger_.get()),
+      book_(std::make_unique<DueBook>()) {}
+
+CalEvents::~CalEvents() = default;
 
 void CalEvents::Add(const std::shared_ptr<calEvent>& event, std::string_view sKey) {
     if (!mCol) {

@@ -1,10 +1,12 @@
 // The events read from the table `Reminders`.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
@@ -13,6 +15,8 @@
 
 namespace vl {
 
+class DueBook;
+class Ledger;
 class RowReader;
 
 /// The set of events behind checks and views. Two of these live: one for the checks, one behind
@@ -25,6 +29,13 @@ public:
     /// `db` and `clock` must outlive the set. `defaultReminders` stands for the calendar's
     /// defaults: short texts parted by commas ("10m,1d").
     CalEvents(DBRemindUtils& db, const Clock& clock, std::string defaultReminders = {});
+    ~CalEvents();
+    CalEvents(const CalEvents&) = delete;
+    CalEvents& operator=(const CalEvents&) = delete;
+
+    /// What the user has dealt with, and which events stand in the list of new reminders: without
+    /// it the check's question knows of no act. Both must outlive the set.
+    void UseLedger(Ledger& ledger, std::function<bool(std::string_view GUID)> isListed);
 
     std::shared_ptr<GenCollection> mCol;  // by GUID; absent until the first read
     DateTime dLastRead;                   // 0: never; local time at the end of the last read
@@ -51,7 +62,33 @@ public:
     /// set's order. Each is left with the instance and the earliest due reminder of it. A stored
     /// `NextReminder` inside the window stands for its event's reminder.
     /// Cost: events plus occurrences inside the window, not those before it. Never null.
-    std::shared_ptr<GenCollection> RemindCol(DateTime FromTime, DateTime ToTime) const;
+    ///
+    /// `bPending` is the check's question: what is to be taken into the list of new reminders, and
+    /// which of the listed events are due again, less what the user has dealt with. By time. Where
+    /// nothing has happened since the last such question no event is looked at (see `DueBook`).
+    std::shared_ptr<GenCollection> RemindCol(DateTime FromTime, DateTime ToTime,
+                                             bool bPending = false);
+
+    /// Notes in the ledger that these events were taken into the list of new reminders, each with
+    /// the reminder that the question has left in it.
+    void NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken);
+
+    /// The next check looks at the event again: for who changes a schedule, or `NextReminder` and
+    /// `Dismissed`, in an object of the set. An object that takes another one's place in `mCol` is
+    /// looked at anyway.
+    void LookAgain(std::string_view GUID);
+
+    /// Marks the events whose last reminder is more than a day old as "AllDone" and writes that
+    /// into their rows. Not those that wait for the user: with a snooze or a reminder that was
+    /// listed and not acted upon; not those with a reminder at or after `uncheckedSince` (0: none),
+    /// which no check has asked for yet; and no exception that replaces a start to come.
+    void UpdateAllDone(DateTime uncheckedSince = {});
+
+    /// Takes the events that are "AllDone" out of the set.
+    void RemoveAllDone();
+
+    /// Clears the status "AllDone" of all rows.
+    void RemoveAllDoneStatus();
 
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.
@@ -65,6 +102,9 @@ public:
     static std::string ReminderMSG(std::string_view message);
 
 private:
+    std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
+    void keepLeft();
+    bool isFinished(const calEvent& event, DateTime uncheckedSince, const TimeZone& zone) const;
     std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
     template <class Step>
@@ -73,6 +113,10 @@ private:
     DBRemindUtils& db_;
     const Clock& clock_;
     std::string defaultReminders_;
+    std::unique_ptr<Ledger> noLedger_;  // as long as none is used
+    Ledger* ledger_;
+    std::function<bool(std::string_view)> isListed_;
+    std::unique_ptr<DueBook> book_;
 };
 
 }  // namespace vl

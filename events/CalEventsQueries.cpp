@@ -3,6 +3,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "DueRule.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
@@ -19,13 +20,6 @@ struct Window {
     DateTime from;
     DateTime to;
     bool holds(DateTime d) const { return d >= from && d <= to; }
-};
-
-/// A reminder that is due: of which instance, at what time, and the offset of the one after it.
-struct Due {
-    DateTime instance;
-    DateTime time;
-    std::int32_t next = kNoReminder;
 };
 
 /// An exception that the host marked as deleted stands for an occurrence that is not held.
@@ -109,13 +103,6 @@ std::optional<Due> dueIn(const calEvent& event, Window window,
     return std::nullopt;
 }
 
-void record(calEvent& event, const Due& due) {
-    event.InstanceStart = due.instance;
-    event.iRemMinutes = static_cast<std::int32_t>(minutesBetween(due.time, due.instance));
-    event.iRemMinutesNext = due.next;
-    event.dReminder = due.time;
-}
-
 void forget(calEvent& event) {
     event.InstanceStart = DateTime();
     event.iRemMinutes = kNoReminder;
@@ -179,8 +166,12 @@ void CalEvents::forEachHeld(Step&& step) const {
     }
 }
 
-std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime) const {
+std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime,
+                                                    bool bPending) {
     const ErrScope scope;
+    if (bPending) {
+        return pendingCol(FromTime, ToTime);
+    }
     const Window window{FromTime, ToTime};
     Answer answer;
     forEachHeld([&](const std::shared_ptr<calEvent>& event) {
@@ -188,7 +179,7 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
         forget(*event);
         const auto starts = instancesForReminders(*event, window, left);
         if (const auto due = dueIn(*event, window, starts)) {
-            record(*event, *due);
+            recordDue(*event, *due);
             answer.take(event);
             answer.noteException(event);
         }

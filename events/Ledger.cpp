@@ -206,6 +206,17 @@ std::vector<DateTime> Ledger::replaced(std::string_view database, std::string_vi
     return {found->second.begin(), found->second.end()};
 }
 
+std::vector<Ledger::Replaced> Ledger::allReplaced(std::string_view database) const {
+    std::vector<Replaced> all;
+    for (const auto& [key, starts] : content_->replaced) {
+        const auto& [base, master] = content_->masters.at(key);
+        if (base == database) {
+            all.push_back({master, {starts.begin(), starts.end()}});
+        }
+    }
+    return all;
+}
+
 void Ledger::keepReplaced(std::string_view database, std::string_view master, DateTime start) {
     const std::vector<DateTime> known = replaced(database, master);
     if (std::binary_search(known.begin(), known.end(), start)) {

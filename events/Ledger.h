@@ -88,6 +88,11 @@ public:
     /// The starts of the series `master` (its id) that exceptions have taken over, although these
     /// may not be there any more; local times, ascending.
     std::vector<DateTime> replaced(std::string_view database, std::string_view master) const;
+    struct Replaced {
+        std::string master;
+        std::vector<DateTime> starts;
+    };
+    std::vector<Replaced> allReplaced(std::string_view database) const;
     void keepReplaced(std::string_view database, std::string_view master, DateTime start);
 
     /// Grows with every change of an event, by whomever.

@@ -13,6 +13,9 @@ namespace vl {
 
 namespace {
 
+// Days that the program can have been off without missing a reminder.
+constexpr int kLongestOff = 30;
+
 /// Sets a flag for the time of a scope.
 class Raised {
 public:
@@ -34,13 +37,21 @@ std::shared_ptr<ValueList> pair(std::string first, std::string second) {
 }  // namespace
 
 CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& db,
-                       const Clock& clock, ReminderState& state, ReminderScreen& screen)
+                       const Clock& clock, ReminderState& state, ReminderScreen& screen,
+                       Ledger& ledger, Acts& acts)
     : reminders_(reminders),
       period_(period),
       db_(db),
       clock_(clock),
       state_(state),
-      screen_(screen) {}
+      screen_(screen),
+      ledger_(ledger),
+      acts_(acts) {
+    reminders_.UseLedger(ledger_, [&listed = state_](std::string_view GUID) {
+        return listed.LastEventsReminded->Exists(GUID);
+    });
+    period_.UseLedger(ledger_, {});
+}
 
 void CheckCycle::Tick(int interval) {
     const ErrScope scope;
@@ -52,8 +63,7 @@ void CheckCycle::Tick(int interval) {
 }
 
 void CheckCycle::check(int interval) {
-    DoRemoveDeleted();
-    readAgain(reminders_, db_, false, false);
+    readSets();
     const DateTime upTo = clock_.now().addSeconds(interval / 1000);
     const auto due = askForDue(upTo);
     if (due->Count() > 0) {
@@ -63,33 +73,88 @@ void CheckCycle::check(int interval) {
         rebuildIndex();
         notify(message);
     }
+    removeDone();
     refreshPeriod();
     // Now, not the upper bound: what was taken early is found once more, and heard again. But
     // never later than what was asked for: the machine may have slept inside the check.
     state_.dLastUpdated = std::min(clock_.now(), upTo);
+    ledger_.noteCheck(db_.DBFullName, state_.dLastUpdated);
     attempt([&] { screen_.SetIcon(); });
     attempt([&] { db_.CloseDB(); });
 }
 
-std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {
-    if (state_.dLastUpdated.isZero()) {
-        state_.dLastUpdated = clock_.today();  // the first check also takes what was due today
+void CheckCycle::readSets() {
+    ledger_.ReadAgain();
+    DoRemoveDeleted();
+    readAgain(reminders_, db_, false, false);
+    acts_.RestoreWaiting();
+    acts_.WriteWaiting();
+    removeDealtWith();
+}
+
+DateTime CheckCycle::UncheckedSince() const {
+    if (!state_.dLastUpdated.isZero()) {
+        return state_.dLastUpdated;
     }
+    const DateTime today = clock_.today();
+    const DateTime last = ledger_.lastCheck(db_.DBFullName);
+    return last.isZero() ? today : std::min(today, std::max(last, today.addDays(-kLongestOff)));
+}
+
+// What another copy of the program, or a command, has dealt with leaves the list here, too.
+void CheckCycle::removeDealtWith() {
+    for (const Variant& item : *state_.NewReminders) {
+        const auto event = objectIn<calEvent>(item);
+        const EventState* known = event ? ledger_.find(db_.DBFullName, event->GUID) : nullptr;
+        const bool listed =
+            known == nullptr ||
+            std::any_of(known->occurrences.begin(), known->occurrences.end(),
+                        [](const OccurrenceState& one) { return !one.listed.isZero(); });
+        if (!listed) {
+            attempt([&] { screen_.RemoveGUID(event->GUID, kNewRemindersGrid); });
+            acts_.LeaveNewList(event->GUID);
+        }
+    }
+}
+
+// `CheckDay` is set once and never advanced: from the first midnight on each check does this.
+void CheckCycle::removeDone() {
+    const DateTime today = clock_.today();
+    if (state_.CheckDay.isZero()) {
+        state_.CheckDay = today;
+    }
+    if (today == state_.CheckDay || !period_.mCol) {
+        return;
+    }
+    period_.UpdateAllDone();
+    for (const Variant& item : *period_.mCol) {
+        const auto event = objectIn<calEvent>(item);
+        if (event && text::equalsNoCase(event->status, "AllDone") && reminders_.mCol) {
+            reminders_.mCol->Remove(event->GUID);
+        }
+    }
+}
+
+std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {
+    state_.dLastUpdated = UncheckedSince();
     // A clock turned back leaves the last check ahead of now.
     const DateTime from = std::min(state_.dLastUpdated, clock_.now());
     auto due = std::make_shared<GenCollection>();
-    attempt([&] { due = reminders_.RemindCol(from, upTo); });
+    attempt([&] { due = reminders_.RemindCol(from, upTo, true); });
     return due;
 }
 
 void CheckCycle::takeIn(const GenCollection& due, std::string& message) {
     state_.EvCol = std::make_shared<GenCollection>();
+    std::vector<std::shared_ptr<calEvent>> taken;
     for (const Variant& item : due) {
         const auto event = objectIn<calEvent>(item);
         if (event && !state_.LastEventsReminded->Exists(event->GUID)) {
             takeIn(event, message);
+            taken.push_back(event);
         }
     }
+    reminders_.NoteListed(taken);
 }
 
 void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& message) {

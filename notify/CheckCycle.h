@@ -9,6 +9,8 @@
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
+#include "events/Ledger.h"
+#include "notify/Acts.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
 
@@ -19,14 +21,19 @@ namespace vl {
 class CheckCycle {
 public:
     /// `reminders` is the set that the checks read and ask; `period` is the one behind the views.
+    /// What was dealt with stands in `ledger`; `acts` writes what could not be written before.
     /// Everything handed in must outlive the cycle.
     CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
-               ReminderState& state, ReminderScreen& screen);
+               ReminderState& state, ReminderScreen& screen, Ledger& ledger, Acts& acts);
 
     /// One check over the window from the last check to now plus `interval` (milliseconds), so
     /// that what falls due before the next tick is taken now. A call made while a check runs
     /// returns at once: a message box inside it lets timers tick.
     void Tick(int interval);
+
+    /// From when on the next check asks: the last check, or for the first one of a run midnight,
+    /// or the last check of an earlier run when that lies before it, at most 30 days back.
+    DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets. Does nothing while
     /// the file is as it was when it was last asked.
@@ -43,6 +50,9 @@ private:
     };
 
     void check(int interval);
+    void readSets();
+    void removeDealtWith();
+    void removeDone();
     std::shared_ptr<GenCollection> askForDue(DateTime upTo);
     void takeIn(const GenCollection& due, std::string& message);
     void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);
@@ -60,6 +70,8 @@ private:
     const Clock& clock_;
     ReminderState& state_;
     ReminderScreen& screen_;
+    Ledger& ledger_;
+    Acts& acts_;
     DBRemindUtils::Look deletedLook_;  // when the deleted rows were asked for
     DBRemindUtils::Look statusLook_;   // when the rows without a status were counted
     GenCollection lines_;  // by GUID, the `ValueList` each listed event was taken in with

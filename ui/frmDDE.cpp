@@ -51,7 +51,9 @@ Control* named(Control* control, const char* name, const char* accessibleName = 
 frmDDE::frmDDE(const WindowParts& parts)
     : parts_(parts),
       state_(parts.state),
-      check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this),
+      acts_(parts.reminders, parts.period, parts.db, parts.clock, parts.ledger, parts.state),
+      check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this, parts.ledger,
+             acts_),
       update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
       tray_(pictures_, parts.state),
       popup_(pictures_.Pic2),

@@ -17,6 +17,7 @@
 #include "base/Clock.h"
 #include "events/CalEvents.h"
 #include "events/Ledger.h"
+#include "notify/Acts.h"
 #include "notify/CheckCycle.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
@@ -218,6 +219,7 @@ private:
     WindowParts parts_;
     ReminderState& state_;
     TrayPictures pictures_;  // Pic1, Pic2
+    Acts acts_;
     CheckCycle check_;
     UpdateCycle update_;
     Tray tray_;

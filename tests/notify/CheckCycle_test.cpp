@@ -43,7 +43,9 @@ protected:
     CalEvents period{db, clock};
     ReminderState state;
     RecordingScreen screen;
-    CheckCycle cycle{reminders, period, db, clock, state, screen};
+    Ledger ledger{clock};
+    Acts acts{reminders, period, db, clock, ledger, state};
+    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(Check, TheFirstOneTakesWhatWasDueSinceMidnight) {
@@ -153,7 +155,9 @@ TEST_F(Check, EachTypeNotifiesInItsWay) {
         ReminderState fresh;
         fresh.sNotifType = c.type;
         RecordingScreen seen;
-        CheckCycle(set, period, db, clock, fresh, seen).Tick(10000);
+        Ledger none(clock);
+        Acts freshActs(set, period, db, clock, none, fresh);
+        CheckCycle(set, period, db, clock, fresh, seen, none, freshActs).Tick(10000);
         EXPECT_EQ(seen.count(c.call), 1U);
         EXPECT_EQ(seen.count("Show"), 1U);
     }
@@ -167,7 +171,9 @@ TEST_F(Check, TheSystemAndTrayTypesShowNothingBesideTheIcon) {
         ReminderState fresh;
         fresh.sNotifType = type;
         RecordingScreen seen;
-        CheckCycle(set, period, db, clock, fresh, seen).Tick(10000);
+        Ledger none(clock);
+        Acts freshActs(set, period, db, clock, none, fresh);
+        CheckCycle(set, period, db, clock, fresh, seen, none, freshActs).Tick(10000);
         EXPECT_EQ(seen.count("AddItemR a 0"), 1U);
         EXPECT_EQ(seen.count("PlayReminderSound"), 1U);
         EXPECT_EQ(seen.count("Show"), 0U);
@@ -202,7 +208,7 @@ protected:
 
 TEST_F(Check, OneThatStartsWhileOneRunsChangesNothing) {
     BoxScreen box;
-    CheckCycle inner(reminders, period, db, clock, state, box);
+    CheckCycle inner(reminders, period, db, clock, state, box, ledger, acts);
     reminders.Add(event("{A}", "a", at(14, 15), kQuarter), "{A}");
     std::size_t before = 0;
     std::size_t after = 0;

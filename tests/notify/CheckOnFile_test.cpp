@@ -35,7 +35,9 @@ protected:
     CalEvents period{db, clock};
     ReminderState state;
     test::RecordingScreen screen;
-    CheckCycle cycle{reminders, period, db, clock, state, screen};
+    Ledger ledger{clock};
+    Acts acts{reminders, period, db, clock, ledger, state};
+    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(CheckOnFile, GoesFromTheFileToTheScreenStepByStep) {
@@ -114,7 +116,7 @@ TEST_F(CheckOnFile, SkipsNothingWhenTheMachineSleepsInsideACheck) {
         bool slept = false;
     };
     Sleeper sleeper(clock);
-    CheckCycle asleep(reminders, period, db, clock, state, sleeper);
+    CheckCycle asleep(reminders, period, db, clock, state, sleeper, ledger, acts);
     asleep.Tick(10000);
     EXPECT_EQ(sleeper.count("AddItemR Call the insurance"), 0U);
     asleep.Tick(10000);

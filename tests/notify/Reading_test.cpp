@@ -43,7 +43,9 @@ protected:
     CalEvents period{db, clock};
     ReminderState state;
     test::RecordingScreen screen;
-    CheckCycle cycle{reminders, period, db, clock, state, screen};
+    Ledger ledger{clock};
+    Acts acts{reminders, period, db, clock, ledger, state};
+    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(Reading, LooksForDeletedRowsOnlyWhenTheFileHasChanged) {

@@ -17,7 +17,9 @@ protected:
     CalEvents period{db, clock};
     ReminderState state;
     test::RecordingScreen screen;
-    CheckCycle check{reminders, period, db, clock, state, screen};
+    Ledger ledger{clock};
+    Acts acts{reminders, period, db, clock, ledger, state};
+    CheckCycle check{reminders, period, db, clock, state, screen, ledger, acts};
     UpdateCycle update{check, clock, state, screen, false};
 };
 

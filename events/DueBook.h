@@ -1,0 +1,88 @@
+// The check's question over all events, remembered from one check to the next.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "DueRule.h"
+#include "events/GenCollection.h"
+#include "events/Ledger.h"
+
+namespace vl {
+
+/// Knows of each event when the next reminder of it can become pending, so that a check in which
+/// nothing has happened looks at no event, only at the list of them (a millisecond for 100,000).
+/// An event is looked at again when its time has come, when the ledger has changed about it, when
+/// something of it is pending, and when another object stands in the list under its `GUID`: who
+/// changes an event's schedule or its row's words in place tells it by `look`.
+class DueBook {
+public:
+    struct Asked {
+        DateTime from;
+        DateTime to;
+        DateTime now;
+        std::string_view database;
+        const Ledger& ledger;
+        std::function<bool(std::string_view GUID)> isListed;
+    };
+    struct Found {
+        std::shared_ptr<calEvent> event;
+        Due due;
+    };
+
+    /// What is to be taken, and of the listed events what is due again, in the order of time.
+    std::vector<Found> ask(const GenCollection& events, const Asked& asked);
+
+    /// The event is looked at in the next check. `firstMet`: as if it had not been there before.
+    void look(std::string_view GUID, bool firstMet);
+
+    /// From when on reminders of the event may have been missed because of those that are pending:
+    /// wall time, for `EventState::openSince`.
+    DateTime openSince(const calEvent& event) const;
+
+    /// The starts of a series that exceptions have taken over, as of the last `ask`.
+    const std::vector<DateTime>& replaced(const calEvent& event) const;
+
+    /// What the ledger knows of such starts has changed.
+    void renewReplaced() { exceptionsChanged_ = true; }
+
+    struct Left {
+        std::string master;  // the id of its series
+        DateTime replaced;
+    };
+    /// Exceptions that were there in an earlier `ask` and are not any more.
+    std::vector<Left> takeLeft();
+
+private:
+    struct Slot {
+        std::shared_ptr<calEvent> event;
+        std::uint64_t hash = 0;  // of the GUID
+        DateTime next;           // nothing is pending before this; 0: never
+        DateTime since;          // see `openSince`; 0: nothing is pending
+        bool look = true;
+        bool firstMet = true;  // since the last check, or re-timed
+        bool asked = false;    // in this run
+    };
+    using Starts = std::unordered_map<std::string, std::vector<DateTime>>;  // by folded id
+
+    void bring(const GenCollection& events, const Asked& asked);
+    bool same(const GenCollection& events) const;
+    void findReplaced(const Ledger& ledger, std::string_view database);
+    void markChanged(const Asked& asked);
+    void askOne(Slot& slot, const Asked& asked, const TimeZone& zone, std::vector<Found>& found);
+
+    std::vector<Slot> slots_;  // in the order of the collection
+    Starts replaced_;
+    std::vector<Left> left_;
+    std::uint64_t ledgerVersion_ = 0;
+    DateTime lastNow_;               // 0 before the first question
+    bool exceptionsChanged_ = true;  // what the ledger knows of them is not looked at yet
+};
+
+}  // namespace vl

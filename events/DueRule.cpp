@@ -1,0 +1,371 @@
+#include "DueRule.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "events/ActRules.h"
+#include "events/GenCollection.h"
+#include "model/clsReminder.h"
+
+namespace vl {
+
+namespace {
+
+/// Something pending, and whether its occurrence is over.
+struct Candidate {
+    Due due;
+    bool over = false;
+};
+
+// Of two candidates the one to be shown.
+bool goesBefore(const Candidate& a, const Candidate& b) {
+    if (a.over != b.over) {
+        return !a.over;
+    }
+    if (a.over && a.due.instance != b.due.instance) {
+        return a.due.instance > b.due.instance;
+    }
+    return a.due.time != b.due.time ? a.due.time < b.due.time : a.due.instance < b.due.instance;
+}
+
+class Best {
+public:
+    void offer(const Candidate& candidate) {
+        if (!best_ || goesBefore(candidate, *best_)) {
+            best_ = candidate;
+        }
+    }
+    std::optional<Due> due() const { return best_ ? std::optional(best_->due) : std::nullopt; }
+
+private:
+    std::optional<Candidate> best_;
+};
+
+/// A scheduled reminder: minutes before the start, and the offset of the later one after it.
+struct Offset {
+    std::int64_t minutes;
+    std::int32_t next;
+};
+
+std::vector<Offset> offsetsOf(const calEvent& event) {
+    std::vector<Offset> offsets;
+    std::int32_t next = calEvent::kNoReminder;
+    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
+        if (const auto reminder = objectIn<clsReminder>(item)) {
+            // Ascending: of two at the same time the first tells what comes after both.
+            if (offsets.empty() || offsets.back().minutes != reminder->Minutes) {
+                offsets.push_back({reminder->Minutes, next});
+            }
+            next = reminder->Minutes;
+        }
+    }
+    return offsets;
+}
+
+/// The event as the ledger and its row see it.
+class EventView {
+public:
+    EventView(const calEvent& event, const DueFacts& facts)
+        : event_(event),
+          facts_(facts),
+          state_(facts.state != nullptr ? *facts.state : nothing()),
+          repeats_(event.IsRepeating()) {
+        const RowWord live{event.NextReminder, event.Dismissed};
+        rowSpeaks_ = live.saysAnything() && rowSpeaks(event, facts.state);
+        const RowWord& word = rowSpeaks_ ? live : state_.word;
+        if (word.saysAnything()) {
+            says_ = rowSays(event, word);
+        }
+    }
+
+    const calEvent& event() const { return event_; }
+    const EventState& state() const { return state_; }
+    bool repeats() const { return repeats_; }
+
+    /// Whether a scheduled reminder of the occurrence is still to be shown.
+    bool isOpen(DateTime start, DateTime time) const {
+        if (isReplaced(start) || time < says_.snoozed || isSilenced(start, time)) {
+            return false;
+        }
+        const DateTime wall = event_.ToWall(start);
+        const OccurrenceState* entry = state_.find(wall);
+        const DateTime snoozed = snoozeOf(entry);
+        if (!snoozed.isZero() ? time < snoozed : wall < state_.endedBefore) {
+            return false;
+        }
+        if (entry == nullptr) {
+            return true;
+        }
+        return event_.ToWall(time) > entry->handled && entry->muted != Muted::ForEver &&
+               (entry->muted != Muted::ThroughStart || time > start);
+    }
+
+    /// Below this start every scheduled reminder is silent, but of snoozed occurrences.
+    DateTime firstOpenStart() const {
+        DateTime first = event_.FromWall(state_.endedBefore);
+        if (!says_.silentThrough.isZero()) {
+            first = std::max(
+                first, says_.silentThrough.addMinutes(event_.RemindersMaxOffsetMin).addSeconds(1));
+        }
+        return first;
+    }
+
+    /// Scheduled reminders before this are superseded.
+    DateTime supersededBefore() const { return says_.snoozed; }
+
+    template <class Visit>
+    void forEachSnooze(Visit&& visit) const {
+        const bool fromRow = rowSpeaks_ && !says_.snoozed.isZero();
+        if (fromRow && !isGone(says_.occurrence)) {
+            visit(says_.occurrence, says_.snoozed);
+        }
+        for (const OccurrenceState& one : state_.occurrences) {
+            const DateTime start = startOf(one);
+            const DateTime time = localSnooze(one);
+            const bool silenced = rowSpeaks_ && time <= says_.silentThrough;
+            if (!time.isZero() && !silenced && !isGone(start) &&
+                !(fromRow && start == says_.occurrence)) {
+                visit(start, time);
+            }
+        }
+    }
+
+    /// What was listed and not acted upon, where that occurrence still is one.
+    template <class Visit>
+    void forEachListed(Visit&& visit) const {
+        for (const OccurrenceState& one : state_.occurrences) {
+            if (one.listed.isZero()) {
+                continue;
+            }
+            const DateTime start = event_.FromWall(one.start);
+            const bool there = repeats_ ? !event_.ICalRecEvents(start, start, 1).empty()
+                                        : start == event_.StartDateTime;
+            const DateTime time = event_.FromWall(one.listed);
+            if (there && isOpen(start, time)) {
+                visit(start, time);
+            }
+        }
+    }
+
+    DateTime startOf(const OccurrenceState& one) const {
+        return repeats_ ? event_.FromWall(one.start) : event_.StartDateTime;
+    }
+
+private:
+    static const EventState& nothing() {
+        static const EventState state;
+        return state;
+    }
+
+    bool isReplaced(DateTime start) const {
+        return std::binary_search(facts_.replaced.begin(), facts_.replaced.end(), start);
+    }
+
+    // A snooze stays when the series is re-timed; only who takes its occurrence away ends it.
+    bool isGone(DateTime start) const {
+        return repeats_ && (isReplaced(start) || event_.IsExcluded(start));
+    }
+
+    // By what another program has said in the row.
+    bool isSilenced(DateTime start, DateTime time) const {
+        const DateTime through = says_.silentThrough;
+        if (through.isZero()) {
+            return false;
+        }
+        if (repeats_) {
+            return start.addMinutes(-std::int64_t{event_.RemindersMaxOffsetMin}) <= through;
+        }
+        return time <= through || event_.Modified <= through;
+    }
+
+    DateTime localSnooze(const OccurrenceState& one) const {
+        return one.snoozed.isZero() ? DateTime() : facts_.zone.fromUtc(one.snoozed);
+    }
+
+    // Of a single event also one that was made before the host moved it.
+    DateTime snoozeOf(const OccurrenceState* entry) const {
+        if (repeats_) {
+            return entry != nullptr ? localSnooze(*entry) : DateTime();
+        }
+        DateTime latest;
+        for (const OccurrenceState& one : state_.occurrences) {
+            latest = std::max(latest, localSnooze(one));
+        }
+        return latest;
+    }
+
+    const calEvent& event_;
+    const DueFacts& facts_;
+    const EventState& state_;
+    RowSays says_;
+    bool repeats_;
+    bool rowSpeaks_ = false;
+};
+
+/// One pass over what can be pending.
+class Search {
+public:
+    Search(const EventView& view, const std::vector<Offset>& offsets, const DueQuestion& question)
+        : view_(view), event_(view.event()), offsets_(offsets), question_(question) {
+        const std::int64_t length =
+            event_.EndOf(event_.StartDateTime).milliseconds() - event_.StartDateTime.milliseconds();
+        over_ = DateTime::fromMilliseconds(question.now.milliseconds() - length);
+        firstOpenStart_ = view.firstOpenStart();
+    }
+
+    /// Scheduled ones from `earliest` on; with `firstMet` of what is not over also those before.
+    void scheduled(DateTime earliest, bool firstMet) {
+        earliest = std::max(earliest, view_.supersededBefore());
+        for (const Offset& offset : offsets_) {
+            if (view_.repeats()) {
+                ofSeries(offset, earliest, firstMet);
+            } else {
+                offer(event_.StartDateTime, offset, earliest, firstMet);
+            }
+        }
+        if (view_.repeats()) {
+            ofSnoozed(earliest);
+        }
+    }
+
+    void snoozed(DateTime earliest) {
+        view_.forEachSnooze([&](DateTime start, DateTime time) {
+            if (time > question_.to) {
+                noteNext(time);
+            } else if (time >= earliest) {
+                best_.offer({{start, time, calEvent::kNoReminder}, isOver(start)});
+            }
+        });
+    }
+
+    void listed() {
+        view_.forEachListed([&](DateTime start, DateTime time) {
+            best_.offer({{start, time, nextAfter(start, time)}, isOver(start)});
+        });
+    }
+
+    std::optional<Due> best() const { return best_.due(); }
+    DateTime next() const { return next_; }
+
+private:
+    bool isOver(DateTime start) const { return start <= over_; }
+
+    std::int32_t nextAfter(DateTime start, DateTime time) const {
+        for (const Offset& offset : offsets_) {
+            if (start.addMinutes(-offset.minutes) == time) {
+                return offset.next;
+            }
+        }
+        return calEvent::kNoReminder;
+    }
+
+    void noteNext(DateTime time) {
+        if (time > question_.to && (next_.isZero() || time < next_)) {
+            next_ = time;
+        }
+    }
+
+    bool offer(DateTime start, const Offset& offset, DateTime earliest, bool firstMet) {
+        const DateTime time = start.addMinutes(-offset.minutes);
+        noteNext(time);
+        const bool asked = time >= earliest || (firstMet && !isOver(start));
+        if (time > question_.to || !asked || !view_.isOpen(start, time)) {
+            return false;
+        }
+        best_.offer({{start, time, offset.next}, isOver(start)});
+        return true;
+    }
+
+    // The first that is not over, and the last that is: no others can be the one to show. What
+    // is passed over on the way are single entries of the ledger, not long stretches.
+    void ofSeries(const Offset& offset, DateTime earliest, bool firstMet) {
+        const DateTime latest = question_.to.addMinutes(offset.minutes);
+        const DateTime lowest = std::max(earliest.addMinutes(offset.minutes), firstOpenStart_);
+        const DateTime goesOn = over_.addSeconds(1);
+        DateTime begin = std::max(goesOn, firstMet ? firstOpenStart_ : lowest);
+        while (begin <= latest) {
+            const auto found = event_.ICalRecEvents(begin, latest, 1);
+            if (found.empty() || offer(found.front(), offset, earliest, firstMet)) {
+                break;
+            }
+            begin = found.front().addSeconds(1);
+        }
+        DateTime before = std::min(latest, over_).addSeconds(1);
+        while (lowest < before) {
+            const DateTime start = event_.PreviousInstance(before);
+            if (start.isZero() || start < lowest || offer(start, offset, earliest, firstMet)) {
+                break;
+            }
+            before = start;
+        }
+        const DateTime following = event_.NextInstance(latest);
+        if (!following.isZero()) {
+            noteNext(following.addMinutes(-offset.minutes));
+        }
+    }
+
+    // A snoozed occurrence is not ended with those around it.
+    void ofSnoozed(DateTime earliest) {
+        for (const OccurrenceState& one : view_.state().occurrences) {
+            const DateTime start = view_.startOf(one);
+            if (one.snoozed.isZero() || start >= firstOpenStart_) {
+                continue;
+            }
+            for (const Offset& offset : offsets_) {
+                offer(start, offset, earliest, false);
+            }
+        }
+    }
+
+    const EventView& view_;
+    const calEvent& event_;
+    const std::vector<Offset>& offsets_;
+    const DueQuestion& question_;
+    DateTime over_;  // occurrences that begin up to here are over
+    DateTime firstOpenStart_;
+    Best best_;
+    DateTime next_;
+};
+
+}  // namespace
+
+void recordDue(calEvent& event, const Due& due) {
+    event.InstanceStart = due.instance;
+    event.iRemMinutes = static_cast<std::int32_t>(minutesBetween(due.time, due.instance));
+    event.iRemMinutesNext = due.next;
+    event.dReminder = due.time;
+}
+
+DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion& question) {
+    const EventView view(event, facts);
+    const std::vector<Offset> offsets = offsetsOf(event);
+    DueAnswer answer;
+    Search all(view, offsets, question);
+    DateTime earliest = std::min(question.since, question.from);
+    if (question.firstMet) {
+        earliest = std::min(earliest, question.now.date());
+    }
+    all.scheduled(earliest, question.firstMet);
+    all.snoozed(DateTime(-1e6));
+    all.listed();
+    answer.taken = all.best();
+    answer.next = all.next();
+    if (answer.taken) {
+        Search again(view, offsets, question);
+        again.scheduled(question.from, false);
+        again.snoozed(question.from);
+        answer.again = again.best();
+    }
+    return answer;
+}
+
+bool hasOpenReminder(const calEvent& event, const DueFacts& facts) {
+    const EventView view(event, facts);
+    bool open = false;
+    const auto found = [&](DateTime, DateTime) { open = true; };
+    view.forEachSnooze(found);
+    view.forEachListed(found);
+    return open;
+}
+
+}  // namespace vl

@@ -1,0 +1,62 @@
+// Which reminder of an event is to be shown.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "app/TimeZone.h"
+#include "base/DateTime.h"
+#include "events/LedgerState.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+/// A reminder: of which occurrence, when, and the offset of the scheduled one after it
+/// (`calEvent::kNoReminder`: none, or it is a snoozed one). Local times.
+struct Due {
+    DateTime instance;
+    DateTime time;
+    std::int32_t next = calEvent::kNoReminder;
+};
+
+/// Leaves the reminder in the event, where rows and texts read it.
+void recordDue(calEvent& event, const Due& due);
+
+/// What the user has dealt with, and what else bears on one event.
+struct DueFacts {
+    const EventState* state = nullptr;
+    std::span<const DateTime> replaced;  ///< starts that exceptions have taken over, ascending
+    TimeZone zone;                       ///< the computer's
+};
+
+struct DueQuestion {
+    DateTime from;  ///< both ends are included
+    DateTime to;
+    DateTime now;
+    DateTime since;         ///< not later than `from`: what may be left from before it
+    bool firstMet = false;  ///< or re-timed: earlier reminders of today and of what goes on count
+};
+
+struct DueAnswer {
+    /// What the event is to be listed with: the earliest that is pending, but of an occurrence that
+    /// is over only when none is pending that is not, and then of the latest.
+    std::optional<Due> taken;
+    /// The same among what lies in [`from`, `to`]: a listed event counts as due again.
+    std::optional<Due> again;
+    /// Nothing else becomes pending before this, as far as event and ledger stay as they are; 0:
+    /// never.
+    DateTime next;
+};
+
+/// Scheduled reminders in the window, those that were listed and not acted upon, and snoozed ones
+/// whose time has come; less those that are handled, muted, ended or whose occurrence an exception
+/// has taken over. Costs some jumps into the series, however long it is and however long ago `from`
+/// lies; and one step for each entry of `state`.
+DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion& question);
+
+/// Whether something of the event waits to be shown or acted upon: a snooze, or a reminder that was
+/// listed. Such an event is not finished.
+bool hasOpenReminder(const calEvent& event, const DueFacts& facts);
+
+}  // namespace vl
