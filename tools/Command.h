@@ -54,9 +54,13 @@ struct Command {
     int (*run)(const Arguments& arguments, const Streams& streams);
 };
 
+Command dismissCommand();
 Command eventCommand();
+Command hideCommand();
 Command newCommand();
 Command occurrencesCommand();
+Command reactivateCommand();
+Command snoozeCommand();
 Command sqlCommand();
 Command tablesCommand();
 

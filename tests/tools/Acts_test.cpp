@@ -1,0 +1,100 @@
+// Acts from the command line, on a copy of a file, with a ledger of their own.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "Remindb.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Json;
+using test::linesOf;
+using testing::HasSubstr;
+
+constexpr const char* kDentist = "{437fed06-b0d4-4c70-8ac9-99114cc7b46a}";
+constexpr const char* kStandUp = "{956ABE94-E18E-437E-878F-EF5EC79876F1}";
+
+class RemindbActs : public testing::Test {
+protected:
+    void SetUp() override { fs::copy_file(test::repoFile("data/first-light.RemindDB"), file); }
+    test::Outcome act(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin() + 1, file);
+        arguments.insert(arguments.end(), {"--ledger", ledger, "--json"});
+        return test::remindb(arguments);
+    }
+    Json stored(const std::string& GUID) {
+        const auto rows = test::remindb(
+            {"sql", file,
+             "SELECT NextReminder, Dismissed, Hidden FROM Reminders WHERE GUID=\"" + GUID + "\"",
+             "--json"});
+        return linesOf(rows.out).at(0);
+    }
+    std::vector<Json> noted() { return linesOf(test::readFile(ledger)); }
+
+    test::TempFolder folder;
+    std::string file = (folder / "Velmora.RemindDB").string();
+    std::string ledger = (folder / "VLReminders.ledger").string();
+};
+
+TEST_F(RemindbActs, SnoozeNotesAndWrites) {
+    const auto run = act({"snooze", kDentist, kStandUp, "--for", "2h"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    const auto lines = linesOf(run.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]["start"], "2026-11-20T14:00:00");
+    EXPECT_EQ(lines[0]["NextReminder"], stored(kDentist)["NextReminder"]);
+    EXPECT_FALSE(lines[0]["NextReminder"].is_null());
+    EXPECT_TRUE(stored(kDentist)["Dismissed"].is_null());
+    EXPECT_EQ(stored(kStandUp)["NextReminder"], lines[1]["NextReminder"]);
+    ASSERT_EQ(noted().size(), 2U);
+    EXPECT_EQ(noted()[0]["act"], "snooze");
+    EXPECT_EQ(noted()[0]["db"], file);
+    EXPECT_EQ(noted()[0]["occurrences"][0]["start"], "2026-11-20 14:00:00");
+}
+
+TEST_F(RemindbActs, DismissAndReactivate) {
+    ASSERT_EQ(act({"dismiss", kDentist, "--mode", "all"}).code, 0);
+    EXPECT_FALSE(stored(kDentist)["Dismissed"].is_null());
+    EXPECT_EQ(noted().back()["occurrences"][0]["muted"], "ever");
+    ASSERT_EQ(act({"reactivate", kDentist}).code, 0);
+    EXPECT_EQ(stored(kDentist)["Dismissed"], "1899-12-30T00:00:00");
+    EXPECT_EQ(noted().back()["forget"], true);
+}
+
+TEST_F(RemindbActs, HideAndShow) {
+    ASSERT_EQ(act({"hide", kDentist}).code, 0);
+    EXPECT_EQ(stored(kDentist)["Hidden"], true);
+    ASSERT_EQ(act({"hide", kDentist, "--show"}).code, 0);
+    EXPECT_EQ(stored(kDentist)["Hidden"], false);
+}
+
+TEST_F(RemindbActs, AnOccurrenceOfASeriesIsNamedByItsStart) {
+    const auto found = test::remindb(
+        {"sql", file, "SELECT GUID FROM Reminders WHERE Subject = \"Project review\"", "--json"});
+    const auto series = linesOf(found.out).at(0)["GUID"].get<std::string>();
+    const auto run = act({"snooze", series, "--at", "2026-11-25T10:00:00"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(linesOf(run.out).at(0)["start"], "2026-11-25T10:00:00");
+    const auto wrong = act({"snooze", series, "--at", "2026-11-26T10:00:00"});
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_THAT(wrong.err, HasSubstr("no occurrence at 2026-11-26T10:00:00"));
+}
+
+TEST_F(RemindbActs, SaysWhatFailed) {
+    EXPECT_THAT(act({"dismiss", "{nobody}"}).err, HasSubstr("there is no event {nobody}"));
+    EXPECT_EQ(act({"dismiss", "{nobody}"}).code, 1);
+    EXPECT_EQ(act({"dismiss", kDentist, "--mode", "some"}).code, 2);
+    EXPECT_EQ(act({"snooze", kDentist, "--for", "0"}).code, 2);
+    EXPECT_EQ(test::remindb({"snooze", file}).code, 2);
+    EXPECT_FALSE(fs::exists(ledger)) << "nothing was done";
+    ledger = (folder / "no" / "ledger").string();
+    const auto run = act({"snooze", kDentist});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("the ledger cannot be written"));
+}
+
+}  // namespace
+}  // namespace vl
