@@ -78,18 +78,6 @@ public:
     /// looked at anyway.
     void LookAgain(std::string_view GUID);
 
-    /// Marks the events whose last reminder is more than a day old as "AllDone" and writes that
-    /// into their rows. Not those that wait for the user: with a snooze or a reminder that was
-    /// listed and not acted upon; not those with a reminder at or after `uncheckedSince` (0: none),
-    /// which no check has asked for yet; and no exception that replaces a start to come.
-    void UpdateAllDone(DateTime uncheckedSince = {});
-
-    /// Takes the events that are "AllDone" out of the set.
-    void RemoveAllDone();
-
-    /// Clears the status "AllDone" of all rows.
-    void RemoveAllDoneStatus();
-
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.
     std::shared_ptr<GenCollection> EventCol(DateTime FromDate, DateTime ToDate) const;
@@ -104,7 +92,6 @@ public:
 private:
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
     void keepLeft();
-    bool isFinished(const calEvent& event, DateTime uncheckedSince, const TimeZone& zone) const;
     std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
     template <class Step>

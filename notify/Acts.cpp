@@ -160,6 +160,11 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
             !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);
+            // It is read no more, and still stands for an occurrence of its series.
+            if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
+                ledger_.keepReplaced(db_.DBFullName, event->recurringEventId,
+                                     event->RExceptionStartTimeOrig);
+            }
         }
         apply(row, markDone ? "done" : nameOf(mode), wanted, columns, [&](EventState& state) {
             recordDismiss(state, act, mode);

@@ -73,7 +73,6 @@ void CheckCycle::check(int interval) {
         rebuildIndex();
         notify(message);
     }
-    removeDone();
     refreshPeriod();
     // Now, not the upper bound: what was taken early is found once more, and heard again. But
     // never later than what was asked for: the machine may have slept inside the check.
@@ -113,24 +112,6 @@ void CheckCycle::removeDealtWith() {
         if (!listed) {
             attempt([&] { screen_.RemoveGUID(event->GUID, kNewRemindersGrid); });
             acts_.LeaveNewList(event->GUID);
-        }
-    }
-}
-
-// `CheckDay` is set once and never advanced: from the first midnight on each check does this.
-void CheckCycle::removeDone() {
-    const DateTime today = clock_.today();
-    if (state_.CheckDay.isZero()) {
-        state_.CheckDay = today;
-    }
-    if (today == state_.CheckDay || !period_.mCol) {
-        return;
-    }
-    period_.UpdateAllDone();
-    for (const Variant& item : *period_.mCol) {
-        const auto event = objectIn<calEvent>(item);
-        if (event && text::equalsNoCase(event->status, "AllDone") && reminders_.mCol) {
-            reminders_.mCol->Remove(event->GUID);
         }
     }
 }

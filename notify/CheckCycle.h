@@ -52,7 +52,6 @@ private:
     void check(int interval);
     void readSets();
     void removeDealtWith();
-    void removeDone();
     std::shared_ptr<GenCollection> askForDue(DateTime upTo);
     void takeIn(const GenCollection& due, std::string& message);
     void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);

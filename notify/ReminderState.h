@@ -29,7 +29,6 @@ struct ReminderState {
 
     bool bHasFocus = false;  // as the last look found it: visible and in the foreground
     int DBVersion = 0;
-    DateTime CheckDay;  // of the first check
     std::string sPeriod = "T";
     DateTime CurrentDate;  // the day the views were made for
 

@@ -230,6 +230,15 @@ std::string withoutStatusText(int rows) {
                      : std::to_string(rows) + " events are not shown: they have no status";
 }
 
+std::string waitingText(int changes) {
+    if (changes <= 0) {
+        return {};
+    }
+    return changes == 1
+               ? "1 change waits until the database can be written"
+               : std::to_string(changes) + " changes wait until the database can be written";
+}
+
 std::string emptyText(const EmptyReason& reason) {
     if (reason.searching) {
         return "Nothing matches the search";

@@ -65,6 +65,9 @@ std::string troubleText(std::string_view DBFullName, ErrNo number, std::string_v
 /// "2 events are not shown: they have no status"; empty for none.
 std::string withoutStatusText(int rows);
 
+/// "2 changes wait until the database can be written"; empty for none.
+std::string waitingText(int changes);
+
 /// Why a grid is empty. `grid` is 0 new reminders, 1 all reminders, 2 events.
 struct EmptyReason {
     int grid = 0;

@@ -135,8 +135,6 @@ void frmDDE::showTray() { tray_.show(); }
 void frmDDE::readEvents() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, parts_.db, true, false);
-        set->UpdateAllDone(check_.UncheckedSince());
-        set->RemoveAllDone();
     }
 }
 

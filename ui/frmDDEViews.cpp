@@ -255,7 +255,9 @@ void frmDDE::showStatus() {
         }
         lblStatus->setPalette(colours);
     }
-    lblNotice->setText(qtText(withoutStatusText(trouble.isEmpty() ? state_.rowsWithoutStatus : 0)));
+    const std::string waiting = waitingText(state_.waitingWrites);
+    const int hidden = trouble.isEmpty() ? state_.rowsWithoutStatus : 0;
+    lblNotice->setText(qtText(waiting.empty() ? withoutStatusText(hidden) : waiting));
     lblNotice->setVisible(!lblNotice->text().isEmpty());
 }
 

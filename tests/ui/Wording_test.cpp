@@ -199,5 +199,11 @@ TEST(WithoutStatusText, CountsThem) {
     EXPECT_EQ(withoutStatusText(12), "12 events are not shown: they have no status");
 }
 
+TEST(WaitingText, CountsThem) {
+    EXPECT_EQ(waitingText(0), "");
+    EXPECT_EQ(waitingText(1), "1 change waits until the database can be written");
+    EXPECT_EQ(waitingText(3), "3 changes wait until the database can be written");
+}
+
 }  // namespace
 }  // namespace vl
