@@ -332,6 +332,19 @@ void Space::expressFree(PageNo page) {
 }
 
 // A page that its owner still counts as its own is not free, whatever the map says.
+// What a table that was dropped has left on its pages may point to anything.
+bool Space::isMap(RowPointer pointer) {
+    try {
+        read(pointer);
+        return true;
+    } catch (const Error& e) {
+        if (e.number() != ErrNo::Corrupt) {
+            throw;
+        }
+        return false;
+    }
+}
+
 void Space::refuseOwned(PageNo number) {
     const Page page = file_.page(number);
     const std::uint32_t owner = u32(page.bytes(), 4);
@@ -340,6 +353,7 @@ void Space::refuseOwned(PageNo number) {
     }
     const Page definition = file_.page(owner);
     if (u8(definition.bytes(), 0) == 2 && u32(definition.bytes(), 8) >= 63 &&
+        !contains(kFreePages, owner) && isMap(RowPointer::read(definition.bytes(), 0x37)) &&
         contains(RowPointer::read(definition.bytes(), 0x37), number)) {
         page.origin().corrupt(
             "is in the map of free pages, but also in that of the table on page " +

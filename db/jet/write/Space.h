@@ -46,6 +46,7 @@ private:
     std::optional<PageNo> lowestFree();
     void expressFree(PageNo page);
     void refuseOwned(PageNo page);
+    bool isMap(RowPointer pointer);
 
     PageFile& file_;
 };
