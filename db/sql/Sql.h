@@ -1,18 +1,29 @@
-// Statements of the database's SQL dialect, run on an open file.
+// Statements of the database's SQL dialect, run on an open file. For users: docs/sql.md.
 //
-//   SELECT [DISTINCT] [TOP n] columns FROM table [WHERE condition] [ORDER BY columns]
-//   UPDATE table SET column = expression, ... [WHERE condition]
+//   SELECT [DISTINCT] [TOP n] items FROM table [[AS] name] [WHERE condition]
+//       [ORDER BY expression | place [ASC | DESC], ...]
+//   INSERT INTO table [(columns)] VALUES (expressions) | SELECT ...
+//   UPDATE table [AS name] SET column = expression, ... [WHERE condition]
+//   DELETE [* | table.*] FROM table [AS name] [WHERE condition]
+//   CREATE TABLE table (column type [NOT NULL] [constraint], ..., [constraint (columns)], ...)
+//       constraint: [CONSTRAINT name] PRIMARY KEY | UNIQUE
+//   CREATE [UNIQUE] INDEX name ON table (column [ASC | DESC], ...)
+//       [WITH PRIMARY | DISALLOW NULL | IGNORE NULL]
+//   ALTER TABLE table ADD [COLUMN] column type ... | constraint (columns)
+//   DROP TABLE table
 //
-// A column is `Name`, `Table.Name` or `[any name]`, each SELECT column with an optional AS; `*` and
-// `Table.*` are all of them; or all entries are COUNT(*), COUNT, MIN, MAX of a column. Texts stand
-// in double or single quotes, a doubled quote inside is one; dates are #2026-11-15 14:30:00#.
-// Keywords and names are taken without regard to case. What a statement needs to know of a row is
-// all that is decoded of it.
+// Items are `*`, `Table.*`, expressions with an optional AS; or all are COUNT(*), COUNT, MIN, MAX
+// of an expression. A column is `Name`, `Table.Name` or `[any name]`. Expressions have, weakest
+// first: OR, AND, NOT, comparisons with [NOT] LIKE, IN, BETWEEN and IS [NOT] NULL, &, + -, * /.
+// Texts stand in double or single quotes, a doubled quote inside is one; dates are #2026-11-15
+// 14:30:00#. Keywords and names are taken without regard to case. What a statement needs to know
+// of a row is all that is decoded of it; an index serves for equality, ranges, IN and IS NULL.
 //
 // Errors: `Error` with line, column and what was expected. `ErrNo::Syntax` for what follows no
-// rule; `ErrNo::Unsupported` for INSERT, DELETE, CREATE, ALTER, DROP and clauses named there;
-// `ErrNo::NotFound` for tables and columns; `ErrNo::TypeMismatch` and `ErrNo::Overflow` for values.
-// Errors of the file engine come through as they are.
+// rule; `ErrNo::Unsupported` for joins, other functions, and clauses named there;
+// `ErrNo::NotFound` for tables, columns and parameters; `ErrNo::TypeMismatch` and
+// `ErrNo::Overflow` for values; `ErrNo::Exists` for keys that are taken. Errors of the file engine
+// come through as they are.
 #pragma once
 
 #include <cstdint>

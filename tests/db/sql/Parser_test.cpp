@@ -108,6 +108,107 @@ TEST(SqlParser, ReadsAnUpdate) {
     EXPECT_EQ(shown(*u.where), "d");
 }
 
+TEST(SqlParser, ReadsAnInsert) {
+    const Statement one = parse("INSERT INTO [T t] (a, [b c]) VALUES (1 + 2, ?);");
+    const auto& values = std::get<Insert>(one);
+    EXPECT_EQ(values.table.name, "T t");
+    ASSERT_EQ(values.columns.size(), 2U);
+    EXPECT_EQ(values.columns[1].name, "b c");
+    ASSERT_EQ(values.values.size(), 2U);
+    EXPECT_EQ(shown(*values.values[0]), "(+ 1 2)");
+    const Statement many = parse("insert into T select a, 'x' from U where b order by 1");
+    const auto& rows = std::get<Insert>(many);
+    EXPECT_TRUE(rows.columns.empty());
+    ASSERT_TRUE(rows.rows.has_value());
+    EXPECT_EQ(rows.rows->table.name, "U");
+    EXPECT_EQ(rows.rows->order.size(), 1U);
+}
+
+TEST(SqlParser, ReadsADelete) {
+    for (const char* text : {"DELETE FROM T WHERE a", "DELETE * FROM T WHERE a;",
+                             "delete T.* from T where a", "DELETE [T].* FROM [T] AS t WHERE a"}) {
+        SCOPED_TRACE(text);
+        const Statement parsed = parse(text);
+        const auto& statement = std::get<Delete>(parsed);
+        EXPECT_EQ(statement.table.name, "T");
+        EXPECT_EQ(shown(*statement.where), "a");
+    }
+    EXPECT_EQ(std::get<Delete>(parse("DELETE * FROM T")).where, nullptr);
+}
+
+TEST(SqlParser, ReadsTheDefinitionOfATable) {
+    const Statement parsed = parse(
+        "CREATE TABLE T (id COUNTER CONSTRAINT pk PRIMARY KEY, name TEXT(50) NOT NULL UNIQUE, "
+        "[any text] VARCHAR WITH COMPRESSION, price DECIMAL(9, 2), raw BINARY(16), d DOUBLE "
+        "PRECISION NULL, CONSTRAINT two UNIQUE (name, price))");
+    const auto& table = std::get<CreateTable>(parsed);
+    ASSERT_EQ(table.columns.size(), 6U);
+    EXPECT_TRUE(table.columns[0].autoNumber);
+    EXPECT_EQ(table.columns[1].length, 50);
+    EXPECT_TRUE(table.columns[1].required);
+    EXPECT_EQ(table.columns[2].name.name, "any text");
+    EXPECT_EQ(table.columns[2].length, 255);
+    EXPECT_EQ(table.columns[3].type, jet::ColumnType::Numeric);
+    EXPECT_EQ(table.columns[3].precision, 9);
+    EXPECT_EQ(table.columns[3].scale, 2);
+    EXPECT_EQ(table.columns[4].length, 16);
+    EXPECT_EQ(table.columns[5].type, jet::ColumnType::Double);
+    EXPECT_FALSE(table.columns[5].required);
+    ASSERT_EQ(table.indexes.size(), 3U);
+    EXPECT_EQ(table.indexes[0].name, "pk");
+    EXPECT_TRUE(table.indexes[0].primary);
+    EXPECT_TRUE(table.indexes[1].unique);
+    EXPECT_FALSE(table.indexes[1].primary);
+    EXPECT_EQ(table.indexes[2].name, "two");
+    EXPECT_EQ(table.indexes[2].keys.size(), 2U);
+}
+
+TEST(SqlParser, KnowsTheWordsForTypes) {
+    struct Case {
+        const char* words;
+        jet::ColumnType type;
+    };
+    using jet::ColumnType;
+    static constexpr Case cases[] = {
+        {"BIT", ColumnType::Boolean},     {"yesno", ColumnType::Boolean},
+        {"Logical", ColumnType::Boolean}, {"BYTE", ColumnType::Byte},
+        {"SHORT", ColumnType::Integer},   {"SMALLINT", ColumnType::Integer},
+        {"LONG", ColumnType::Long},       {"INTEGER", ColumnType::Long},
+        {"MONEY", ColumnType::Money},     {"CURRENCY", ColumnType::Money},
+        {"REAL", ColumnType::Single},     {"SINGLE", ColumnType::Single},
+        {"FLOAT", ColumnType::Double},    {"NUMBER", ColumnType::Double},
+        {"DATETIME", ColumnType::Date},   {"DATE", ColumnType::Date},
+        {"TEXT", ColumnType::Text},       {"CHARACTER VARYING(9)", ColumnType::Text},
+        {"MEMO", ColumnType::Memo},       {"LONGTEXT", ColumnType::Memo},
+        {"IMAGE", ColumnType::Ole},       {"LONGBINARY", ColumnType::Ole},
+        {"GUID", ColumnType::Guid},       {"NUMERIC", ColumnType::Numeric},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.words);
+        const Statement parsed = parse(std::string("ALTER TABLE T ADD COLUMN a ") + c.words);
+        EXPECT_EQ(std::get<AddColumn>(parsed).column.type, c.type);
+    }
+}
+
+TEST(SqlParser, ReadsOtherDefinitions) {
+    const Statement index =
+        parse("CREATE UNIQUE INDEX i ON T (a, b DESC, c ASC) WITH IGNORE NULL;");
+    const IndexSpec& spec = std::get<CreateIndex>(index).index;
+    EXPECT_TRUE(spec.unique);
+    EXPECT_TRUE(spec.ignoreNulls);
+    EXPECT_FALSE(spec.required);
+    ASSERT_EQ(spec.keys.size(), 3U);
+    EXPECT_TRUE(spec.keys[1].descending);
+    EXPECT_FALSE(spec.keys[2].descending);
+    EXPECT_TRUE(std::get<CreateIndex>(parse("CREATE INDEX i ON T (a) WITH PRIMARY")).index.primary);
+    EXPECT_TRUE(
+        std::get<CreateIndex>(parse("CREATE INDEX i ON T (a) WITH DISALLOW NULL")).index.required);
+    const Statement key = parse("ALTER TABLE T ADD CONSTRAINT k PRIMARY KEY (a, b)");
+    EXPECT_TRUE(std::get<CreateIndex>(key).index.primary);
+    EXPECT_EQ(std::get<AddColumn>(parse("ALTER TABLE T ADD a LONG")).column.name.name, "a");
+    EXPECT_EQ(std::get<DropTable>(parse("drop table [T t];")).table.name, "T t");
+}
+
 struct Refusal {
     const char* text;
     ErrNo number;
@@ -162,6 +263,32 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
         {"UPDATE T SET a = WHERE", S, "line 1, column 18: expected a column, a literal or"},
         {"UPDATE T SET status = \"a\"b\" WHERE (GUID=\"x\");", S,
          "line 1, column 43: expected a closing quote"},
+        {"INSERT T VALUES (1)", S, "line 1, column 8: expected INTO, found T"},
+        {"INSERT INTO T", S, "line 1, column 14: expected \"(\", VALUES or SELECT, found the end"},
+        {"INSERT INTO T () VALUES (1)", S, "line 1, column 16: expected a column, found )"},
+        {"INSERT INTO T (a) VALUES ()", S, "line 1, column 27: expected a column, a literal"},
+        {"INSERT INTO T VALUES (1), (2)", S, "line 1, column 25: expected the end"},
+        {"DELETE T FROM T", S, "line 1, column 10: expected \".\", found FROM"},
+        {"DELETE FROM T x", S, "line 1, column 15: expected the end of the statement, found x"},
+        {"CREATE VIEW V AS SELECT 1", S, "line 1, column 8: expected TABLE, INDEX or UNIQUE"},
+        {"CREATE TABLE T ()", S, "line 1, column 17: expected a column, found )"},
+        {"CREATE TABLE T (UNIQUE (a))", S, "line 1, column 14: expected a column or more"},
+        {"CREATE TABLE T (a)", S, "line 1, column 18: expected a type such as TEXT(50)"},
+        {"CREATE TABLE T (a LONGISH)", S, "line 1, column 19: expected a type such as"},
+        {"CREATE TABLE T (a TEXT(0))", S, "line 1, column 24: expected a length from 1 to 255"},
+        {"CREATE TABLE T (a TEXT(256))", S, "line 1, column 24: expected a length from 1 to"},
+        {"CREATE TABLE T (a DECIMAL(5, 6))", S, "line 1, column 30: expected a scale from 0 to 5"},
+        {"CREATE TABLE T (a LONG(4))", S, "line 1, column 23: expected PRIMARY KEY or UNIQUE"},
+        {"CREATE TABLE T (a LONG, )", S, "line 1, column 25: expected a column, found )"},
+        {"CREATE TABLE T (a LONG NOT)", S, "line 1, column 27: expected NULL, found )"},
+        {"CREATE TABLE T (a LONG DEFAULT 1)", U, "line 1, column 24: DEFAULT is not supported"},
+        {"CREATE TABLE T (a LONG REFERENCES U)", U, "line 1, column 24: REFERENCES is not"},
+        {"CREATE INDEX ON T (a)", S, "line 1, column 17: expected ON, found T"},
+        {"CREATE INDEX i ON T (a) WITH NULL", S, "line 1, column 30: expected PRIMARY, DISALLOW"},
+        {"ALTER TABLE T DROP COLUMN a", U, "line 1, column 15: DROP is not supported"},
+        {"ALTER TABLE T RENAME a", S, "line 1, column 15: expected ADD, found RENAME"},
+        {"DROP INDEX i ON T", U, "line 1, column 6: INDEX is not supported, expected TABLE"},
+        {"DROP T", S, "line 1, column 6: expected TABLE, found T"},
         {"SELECT * FROM T, U", U, "line 1, column 16: more than one table"},
         {"SELECT * FROM T INNER JOIN U ON 1", U, "line 1, column 17: INNER is not supported"},
         {"SELECT a FROM T GROUP BY a", U, "line 1, column 17: GROUP is not supported"},

@@ -1,13 +1,14 @@
 // Random expressions against SQLite, which knows three-valued logic from elsewhere, and random
 // texts into the parser.
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 
-#include <memory>
+#include <iterator>
+#include <sstream>
 
 #include "Evaluate.h"
 #include "Memory.h"
 #include "Random.h"
+#include "Sqlite.h"
 #include "db/sql/Sql.h"
 
 namespace vl::sql {
@@ -18,42 +19,7 @@ using test::column;
 using test::MemoryTable;
 using test::Random;
 using test::Row;
-
-struct CloseSqlite {
-    void operator()(sqlite3* db) const { sqlite3_close(db); }
-};
-
-class Sqlite {
-public:
-    Sqlite() {
-        sqlite3* db = nullptr;
-        if (sqlite3_open(":memory:", &db) != SQLITE_OK) {
-            throw std::runtime_error("no SQLite");
-        }
-        db_.reset(db);
-        // Trees are printed with all their brackets.
-        sqlite3_limit(db, SQLITE_LIMIT_EXPR_DEPTH, 1000);
-    }
-
-    void run(const std::string& statement, std::vector<std::string>* firstColumn = nullptr) {
-        const auto collect = [](void* out, int, char** values, char**) {
-            if (out != nullptr) {
-                static_cast<std::vector<std::string>*>(out)->emplace_back(values[0]);
-            }
-            return 0;
-        };
-        char* message = nullptr;
-        if (sqlite3_exec(db_.get(), statement.c_str(), collect, firstColumn, &message) !=
-            SQLITE_OK) {
-            const std::string text = message;
-            sqlite3_free(message);
-            throw std::runtime_error(text + " in " + statement);
-        }
-    }
-
-private:
-    std::unique_ptr<sqlite3, CloseSqlite> db_;
-};
+using test::Sqlite;
 
 // One expression in two spellings: with the brackets that our precedence needs, and with all.
 struct Spelled {
@@ -199,7 +165,9 @@ TEST(SqlRandom, ConditionsKeepTheRowsThatSqliteKeeps) {
         const Spelled where = Generator(random).condition(4);
         SCOPED_TRACE(where.ours);
         std::vector<std::string> theirs;
-        sqlite.run("SELECT n FROM T WHERE " + where.theirs, &theirs);
+        for (const auto& row : sqlite.run("SELECT n FROM T WHERE " + where.theirs)) {
+            theirs.push_back(row[0]);
+        }
         std::vector<std::string> ours;
         for (const Row& row : table.select("SELECT n FROM T WHERE " + where.ours).rows) {
             ours.push_back(row[0].toText());
@@ -264,6 +232,81 @@ TEST(SqlRandom, TokenSoupsNeverBreakTheParser) {
         parsed += test::caught([&] { parse(text); }).number == ErrNo::None ? 1 : 0;
     }
     EXPECT_GT(parsed, 100);  // some of it is grammar
+}
+
+// Valid statements of every kind, from which others are made by leaving out, doubling, swapping
+// and replacing tokens.
+constexpr const char* kStatements[] = {
+    "SELECT DISTINCT TOP 5 T.a AS x , b + 1 , * FROM T AS t WHERE a = 1 ORDER BY 2 DESC , b",
+    "SELECT COUNT ( * ) , MIN ( a ) FROM T WHERE a LIKE 'x*' AND NOT b IS NULL OR c IN ( 1 , ? )",
+    "INSERT INTO T ( a , [b c] ) VALUES ( 1 , #2026-11-15# )",
+    "INSERT INTO T SELECT a , 'x' & b FROM U WHERE a BETWEEN - 1 AND 2 * ( 3 - c ) ;",
+    "UPDATE T SET a = Null , T.b = @p WHERE ( a >= 1 ) AND b <> True",
+    "DELETE T.* FROM T WHERE a NOT IN ( 1 , 2 ) ;",
+    "CREATE TABLE T ( a COUNTER CONSTRAINT k PRIMARY KEY , b TEXT ( 5 ) NOT NULL , UNIQUE ( a , b "
+    ") )",
+    "CREATE UNIQUE INDEX i ON T ( a DESC , b ) WITH DISALLOW NULL",
+    "ALTER TABLE T ADD COLUMN a DECIMAL ( 9 , 2 ) UNIQUE",
+    "ALTER TABLE T ADD CONSTRAINT k PRIMARY KEY ( a )",
+    "DROP TABLE T"};
+
+std::vector<std::string> words(const std::string& statement) {
+    std::istringstream in(statement);
+    return {std::istream_iterator<std::string>(in), {}};
+}
+
+void mutate(std::vector<std::string>& tokens, Random& random) {
+    const std::size_t at = random.below(tokens.size());
+    const auto place = tokens.begin() + static_cast<std::ptrdiff_t>(at);
+    switch (random.below(5)) {
+        case 0:
+            tokens.erase(place);
+            break;
+        case 1:
+            tokens.insert(place, tokens[at]);
+            break;
+        case 2:
+            std::swap(tokens[at], tokens[random.below(tokens.size())]);
+            break;
+        case 3: {  // a piece of another statement
+            const auto other = words(random.pick(kStatements));
+            const std::size_t from = random.below(other.size());
+            const std::size_t count =
+                1 + random.below(std::min<std::size_t>(4, other.size() - from));
+            tokens.insert(place, other.begin() + static_cast<std::ptrdiff_t>(from),
+                          other.begin() + static_cast<std::ptrdiff_t>(from + count));
+            break;
+        }
+        default: {  // deeper
+            const std::string bracket = random.oneIn(2) ? "( " : "NOT ";
+            for (std::size_t n = random.below(300); n > 0; --n) {
+                tokens[at] = bracket + tokens[at];
+            }
+        }
+    }
+}
+
+TEST(SqlRandom, ChangedStatementsNeverBreakTheParser) {
+    Random random;
+    SCOPED_TRACE(testing::Message() << "VL_SEED=" << random.seed());
+    for (const char* statement : kStatements) {
+        EXPECT_EQ(test::caught([&] { parse(statement); }).text, "");
+    }
+    int parsed = 0;
+    const int statements = test::rounds(20'000);
+    for (int round = 0; round < statements; ++round) {
+        std::vector<std::string> tokens = words(random.pick(kStatements));
+        for (std::size_t n = 1 + random.below(3); n > 0 && !tokens.empty(); --n) {
+            mutate(tokens, random);
+        }
+        std::string text;
+        for (const std::string& token : tokens) {
+            text += token + ' ';
+        }
+        ASSERT_NO_FATAL_FAILURE(expectStatementOrError(text)) << text;
+        parsed += test::caught([&] { parse(text); }).number == ErrNo::None ? 1 : 0;
+    }
+    EXPECT_GT(parsed, statements / 100);  // some of it is still grammar
 }
 
 }  // namespace
