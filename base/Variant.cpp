@@ -1,6 +1,7 @@
 #include "base/Variant.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -78,6 +79,14 @@ std::int32_t Variant::toInt32() const { return text::toInt32(toDouble()); }
 std::int64_t Variant::toInt64() const {
     if (const auto* v = get<std::int64_t>()) {
         return *v;
+    }
+    if (const auto* v = get<std::string>()) {
+        std::int64_t whole = 0;  // all 64 bits of it, of which a double has 53
+        const char* end = v->data() + v->size();
+        const auto result = std::from_chars(v->data(), end, whole);
+        if (result.ec == std::errc() && result.ptr == end) {
+            return whole;
+        }
     }
     const double rounded = text::roundHalfEven(toDouble());
     if (!(rounded >= -9223372036854775808.0 && rounded < 9223372036854775808.0)) {

@@ -18,6 +18,9 @@ TEST(Variant, ConvertsWhatHasTheForm) {
     EXPECT_EQ(Variant(2.5).toInt32(), 2);
     EXPECT_EQ(Variant("12.5").toDouble(), 12.5);
     EXPECT_EQ(Variant(std::int64_t{1} << 53 | 1).toInt64(), (std::int64_t{1} << 53) | 1);
+    EXPECT_EQ(Variant("9007199254740993").toInt64(), 9007199254740993);
+    EXPECT_EQ(Variant("-9223372036854775808").toInt64(), INT64_MIN);
+    EXPECT_EQ(Variant(" 12.5 ").toInt64(), 12);
     EXPECT_EQ(Variant(DateTime(1.5)).toDouble(), 1.5);
     EXPECT_EQ(Variant(1.5).toDateTime(), DateTime(1.5));
     EXPECT_EQ(Variant(false).toText(), "False");
