@@ -189,7 +189,9 @@ public:
         std::shared_ptr<const KeyedSlots> items_;
         std::size_t index_ = 0;
     };
-    Walk begin() const { return Walk(items_); }
+    Walk NewEnum() const { return Walk(items_); }
+    // The same, for a for-each loop.
+    Walk begin() const { return NewEnum(); }
     static std::default_sentinel_t end() { return {}; }
 
 private:

@@ -261,6 +261,16 @@ TEST(GenCollectionWalk, ShowsWhatWasThereWhenItBegan) {
     EXPECT_EQ(keysOf(col), "newa,newb,newc,newd");
 }
 
+TEST(GenCollectionWalk, IsWhatNewEnumGives) {
+    const GenCollection col = filled("a,b,c");
+    std::string all;
+    for (auto each = col.NewEnum(); each != GenCollection::end(); ++each) {
+        all += each->toText();
+    }
+    EXPECT_EQ(all, "abc");
+    EXPECT_TRUE(GenCollection().NewEnum() == GenCollection::end());
+}
+
 // By position from the end to the front, and from the front while the first one goes.
 TEST(GenCollectionWalk, RemovesByPosition) {
     constexpr int n = 1000;
