@@ -147,7 +147,7 @@ private:
     bool readMarkup() {
         const std::string_view rest = html_.substr(at_);
         if (rest.substr(0, 4) == "<!--") {
-            return skipPast("-->", 4, noComment_);
+            return skipPast("-->", 2, noComment_);  // "<!-->" is one as well
         }
         const char second = rest.size() > 1 ? rest[1] : '\0';
         if (second == '!' || second == '?') {
@@ -189,12 +189,14 @@ private:
     // next ">" is taken, and for the rest of the text quotes mean nothing.
     bool findTagEnd(std::size_t& end) {
         std::size_t i = end;
+        bool value = false;  // behind a "=" and blanks
         while (i < html_.size() && html_[i] != '>' && quotesPair_) {
             const char c = html_[i];
-            if ((c == '"' || c == '\'') && html_[i - 1] == '=') {
+            if (value && (c == '"' || c == '\'')) {
                 i = html_.find(c, i + 1);
                 quotesPair_ = i != std::string_view::npos;
             }
+            value = c == '=' || (value && isSpace(c));
             ++i;
         }
         if (!quotesPair_ || i >= html_.size()) {
@@ -242,16 +244,24 @@ private:
     // To the end tag. Without one a head ends where the body begins, or is no head at all; any
     // other element hides the rest of the text.
     void skipContents(std::string_view name) {
-        const bool head = text::equalsNoCase(name, "head");
-        if (head && noHeadEnd_) {
+        if (!text::equalsNoCase(name, "head")) {
+            at_ = findTag("</" + std::string(name));
             return;
         }
-        std::size_t close = findTag("</" + std::string(name));
-        if (head) {
-            close = std::min(close, findTag("<body"));
-            noHeadEnd_ = close == html_.size();
+        const std::size_t end = std::min(findNext(headEnd_), findNext(body_));
+        at_ = end == html_.size() ? at_ : end;
+    }
+
+    // A tag that is asked for more often than it is gone to.
+    struct Ahead {
+        const char* beginning;
+        std::size_t found = 0;
+    };
+    std::size_t findNext(Ahead& tag) const {
+        if (tag.found < at_) {
+            tag.found = findTag(tag.beginning);
         }
-        at_ = noHeadEnd_ && head ? at_ : close;
+        return tag.found;
     }
 
     // Where the tag of exactly this name begins ("</head" is not "</header>"); the end of the text
@@ -289,7 +299,8 @@ private:
     bool quotesPair_ = true;
     bool noComment_ = false;  // no such mark lies ahead
     bool noEnd_ = false;
-    bool noHeadEnd_ = false;
+    Ahead headEnd_{"</head"};
+    Ahead body_{"<body"};
 };
 
 }  // namespace
