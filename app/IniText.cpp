@@ -97,14 +97,14 @@ IniText::IniText(std::string_view bytes) {
         const std::size_t end = bytes.find('\n');
         std::string_view text = bytes.substr(0, end);
         std::string_view lineEnd = bytes.substr(text.size(), 1);
-        if (!lineEnd.empty() && !text.empty() && text.back() == '\r') {
+        if (!text.empty() && text.back() == '\r') {
             text.remove_suffix(1);
             lineEnd = bytes.substr(text.size(), 2);
         }
         lines_.push_back({std::string(text), std::string(lineEnd)});
         bytes.remove_prefix(text.size() + lineEnd.size());
     }
-    newEnd_ = lines_.empty() || lines_[0].end.empty() ? platform::lineEnd() : lines_[0].end;
+    newEnd_ = lines_.empty() || !lines_[0].isEnded() ? platform::lineEnd() : lines_[0].end;
 }
 
 std::string IniText::bytes() const {
@@ -186,7 +186,7 @@ std::optional<std::vector<std::string>> IniText::entries(std::string_view sectio
 
 // The new line stands in front of line `at`.
 void IniText::insert(std::size_t at, std::string text) {
-    if (at > 0 && lines_[at - 1].end.empty()) {
+    if (at > 0 && !lines_[at - 1].isEnded()) {
         lines_[at - 1].end = newEnd_;
     }
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), {std::move(text), newEnd_});

@@ -27,7 +27,8 @@ public:
 private:
     struct Line {
         std::string text;
-        std::string end;  // "\n", "\r\n" or, in the last line, nothing
+        std::string end;  // "\n", "\r\n" or, in the last line, nothing or "\r"
+        bool isEnded() const { return !end.empty() && end.back() == '\n'; }
     };
     // The lines of a section behind its heading: [first, last).
     struct Section {

@@ -19,6 +19,8 @@ constexpr std::size_t kSize = 32766;
 constexpr std::size_t kValueUnits = kSize - 1;
 constexpr std::size_t kSectionUnits = kSize - 2;
 
+constexpr const char* kNoFile = "no settings file is set";
+
 constexpr std::string_view kNul("\0", 1);
 constexpr std::string_view kLineEnds("\r\n\0", 3);
 
@@ -39,7 +41,7 @@ std::optional<std::string> contents(const std::string& filename) {
 template <class Change>
 void change(const std::string& filename, Change&& apply) {
     if (filename.empty()) {
-        throw Error(ErrNo::NotFound, "no settings file is set");
+        throw Error(ErrNo::NotFound, kNoFile);
     }
     const std::optional<std::string> before = contents(filename);
     IniText ini(before.value_or(std::string()));
@@ -56,6 +58,16 @@ std::string_view firstLine(std::string_view text) {
 }
 
 }  // namespace
+
+bool Settings::CanSave() const {
+    const ErrScope scope;
+    return attempt([&] {
+        if (filename.empty()) {
+            throw Error(ErrNo::NotFound, kNoFile);
+        }
+        platform::checkReplaceable(filename);
+    });
+}
 
 std::string Settings::GetIni(std::string_view section, std::string_view key,
                              const Variant& Default) const {
@@ -88,6 +100,8 @@ std::string Settings::GetIniSection(std::string_view section) const {
 
 void Settings::SaveIni(std::string_view section, std::string_view key, std::string_view value) {
     const ErrScope scope;
+    section = firstLine(section);
+    key = firstLine(key);
     if (text::trimBlanks(section).empty() || text::trimBlanks(key).empty()) {
         return;
     }
@@ -98,6 +112,7 @@ void Settings::SaveIni(std::string_view section, std::string_view key, std::stri
 
 void Settings::SaveIniSection(std::string_view section, std::string_view text) {
     const ErrScope scope;
+    section = firstLine(section);
     if (text::trimBlanks(section).empty()) {
         return;
     }

@@ -36,13 +36,17 @@ public:
     /// and empty lines. At most 32764 UTF-16 units. Empty when there is no such section.
     std::string GetIniSection(std::string_view section) const;
 
-    /// Writes one key. The value ends at its first line end or NUL, since a line holds no more.
+    /// Writes one key. Names and value end at their first line end or NUL, since a line holds no
+    /// more.
     /// Nothing is written under an empty section or key.
     void SaveIni(std::string_view section, std::string_view key, std::string_view value);
 
     /// Replaces the section's entries by these, each ended by a NUL; an empty one ends the list,
     /// whatever follows. Comments stay.
     void SaveIniSection(std::string_view section, std::string_view text);
+
+    /// False when writes are lost, for lack of rights or of a folder. Looks, and changes nothing.
+    bool CanSave() const;
 };
 
 }  // namespace vl

@@ -35,6 +35,9 @@ char separatorOf(std::string_view folder);
 /// `ErrNo::Io`), and then `path` is as it was.
 void replaceFile(const std::string& path, std::string_view bytes);
 
+/// Throws `Error` when `replaceFile` would, for lack of rights or of a folder; changes nothing.
+void checkReplaceable(const std::string& path);
+
 /// Makes a new file of these bytes, as one change. Nothing is ever replaced: what has the name
 /// already, even since a moment ago and even a link that points nowhere, is `ErrNo::Exists`.
 /// Throws `Error` (also `ErrNo::ReadOnly`, `ErrNo::Io`).

@@ -86,7 +86,8 @@ std::string temporaryName(const std::string& target) {
 
 // The name is on the disk, too, when its folder is. Not every file system can: no error then.
 void syncFolderOf(const fs::path& path) noexcept {
-    const int folder = ::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder =
+        ::open((path.parent_path() / ".").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
         (void)::fsync(folder);
         ::close(folder);
@@ -106,6 +107,20 @@ std::string endOfLinks(const std::string& path) {
         end = end.parent_path() / next;  // an absolute one replaces the folder
     }
     fail("follow the links of", path, ELOOP);
+}
+
+// With the rights that opening a file goes by.
+bool mayDo(int what, const char* path) {
+    return ::faccessat(AT_FDCWD, path, what, AT_EACCESS) == 0;
+}
+
+void checkFile(const std::string& path, const struct stat& what) {
+    if (S_ISDIR(what.st_mode)) {
+        fail("write", path, EISDIR);
+    }
+    if (!mayDo(W_OK, path.c_str())) {
+        fail("write", path, errno);
+    }
 }
 
 bool isNotPossible(int error) {
@@ -150,12 +165,24 @@ bool publish(Publishing way, const std::string& from, const std::string& to) {
     return done;
 }
 
+void checkReplaceable(const std::string& path) {
+    const std::string target = endOfLinks(path);
+    const fs::path folder = fs::path(target).parent_path() / ".";
+    if (!mayDo(W_OK | X_OK, folder.c_str())) {
+        fail("write in", textOf(folder), errno);
+    }
+    struct stat before {};
+    if (::stat(target.c_str(), &before) == 0) {
+        checkFile(target, before);
+    }
+}
+
 void replaceFile(const std::string& path, std::string_view bytes) {
     const std::string target = endOfLinks(path);
     struct stat before {};
     const bool there = ::stat(target.c_str(), &before) == 0;
-    if (there && ::access(target.c_str(), W_OK) != 0) {
-        fail("write", target, errno);
+    if (there) {
+        checkFile(target, before);
     }
     TemporaryFile file(temporaryName(target));
     if (there) {

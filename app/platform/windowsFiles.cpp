@@ -93,13 +93,23 @@ std::string temporaryName(const std::string& target) {
     return target + "." + std::to_string(GetCurrentProcessId()) + ".tmp";
 }
 
-}  // namespace
-
-void replaceFile(const std::string& path, std::string_view bytes) {
+void checkFile(const std::string& path) {
+    constexpr DWORD kRefused = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
     const DWORD attributes = GetFileAttributesW(wide(path).c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kRefused) != 0) {
         fail("write", path, ERROR_ACCESS_DENIED);
     }
+}
+
+}  // namespace
+
+void checkReplaceable(const std::string& path) {
+    checkFile(path);
+    const TemporaryFile looking(temporaryName(path));
+}
+
+void replaceFile(const std::string& path, std::string_view bytes) {
+    checkFile(path);
     TemporaryFile file(temporaryName(path));
     file.write(bytes);
     file.renameTo(path);

@@ -211,6 +211,21 @@ TEST_F(SettingsFile, WritesNothingThatALineCannotHold) {
     EXPECT_EQ(saved("[R]\n", "R", "", "x"), "[R]\n");
     EXPECT_EQ(saved("[R]\n", "", "a", "x"), "[R]\n");
     EXPECT_EQ(saved("[R]\na=1\n", "R", "a", ""), "[R]\na=\n");
+    EXPECT_EQ(saved("[R]\na=1\n", "R\n[X]", "a\r\nb", "2"), "[R]\na=2\n");
+    EXPECT_EQ(saved("[R]\n", "\n[X]", "a", "2"), "[R]\n");
+    EXPECT_EQ(saved("[R]\n", "R", "\rb", "2"), "[R]\n");
+    Settings s = with("[R]\na=1\n");
+    s.SaveIniSection("R\n[X]", "b=2");
+    EXPECT_EQ(readFile(file), "[R]\nb=2\n");
+}
+
+// Cut off between the two characters of its last line end, or written so.
+TEST_F(SettingsFile, TakesACarriageReturnAtTheEndForALineEnd) {
+    EXPECT_EQ(with("[R]\r\na=1\r").GetIni("R", "a"), "1");
+    EXPECT_EQ(with("[R]\r").GetIniSection("R"), "");
+    EXPECT_EQ(saved("[R]\r\na=1\r", "R", "a", "2"), "[R]\r\na=2\r");
+    EXPECT_EQ(saved("[R]\r\na=1\r", "R", "b", "2"), "[R]\r\na=1\r\nb=2\r\n");
+    EXPECT_EQ(saved("[R]\n\r", "X", "b", "2"), "[R]\n\n[X]\nb=2\n");
 }
 
 TEST_F(SettingsFile, ReplacesASectionAndKeepsItsComments) {
@@ -270,6 +285,24 @@ TEST_F(SettingsFile, LosesAWriteThatCannotBeDoneAndTracesIt) {
     const std::string traced = readFile(log);
     EXPECT_EQ(std::count(traced.begin(), traced.end(), '\n'), 5) << traced;
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 2);
+}
+
+TEST_F(SettingsFile, KnowsWhetherItCanBeSaved) {
+    Settings s;
+    EXPECT_FALSE(s.CanSave()) << "no file is named";
+    s.filename = (folder / "missing" / "x.ini").string();
+    EXPECT_FALSE(s.CanSave());
+    s.filename = file.string();
+    EXPECT_TRUE(s.CanSave()) << "there is none yet";
+    EXPECT_TRUE(fs::is_empty(folder.path())) << "nor is it made by that";
+    s = with("[R]\na=1\n");
+    EXPECT_TRUE(s.CanSave());
+    EXPECT_EQ(readFile(file), "[R]\na=1\n");
+    s.filename = (file / "below.ini").string();
+    EXPECT_FALSE(s.CanSave()) << "a file is no folder";
+    fs::create_directory(folder / "folder.ini");
+    s.filename = (folder / "folder.ini").string();
+    EXPECT_FALSE(s.CanSave());
 }
 
 #ifndef _WIN32
