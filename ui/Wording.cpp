@@ -213,7 +213,10 @@ std::string troubleText(std::string_view DBFullName, ErrNo number, std::string_v
         case ErrNo::Corrupt:
             return name + " is damaged" + inBrackets(damagedPage(what));
         case ErrNo::Locked:
-            return name + " is in use by another program";
+            return named && what.starts_with(": is ")
+                       ? name + std::string(what.substr(1))
+                       : name + " is in use by another program" +
+                             inBrackets(behind(what, what.rfind(": ")));
         case ErrNo::Io:
             return name + " cannot be read" + inBrackets(behind(what, what.rfind(": ")));
         default:
@@ -237,6 +240,14 @@ std::string waitingText(int changes) {
     return changes == 1
                ? "1 change waits until the database can be written"
                : std::to_string(changes) + " changes wait until the database can be written";
+}
+
+std::string noticeText(std::string_view about, bool settingsAreSaved) {
+    std::string text(about);
+    if (!settingsAreSaved) {
+        text += text.empty() ? "Settings cannot be saved" : "; settings cannot be saved";
+    }
+    return text;
 }
 
 std::string emptyText(const EmptyReason& reason) {

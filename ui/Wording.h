@@ -68,6 +68,10 @@ std::string withoutStatusText(int rows);
 /// "2 changes wait until the database can be written"; empty for none.
 std::string waitingText(int changes);
 
+/// What stands at the end of the status line, whatever it says: what it is `about`, which may be
+/// nothing, and that settings are lost.
+std::string noticeText(std::string_view about, bool settingsAreSaved);
+
 /// Why a grid is empty. `grid` is 0 new reminders, 1 all reminders, 2 events.
 struct EmptyReason {
     int grid = 0;

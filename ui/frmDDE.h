@@ -239,7 +239,7 @@ private:
     QLabel* lblTime = nullptr;
     QTabWidget* tabs = nullptr;
     QLabel* lblStatus = nullptr;
-    QLabel* lblNotice = nullptr;  // beside it: what is there but not shown
+    QLabel* lblNotice = nullptr;  // beside it: what is there but not shown, what is not saved
     QPushButton* butOpen = nullptr;
     QPushButton* butMenu = nullptr;
     QPushButton* butHide = nullptr;
@@ -252,6 +252,7 @@ private:
     bool wheelPages_ = false;
     QPoint frame_;  // from the window's corner to its inside, when last seen in normal size
     int helpNumber_ = 0;
+    bool canSave_ = true;  // the settings file could be written when last looked at
     bool loading_ = false;
     bool exiting_ = false;
     bool flashOn_ = false;

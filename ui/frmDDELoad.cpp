@@ -92,6 +92,7 @@ void frmDDE::placeWindow() {
 }
 
 void frmDDE::readSettings() {
+    canSave_ = parts_.settings.CanSave();
     state_.bMuted = numberSetting("Muted") != 0;
     state_.bSilent = numberSetting("Silent") != 0;
     state_.sNotifType = parts_.settings.GetIni(kReminders, "NotifType", "D");

@@ -3,6 +3,7 @@
 #include <QTabWidget>
 #include <QWindow>
 
+#include "app/Settings.h"
 #include "app/Sound.h"
 #include "base/ErrorState.h"
 #include "notify/PopUpMarkup.h"
@@ -201,6 +202,7 @@ void frmDDE::changeSetting(const std::function<void(ReminderState&)>& change) {
 
 void frmDDE::mnuRefresh_Click() {
     const ErrScope scope;
+    canSave_ = parts_.settings.CanSave();
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, parts_.db, true, true);
     }

@@ -5,6 +5,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 
+#include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "db/DBRemindUtils.h"
@@ -257,7 +258,9 @@ void frmDDE::showStatus() {
     }
     const std::string waiting = waitingText(state_.waitingWrites);
     const int hidden = trouble.isEmpty() ? state_.rowsWithoutStatus : 0;
-    lblNotice->setText(qtText(waiting.empty() ? withoutStatusText(hidden) : waiting));
+    lblNotice->setText(
+        qtText(noticeText(waiting.empty() ? withoutStatusText(hidden) : waiting, canSave_)));
+    lblNotice->setToolTip(canSave_ ? QString() : qtText(parts_.settings.filename));
     lblNotice->setVisible(!lblNotice->text().isEmpty());
 }
 

@@ -49,6 +49,7 @@ with stage as program:
     reminders.wait_shown()
     wait_for(lambda: said("Velmora.RemindDB is not there"), 10, "the status line to say so")
     check(len(tree.windows()) == 1, "the status line says that the database is not there, no box does")
+    check(said("Settings cannot be saved"), "nor is it hidden that no setting can be saved")
     desktop.wait_active(reminders.TITLE)
     desktop.picture(os.path.join(os.environ["DESKTOP_LOGS"], "trouble.png"))
 

@@ -176,7 +176,11 @@ TEST(TroubleText, SaysInPlainWordsWhatIsWrongWithWhichFile) {
         {ErrNo::Corrupt, "/home/anna/Velmora.RemindDB, page 12: holds no row 3",
          "Velmora.RemindDB is damaged (page 12)"},
         {ErrNo::Corrupt, "a value of 3 bytes", "Velmora.RemindDB is damaged"},
-        {ErrNo::Locked, "anything", "Velmora.RemindDB is in use by another program"},
+        {ErrNo::Locked, "", "Velmora.RemindDB is in use by another program"},
+        {ErrNo::Locked, "/home/anna/Velmora.RemindDB: is being written by ANNA-PC (anna)",
+         "Velmora.RemindDB is being written by ANNA-PC (anna)"},
+        {ErrNo::Locked, "/home/anna/Velmora.RemindDB: cannot open: used by another process",
+         "Velmora.RemindDB is in use by another program (used by another process)"},
         {ErrNo::Io, "/home/anna/Velmora.RemindDB: cannot open: Permission denied",
          "Velmora.RemindDB cannot be read (Permission denied)"},
         {ErrNo::Io, "", "Velmora.RemindDB cannot be read"},
@@ -191,6 +195,14 @@ TEST(TroubleText, SaysInPlainWordsWhatIsWrongWithWhichFile) {
               "No folder of a reminders database was named at the start");
     EXPECT_EQ(troubleText("D:\\Data\\Velmora.RemindDB", ErrNo::Locked, ""),
               "Velmora.RemindDB is in use by another program");
+}
+
+TEST(NoticeText, SaysWhatIsLostBesideTheRest) {
+    EXPECT_EQ(noticeText("", true), "");
+    EXPECT_EQ(noticeText("1 event is not shown", true), "1 event is not shown");
+    EXPECT_EQ(noticeText("", false), "Settings cannot be saved");
+    EXPECT_EQ(noticeText("1 event is not shown", false),
+              "1 event is not shown; settings cannot be saved");
 }
 
 TEST(WithoutStatusText, CountsThem) {

@@ -151,7 +151,13 @@ TEST_F(frmDDELoad, StartsInAFolderInWhichItMayNotWrite) {
     EXPECT_GT(held(), 0U);
     EXPECT_FALSE(fs::exists(settings.filename));
     EXPECT_EQ(readFile(path), sample());
+    const auto& notice = child<QLabel>("lblNotice");
+    EXPECT_FALSE(notice.isHidden());
+    EXPECT_EQ(notice.text(), "Settings cannot be saved");
+    EXPECT_EQ(plainText(notice.toolTip()), settings.filename);
     fs::permissions(folder.path(), fs::perms(0755));
+    refresh();
+    EXPECT_TRUE(notice.isHidden()) << plainText(notice.text());
 }
 
 // Locks are advice here: who only reads is not kept out, and does not wait either.
@@ -341,6 +347,11 @@ TEST_F(frmDDELoad, AnUnwritableSettingsFileStillLetsTheWindowStart) {
     EXPECT_EQ(state.sNotifType, "D");
     window->SaveSettings();
     EXPECT_FALSE(fs::exists(settings.filename));
+    EXPECT_EQ(child<QLabel>("lblNotice").text(), "Settings cannot be saved");
+    EXPECT_TRUE(boxes.shown.empty());
+    fs::create_directory(folder / "missing");
+    refresh();
+    EXPECT_TRUE(child<QLabel>("lblNotice").isHidden());
 }
 
 }  // namespace
