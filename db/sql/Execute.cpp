@@ -9,6 +9,7 @@
 #include "SelectRows.h"
 #include "Sql.h"
 #include "base/Text.h"
+#include "db/jet/ReadGuard.h"
 #include "db/jet/Transaction.h"
 
 namespace vl::sql {
@@ -33,7 +34,8 @@ public:
         : db_(db), parameters_(parameters) {}
 
     Result operator()(Select& statement) const {
-        return select(statement, open(db_, statement.table), parameters_);
+        return jet::readWhole(
+            db_, [&] { return select(statement, open(db_, statement.table), parameters_); });
     }
 
     Result operator()(Insert& statement) const {
