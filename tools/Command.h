@@ -54,6 +54,7 @@ struct Command {
     int (*run)(const Arguments& arguments, const Streams& streams);
 };
 
+Command backupCommand();
 Command dismissCommand();
 Command eventCommand();
 Command hideCommand();

@@ -152,6 +152,15 @@ TEST(Remindb, ExplainsItself) {
     EXPECT_THAT(version.out, testing::MatchesRegex("remindb [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
+TEST(Remindb, BacksADatabaseUp) {
+    const test::TempFolder folder;
+    const std::string copy = (folder / "copy.mdb").string();
+    ASSERT_EQ(remindb({"backup", firstLight(), copy}).code, 0);
+    EXPECT_TRUE(test::readFile(copy) == test::readFile(firstLight()));
+    EXPECT_EQ(remindb({"backup", copy, copy}).code, 1);
+    EXPECT_EQ(remindb({"backup", firstLight(), (folder / "none" / "copy.mdb").string()}).code, 1);
+}
+
 TEST(Remindb, SaysWhenItCannotWrite) {
     EXPECT_EQ(remindb({"tables", firstLight()}, {}, "/dev/full").code, 1);
 }

@@ -273,6 +273,33 @@ TEST_F(Several, WhatAnotherEngineWritesMeanwhileIsReadAgain) {
               ErrNo::Corrupt);
 }
 
+TEST_F(Several, ABackupIsOneStateAndReplacesItsTargetWhenItIsWhole) {
+    const std::string target = "folder/copy.mdb";
+    Database writer = open();
+    Database db = open(Access::Read);
+    folder.put(target, "older");
+    auto change = std::make_unique<Transaction>(writer);
+    jet::Table table = writer.table("Reminders");
+    table.updateInPlace(test::rowsOf(table).ids[0],
+                        std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
+    db.backUp(target, folder);
+    EXPECT_TRUE(folder.bytes(target) == test::firstLight());
+    change->commit();
+    change.reset();
+    bool whole = false;
+    for (int n = 1; !whole; ++n) {
+        SCOPED_TRACE(n);
+        folder.put(target, "older");
+        folder.fail(test::MemoryFolder::Fault::Once, n);
+        whole = errorOf([&] { db.backUp(target, folder); }) == ErrNo::None;
+        if (whole || folder.bytes(target) != "older") {  // the last flush is of the name
+            EXPECT_TRUE(folder.bytes(target) == folder.bytes(kDatabase));
+        }
+        EXPECT_FALSE(folder.exists(target + ".new"));
+    }
+    EXPECT_EQ(errorOf([&] { db.backUp(kDatabase, folder); }), ErrNo::Exists);
+}
+
 TEST_F(Several, TheFileThatWasReplacedIsNotWritten) {
     Database db = open();
     write(db);

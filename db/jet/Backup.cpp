@@ -1,0 +1,63 @@
+#include <algorithm>
+#include <vector>
+
+#include "PageFile.h"
+#include "base/ErrorState.h"
+#include "db/jet/Database.h"
+#include "db/jet/ReadGuard.h"
+
+namespace vl::jet {
+
+namespace {
+
+constexpr std::size_t kPagesAtOnce = 64;
+
+void copyPages(PageFile& from, File& to) {
+    to.truncate(0);
+    std::vector<std::byte> piece;
+    std::uint64_t at = 0;
+    for (PageNo number = 0; number < from.pageCount(); ++number) {
+        const Page page = from.page(number);
+        piece.insert(piece.end(), page.bytes().begin(), page.bytes().end());
+        if (piece.size() == kPagesAtOnce * kPageSize || number + 1 == from.pageCount()) {
+            to.write(at, piece);
+            at += piece.size();
+            piece.clear();
+        }
+    }
+}
+
+void copyUndisturbed(const Database& db, PageFile& from, File& to) {
+    constexpr int kMostCopies = 3;
+    for (int times = 1; times <= kMostCopies; ++times) {
+        const ReadGuard guard(db);
+        copyPages(from, to);
+        if (!guard.disturbed()) {
+            return;
+        }
+    }
+    throw Error(ErrNo::Locked, from.name() + ": another program writes to it without a pause");
+}
+
+}  // namespace
+
+void Database::backUp(const std::string& target, FileSystem& files) const {
+    if (files.names(target, file_->file())) {
+        throw Error(ErrNo::Exists, target + ": is the database itself");
+    }
+    const std::string unfinished = target + ".new";
+    try {
+        {
+            const auto copy = files.openOrCreate(unfinished, file_->file());
+            copyUndisturbed(*this, *file_, *copy);
+            copy->flush();
+        }
+        files.rename(unfinished, target);
+    } catch (const Error&) {
+        files.remove(unfinished);
+        throw;
+    }
+    files.flushFolderOf(target);
+}
+
+}  // namespace vl::jet
