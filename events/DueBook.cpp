@@ -148,6 +148,9 @@ void DueBook::askOne(Slot& slot, const Asked& asked, const TimeZone& zone,
                      std::vector<Found>& found) {
     const calEvent& event = *slot.event;
     const EventState* state = asked.ledger.find(asked.database, event.GUID);
+    if (state != nullptr && state->deleting) {
+        return;
+    }
     DateTime since = slot.since.isZero() ? asked.from : std::min(slot.since, asked.from);
     if (!slot.asked && state != nullptr && !state->openSince.isZero()) {
         since = std::min(since, event.FromWall(state->openSince));

@@ -28,7 +28,8 @@ bool isOver(const EventState& state, DateTime now) {
     if (const ColumnNote* next = state.note("NextReminder")) {
         attempt([&] { written = parseDateTime(next->after); });
     }
-    return state.occurrences.empty() && longAgo(state.acted, now) && longAgo(written, now);
+    return !state.deleting && state.occurrences.empty() && longAgo(state.acted, now) &&
+           longAgo(written, now);
 }
 
 }  // namespace

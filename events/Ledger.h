@@ -25,7 +25,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":}],
 ///    "endedBefore":,"openSince":,"said":{"NextReminder":,"Dismissed":},
-///    "row":{COLUMN:[before ...,after]}}
+///    "deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME}             the last check of a day
 ///   {"db":PATH,"master":ID,"replaced":TIME}   a start that an exception has taken over
 ///

@@ -102,6 +102,7 @@ void takeEvent(Content& content, const Json& json) {
     state.acted = time(json, "acted");
     const Json said = json.value("said", Json::object());
     state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
+    state.deleting = json.value("deleting", false);
     state.row = rowOf(json.value("row", Json::object()));
     state.tidy();
     content.events[key] = std::move(entry);
@@ -167,6 +168,9 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     if (state.word.saysAnything()) {
         put(json["said"], "NextReminder", state.word.NextReminder);
         put(json["said"], "Dismissed", state.word.Dismissed);
+    }
+    if (state.deleting) {
+        json["deleting"] = true;
     }
     if (!state.row.empty()) {
         json["row"] = rowJson(state);

@@ -62,6 +62,8 @@ struct EventState {
     DateTime acted;  ///< local; when the last act was
     RowWord word;    ///< what the row said before the first act took the word from it
     std::map<std::string, ColumnNote, std::less<>> row;
+    /// The user has deleted the item, and the host's file could not be written yet.
+    bool deleting = false;
 
     /// Null when no act has written the column.
     const ColumnNote* note(std::string_view column) const;

@@ -197,6 +197,15 @@ public:
     /// Does nothing: the row is the host's to remove. Always false.
     static bool DeleteDB() noexcept { return false; }
 
+    /// What became of an item that was to be deleted.
+    enum class Deletion {
+        Gone,   ///< or there is no such file, or it is no database: nothing is left to delete
+        Waits,  ///< others hold the file, or it cannot be read or written now
+        Failed  ///< for good: the host's file cannot be changed in this way
+    };
+    /// Removes the event's row and its item's from the host's database, which `VLBase` names.
+    Deletion DeleteItem() const;
+
     /// The statements of the writers above; empty without a `GUID`. Texts are not escaped: with a
     /// double quote in it a statement is broken, and fails.
     std::string StatusStatement() const;

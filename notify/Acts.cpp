@@ -198,6 +198,60 @@ void Acts::Hide(const ActRow& row, bool hidden) {
     });
 }
 
+calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
+    const ErrScope scope;
+    auto result = calEvent::Deletion::Failed;
+    attempt([&] {
+        const calEvent& event = *row.event;
+        ledger_.change(db_.DBFullName, event.GUID, "delete", [&](EventState& state) {
+            state.deleting = true;
+            state.acted = clock_.now();
+        });
+        result = deleteNow(event);
+        if (result == calEvent::Deletion::Waits) {
+            enqueue({event.GUID, {}, event.VLBase});
+            state_.waitingWrites = static_cast<int>(waiting_.size());
+        }
+    });
+    if (result != calEvent::Deletion::Failed) {
+        leaveSets(row.event->GUID);
+        LeaveNewList(row.event->GUID);
+    }
+    return result;
+}
+
+// The row goes when the host's item is gone: else the host would make it anew.
+calEvent::Deletion Acts::deleteNow(const calEvent& event) {
+    auto result = event.DeleteItem();
+    if (result == calEvent::Deletion::Gone) {
+        db_.Execute("DELETE * FROM Reminders WHERE (GUID=\"" + event.GUID + "\");");
+        trouble_ = db_.LastErrorText();
+        if (db_.LastError() != ErrNo::None) {
+            result = passes(db_) ? calEvent::Deletion::Waits : calEvent::Deletion::Failed;
+        }
+    }
+    if (result != calEvent::Deletion::Waits) {
+        ledger_.change(db_.DBFullName, event.GUID, "deleted",
+                       [](EventState& state) { state.deleting = false; });
+    }
+    return result;
+}
+
+bool Acts::deleteLater(const Write& write) {
+    calEvent carrier;
+    carrier.GUID = write.GUID;
+    carrier.VLBase = write.text;
+    return deleteNow(carrier) != calEvent::Deletion::Waits;
+}
+
+void Acts::leaveSets(const std::string& GUID) {
+    for (CalEvents* set : {&period_, &reminders_}) {
+        if (set->mCol) {
+            set->mCol->Remove(GUID);
+        }
+    }
+}
+
 void Acts::LeaveNewList(std::string_view GUID) {
     const ErrScope scope;
     for (GenCollection* list : {state_.NewReminders.get(), state_.LastEventsReminded.get()}) {
@@ -273,6 +327,9 @@ void Acts::enqueue(Write write) {
 }
 
 bool Acts::write(const Write& write) {
+    if (write.column.empty()) {
+        return deleteLater(write);
+    }
     calEvent carrier;
     carrier.GUID = write.GUID;
     if (!attempt([&] { carrier.setProperty(write.column, Variant(write.text)); })) {
@@ -316,6 +373,10 @@ void Acts::RestoreWaiting() {
         return false;
     });
     for (const Write& write : waiting_) {
+        if (write.column.empty()) {
+            leaveSets(write.GUID);
+            continue;
+        }
         for (const CalEvents* set : {&period_, &reminders_}) {
             if (const auto event = heldBy(set->mCol, write.GUID)) {
                 attempt([&] { event->setProperty(write.column, Variant(write.text)); });
@@ -333,6 +394,10 @@ void Acts::findLeftOver() {
     for (const auto& one : known) {
         auto event = heldBy(period_.mCol, one.GUID);
         event = event ? event : heldBy(reminders_.mCol, one.GUID);
+        if (event && one.state.deleting) {
+            enqueue({event->GUID, {}, event->VLBase});
+            continue;
+        }
         for (const std::string_view name : kStateColumns) {
             const ColumnNote* note = one.state.note(name);
             if (event && note != nullptr && note->waits(columnText(*event, name))) {

@@ -58,6 +58,11 @@ public:
     /// Hidden from the views; its reminders still come.
     void Hide(const ActRow& row, bool hidden = true);
 
+    /// Deletes the item in the host's file, then its row. The event leaves both sets at once. Where
+    /// the host's file is held by others (`Waits`) the act stands in the ledger and is done later;
+    /// `Failed`: it cannot be done, and the event stays.
+    calEvent::Deletion DeleteItem(const ActRow& row);
+
     /// The event under a row's `GUID` as the sets hold it now, else the row's own: what the
     /// captions of a dialog are taken from, with the row's occurrence in it. Never null.
     std::shared_ptr<calEvent> EventOf(const ActRow& row);
@@ -79,7 +84,8 @@ public:
     const std::string& Trouble() const noexcept { return trouble_; }
 
 private:
-    /// A column of a row that is to hold `text`.
+    /// A column of a row that is to hold `text`; without a column the event's item is to be
+    /// deleted, and `text` is the host's file.
     struct Write {
         std::string GUID;
         std::string column;
@@ -96,6 +102,9 @@ private:
                  const std::vector<std::string>& columns) const;
     void enqueue(Write write);
     bool write(const Write& write);
+    calEvent::Deletion deleteNow(const calEvent& event);
+    bool deleteLater(const Write& write);
+    void leaveSets(const std::string& GUID);
     void findLeftOver();
 
     CalEvents& reminders_;

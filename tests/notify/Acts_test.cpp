@@ -362,5 +362,87 @@ TEST_F(ActsOnFile, AWriteThatCanNeverSucceedDoesNotBlockTheOthers) {
     EXPECT_EQ(stored(kDentist)->NextReminder, at(14, 5));
 }
 
+/// A host's file with the dentist's event and its item, among others.
+class Deleting : public ActsOnFile {
+protected:
+    void SetUp() override {
+        ActsOnFile::SetUp();
+        host.DBFullName = (folder / "Home.vldb").string();
+        fs::copy_file(test::repoFile("data/first-light.RemindDB"), host.DBFullName);
+        in_("CREATE TABLE Event (GUID TEXT(255), ItemID LONG)");
+        in_("CREATE TABLE [\u00AFItems] (ItemID LONG, Title TEXT(50))");
+        in_(std::string("INSERT INTO Event (GUID, ItemID) VALUES (\"") + kDentist + "\", 7)");
+        in_("INSERT INTO Event (GUID, ItemID) VALUES (\"{other}\", 8)");
+        in_("INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (7, \"Dentist\")");
+        in_("INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (8, \"Other\")");
+    }
+    void in_(const std::string& statement) {
+        host.Execute(statement);
+        ASSERT_EQ(host.LastErrorText(), "") << statement;
+    }
+    std::size_t count(const std::string& table) {
+        const auto rows = host.OpenRS("SELECT * FROM " + table);
+        const std::size_t n = rows->RecordCount();
+        host.CloseDB();
+        return n;
+    }
+    ActRow itemOf(const std::string& VLBase) {
+        elsewhere("UPDATE Reminders SET VLBase = \"" + VLBase + "\" WHERE GUID=\"" + kDentist +
+                  "\"");
+        read();
+        return dentist();
+    }
+    DBRemindUtils host;
+};
+
+TEST_F(Deleting, TakesTheItemOutOfTheHostsFileAndThenTheRow) {
+    EXPECT_EQ(acts.DeleteItem(itemOf(host.DBFullName)), calEvent::Deletion::Gone);
+    EXPECT_EQ(count("Event"), 1U);
+    EXPECT_EQ(count("[\u00AFItems]"), 1U);
+    EXPECT_FALSE(stored(kDentist));
+    EXPECT_FALSE(period.mCol->Exists(kDentist));
+    EXPECT_FALSE(reminders.mCol->Exists(kDentist));
+    EXPECT_FALSE(known(kDentist).deleting);
+}
+
+TEST_F(Deleting, TheRowGoesAlsoWhereThereIsNoHostsFileOrItIsNoDatabase) {
+    EXPECT_EQ(acts.DeleteItem(itemOf((folder / "nowhere.vldb").string())),
+              calEvent::Deletion::Gone);
+    EXPECT_FALSE(stored(kDentist));
+    elsewhere("DELETE * FROM Reminders WHERE GUID=\"{956ABE94-E18E-437E-878F-EF5EC79876F1}\"");
+    test::writeFile(folder / "text.vldb", "this is no database");
+    const auto standUp = in(period, "{956ABE94-E18E-437E-878F-EF5EC79876F1}");
+    standUp->VLBase = (folder / "text.vldb").string();
+    EXPECT_EQ(acts.DeleteItem({standUp, at(9, 30), at(9, 25)}), calEvent::Deletion::Gone);
+}
+
+TEST_F(Deleting, WaitsWhileTheHostsFileCannotBeReadAlsoOverARestart) {
+    const std::string path = host.DBFullName;
+    fs::rename(path, folder / "held");
+    fs::create_directory(path);  // there, and not to be read
+    EXPECT_EQ(acts.DeleteItem(itemOf(path)), calEvent::Deletion::Waits);
+    EXPECT_EQ(state.waitingWrites, 1);
+    EXPECT_TRUE(stored(kDentist)) << "the row stays until the item is gone";
+    EXPECT_FALSE(period.mCol->Exists(kDentist)) << "but it is not shown";
+    read();
+    acts.RestoreWaiting();
+    EXPECT_FALSE(period.mCol->Exists(kDentist)) << "nor after a read";
+    acts.WriteWaiting();
+    EXPECT_EQ(state.waitingWrites, 1);
+
+    Ledger again(clock, (folder / "VLReminders.ledger").string());
+    CalEvents set(db, clock);
+    set.ReadDB(true, false);
+    ReminderState fresh;
+    Acts next(set, set, db, clock, again, fresh);
+    next.RestoreWaiting();
+    fs::remove(path);
+    fs::rename(folder / "held", path);
+    next.WriteWaiting();
+    EXPECT_EQ(fresh.waitingWrites, 0);
+    EXPECT_EQ(count("Event"), 1U);
+    EXPECT_FALSE(stored(kDentist));
+}
+
 }  // namespace
 }  // namespace vl

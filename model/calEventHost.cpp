@@ -1,0 +1,60 @@
+// The event's item in the host's own database.
+#include "app/Files.h"
+#include "db/DBRemindUtils.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+namespace {
+
+// The host marks the names of its tables of items and fields with a macron in front.
+constexpr const char* kItems = "[\u00AFItems]";
+
+bool passes(ErrNo error) { return error == ErrNo::Locked || error == ErrNo::Io; }
+
+bool isNoDatabase(ErrNo error) { return error == ErrNo::Format || error == ErrNo::NotFound; }
+
+// Of the rows that the statement gives, none when it fails.
+std::vector<std::int32_t> itemsOf(DBRemindUtils& host, const std::string& where) {
+    std::vector<std::int32_t> items;
+    const auto rows = host.OpenRS("SELECT * FROM Event" + where);
+    for (; rows->isOpen() && !rows->EOF_(); rows->MoveNext()) {
+        attempt([&] { items.push_back(rows->value("ItemID").toInt32()); });
+    }
+    return items;
+}
+
+}  // namespace
+
+calEvent::Deletion calEvent::DeleteItem() const {
+    const ErrScope scope;
+    if (GUID.empty() || !fileExists(VLBase)) {
+        return Deletion::Gone;
+    }
+    DBRemindUtils host;
+    host.DBFullName = VLBase;
+    const std::string where = " WHERE GUID=\"" + GUID + "\"";
+    const std::vector<std::int32_t> items = itemsOf(host, where);
+    if (host.LastError() != ErrNo::None) {
+        return passes(host.LastError())         ? Deletion::Waits
+               : isNoDatabase(host.LastError()) ? Deletion::Gone
+                                                : Deletion::Failed;
+    }
+    // The item first: as long as the event's row is there, it can be found again.
+    for (const std::int32_t item : items) {
+        host.Execute(std::string("DELETE * FROM ") + kItems +
+                     " WHERE ItemID=" + std::to_string(item));
+        if (passes(host.LastError())) {
+            return Deletion::Waits;
+        }
+        if (host.LastError() != ErrNo::None && host.LastError() != ErrNo::NotFound) {
+            return Deletion::Failed;
+        }
+    }
+    host.Execute("DELETE * FROM Event" + where);
+    return host.LastError() == ErrNo::None ? Deletion::Gone
+           : passes(host.LastError())      ? Deletion::Waits
+                                           : Deletion::Failed;
+}
+
+}  // namespace vl
