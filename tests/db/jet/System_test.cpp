@@ -1,0 +1,104 @@
+// What the machine's own files do to a change: a full disk, a vanished folder, locks.
+#include <gtest/gtest.h>
+
+#ifndef _WIN32
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+#include "LockFile.h"
+#include "Rows.h"
+#include "Statements.h"
+#include "db/jet/FileStamp.h"
+#include "support/ErrorOf.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+using jet::Access;
+using jet::Database;
+using jet::LockKind;
+using test::errorOf;
+
+struct JetSystem : testing::Test {
+    JetSystem() { test::writeFile(path, test::firstLight()); }
+    Database open(Access access) {
+        jet::OpenOptions options;
+        options.patience = std::chrono::milliseconds(0);
+        return Database::open(path.string(), access, options);
+    }
+
+    test::TempFolder folder;
+    const std::filesystem::path path = folder / "reminders.RemindDB";
+};
+
+TEST_F(JetSystem, TwoOpenFilesOfOneProcessExcludeEachOther) {
+    const auto one = jet::openFile(path.string(), Access::ReadWrite);
+    const auto two = jet::openFile(path.string(), Access::ReadWrite);
+    constexpr std::uint64_t kFar = 0xC0000001;  // past what a file of this format can hold
+    EXPECT_TRUE(one->tryLock(kFar, 1, LockKind::Shared));
+    EXPECT_TRUE(two->tryLock(kFar, 1, LockKind::Shared));
+    EXPECT_FALSE(two->tryLock(kFar + 1, 1, LockKind::Exclusive) &&
+                 one->tryLock(kFar + 1, 1, LockKind::Exclusive));
+    EXPECT_TRUE(one->heldByOthers(kFar + 1));
+    two->unlock(kFar + 1, 1);
+    EXPECT_FALSE(one->heldByOthers(kFar + 1));
+    EXPECT_EQ(std::filesystem::file_size(path), test::firstLight().size());
+}
+
+TEST_F(JetSystem, AFileIsKnownAgainByMoreThanItsName) {
+    const auto file = jet::openFile(path.string(), Access::Read);
+    EXPECT_TRUE(jet::systemFiles().names(path.string(), *file));
+    test::writeFile(folder / "other", test::firstLight());
+    EXPECT_FALSE(jet::systemFiles().names((folder / "other").string(), *file));
+    EXPECT_FALSE(jet::systemFiles().names((folder / "none").string(), *file));
+}
+
+TEST_F(JetSystem, AChangeIsSeenFromOutsideAndLeavesOneFile) {
+    const jet::FileStamp before = jet::stampOf(path.string());
+    {
+        auto db = open(Access::ReadWrite);
+        test::statements()[2].run(db);
+        EXPECT_TRUE(std::filesystem::exists(jet::lockFileOf(path.string())));
+    }
+    EXPECT_NE(jet::stampOf(path.string()), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    test::expectSound(test::readFile(path));
+}
+
+TEST_F(JetSystem, NobodyWritesIntoAFolderThatIsGone) {
+    auto db = open(Access::ReadWrite);
+    std::filesystem::remove_all(folder.path());
+    EXPECT_EQ(errorOf([&] { test::statements()[0].run(db); }), ErrNo::Io);
+    EXPECT_EQ(errorOf([&] { db.tables(); }), ErrNo::Io);
+    EXPECT_FALSE(std::filesystem::exists(folder.path()));
+}
+
+#ifndef _WIN32
+TEST_F(JetSystem, AFullDiskTakesTheStatementBack) {
+    const auto limit = [](rlim_t most) {
+        struct rlimit both {};
+        ::getrlimit(RLIMIT_FSIZE, &both);
+        both.rlim_cur = std::min(most, both.rlim_max);
+        ::setrlimit(RLIMIT_FSIZE, &both);
+    };
+    const auto old = std::signal(SIGXFSZ, SIG_IGN);
+    // Room for the journal but not for the rows, and for neither.
+    for (const rlim_t more : {rlim_t{jet::kPageSize}, rlim_t{0}}) {
+        auto db = open(Access::ReadWrite);
+        limit(more == 0 ? 100 : test::firstLight().size() + more);
+        EXPECT_EQ(errorOf([&] { test::statements()[4].run(db); }), ErrNo::Io);
+        limit(RLIM_INFINITY);
+        EXPECT_TRUE(test::readFile(path) == test::firstLight());
+    }
+    std::signal(SIGXFSZ, old);
+    auto db = open(Access::ReadWrite);
+    test::statements()[4].run(db);
+    EXPECT_GT(std::filesystem::file_size(path), test::firstLight().size());
+}
+#endif
+
+}  // namespace
+}  // namespace vl
