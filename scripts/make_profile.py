@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""A profile to run the program on: settings of its own and the sample database, moved to now.
+"""A profile to run the program on: settings of its own and a new database with the sample's events,
+moved to now.
 
     make_profile.py FOLDER REMINDB
 
@@ -29,9 +30,9 @@ def _sql(remindb, file, statement):
     return [json.loads(line) for line in done.stdout.splitlines()]
 
 
-def read_events(remindb, file):
-    """The columns that the plan needs, dates as `datetime`."""
-    events = _sql(remindb, file, f"SELECT {', '.join(_READ)} FROM Reminders")
+def read_events(remindb, file, columns=_READ):
+    """The columns that the plan needs, or others, dates as `datetime`."""
+    events = _sql(remindb, file, f"SELECT {', '.join(columns)} FROM Reminders")
     for event in events:
         for column in sample_plan.MOVED_COLUMNS:
             if event[column] is not None:
@@ -39,15 +40,20 @@ def read_events(remindb, file):
     return events
 
 
-def _change(remindb, file, guid, values):
-    assignments = ", ".join(f"{column} = {_literal(v)}" for column, v in values.items())
-    done = _sql(remindb, file, f'UPDATE Reminders SET {assignments} WHERE GUID = "{guid}"')
+def _insert(remindb, file, event):
+    values = {column: _literal(v) for column, v in event.items() if v is not None}
+    done = _sql(remindb, file, f"INSERT INTO Reminders ([{'], ['.join(values)}]) "
+                               f"VALUES ({', '.join(values.values())})")
     if done != [{"affected": 1}]:
-        raise RuntimeError(f"moving the event {guid}: expected one row, got {done}")
+        raise RuntimeError(f"adding the event {event['GUID']}: expected one row, got {done}")
 
 
 def _literal(value):
-    return f"#{value:%Y-%m-%d %H:%M:%S}#" if isinstance(value, datetime) else str(value)
+    if isinstance(value, datetime):
+        return f"#{value:%Y-%m-%d %H:%M:%S}#"
+    if isinstance(value, str):
+        return '"' + value.replace('"', '""') + '"'
+    return str(value)
 
 
 def _local(moment):
@@ -67,12 +73,13 @@ def make(folder, remindb):
         shutil.rmtree(path, ignore_errors=True)
         os.makedirs(path)
     file = os.path.join(db, DATABASE)
-    shutil.copyfile(SAMPLE, file)
+    subprocess.run([remindb, "new", file], check=True)
 
     now = datetime.now(timezone.utc).replace(microsecond=0)
-    plan = sample_plan.plan(read_events(remindb, file), now, _local)
-    for guid, values in plan.changes.items():
-        _change(remindb, file, guid, values)
+    events = read_events(remindb, SAMPLE, ("*",))
+    plan = sample_plan.plan(events, now, _local)
+    for event in events:
+        _insert(remindb, file, {**event, **plan.changes[event["GUID"]]})
     return plan.due
 
 

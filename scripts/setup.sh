@@ -3,6 +3,9 @@
 #
 #   scripts/setup.sh LIST...
 #
+# A line is a package, and perhaps a command: where that is there already, whoever brought it, the
+# package is not needed.
+#
 # Silent, and without touching the network, when nothing is missing. Waits for another apt that is
 # at work. Needs root or sudo only when there is something to install. On a system without apt it
 # says what is needed and lets the caller go on.
@@ -13,9 +16,10 @@ patience=600  # seconds to wait for another apt
 
 wanted=()
 for list in "$@"; do
-    while read -r line; do
-        line=${line%%#*}
-        [ -z "$line" ] || wanted+=("$line")
+    while read -r package command; do
+        [ -n "${package%%#*}" ] || continue
+        [ -n "$command" ] && command -v "$command" >/dev/null && continue
+        wanted+=("$package")
     done <"$here/packages/$list.txt"
 done
 
