@@ -54,7 +54,6 @@ int main(int argc, char** argv) {
         vl::openTrace(file);
     }
     QApplication::setApplicationName("vlreminders");
-    QApplication::setApplicationDisplayName("VL Reminders");
     QApplication::setApplicationVersion(VL_VERSION);
     QApplication::setDesktopFileName("vlreminders");
     QApplication application(argc, argv);

@@ -53,6 +53,8 @@ struct ReminderState {
 
     /// The event of the current row of the selected tab; null when there is none.
     std::shared_ptr<calEvent> curEvent;
+
+    bool bIsDismiss = true;  // the button dismisses; false: it reactivates
 };
 
 }  // namespace vl

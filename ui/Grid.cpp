@@ -127,7 +127,16 @@ void Grid::setRows(std::vector<GridRow> rows) {
 
 void Grid::putRow(GridRow row) { model_.putRow(std::move(row)); }
 
-bool Grid::RemoveGUID(std::string_view GUID) { return model_.removeRow(GUID); }
+bool Grid::RemoveGUID(std::string_view GUID) {
+    const QModelIndex index = proxy_.indexOf(GUID);
+    const bool chosen = index.isValid() && selectionModel()->isSelected(index);
+    const bool removed = model_.removeRow(GUID);
+    // Who works through a list has the next row at hand.
+    if (chosen && removed && !selectionModel()->hasSelection() && currentIndex().isValid()) {
+        setCurrentIndex(currentIndex());
+    }
+    return removed;
+}
 
 bool Grid::SelectGUID(std::string_view GUID) {
     const QModelIndex index = proxy_.indexOf(GUID);
@@ -151,13 +160,13 @@ void Grid::ScrollDown(int down, int right) {
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() + right);
 }
 
-std::string Grid::neighbourOfCurrent() const {
-    const int current = currentIndex().row();
+std::string Grid::neighbourOf(std::string_view GUID) const {
+    const int current = proxy_.indexOf(GUID).row();
     if (current < 0 || proxy_.rowCount() < 2) {
         return {};
     }
-    const bool last = current == proxy_.rowCount() - 1;
-    return plainText(proxy_.row(last ? current - 1 : current + 1).GUID);
+    const bool isLast = current == proxy_.rowCount() - 1;
+    return plainText(proxy_.row(isLast ? current - 1 : current + 1).GUID);
 }
 
 std::vector<int> Grid::selectedPositions() const {
@@ -237,6 +246,15 @@ void Grid::contextMenuEvent(QContextMenuEvent* event) {
         at = viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft());
     }
     emit menuAsked(at);
+}
+
+// Who comes by the keyboard finds a row that the buttons are about.
+void Grid::focusInEvent(QFocusEvent* event) {
+    QTreeView::focusInEvent(event);
+    if (event->reason() != Qt::MouseFocusReason && !selectionModel()->hasSelection() &&
+        currentIndex().isValid()) {
+        setCurrentIndex(currentIndex());
+    }
 }
 
 // Not `activated`: where the desktop opens by a single click, that would open each row chosen.

@@ -37,13 +37,14 @@ public:
 
     void setRows(std::vector<GridRow> rows);
     void putRow(GridRow row);
+    /// Where that was the only selected row, the one that is current then is selected.
     bool RemoveGUID(std::string_view GUID);
 
     /// Makes the row current, alone selected and visible. False when it is not shown.
     bool SelectGUID(std::string_view GUID);
     void selectFirst();
-    /// The row after the current one, or the one before it where that is the last; empty for none.
-    std::string neighbourOfCurrent() const;
+    /// The row after that of `GUID`, or the one before it where that is the last; empty for none.
+    std::string neighbourOf(std::string_view GUID) const;
     /// Scrolls one step: by so many pixels down and to the right, as far as there is something.
     void ScrollDown(int down, int right = 0);
     /// Of the selected rows, from top to bottom.
@@ -87,6 +88,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void selectionChanged(const QItemSelection& selected,
                           const QItemSelection& deselected) override;

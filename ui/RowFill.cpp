@@ -25,6 +25,15 @@ std::string inParentheses(const std::string& text) {
     return text.empty() ? text : '(' + text + ')';
 }
 
+RowOccurrence recorded(calEvent& event, DateTime start, DateTime reminder) {
+    event.InstanceStart = start;
+    event.dReminder = reminder;
+    event.iRemMinutes = reminder.isZero()
+                            ? calEvent::kNoReminder
+                            : static_cast<std::int32_t>(minutesBetween(reminder, start));
+    return {start, reminder};
+}
+
 }  // namespace
 
 RowOccurrence recordedOccurrence(const calEvent& event) {
@@ -46,11 +55,12 @@ RowOccurrence nearestOccurrence(calEvent& event, DateTime now) {
     if (reminder.isZero() && event.RemindersCol && event.RemindersCol->Count() > 0) {
         reminder = event.FirstReminderD();
     }
-    event.dReminder = reminder;
-    event.iRemMinutes = reminder.isZero()
-                            ? calEvent::kNoReminder
-                            : static_cast<std::int32_t>(minutesBetween(reminder, start));
-    return {start, reminder};
+    return recorded(event, start, reminder);
+}
+
+RowOccurrence snoozedOccurrence(calEvent& event, DateTime start) {
+    event.iRemMinutesNext = calEvent::kNoReminder;
+    return recorded(event, start, event.NextReminder);
 }
 
 GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,

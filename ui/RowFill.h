@@ -21,6 +21,10 @@ RowOccurrence recordedOccurrence(const calEvent& event);
 /// next reminder, else its first. Leaves that occurrence in the event, as a query does.
 RowOccurrence nearestOccurrence(calEvent& event, DateTime now);
 
+/// For an event that was just snoozed: its next reminder, of the occurrence at `start`. Leaves that
+/// occurrence in the event, as a query does.
+RowOccurrence snoozedOccurrence(calEvent& event, DateTime start);
+
 /// A snapshot for `grid` (2: events, else reminders). `time` writes hours and minutes.
 GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,
               const TimeText& time);

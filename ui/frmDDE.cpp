@@ -13,6 +13,7 @@
 
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
+#include "ui/SplitButton.h"
 #include "ui/UpDown.h"
 
 namespace vl {
@@ -96,6 +97,8 @@ void frmDDE::build() {
     lblStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     lblNotice = named(new QLabel(this), "lblNotice");
     lblNotice->setTextFormat(Qt::PlainText);
+    butSnooze = named(new QPushButton(this), "butSnooze");
+    butDismiss = named(new SplitButton(this), "butDismiss");
     butOpen = named(new QPushButton(tr("&Open"), this), "butOpen");
     butOpen->setToolTip(tr("Open the event in Velmora"));
     butMenu = named(new QPushButton(tr("&Menu"), this), "butMenu");
@@ -113,6 +116,8 @@ void frmDDE::build() {
     top->addStretch(1);
     top->addWidget(lblTime);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(butSnooze);
+    buttons->addWidget(butDismiss);
     buttons->addWidget(butOpen);
     buttons->addStretch(1);
     buttons->addWidget(butMenu);
@@ -152,6 +157,10 @@ void frmDDE::wire() {
     connect(tabs, &QTabWidget::currentChanged, this, &frmDDE::tabs_Changed);
     connect(txtSearch, &QLineEdit::textChanged, this, &frmDDE::txtSearch_Changed);
     connect(butHide, &QPushButton::clicked, this, &frmDDE::HideMe);
+    connect(butSnooze, &QPushButton::clicked, this, &frmDDE::butSnooze_Click);
+    connect(butDismiss, &SplitButton::clicked, this, &frmDDE::butDismiss_Click);
+    connect(butDismiss, &SplitButton::quickChosen, this, [this] { dismissAsked(false); });
+    connect(butDismiss, &SplitButton::chooseChosen, this, [this] { dismissAsked(true); });
     connect(butOpen, &QPushButton::clicked, this, &frmDDE::butOpen_Click);
     for (Grid* each : grids_) {
         wireGrid(*each);
@@ -165,6 +174,7 @@ void frmDDE::wireGrid(Grid& each) {
     connect(&each, &Grid::countChanged, this, &frmDDE::UpdateUI);
     connect(&each, &Grid::columnsChanged, this, &frmDDE::columnsChanged);
     connect(&each, &Grid::openAsked, this, &frmDDE::butOpen_Click);
+    connect(&each, &Grid::dismissAsked, this, &frmDDE::dismissAsked);
     connect(&each, &Grid::menuAsked, this, &frmDDE::gridMenu);
     connect(&each, &Grid::headingMenuAsked, this,
             [&each](const QPoint& at) { headingMenu(each, at); });

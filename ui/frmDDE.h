@@ -22,6 +22,7 @@
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
 #include "notify/UpdateCycle.h"
+#include "ui/DialogParts.h"
 #include "ui/Grid.h"
 #include "ui/GridUtils.h"
 #include "ui/MessageBoxes.h"
@@ -41,7 +42,9 @@ namespace vl {
 
 class Settings;
 class SoundPlayer;
+class SplitButton;
 class UpDown;
+class frmDismiss;
 
 /// What the window works with. All of it must outlive the window.
 struct WindowParts {
@@ -104,6 +107,7 @@ public:
     void MouseWheel();
     /// Opens the page of the window's help number.
     void ShowHelp();
+    bool isNewRemindersTab() const;
 
     // ReminderScreen
     void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
@@ -147,6 +151,8 @@ private:
     void mnuRefresh_Click();
     void mnuAbout_Click();
     void butOpen_Click();
+    void butSnooze_Click();
+    void butDismiss_Click();
     void lookForTray();
 
     // building (frmDDE.cpp)
@@ -184,13 +190,27 @@ private:
     void saveColumnsThatWait();
     static void headingMenu(Grid& of, const QPoint& at);
 
+    // acts on rows (frmDDEActs.cpp)
+    DialogParts dialogParts();
+    void doSnooze();
+    void doHide();
+    void dismissAsked(bool choose);
+    void dismiss();
+    void chooseDismiss();
+    void fillDismiss(frmDismiss& dialog, const ActRow& row);
+    void reactivate();
+    void leaveGrids(const std::vector<ActRow>& rows, int tab);
+    void leaveEmptyList(int tab);
+
     // menus (frmDDEMenus.cpp)
     MessageScreen& boxes();
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
     void updateButtons();
+    void updateDismiss(bool anySelected);
 
     // views (frmDDEViews.cpp)
+    bool isPeriod(std::string_view code) const;
     void ShowPeriod();
     void DoPeriodSS();
     void DoShowHidden();
@@ -207,6 +227,7 @@ private:
     std::string troubleText() const;
 
     // showing (frmDDEShow.cpp)
+    void openHelp(int page);
     void showWindow();
     void hideWindow();
     void keepPlace();
@@ -240,6 +261,8 @@ private:
     QTabWidget* tabs = nullptr;
     QLabel* lblStatus = nullptr;
     QLabel* lblNotice = nullptr;  // beside it: what is there but not shown, what is not saved
+    QPushButton* butSnooze = nullptr;
+    SplitButton* butDismiss = nullptr;
     QPushButton* butOpen = nullptr;
     QPushButton* butMenu = nullptr;
     QPushButton* butHide = nullptr;

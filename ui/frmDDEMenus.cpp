@@ -1,4 +1,7 @@
 // Menus of the window, and the entries that are commands of their own.
+#include <algorithm>
+
+#include <QItemSelectionModel>
 #include <QMenu>
 #include <QPushButton>
 
@@ -8,6 +11,7 @@
 #include "notify/OpenGUID.h"
 #include "ui/ColumnMenu.h"
 #include "ui/QtText.h"
+#include "ui/SplitButton.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
@@ -45,16 +49,62 @@ void frmDDE::gridMenu(const QPoint& at) {
 
 // What the buttons do, and the columns for who has no mouse.
 void frmDDE::fillGridMenu(QMenu& menu) {
-    QAction* open = menu.addAction(tr("&Open"), this, &frmDDE::butOpen_Click);
-    open->setObjectName("mnuOpen");
-    open->setEnabled(butOpen->isEnabled());
-    menu.setDefaultAction(open);
+    const auto add = [this, &menu](const char* name, const QString& text, const QAbstractButton* as,
+                                   void (frmDDE::*chosen)()) {
+        QAction* action = menu.addAction(text, this, chosen);
+        action->setObjectName(name);
+        action->setEnabled(as->isEnabled());
+        return action;
+    };
+    menu.setDefaultAction(add("mnuOpen", tr("&Open"), butOpen, &frmDDE::butOpen_Click));
+    menu.addSeparator();
+    add("mnuSnooze", butSnooze->text(), butSnooze, &frmDDE::butSnooze_Click);
+    if (state_.bIsDismiss) {
+        fillDismissMenu(menu, *butDismiss);
+    } else {
+        add("mnuReactivate", butDismiss->text(), butDismiss, &frmDDE::butDismiss_Click);
+    }
     menu.addSeparator();
     QMenu* columns = menu.addMenu(tr("&Columns"));
     columns->setObjectName("mnuColumns");
     fillColumnMenu(*columns, selectedGrid());
 }
 
-void frmDDE::updateButtons() { butOpen->setEnabled(selectedGrid().currentRow() != nullptr); }
+void frmDDE::updateButtons() {
+    const bool current = selectedGrid().currentRow() != nullptr;
+    const bool anySelected = selectedGrid().selectionModel()->hasSelection();
+    butOpen->setEnabled(current);
+    if (isNewRemindersTab()) {
+        butSnooze->setText(tr("&Snooze..."));
+        butSnooze->setToolTip(tr("Be reminded of the current row again later"));
+        butSnooze->setEnabled(current);
+    } else {
+        const bool hidden = isPeriod("H");
+        butSnooze->setText(hidden ? tr("Un&hide") : tr("&Hide"));
+        butSnooze->setToolTip(
+            hidden ? tr("List the selected events in the other views again")
+                   : tr("List the selected events in the view \"Hidden\" only; they still remind"));
+        butSnooze->setEnabled(anySelected);
+    }
+    updateDismiss(anySelected);
+}
+
+// Only rows that are shown as dismissed can be reactivated; a mixed choice is dismissed.
+void frmDDE::updateDismiss(bool anySelected) {
+    bool allDismissed = anySelected && !isNewRemindersTab();
+    if (allDismissed) {
+        const std::vector<GridRow> rows = selectedGrid().selectedRows();
+        allDismissed = std::all_of(rows.begin(), rows.end(),
+                                   [](const GridRow& row) { return row.dismissed > DateTime(); });
+    }
+    state_.bIsDismiss = !allDismissed;
+    butDismiss->setText(allDismissed ? tr("&Reactivate") : tr("&Dismiss..."));
+    butDismiss->setToolTip(
+        allDismissed
+            ? tr("Click to cancel dismiss action. Reminders will be re-enabled for this event")
+            : tr("Click to dismiss reminders for this event"));
+    butDismiss->setSplit(!allDismissed);
+    butDismiss->setEnabled(anySelected);
+}
 
 }  // namespace vl

@@ -157,9 +157,11 @@ QString frmDDE::GetIconText() {
     return text;
 }
 
-void frmDDE::ShowHelp() {
+void frmDDE::ShowHelp() { openHelp(helpNumber_); }
+
+void frmDDE::openHelp(int page) {
     if (!parts_.HelpBase.empty()) {
-        parts_.openDocument(parts_.HelpBase + std::to_string(helpNumber_));
+        parts_.openDocument(parts_.HelpBase + std::to_string(page));
     }
 }
 

@@ -17,13 +17,9 @@
 
 namespace vl {
 
-namespace {
-
-bool isPeriod(const ReminderState& state, std::string_view code) {
-    return text::equalsNoCase(state.sPeriod, code);
+bool frmDDE::isPeriod(std::string_view code) const {
+    return text::equalsNoCase(state_.sPeriod, code);
 }
-
-}  // namespace
 
 void frmDDE::cboPeriod_Changed(int index) {
     if (!loading_ && index >= 0) {
@@ -54,9 +50,9 @@ void frmDDE::DoPeriod() {
             each->setNow(now);
         }
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
-            grid(index).setDismissedView(isPeriod(state_, "Di"));
+            grid(index).setDismissedView(isPeriod("Di"));
         }
-        if (isPeriod(state_, "H")) {
+        if (isPeriod("H")) {
             DoShowHidden();
         } else {
             DoPeriodSS();
@@ -112,7 +108,7 @@ std::vector<GridRow> frmDDE::rowsOf(const GenCollection& events, int grid) const
 }
 
 bool frmDDE::isListed(const calEvent& event) const {
-    return !event.Hidden && (!isPeriod(state_, "Di") || event.Dismissed > DateTime());
+    return !event.Hidden && (!isPeriod("Di") || event.Dismissed > DateTime());
 }
 
 void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {

@@ -17,7 +17,7 @@ namespace vl::test {
 template <class Dialog, class Show>
 void whileOpen(Show&& show, const std::function<void(Dialog&)>& act) {
     // A test that ended the program's loop has left it closed for loops inside it.
-    QTimer::singleShot(0, QApplication::instance(), &QApplication::quit);
+    QTimer::singleShot(0, QApplication::instance(), [] { QApplication::exit(); });
     QApplication::exec();
     bool acted = false;
     QTimer::singleShot(0, QApplication::instance(), [&] {

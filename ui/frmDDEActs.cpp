@@ -1,0 +1,186 @@
+// What the buttons do to rows. Rows are copied before anything is asked: while a box is open
+// checks go on and refill the grids.
+#include <QApplication>
+#include <QTabWidget>
+
+#include "base/ErrorState.h"
+#include "notify/Acts.h"
+#include "notify/SnoozeText.h"
+#include "ui/QtText.h"
+#include "ui/frmDDE.h"
+#include "ui/frmDismiss.h"
+#include "ui/frmSnooze.h"
+
+namespace vl {
+
+namespace {
+
+ActRow actRow(const GridRow& row) { return {row.event, row.span.start, row.reminder}; }
+
+std::vector<ActRow> actRows(const std::vector<GridRow>& rows) {
+    std::vector<ActRow> asked;
+    asked.reserve(rows.size());
+    for (const GridRow& row : rows) {
+        asked.push_back(actRow(row));
+    }
+    return asked;
+}
+
+DismissMode modeOf(frmDismiss::Choice choice) {
+    switch (choice) {
+        case frmDismiss::Choice::After:
+            return DismissMode::AllButAfter;
+        case frmDismiss::Choice::All:
+            return DismissMode::All;
+        default:
+            return DismissMode::This;
+    }
+}
+
+}  // namespace
+
+DialogParts frmDDE::dialogParts() {
+    return {parts_.settings, parts_.clock, state_.bOnTop, [this](int page) { openHelp(page); }};
+}
+
+bool frmDDE::isNewRemindersTab() const { return tabs->currentIndex() == kNewRemindersGrid; }
+
+void frmDDE::butSnooze_Click() {
+    const ErrScope scope;
+    attempt([&] { isNewRemindersTab() ? doSnooze() : doHide(); });
+}
+
+void frmDDE::doSnooze() {
+    const int tab = tabs->currentIndex();
+    const GridRow* current = grid(tab).currentRow();
+    if (!current) {
+        return;
+    }
+    const ActRow row = actRow(*current);
+    const std::string GUID = row.event->GUID;
+    frmSnooze dialog(dialogParts(), this);
+    dialog.sTitle = snoozeTitle(row.event->Summary());
+    dialog.ShowModal();
+    const auto minutes = snoozeMinutes(dialog.sSnooze);
+    if (dialog.bCancel || !snoozeTime(dialog.sSnooze, parts_.clock.now()) ||
+        !acts_.Snooze(row, *minutes)) {
+        return;
+    }
+    const std::string neighbour = grid(tab).neighbourOf(GUID);
+    RemoveGUID(GUID, kNewRemindersGrid);
+    RemoveGUID(GUID, kAllRemindersGrid);
+    attempt([&] {
+        const auto event = acts_.EventOf(row);
+        snoozedOccurrence(*event, row.InstanceStart);
+        AddItemR(event, kAllRemindersGrid);
+    });
+    if (!neighbour.empty()) {
+        grid(tab).SelectGUID(neighbour);
+    }
+    leaveEmptyList(tab);
+}
+
+// The last new reminder was dealt with: there is nothing left to look at.
+void frmDDE::leaveEmptyList(int tab) {
+    if (tab == kNewRemindersGrid && grid(kNewRemindersGrid).rowCount() == 0) {
+        HideMe();
+    }
+    UpdateUI();
+    SetIcon();
+}
+
+void frmDDE::doHide() {
+    const bool hide = !isPeriod("H");
+    for (const ActRow& row : actRows(selectedGrid().selectedRows())) {
+        acts_.Hide(row, hide);
+        for (const int index : {kAllRemindersGrid, kEventsGrid}) {
+            RemoveGUID(row.event->GUID, index);
+        }
+    }
+    UpdateUI();
+}
+
+void frmDDE::butDismiss_Click() {
+    const ErrScope scope;
+    attempt([&] {
+        if (!state_.bIsDismiss) {
+            reactivate();
+        } else if (QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier)) {
+            chooseDismiss();
+        } else {
+            dismiss();
+        }
+    });
+}
+
+void frmDDE::dismissAsked(bool choose) {
+    const ErrScope scope;
+    if (state_.bIsDismiss) {
+        attempt([&] { choose ? chooseDismiss() : dismiss(); });
+    }
+}
+
+void frmDDE::dismiss() {
+    const int tab = tabs->currentIndex();
+    const std::vector<ActRow> rows = actRows(grid(tab).selectedRows());
+    for (const ActRow& row : rows) {
+        acts_.Dismiss(row, DismissMode::This);
+    }
+    leaveGrids(rows, tab);
+}
+
+void frmDDE::chooseDismiss() {
+    const int tab = tabs->currentIndex();
+    std::vector<ActRow> handled;
+    for (const ActRow& row : actRows(grid(tab).selectedRows())) {
+        frmDismiss dialog(dialogParts(), this);
+        fillDismiss(dialog, row);
+        dialog.ShowModal();
+        if (dialog.bCancel) {
+            continue;
+        }
+        acts_.Dismiss(row, modeOf(dialog.choice()), dialog.markDone());
+        handled.push_back(row);
+    }
+    leaveGrids(handled, tab);
+}
+
+void frmDDE::fillDismiss(frmDismiss& dialog, const ActRow& row) {
+    const DateTime now = parts_.clock.now();
+    const auto event = acts_.EventOf(row);
+    dialog.bCanDelete = false;
+    const DateTime next = row.reminder.isZero() ? event->NextReminderD(now) : row.reminder;
+    dialog.sNext = next.isZero() ? "No reminder ahead."
+                                 : "Reminder " + momentText(next, true, now, timeText_) + ".";
+    dialog.sEvent = event->SBMessage(row.InstanceStart, wordsOf(timeText_, now));
+}
+
+// Off all lists. The views then take in again, dimmed, what they list of dismissed events: at
+// once, so that no row is seen to go and come back.
+void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
+    if (rows.empty()) {
+        return;
+    }
+    state_.curEvent.reset();
+    for (const ActRow& row : rows) {
+        check_.RemoveGUIDAll(row.event->GUID);
+    }
+    DoPeriod();
+    leaveEmptyList(tab);
+}
+
+void frmDDE::reactivate() {
+    const std::vector<ActRow> rows = actRows(selectedGrid().selectedRows());
+    for (const ActRow& row : rows) {
+        acts_.Reactivate(row);
+    }
+    state_.curEvent.reset();
+    if (isPeriod("Di")) {
+        for (const ActRow& row : rows) {
+            check_.RemoveGUIDAll(row.event->GUID);
+        }
+    }
+    DoPeriod();
+}
+
+}  // namespace vl
