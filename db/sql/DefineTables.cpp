@@ -119,15 +119,14 @@ void define(const AddColumn& statement, jet::Database& db) {
 }
 
 void define(const CreateIndex& statement, jet::Database& db) {
-    at(statement.table, [&] {
-        const jet::Table table = db.table(statement.table.name);
-        requireColumns(statement.index, statement.table, [&](const std::string& name) {
-            return std::any_of(
-                table.columns().begin(), table.columns().end(),
-                [&](const jet::Column& column) { return text::equalsNoCase(column.name, name); });
+    std::vector<jet::Column> columns;
+    at(statement.table, [&] { columns = db.table(statement.table.name).columns(); });
+    requireColumns(statement.index, statement.table, [&](const std::string& name) {
+        return std::any_of(columns.begin(), columns.end(), [&](const jet::Column& column) {
+            return text::equalsNoCase(column.name, name);
         });
-        db.createIndex(statement.table.name, indexOf(statement.index));
     });
+    at(statement.table, [&] { db.createIndex(statement.table.name, indexOf(statement.index)); });
 }
 
 void define(const DropTable& statement, jet::Database& db) {
