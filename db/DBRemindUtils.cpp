@@ -11,6 +11,26 @@ namespace {
 
 constexpr int kTimeoutSeconds = 60;
 
+// Columns are looked for and added while the program starts, which must not wait long for others.
+jet::OpenOptions whileStarting() {
+    jet::OpenOptions options;
+    options.patience = std::chrono::milliseconds(200);
+    return options;
+}
+
+jet::ColumnType columnType(int FType) {
+    constexpr int kDecimal = 20;
+    constexpr int kGuid = 15;
+    if ((FType >= 1 && FType <= 12) || FType == kGuid) {
+        return static_cast<jet::ColumnType>(FType);
+    }
+    if (FType == kDecimal) {
+        return jet::ColumnType::Numeric;
+    }
+    throw Error(ErrNo::Unsupported,
+                "there is no type of columns with the number " + std::to_string(FType));
+}
+
 }  // namespace
 
 template <class Step>
@@ -134,13 +154,30 @@ bool DBRemindUtils::FieldExistsDB(std::string_view TName, std::string_view Field
     clearError();
     bool exists = false;
     step([&] {
-        const auto db = jet::Database::open(DBFullName, jet::Access::Read);
+        const auto db = jet::Database::open(DBFullName, jet::Access::Read, whileStarting());
         const jet::Table table = db.table(TName);
         exists = std::any_of(
             table.columns().begin(), table.columns().end(),
             [&](const jet::Column& c) { return text::equalsNoCase(c.name, FieldName); });
     });
     return exists;
+}
+
+ErrNo DBRemindUtils::AddField(std::string_view TName2, std::string_view FieldName, int FType,
+                              int /*fsize*/, const Variant& /*DefaultValue*/, bool /*isID*/) {
+    const ErrScope scope;
+    if (FieldExistsDB(TName2, FieldName)) {
+        return ErrNo::None;
+    }
+    clearError();
+    ++writes_;
+    step([&] {
+        jet::NewColumn column{std::string(FieldName), columnType(FType)};
+        column.allowZeroLength = true;
+        jet::Database::open(DBFullName, jet::Access::ReadWrite, whileStarting())
+            .addColumn(TName2, column);
+    });
+    return lastError_;
 }
 
 std::shared_ptr<GenCollection> DBRemindUtils::GetDeletedCol() {

@@ -43,8 +43,9 @@ public:
     /// of rows it changed, 0 when it failed.
     std::int64_t Execute(std::string_view statement);
 
-    /// Why the last `OpenDB`, `ReConnect`, `CloseAndOpenDB`, `OpenRS`, `Execute`, `FieldExistsDB`
-    /// or `GetDeletedCol` failed; `ErrNo::None` when it did not. `CloseDB` leaves it alone.
+    /// Why the last `OpenDB`, `ReConnect`, `CloseAndOpenDB`, `OpenRS`, `Execute`,
+    /// `FieldExistsDB`, `AddField` or `GetDeletedCol` failed; `ErrNo::None` when it did not.
+    /// `CloseDB` leaves it alone.
     ErrNo LastError() const noexcept { return lastError_; }
     /// The same in the engine's words, which name the file; empty when it did not fail.
     const std::string& LastErrorText() const noexcept { return lastErrorText_; }
@@ -83,6 +84,17 @@ public:
     /// Whether the table and in it the column exist, without regard to case. Looks into the file
     /// by itself: the connection stays as it is.
     bool FieldExistsDB(std::string_view TName, std::string_view FieldName);
+
+    // Types of columns as the host's data-access library counts them.
+    static constexpr int kYesNo = 1;
+    static constexpr int kDateTime = 8;
+    static constexpr int kText = 10;
+
+    /// Adds a column to a table that lacks it; texts may be empty there, and 255 characters long.
+    /// Returns `ErrNo::None` when the column is there afterwards, else why not. The last three are
+    /// accepted and not applied. Works on the file by itself: the connection stays as it is.
+    ErrNo AddField(std::string_view TName2, std::string_view FieldName, int FType, int fsize = 0,
+                   const Variant& DefaultValue = {}, bool isID = false);
 
     /// The GUIDs of the rows marked as deleted, in record order, each under itself. Never null.
     std::shared_ptr<GenCollection> GetDeletedCol();
