@@ -4,6 +4,7 @@
 
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "db/jet/ReadGuard.h"
 
 namespace vl {
 
@@ -45,6 +46,18 @@ void Connection::Open(std::string_view connectionString, std::string_view user,
     }
     db_ = jet::Database::open(file_, jet::Access::Read);
     access_ = jet::Access::Read;
+}
+
+void Connection::ForRows(std::string_view statement,
+                         const std::function<void(sql::RowStream&)>& visit) {
+    if (!db_) {
+        throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
+    }
+    jet::readWhole(*db_, [&] {
+        sql::RowStream rows(*db_, statement);
+        visit(rows);
+        return true;
+    });
 }
 
 sql::Result Connection::Execute(std::string_view statement) {

@@ -1,11 +1,13 @@
 // An open or closed way to a database file.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "db/jet/Database.h"
+#include "db/sql/RowStream.h"
 #include "db/sql/Sql.h"
 
 namespace vl {
@@ -42,6 +44,10 @@ public:
 
     /// One statement, as `sql::execute`. Throws `ErrNo::NotFound` on a closed connection.
     sql::Result Execute(std::string_view statement);
+
+    /// Shows the rows of a statement of which `sql::RowStream` is capable, as they are at one time:
+    /// where somebody else wrote meanwhile, `visit` is called once more with a new stream.
+    void ForRows(std::string_view statement, const std::function<void(sql::RowStream&)>& visit);
 
 private:
     std::string connectionString_;

@@ -116,6 +116,18 @@ std::shared_ptr<RecordSet> DBRemindUtils::OpenRS(std::string_view recName, int /
     return records;
 }
 
+bool DBRemindUtils::ForRows(std::string_view statement,
+                            const std::function<void(sql::RowStream&)>& visit) {
+    const ErrScope scope;
+    clearError();
+    if (!isOpen) {
+        OpenDB();
+    }
+    const bool done = isOpen && step([&] { connection_.ForRows(statement, visit); });
+    readTrouble_ = {lastError_, lastErrorText_};
+    return done;
+}
+
 std::int64_t DBRemindUtils::Execute(std::string_view statement) {
     const ErrScope scope;
     clearError();

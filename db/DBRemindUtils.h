@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,6 +39,12 @@ public:
     /// The rows of a SELECT, opening the database when it is not open. Never null: on failure it
     /// is not opened and holds no rows. `CursorType` is accepted; all record sets are alike.
     std::shared_ptr<RecordSet> OpenRS(std::string_view recName, int CursorType = 0);
+
+    /// Shows the rows of "SELECT * FROM ..." one after the other without keeping them, opening the
+    /// database when it is not open: `visit` moves the stream through all of them, and begins
+    /// anew when it is called again. False when that failed, also in the middle, or when `visit`
+    /// threw.
+    bool ForRows(std::string_view statement, const std::function<void(sql::RowStream&)>& visit);
 
     /// Runs a statement that writes and closes the database, whatever happened. Returns the number
     /// of rows it changed, 0 when it failed.

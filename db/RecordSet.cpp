@@ -39,9 +39,13 @@ int codeOf(ColumnType type) noexcept {
 
 }  // namespace
 
+RecordSet::Field RecordSet::fieldOf(sql::Field field) {
+    return {std::move(field.name), codeOf(field.type)};
+}
+
 RecordSet::RecordSet(sql::Result result) : open_(true), rows_(std::move(result.rows)) {
     for (sql::Field& field : result.fields) {
-        fields_.push_back({std::move(field.name), codeOf(field.type)});
+        fields_.push_back(fieldOf(std::move(field)));
     }
 }
 

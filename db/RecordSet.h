@@ -24,6 +24,9 @@ public:
         int type = 0;
     };
 
+    /// As a field of the database's own stands in a record set.
+    static Field fieldOf(sql::Field field);
+
     static constexpr int kStateClosed = 0;
     static constexpr int kStateOpen = 1;
 

@@ -1,7 +1,9 @@
 #include "events/CalEvents.h"
 
 #include "DueBook.h"
+#include "FullRead.h"
 #include "RowReader.h"
+#include "SharedReminders.h"
 #include "app/TimeZone.h"
 #include "base/ErrorState.h"
 
@@ -19,7 +21,9 @@ CalEvents::CalEvents(DBRemindUtils& db, const Clock& clock, std::string defaultR
       defaultReminders_(std::move(defaultReminders)),
       noLedger_(std::make_unique<Ledger>(clock)),
       ledger_(noLedger_.get()),
-      book_(std::make_unique<DueBook>()) {}
+      book_(std::make_unique<DueBook>()),
+      fullRead_(std::make_unique<FullRead>()),
+      reminders_(std::make_unique<SharedReminders>()) {}
 
 CalEvents::~CalEvents() = default;
 
@@ -30,30 +34,107 @@ void CalEvents::Add(const std::shared_ptr<calEvent>& event, std::string_view sKe
     mCol->Add(Variant(event), sKey);
 }
 
+bool CalEvents::isUnchanged(const Source& now) const {
+    return mCol && (source_.full || !now.full) && source_.filled.lock() == mCol &&
+           source_.look.same(now.look) && source_.IncludeAllDone == now.IncludeAllDone &&
+           source_.Dismissed == now.Dismissed;
+}
+
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
     const ErrScope scope;
-    if (!mCol || Reload) {
-        mCol = std::make_shared<GenCollection>();
+    // Looked at first: what is written while the rows are read counts as changed since.
+    Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}};
+    if (isUnchanged(now)) {
+        if (Reload) {
+            forgetQueries();
+        }
+        db_.CloseDB();
+        dLastRead = clock_.now();
+        return Reload ? source_.result : 0;
+    }
+    source_ = Source();
+    if (now.full) {
         dLastRead = DateTime();
     }
-    int result = 0;
-    const auto rows = db_.OpenRS(ReadStatement(IncludeAllDone, Dismissed, dLastRead));
-    if (rows && rows->isOpen() && !rows->EOF_()) {
-        result = 1;
-        const TimeZone local = TimeZone::local();
-        const RowReader reader(*rows, local);
-        for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
-            attempt([&] {
-                const auto event = readEvent(reader);
-                mCol->Remove(event->GUID);
-                Add(event, event->GUID);
-            });
-        }
-        rows->Close();
+    const std::string statement = ReadStatement(IncludeAllDone, Dismissed, dLastRead);
+    const bool complete = now.full ? readAll(statement, now) : readChanged(statement, now);
+    if (complete) {
+        now.filled = mCol;
+        source_ = now;
+    } else {
+        fullRead_->forget();
     }
     db_.CloseDB();
     dLastRead = clock_.now();
-    return result;
+    return now.result;
+}
+
+bool CalEvents::readAll(const std::string& statement, Source& source) {
+    const GenCollection before = mCol ? *mCol : GenCollection();
+    mCol = std::make_shared<GenCollection>();
+    const auto make = [this](const RowReader& reader, sql::RowStream& row) {
+        return readEvent([&](calEvent& event) {
+            reader.fill(event, [&row](std::size_t field) { return row.value(field); });
+        });
+    };
+    const auto all = fullRead_->read(db_, statement, before, make);
+    if (!all) {
+        return false;
+    }
+    mCol = all;
+    source.result = all->Count() > 0 ? 1 : 0;
+    return true;
+}
+
+bool CalEvents::readChanged(const std::string& statement, Source& source) {
+    const auto rows = db_.OpenRS(statement);
+    if (!rows || !rows->isOpen()) {
+        return false;
+    }
+    bool complete = true;
+    const TimeZone local = TimeZone::local();
+    const RowReader reader(rows->fields(), local);
+    for (; !rows->EOF_(); rows->MoveNext()) {
+        complete &= attempt([&] {
+            auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
+            if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
+                event = stillValid(known, event);
+            }
+            mCol->Remove(event->GUID);
+            Add(event, event->GUID);
+        });
+    }
+    source.result = rows->RecordCount() > 0 ? 1 : 0;
+    rows->Close();
+    return complete;
+}
+
+void CalEvents::forgetQueries() const {
+    for (const auto& [event, position] : held_.of(*mCol)) {
+        forgetQuery(*event);
+    }
+}
+
+void CalEvents::Adopt(const CalEvents& full) {
+    const ErrScope scope;
+    if (!full.mCol || (mCol && mCol->Stamp() == full.mCol->Stamp())) {
+        return;
+    }
+    if (mCol) {
+        for (const auto& [event, position] : held_.of(*mCol)) {
+            if (!event->dLastReminder.isZero()) {
+                if (const auto adopted = objectAt<calEvent>(*full.mCol, event->GUID)) {
+                    adopted->dLastReminder = event->dLastReminder;
+                }
+            }
+        }
+        *mCol = *full.mCol;
+    } else {
+        mCol = std::make_shared<GenCollection>(*full.mCol);
+        dLastRead = full.dLastRead;
+    }
+    source_ = full.source_;
+    source_.filled = mCol;
 }
 
 std::string CalEvents::ReadStatement(bool IncludeAllDone, std::optional<bool> Dismissed,
@@ -71,16 +152,17 @@ std::string CalEvents::ReadStatement(bool IncludeAllDone, std::optional<bool> Di
     return text;
 }
 
-std::shared_ptr<calEvent> CalEvents::readEvent(const RowReader& row) const {
+std::shared_ptr<calEvent> CalEvents::readEvent(const std::function<void(calEvent&)>& fill) const {
     auto event = std::make_shared<calEvent>();
-    row.fill(*event);
-    event->SetRemindersCol(defaultReminders_);
+    fill(*event);
+    reminders_->set(*event, defaultReminders_);
     return event;
 }
 
 void CalEvents::FillEvent(const RecordSet& row, calEvent& event) {
     const ErrScope scope;
-    RowReader(row, TimeZone::local()).fill(event);
+    const TimeZone local = TimeZone::local();
+    RowReader(row.fields(), local).fill(event, row);
 }
 
 std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const {
@@ -90,7 +172,8 @@ std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const
         const auto rows = db_.OpenRS(statement);
         if (rows && rows->isOpen() && !rows->EOF_()) {
             const TimeZone local = TimeZone::local();
-            event = readEvent(RowReader(*rows, local));
+            const RowReader reader(rows->fields(), local);
+            event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
             rows->Close();
         }
     });

@@ -11,13 +11,16 @@
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/GenCollection.h"
+#include "events/HeldEvents.h"
 #include "model/calEvent.h"
 
 namespace vl {
 
 class DueBook;
+class EventHistory;
+class FullRead;
 class Ledger;
-class RowReader;
+class SharedReminders;
 
 /// The set of events behind checks and views. Two of these live: one for the checks, one behind
 /// the period views. Events are shared with who asks for them, and both queries write
@@ -47,12 +50,35 @@ public:
     /// the last read are fetched, and rows that stopped matching stay. `Dismissed` keeps only rows
     /// with (true) or without (false) a dismissed time.
     /// Returns 1 when the query gave at least one row, else 0; never a count.
+    ///
+    /// An event whose row is as it was keeps its object, without what queries left in it. While
+    /// nobody has written the file since the last read that succeeded, there is nothing to ask for:
+    /// the set then keeps what it has, at the cost of a look at the file.
     int ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed = {});
+
+    /// Makes the set hold what `full` holds after a full read, however it came to differ: what an
+    /// incremental read has missed is added, what is not there any more leaves, and of what both
+    /// hold the objects of `full` are shared. Costs nothing when nothing differs.
+    void Adopt(const CalEvents& full);
 
     /// The query of a read: of what is not deleted, without what is all done and by `Dismissed` as
     /// above; since `dLastRead` only, when that is greater than 0.
     static std::string ReadStatement(bool IncludeAllDone, std::optional<bool> Dismissed,
                                      DateTime dLastRead);
+
+    // ---- events whose reminders are all past (CalEventsDone.cpp)
+
+    /// Gives the events that are finished the status "AllDone", in their rows, too. One is finished
+    /// a day after its last reminder of all, unless something about it is still open; a series
+    /// without an end never is. `history` knows what is open; without one the row alone says
+    /// whether its event is snoozed.
+    void UpdateAllDone(const EventHistory* history = nullptr);
+    /// Takes the events with that status out of the set.
+    void RemoveAllDone();
+    /// Takes those out that have it in `other`.
+    void RemoveAllDoneOf(const CalEvents& other);
+    /// Empties that status in all rows.
+    void RemoveAllDoneStatus();
 
     /// Copies the current row's columns into the properties of the same names; a column that the
     /// event does not know is passed over.
@@ -90,13 +116,25 @@ public:
     static std::string ReminderMSG(std::string_view message);
 
 private:
+    /// What a set was read from, and how.
+    struct Source {
+        DBRemindUtils::Look look;
+        bool IncludeAllDone = false;
+        std::optional<bool> Dismissed;
+        bool full = false;                    // by a read that started from empty
+        int result = 0;                       // of the read
+        std::weak_ptr<GenCollection> filled;  // the collection it filled
+    };
+
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
     void keepLeft();
-    std::shared_ptr<calEvent> readEvent(const RowReader& row) const;
-    std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
-    template <class Step>
-    void forEachHeld(Step&& step) const;  // every event that takes place
 
+    bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
+    bool readAll(const std::string& statement, Source& source);
+    bool readChanged(const std::string& statement, Source& source);
+    void forgetQueries() const;
+    std::shared_ptr<calEvent> readEvent(const std::function<void(calEvent&)>& fill) const;
+    std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
     DBRemindUtils& db_;
     const Clock& clock_;
     std::string defaultReminders_;
@@ -104,6 +142,10 @@ private:
     Ledger* ledger_;
     std::function<bool(std::string_view)> isListed_;
     std::unique_ptr<DueBook> book_;
+    Source source_;            // of the last read that succeeded
+    mutable HeldEvents held_;  // the events of `mCol`
+    std::unique_ptr<FullRead> fullRead_;
+    std::unique_ptr<SharedReminders> reminders_;
 };
 
 }  // namespace vl

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "DueRule.h"
+#include "EventQuiet.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
@@ -15,12 +16,6 @@ namespace {
 
 constexpr std::int32_t kNoReminder = calEvent::kNoReminder;
 constexpr int kException = 3;
-
-struct Window {
-    DateTime from;
-    DateTime to;
-    bool holds(DateTime d) const { return d >= from && d <= to; }
-};
 
 /// An exception that the host marked as deleted stands for an occurrence that is not held.
 bool takesPlace(const calEvent& event) { return event.ISRecurrenceExceptionDeleted == 0; }
@@ -103,6 +98,11 @@ std::optional<Due> dueIn(const calEvent& event, Window window,
     return std::nullopt;
 }
 
+bool isForgotten(const calEvent& event) {
+    return event.InstanceStart.isZero() && event.iRemMinutes == kNoReminder &&
+           event.iRemMinutesNext == kNoReminder;
+}
+
 void forget(calEvent& event) {
     event.InstanceStart = DateTime();
     event.iRemMinutes = kNoReminder;
@@ -155,17 +155,6 @@ private:
 
 }  // namespace
 
-// Each event is a step of its own: one that fails does not keep the others from being found.
-template <class Step>
-void CalEvents::forEachHeld(Step&& step) const {
-    for (const Variant& item : mCol ? *mCol : GenCollection()) {
-        const auto event = objectIn<calEvent>(item);
-        if (event && takesPlace(*event)) {
-            attempt([&] { step(event); });
-        }
-    }
-}
-
 std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime,
                                                     bool bPending) {
     const ErrScope scope;
@@ -173,25 +162,41 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
         return pendingCol(FromTime, ToTime);
     }
     const Window window{FromTime, ToTime};
+    const GenCollection held = mCol ? *mCol : GenCollection();
     Answer answer;
-    forEachHeld([&](const std::shared_ptr<calEvent>& event) {
-        const DateTime left = event->InstanceStart;
-        forget(*event);
-        const auto starts = instancesForReminders(*event, window, left);
-        if (const auto due = dueIn(*event, window, starts)) {
-            recordDue(*event, *due);
-            answer.take(event);
-            answer.noteException(event);
+    const auto look = [&](const HeldEvents::Held& one) {
+        calEvent& event = *one.event;
+        const DateTime left = event.InstanceStart;
+        forget(event);
+        const auto starts = instancesForReminders(event, window, left);
+        if (const auto due = dueIn(event, window, starts)) {
+            recordDue(event, *due);
+            const auto found = objectAt<calEvent>(held, one.position);
+            answer.take(found);
+            answer.noteException(found);
         }
-    });
+    };
+    for (const HeldEvents::Held& one : held_.of(held)) {
+        if (isForgotten(*one.event) && surelySilent(*one.event, window)) {
+            continue;
+        }
+        // Each event is a step of its own: one that fails does not keep the others from being
+        // found.
+        attempt([&] {
+            if (takesPlace(*one.event)) {
+                look(one);
+            }
+        });
+    }
     return answer.finish();
 }
 
 std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime ToDate) const {
     const ErrScope scope;
     const Window period{FromDate, ToDate};
+    const GenCollection held = mCol ? *mCol : GenCollection();
     Answer answer;
-    forEachHeld([&](const std::shared_ptr<calEvent>& event) {
+    const auto look = [&](const std::shared_ptr<calEvent>& event) {
         if (period.holds(event->StartDateTime)) {
             answer.noteException(event);
         }
@@ -203,7 +208,17 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
                 answer.take(event);
             }
         }
-    });
+    };
+    for (const HeldEvents::Held& one : held_.of(held)) {
+        if (surelyAbsent(*one.event, period)) {
+            continue;
+        }
+        attempt([&] {
+            if (takesPlace(*one.event)) {
+                look(objectAt<calEvent>(held, one.position));
+            }
+        });
+    }
     return answer.finish();
 }
 

@@ -1,5 +1,6 @@
 #include "events/GenCollection.h"
 
+#include <atomic>
 #include <utility>
 
 #include "KeyedSlots.h"
@@ -43,6 +44,8 @@ Variant plusOne(const Variant& value) {
 GenCollection::GenCollection() : items_(std::make_shared<KeyedSlots>()) {}
 
 KeyedSlots& GenCollection::own() {
+    static std::atomic<std::uint64_t> changes = 0;
+    stamp_ = ++changes;
     if (items_.use_count() > 1) {
         items_ = std::make_shared<KeyedSlots>(*items_);
     }
@@ -153,7 +156,10 @@ void GenCollection::Remove(IndexKey Index) {
     }
 }
 
-void GenCollection::Clear() { items_ = std::make_shared<KeyedSlots>(); }
+void GenCollection::Clear() {
+    items_ = std::make_shared<KeyedSlots>();
+    stamp_ = 0;
+}
 
 std::string GenCollection::Key(std::int64_t position) const {
     const auto slot = items_->slotAt(position);

@@ -165,6 +165,10 @@ public:
     /// Where the item under a key stands; 0 when there is none.
     std::size_t Position(std::string_view key) const;
 
+    /// Two collections with the same stamp hold the same. Each change gives a new one; a copy has
+    /// that of the original, an empty collection that was never filled has 0.
+    std::uint64_t Stamp() const noexcept { return stamp_; }
+
     /// Walks the values in list order.
     class Walk {
     public:
@@ -202,6 +206,7 @@ private:
     static bool isReplacedInPlace(const Variant& member);
 
     std::shared_ptr<KeyedSlots> items_;  // never null
+    std::uint64_t stamp_ = 0;
 };
 
 /// The object a value refers to; null when it refers to none, or to none of type `T`.

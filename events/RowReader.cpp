@@ -24,9 +24,10 @@ void clearExceptionFields(calEvent& master) {
 
 }  // namespace
 
-RowReader::RowReader(const RecordSet& rows, const TimeZone& local) : rows_(rows), local_(local) {
-    for (std::size_t i = 0; i < rows.fields().size(); ++i) {
-        const auto& field = rows.fields()[i];
+RowReader::RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local)
+    : local_(local) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const auto& field = fields[i];
         if (const EventProperty* property = calEvent::findProperty(field.name)) {
             const bool zero = field.type == kTypeInteger || field.type == kTypeDate;
             columns_.push_back({i, property, zero});
@@ -34,12 +35,16 @@ RowReader::RowReader(const RecordSet& rows, const TimeZone& local) : rows_(rows)
     }
 }
 
-void RowReader::fill(calEvent& event) const {
+void RowReader::fill(calEvent& event, const RecordSet& row) const {
+    fill(event, [&row](std::size_t field) { return row.value(field); });
+}
+
+void RowReader::fill(calEvent& event, const ValueOf& valueOf) const {
     static const Variant kZero(0);
     static const Variant kNoText("");
     for (const Column& column : columns_) {
+        const Variant value = valueOf(column.field);  // a row that cannot be read is none
         attempt([&] {
-            const Variant& value = rows_.value(column.field);
             const Variant& substitute = column.nullIsZero ? kZero : kNoText;
             event.setProperty(*column.property, value.isNull() ? substitute : value);
         });

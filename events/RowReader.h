@@ -1,6 +1,8 @@
 // Copies rows of a record set into events.
 #pragma once
 
+#include <functional>
+#include <span>
 #include <vector>
 
 #include "app/TimeZone.h"
@@ -9,16 +11,20 @@
 
 namespace vl {
 
-/// Knows which column of one record set goes into which property, so that each name is looked up
-/// once however many rows there are. `rows` must outlive it.
+/// Knows which column goes into which property, so that each name is looked up once however many
+/// rows there are.
 class RowReader {
 public:
-    /// `local` is the zone of the rows' times.
-    RowReader(const RecordSet& rows, const TimeZone& local);
+    /// Gives the field at a place, from 0, of the current row.
+    using ValueOf = std::function<Variant(std::size_t)>;
 
-    /// Copies the current row: a value that the property refuses leaves it as it was. A repeating
-    /// event's recurrence is loaded.
-    void fill(calEvent& event) const;
+    /// `local`, the zone of the rows' times, must outlive the reader.
+    RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local);
+
+    /// Copies a row: a value that the property refuses leaves it as it was. A repeating event's
+    /// recurrence is loaded.
+    void fill(calEvent& event, const ValueOf& valueOf) const;
+    void fill(calEvent& event, const RecordSet& row) const;
 
 private:
     struct Column {
@@ -27,7 +33,6 @@ private:
         bool nullIsZero;  // else null reads as an empty text
     };
 
-    const RecordSet& rows_;
     const TimeZone& local_;
     std::vector<Column> columns_;
 };

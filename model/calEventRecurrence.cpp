@@ -94,6 +94,7 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
     ExDates.reset();
     RDates.reset();
     compiled_.reset();
+    memo = EventMemo();
     if (!recurrence.empty()) {
         Recurrence::Source source{recurrence, StartDateTime, IsAllDayEvent, {}};
         attempt([&] { source.zone = zoneOfSeries(); });

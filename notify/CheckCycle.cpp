@@ -46,11 +46,18 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
       state_(state),
       screen_(screen),
       ledger_(ledger),
-      acts_(acts) {
+      acts_(acts),
+      history_(ledger, db) {
     reminders_.UseLedger(ledger_, [&listed = state_](std::string_view GUID) {
         return listed.LastEventsReminded->Exists(GUID);
     });
     period_.UseLedger(ledger_, {});
+}
+
+void CheckCycle::ReadAtStart() {
+    history_.uncheckedSince = UncheckedSince();
+    readAtStart(reminders_, period_, db_, &history_);
+    history_.uncheckedSince = DateTime();
 }
 
 void CheckCycle::Tick(int interval) {
@@ -73,6 +80,7 @@ void CheckCycle::check(int interval) {
         rebuildIndex();
         notify(message);
     }
+    changeDay();
     refreshPeriod();
     // Now, not the upper bound: what was taken early is found once more, and heard again. But
     // never later than what was asked for: the machine may have slept inside the check.
@@ -84,6 +92,9 @@ void CheckCycle::check(int interval) {
 
 void CheckCycle::readSets() {
     ledger_.ReadAgain();
+    if (purgeWaits_) {
+        deletedLook_ = DBRemindUtils::Look();
+    }
     DoRemoveDeleted();
     readAgain(reminders_, db_, false, false);
     acts_.RestoreWaiting();
@@ -218,6 +229,7 @@ void CheckCycle::fillWithListed() {
 
 void CheckCycle::refreshPeriod() {
     if (readAgain(period_, db_, true, false)) {
+        reminders_.Adopt(period_);
         countWithoutStatus();
     }
     if (period_.mCol && period_.mCol->Count() > 0) {
@@ -249,22 +261,67 @@ void CheckCycle::DoRemoveDeleted() {
     attempt([&] { deleted = db_.GetDeletedCol(); });
     deletedLook_ = db_.LastError() == ErrNo::None ? look : DBRemindUtils::Look();
     for (const Variant& item : *deleted) {
-        std::string GUID;
-        if (!attempt([&] { GUID = item.toText(); })) {
-            continue;
-        }
-        RemoveGUIDAll(GUID);
-        for (CalEvents* set : {&period_, &reminders_}) {
-            if (set->mCol) {
-                set->mCol->Remove(GUID);
-            }
-        }
-        if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
-            state_.curEvent.reset();
-        }
+        attempt([&] { removeEvent(item.toText()); });
+    }
+    purgeWaits_ = false;
+    if (deleted->Count() > 0) {
+        purge();
     }
     // The host may put another file in this one's place: hold it no longer than a look takes.
     attempt([&] { db_.CloseDB(); });
+}
+
+void CheckCycle::removeEvent(const std::string& GUID) {
+    RemoveGUIDAll(GUID);
+    for (CalEvents* set : {&period_, &reminders_}) {
+        if (set->mCol) {
+            set->mCol->Remove(GUID);
+        }
+    }
+    if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
+        state_.curEvent.reset();
+    }
+}
+
+// The rows stay where the file is held by somebody else. Our own attempt is no reason to look again
+// every second.
+void CheckCycle::purge() {
+    purgeWaits_ = !keepReplacedStarts();
+    if (!purgeWaits_) {
+        db_.Execute("DELETE * FROM Reminders WHERE (Deleted=True);");
+        purgeWaits_ = db_.LastError() != ErrNo::None;
+    }
+    deletedLook_ = db_.TakeLook();
+}
+
+// What a deleted exception has replaced does not ring again, and its row is the last that knows of
+// it. True when nothing is left to keep.
+bool CheckCycle::keepReplacedStarts() {
+    const auto rows = db_.OpenRS(
+        "SELECT recurringEventId, RExceptionStartTimeOrig FROM Reminders WHERE Deleted=True AND "
+        "RecurrenceState=3 AND RExceptionStartTimeOrig is not Null;");
+    for (; !rows->EOF_(); rows->MoveNext()) {
+        attempt([&] {
+            const Variant& master = rows->value("recurringEventId");
+            if (!master.isNull()) {
+                history_.keepReplaced(master.toText(),
+                                      rows->value("RExceptionStartTimeOrig").toDateTime());
+            }
+        });
+    }
+    // A file without these columns has no exceptions.
+    return rows->isOpen() || db_.LastError() == ErrNo::NotFound;
+}
+
+// The day stays that of the first check: from the next day on this is done with every check.
+void CheckCycle::changeDay() {
+    if (state_.CheckDay.isZero()) {
+        state_.CheckDay = clock_.today();
+    }
+    if (clock_.today() != state_.CheckDay) {
+        attempt([&] { period_.UpdateAllDone(&history_); });
+        attempt([&] { reminders_.RemoveAllDoneOf(period_); });
+    }
 }
 
 void CheckCycle::RemoveGUIDAll(std::string_view GUID) {

@@ -10,6 +10,7 @@
 #include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
 #include "events/Ledger.h"
+#include "events/LedgerHistory.h"
 #include "notify/Acts.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
@@ -26,6 +27,9 @@ public:
     CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
                ReminderState& state, ReminderScreen& screen, Ledger& ledger, Acts& acts);
 
+    /// What the load handler reads: see `readAtStart`. What no check has asked for yet is open.
+    void ReadAtStart();
+
     /// One check over the window from the last check to now plus `interval` (milliseconds), so
     /// that what falls due before the next tick is taken now. A call made while a check runs
     /// returns at once: a message box inside it lets timers tick.
@@ -35,8 +39,9 @@ public:
     /// or the last check of an earlier run when that lies before it, at most 30 days back.
     DateTime UncheckedSince() const;
 
-    /// Takes the events that the host marked as deleted out of grids and sets. Does nothing while
-    /// the file is as it was when it was last asked.
+    /// Takes the events that the host marked as deleted out of grids and sets, and purges their
+    /// rows. Does nothing while the file is as it was when it was last asked; rows that could not
+    /// be purged wait for the next check.
     void DoRemoveDeleted();
 
     /// Removes every row of `GUID` from all three grids.
@@ -52,6 +57,10 @@ private:
     void check(int interval);
     void readSets();
     void removeDealtWith();
+    void changeDay();
+    void removeEvent(const std::string& GUID);
+    void purge();
+    bool keepReplacedStarts();
     std::shared_ptr<GenCollection> askForDue(DateTime upTo);
     void takeIn(const GenCollection& due, std::string& message);
     void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);
@@ -71,6 +80,8 @@ private:
     ReminderScreen& screen_;
     Ledger& ledger_;
     Acts& acts_;
+    LedgerHistory history_;
+    bool purgeWaits_ = false;
     DBRemindUtils::Look deletedLook_;  // when the deleted rows were asked for
     DBRemindUtils::Look statusLook_;   // when the rows without a status were counted
     GenCollection lines_;  // by GUID, the `ValueList` each listed event was taken in with

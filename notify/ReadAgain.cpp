@@ -19,4 +19,13 @@ bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool Includ
     return false;
 }
 
+void readAtStart(CalEvents& reminders, CalEvents& period, const DBRemindUtils& db,
+                 const EventHistory* history) {
+    readAgain(period, db, true, false);
+    period.UpdateAllDone(history);
+    period.RemoveAllDone();
+    readAgain(period, db, false, false);
+    reminders.Adopt(period);
+}
+
 }  // namespace vl

@@ -18,6 +18,7 @@ struct ReminderState {
     std::string sNotifType = "D";  // D dialog, E e-mail, P pop-up, S system, T tray
     bool bOnTop = false;
     DateTime dLastShown;    // when the pop-up was last closed
+    DateTime CheckDay;      // the day of the first check; never advanced
     DateTime dLastUpdated;  // end of the last check; 0 until the first, which starts at midnight
     DateTime dShownStart;   // the period shown by the views
     DateTime dShownEnd;

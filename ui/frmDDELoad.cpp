@@ -134,9 +134,7 @@ void frmDDE::fillPeriods() {
 void frmDDE::showTray() { tray_.show(); }
 
 void frmDDE::readEvents() {
-    for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
-        readAgain(*set, parts_.db, true, false);
-    }
+    check_.ReadAtStart();
 }
 
 void frmDDE::setCheckTimer() {

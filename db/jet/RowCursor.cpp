@@ -1,6 +1,7 @@
 #include "db/jet/RowCursor.h"
 
 #include <cassert>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -152,6 +153,39 @@ bool RowCursor::nextOfTable() {
         s.nextSlot = 0;
         ++s.nextPage;
     }
+}
+
+// Eight bytes at a time, each mixed into all bits (a multiplication by an odd constant and a shift
+// are both one-to-one).
+static std::uint64_t mixedInto(std::uint64_t hash, ByteView bytes) {
+    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+    std::size_t at = 0;
+    const auto take = [&](std::size_t count) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + at, count);
+        hash = (hash ^ word) * kOdd;
+        hash ^= hash >> 32;
+        at += count;
+    };
+    while (bytes.size() - at >= sizeof(std::uint64_t)) {
+        take(sizeof(std::uint64_t));
+    }
+    take(bytes.size() - at);
+    return (hash ^ bytes.size()) * kOdd;
+}
+
+std::uint64_t RowCursor::fingerprint() const {
+    const State& s = *state_;
+    std::uint64_t hash = mixedInto(0, s.place.bytes);
+    for (const Column& c : s.table->columns) {
+        if (c.type == ColumnType::Memo || c.type == ColumnType::Ole) {
+            if (const std::optional<ByteView> field = s.row.field(c)) {
+                const LongValue value(s.file, *field, s.place.page.origin());
+                hash = mixedInto(hash, value.bytes());
+            }
+        }
+    }
+    return hash;
 }
 
 RowId RowCursor::id() const { return state_->id; }

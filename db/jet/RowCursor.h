@@ -1,6 +1,7 @@
 // One pass over a table's rows, as they lie or as an index sorts them.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -50,6 +51,9 @@ public:
     /// Decodes that column of the row and nothing else; `column` counts `Table::columns()`. A memo
     /// or OLE value costs reading its pages.
     Variant value(std::size_t column) const;
+    /// A number that depends on every byte of the row, long values included, and on nothing else:
+    /// as long as it is the same, so is the row. Decodes nothing; costs reading what it depends on.
+    std::uint64_t fingerprint() const;
 
 private:
     bool nextOfTable();

@@ -236,6 +236,30 @@ TEST_F(Check, CoversTheTimeOfASleepAndStartsAnewWhenTheClockIsTurnedBack) {
     EXPECT_EQ(screen.count("AddItemR after the turn 0"), 1U);
 }
 
+TEST_F(Check, FromTheNextDayOnWhatIsFinishedLeavesTheRemindersSet) {
+    const auto old = event("{A}", "old", at(9, 0, 0, 19), kQuarter);
+    reminders.Add(old, "{a}");
+    reminders.Add(event("{B}", "b", at(9, 0, 0, 28), kQuarter), "{B}");
+    period.Add(event("{A}", "old", at(9, 0, 0, 19), kQuarter), "{A}");
+    tick();
+    EXPECT_EQ(state.CheckDay, at(0, 0));
+    clock.time = at(23, 59, 59);
+    tick();
+    EXPECT_EQ(reminders.mCol->Count(), 2U) << "the same day: nothing is asked";
+    clock.time = at(0, 0, 0, 21);
+    tick();
+    EXPECT_EQ(reminders.mCol->Count(), 1U);
+    EXPECT_EQ(objectAt<calEvent>(*period.mCol, 1)->status, "AllDone");
+    EXPECT_EQ(state.CheckDay, at(0, 0)) << "never advanced:";
+    reminders.Add(old, "{A}");
+    tick();
+    EXPECT_EQ(reminders.mCol->Count(), 1U) << "so it is done with every check of a later day";
+    clock.time = at(13, 0);
+    reminders.Add(old, "{A}");
+    tick();
+    EXPECT_EQ(reminders.mCol->Count(), 2U) << "back on the first day";
+}
+
 TEST_F(Check, KeepsPendingError) {
     ErrorState::set(ErrNo::Locked);
     tick();

@@ -4,6 +4,8 @@
 #include <filesystem>
 
 #include "RecordingScreen.h"
+#include "db/jet/Database.h"
+#include "db/jet/Transaction.h"
 #include "notify/CheckCycle.h"
 #include "notify/UpdateCycle.h"
 #include "support/ManualClock.h"
@@ -73,6 +75,45 @@ TEST_F(CheckOnFile, WhatTheHostMarksAsDeletedLeavesGridsSetsAndTheCurrentEvent) 
     EXPECT_FALSE(state.curEvent);
     EXPECT_FALSE(state.NewReminders->Exists(kDentist));
     EXPECT_TRUE(state.NewReminders->Exists(kStandUp));
+}
+
+TEST_F(CheckOnFile, PurgesWhatIsMarkedAsDeletedAndSaysFirstWhatExceptionsReplaced) {
+    const auto rows = [&](const std::string& condition) {
+        const auto found = db.OpenRS("SELECT GUID FROM Reminders WHERE " + condition);
+        db.CloseDB();
+        return found->RecordCount();
+    };
+    const std::size_t all = rows("GUID is not Null");
+    ASSERT_EQ(rows("Deleted=True"), 1U);
+    const std::string master =
+        db.OpenRS("SELECT recurringEventId FROM Reminders WHERE RecurrenceState=3")
+            ->value("recurringEventId")
+            .toText();
+    db.Execute("UPDATE Reminders SET Deleted = True WHERE RecurrenceState=3;");
+    const std::size_t marked = rows("Deleted=True");
+    ASSERT_GT(marked, 1U);
+    cycle.DoRemoveDeleted();
+    EXPECT_EQ(rows("Deleted=True"), 0U);
+    EXPECT_EQ(rows("GUID is not Null"), all - marked);
+    ASSERT_FALSE(master.empty());
+    EXPECT_EQ(ledger.replaced(db.DBFullName, master), std::vector<DateTime>{at(10, 0, 0, 23)});
+}
+
+TEST_F(CheckOnFile, APurgeThatFailsIsTriedAgainByTheNextCheckOnly) {
+    // A table that takes no DELETE from us: somebody else is in the middle of a change.
+    auto other = jet::Database::open(db.DBFullName, jet::Access::ReadWrite);
+    const auto seen = [&] { return screen.count("RemoveGUID {AAB5536C"); };
+    {
+        const jet::Transaction change(other);
+        cycle.DoRemoveDeleted();
+        EXPECT_EQ(seen(), 3U) << "the rows leave the grids all the same";
+        cycle.DoRemoveDeleted();
+        EXPECT_EQ(seen(), 3U) << "not with every tick";
+    }
+    tick();
+    EXPECT_EQ(seen(), 6U);
+    tick();
+    EXPECT_EQ(seen(), 6U) << "then it is done";
 }
 
 TEST_F(CheckOnFile, HoldsTheFileOpenNoLongerThanALookTakes) {

@@ -1,0 +1,68 @@
+#include "db/sql/RowStream.h"
+
+#include <variant>
+
+#include "Evaluate.h"
+#include "Parser.h"
+#include "Scope.h"
+#include "Value.h"
+#include "base/ErrorState.h"
+
+namespace vl::sql {
+
+namespace {
+
+class StreamedRow final : public RowSource {
+public:
+    explicit StreamedRow(jet::RowCursor scan) : cursor(std::move(scan)) {}
+    bool next() override { return cursor.next(); }
+    Variant value(std::size_t column) const override { return cursor.value(column); }
+    jet::RowId id() const override { return cursor.id(); }
+
+    jet::RowCursor cursor;
+};
+
+Select plainSelect(std::string_view text) {
+    Statement statement = parse(text);
+    auto* select = std::get_if<Select>(&statement);
+    if (select == nullptr || select->distinct || select->top || !select->order.empty() ||
+        select->items.size() != 1 || select->items.front().kind != ItemKind::All) {
+        throw Error(ErrNo::Unsupported, "expected SELECT * without DISTINCT, TOP and ORDER BY");
+    }
+    return std::move(*select);
+}
+
+}  // namespace
+
+struct RowStream::State {
+    State(jet::Database& db, std::string_view text)
+        : statement(plainSelect(text)),
+          table(db.table(statement.table.name)),
+          shape{table.name(), table.columns(), {}},
+          row(table.scan()) {
+        Scope(shape, statement.table, {}).bind(statement.where.get());
+        for (const jet::Column& column : shape.columns) {
+            fields.push_back({column.name, column.type});
+        }
+    }
+
+    Select statement;
+    jet::Table table;
+    TableShape shape;
+    StreamedRow row;
+    std::vector<Field> fields;
+};
+
+RowStream::RowStream(jet::Database& db, std::string_view statement)
+    : state_(std::make_unique<State>(db, statement)) {}
+
+RowStream::~RowStream() = default;
+
+const std::vector<Field>& RowStream::fields() const noexcept { return state_->fields; }
+bool RowStream::next() { return state_->row.next(); }
+bool RowStream::matches() const { return keeps(state_->statement.where.get(), state_->row); }
+Variant RowStream::value(std::size_t field) const { return state_->row.value(field); }
+jet::RowId RowStream::id() const { return state_->row.id(); }
+std::uint64_t RowStream::fingerprint() const { return state_->row.cursor.fingerprint(); }
+
+}  // namespace vl::sql

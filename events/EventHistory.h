@@ -1,0 +1,27 @@
+// What the record of the user's acts tells to those who clean up.
+#pragma once
+
+#include <string_view>
+
+#include "base/DateTime.h"
+
+namespace vl {
+
+class calEvent;
+
+/// Asked before an event counts as finished, told before a row is purged. Methods do not throw.
+class EventHistory {
+public:
+    virtual ~EventHistory() = default;
+
+    /// Whether the user has still to hear of the event, or to act on what was shown of it: it is
+    /// snoozed, it was listed and not acted upon, or `lastReminder`, its last reminder of all, lies
+    /// in a time that no check has asked for.
+    virtual bool isOpen(const calEvent& event, DateTime lastReminder) const = 0;
+
+    /// The series with the id `master` does not occur at `start` (local time) any more, although
+    /// the exception that says so is about to go.
+    virtual void keepReplaced(std::string_view master, DateTime start) = 0;
+};
+
+}  // namespace vl

@@ -1,0 +1,150 @@
+#include "FullRead.h"
+
+#include <bit>
+
+#include "RowReader.h"
+
+namespace vl {
+
+namespace {
+
+std::uint64_t placeOf(jet::RowId id) {
+    constexpr unsigned kRowBits = 16;
+    return std::uint64_t{id.page} << kRowBits | id.row;
+}
+
+// What acts set in an event: it may not be in the row yet, or not any more.
+std::uint64_t stateOf(const calEvent& event) {
+    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+    std::uint64_t hash = std::hash<std::string>()(event.status);
+    for (const double part : {event.NextReminder.days(), event.Dismissed.days()}) {
+        hash = (hash ^ std::bit_cast<std::uint64_t>(part)) * kOdd;
+        hash ^= hash >> 32;
+    }
+    return hash ^ (event.Hidden ? 1U : 0U);
+}
+
+}  // namespace
+
+void forgetQuery(calEvent& event) {
+    if (event.InstanceStart.isZero() && event.iRemMinutes == calEvent::kNoReminder &&
+        event.iRemMinutesNext == calEvent::kNoReminder) {
+        return;  // as are most: looking is cheaper than writing
+    }
+    event.InstanceStart = DateTime();
+    event.iRemMinutes = calEvent::kNoReminder;
+    event.iRemMinutesNext = calEvent::kNoReminder;
+    event.dReminder = DateTime();
+}
+
+std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
+                                     const std::shared_ptr<calEvent>& fresh) {
+    if (!known->sameRow(*fresh)) {
+        fresh->dLastReminder = known->dLastReminder;
+        return fresh;
+    }
+    forgetQuery(*known);
+    return known;
+}
+
+// Both the rows that come and those that are known are in the order of their places.
+FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& before,
+                                const Make& make) const {
+    std::vector<RecordSet::Field> fields;
+    for (const sql::Field& field : stream.fields()) {
+        fields.push_back(RecordSet::fieldOf(field));
+    }
+    const TimeZone local = TimeZone::local();
+    const RowReader reader(fields, local);
+    Rows rows;
+    rows.reserve(rows_.size());
+    auto known = rows_.begin();
+    while (stream.next()) {
+        Row row{placeOf(stream.id()), stream.fingerprint(), 0, nullptr};
+        while (known != rows_.end() && known->place < row.place) {
+            ++known;
+        }
+        const bool isKnown = known != rows_.end() && known->place == row.place &&
+                             known->fingerprint == row.fingerprint;
+        if (isKnown && (!known->event || known->state == stateOf(*known->event))) {
+            row.event = known->event;
+            row.state = known->state;
+            if (row.event) {
+                forgetQuery(*row.event);
+            }
+        } else if (stream.matches()) {
+            row.event = make(reader, stream);
+            if (const auto held = objectAt<calEvent>(before, row.event->GUID)) {
+                row.event = stillValid(held, row.event);
+            }
+            row.state = stateOf(*row.event);
+        }
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+// What was held, with the events that are different now; null when others were held or there are
+// others now.
+std::shared_ptr<GenCollection> FullRead::changed(const Rows& rows,
+                                                 const GenCollection& before) const {
+    if (before.Stamp() != stamp_ || stamp_ == 0 || rows.size() != rows_.size()) {
+        return nullptr;
+    }
+    std::vector<const Row*> different;
+    std::size_t held = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto& now = rows[i].event;
+        const auto& was = rows_[i].event;
+        if (rows[i].place != rows_[i].place || (now == nullptr) != (was == nullptr) ||
+            (now && now->GUID != was->GUID)) {
+            return nullptr;
+        }
+        held += now ? 1U : 0U;
+        if (now != was) {
+            different.push_back(&rows[i]);
+        }
+    }
+    if (held != before.Count()) {
+        return nullptr;
+    }
+    auto collection = std::make_shared<GenCollection>(before);
+    for (const Row* row : different) {
+        collection->UpdateItem(row->event->GUID, Variant(row->event));
+    }
+    return collection;
+}
+
+std::shared_ptr<GenCollection> FullRead::collected(const Rows& rows) {
+    auto collection = std::make_shared<GenCollection>();
+    for (const Row& row : rows) {
+        if (row.event) {
+            collection->Remove(row.event->GUID);
+            collection->Add(Variant(row.event), row.event->GUID);
+        }
+    }
+    return collection;
+}
+
+std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::string& statement,
+                                              const GenCollection& before, const Make& make) {
+    if (statement != statement_) {
+        rows_.clear();
+        statement_ = statement;
+    }
+    Rows rows;
+    const bool isRead = db.ForRows(
+        statement, [&](sql::RowStream& rowStream) { rows = stream(rowStream, before, make); });
+    if (!isRead) {
+        return nullptr;
+    }
+    auto collection = changed(rows, before);
+    if (!collection) {
+        collection = collected(rows);
+    }
+    rows_ = std::move(rows);
+    stamp_ = collection->Stamp();
+    return collection;
+}
+
+}  // namespace vl

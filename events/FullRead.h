@@ -1,0 +1,60 @@
+// A full read of the table that decodes only rows it does not know yet.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/TimeZone.h"
+#include "db/DBRemindUtils.h"
+#include "events/GenCollection.h"
+#include "model/calEvent.h"
+
+namespace vl {
+
+class RowReader;
+
+/// Remembers the rows of the last read by place and fingerprint, and the event that each of them
+/// gave. Costs 40 bytes a row.
+class FullRead {
+public:
+    using Make = std::function<std::shared_ptr<calEvent>(const RowReader&, sql::RowStream&)>;
+
+    /// Reads all rows of `statement` into a new collection, by GUID, in the order of the rows; of
+    /// rows with the same GUID the last one counts. The event of a row that is as it was is the
+    /// same object. `before` is what the set held. Null when the rows could not be read to their
+    /// end.
+    std::shared_ptr<GenCollection> read(DBRemindUtils& db, const std::string& statement,
+                                        const GenCollection& before, const Make& make);
+
+    /// The next read decodes every row.
+    void forget() { rows_.clear(); }
+
+private:
+    struct Row {
+        std::uint64_t place = 0;
+        std::uint64_t fingerprint = 0;
+        std::uint64_t state = 0;          // of the event, as the row gave it
+        std::shared_ptr<calEvent> event;  // null: the condition is not true of the row
+    };
+    using Rows = std::vector<Row>;
+
+    Rows stream(sql::RowStream& stream, const GenCollection& before, const Make& make) const;
+    std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
+    static std::shared_ptr<GenCollection> collected(const Rows& rows);
+
+    std::string statement_;
+    Rows rows_;
+    std::uint64_t stamp_ = 0;  // of the collection that they filled
+};
+
+/// Takes out of an event what queries have left in it.
+void forgetQuery(calEvent& event);
+
+/// Of an event that was read again the object that is known, as long as its row says the same.
+std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
+                                     const std::shared_ptr<calEvent>& fresh);
+
+}  // namespace vl

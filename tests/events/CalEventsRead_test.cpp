@@ -1,0 +1,177 @@
+// What reading again keeps, and what one set takes over from the other.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "base/ErrorState.h"
+#include "events/CalEvents.h"
+#include "support/ManualClock.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+namespace fs = std::filesystem;
+
+DateTime at(int hour, int minute, int second = 0, int day = 20) {
+    return DateTime::fromCivil(2026, 11, day, hour, minute, second);
+}
+
+constexpr const char* kStandUp = "{956ABE94-E18E-437E-878F-EF5EC79876F1}";
+constexpr const char* kDentist = "{437FED06-B0D4-4C70-8AC9-99114CC7B46A}";
+
+class ReadAgain : public testing::Test {
+protected:
+    void SetUp() override {
+        db.DBFullName = path.string();
+        fs::copy_file(test::repoFile("data/first-light.RemindDB"), path);
+        set.ReadDB(true, false);
+    }
+    /// As another program writes: without our knowing, but for the file's time.
+    void elsewhere(const std::string& change, const char* GUID) {
+        DBRemindUtils host;
+        host.DBFullName = path.string();
+        ASSERT_EQ(host.Execute("UPDATE Reminders SET " + change + " WHERE GUID=\"" + GUID + "\""),
+                  1)
+            << host.LastErrorText();
+        fs::last_write_time(path, written += std::chrono::seconds(1));
+    }
+    static std::shared_ptr<calEvent> in(const CalEvents& set, const char* GUID) {
+        return objectAt<calEvent>(*set.mCol, GUID);
+    }
+
+    test::TempFolder folder;
+    fs::path path = folder / "Velmora.RemindDB";
+    fs::file_time_type written = fs::file_time_type::clock::now();
+    test::ManualClock clock{at(14, 0)};
+    DBRemindUtils db;
+    CalEvents set{db, clock};
+    CalEvents other{db, clock};
+};
+
+TEST_F(ReadAgain, AnUnchangedFileKeepsTheEventsAndResetsWhatQueriesLeft) {
+    const auto event = in(set, kStandUp);
+    const auto collection = set.mCol;
+    set.RemindCol(at(0, 0), at(23, 59));
+    event->dLastReminder = at(9, 25);
+    ASSERT_FALSE(event->InstanceStart.isZero());
+    clock.time = at(14, 1);
+    EXPECT_EQ(set.ReadDB(true, false), 1);
+    EXPECT_EQ(in(set, kStandUp), event);
+    EXPECT_EQ(set.mCol, collection);
+    EXPECT_TRUE(event->InstanceStart.isZero());
+    EXPECT_EQ(event->iRemMinutes, -100000);
+    EXPECT_EQ(event->dLastReminder, at(9, 25)) << "that is no query's";
+    EXPECT_EQ(set.dLastRead, at(14, 1));
+    EXPECT_EQ(set.ReadDB(false, false), 0);
+    EXPECT_FALSE(db.isOpen);
+}
+
+TEST_F(ReadAgain, AnotherQuestionIsAsked) {
+    EXPECT_EQ(set.mCol->Count(), 10U);
+    set.ReadDB(true, true);
+    EXPECT_EQ(set.mCol->Count(), 11U);
+    set.ReadDB(true, true, true);
+    EXPECT_EQ(set.mCol->Count(), 1U);
+    db.DBFullName = (folder / "another.RemindDB").string();
+    fs::copy_file(path, db.DBFullName);
+    set.ReadDB(true, true);
+    EXPECT_EQ(set.mCol->Count(), 11U);
+}
+
+TEST_F(ReadAgain, OfAChangedFileTheEventsThatAreAsTheyWereKeepTheirObject) {
+    const auto standUp = in(set, kStandUp);
+    const auto dentist = in(set, kDentist);
+    dentist->dLastReminder = at(13, 45);
+    elsewhere("StartDateTime = #2026-11-27 09:00:00#", kDentist);
+    set.ReadDB(true, false);
+    EXPECT_EQ(in(set, kStandUp), standUp);
+    EXPECT_NE(in(set, kDentist), dentist);
+    EXPECT_EQ(in(set, kDentist)->StartDateTime, at(9, 0, 0, 27));
+    EXPECT_EQ(in(set, kDentist)->dLastReminder, at(13, 45));
+}
+
+TEST_F(ReadAgain, AWriteOfOurOwnIsAChange) {
+    const auto time = fs::last_write_time(path);
+    db.Execute(std::string("UPDATE Reminders SET EventID = 4711 WHERE GUID=\"") + kStandUp + "\"");
+    fs::last_write_time(path, time);
+    set.ReadDB(true, false);
+    EXPECT_EQ(in(set, kStandUp)->EventID, 4711);
+}
+
+TEST_F(ReadAgain, AfterAFailedReadNothingCountsAsUnchanged) {
+    const std::string bytes = test::readFile(path);
+    const auto time = fs::last_write_time(path);
+    fs::remove(path);
+    set.ReadDB(false, false);
+    test::writeFile(path, bytes);
+    fs::last_write_time(path, time);
+    const auto event = in(set, kStandUp);
+    event->EventID = 1;
+    set.ReadDB(true, false);
+    EXPECT_NE(in(set, kStandUp), event) << "it was read, and found different";
+    EXPECT_EQ(in(set, kStandUp)->EventID, 1001);
+}
+
+TEST_F(ReadAgain, AChangeThatTheIncrementalReadMissesIsAdopted) {
+    other.ReadDB(true, false);
+    clock.time = at(14, 1);
+    // The host's clock is behind: the row is older than the last read.
+    elsewhere("StartDateTime = #2026-11-20 16:00:00#, Modified = #2026-11-20 13:00:00#", kDentist);
+    EXPECT_EQ(other.ReadDB(false, false), 0);
+    EXPECT_NE(in(other, kDentist)->StartDateTime, at(16, 0));
+    set.ReadDB(true, false);
+    other.Adopt(set);
+    EXPECT_EQ(in(other, kDentist)->StartDateTime, at(16, 0));
+    // And one that says nothing of when it was made.
+    elsewhere("EventID = 99", kStandUp);
+    other.ReadDB(false, false);
+    set.ReadDB(true, false);
+    other.Adopt(set);
+    EXPECT_EQ(in(other, kStandUp)->EventID, 99);
+}
+
+TEST_F(ReadAgain, WhatTheFullReadDoesNotHaveAnyMoreLeaves) {
+    other.ReadDB(true, true);
+    EXPECT_EQ(other.mCol->Count(), 11U);
+    const auto collection = other.mCol;
+    other.Adopt(set);
+    EXPECT_EQ(other.mCol->Count(), 10U);
+    EXPECT_EQ(other.mCol, collection);
+}
+
+TEST_F(ReadAgain, AdoptionKeepsWhatWasListed) {
+    other.ReadDB(true, false);
+    in(other, kDentist)->dLastReminder = at(13, 45);
+    elsewhere("EventID = 99", kDentist);
+    other.ReadDB(false, false);
+    set.ReadDB(true, false);
+    other.Adopt(set);
+    EXPECT_EQ(in(other, kDentist)->dLastReminder, at(13, 45));
+    EXPECT_EQ(in(other, kDentist)->EventID, 99);
+}
+
+TEST_F(ReadAgain, ASetThatWasNeverReadAdoptsAllAndReadsOnFromThere) {
+    CalEvents fresh(db, clock);
+    clock.time = at(15, 0);
+    fresh.Adopt(set);
+    EXPECT_EQ(fresh.mCol->Count(), 10U);
+    EXPECT_NE(fresh.mCol, set.mCol) << "a collection of its own:";
+    fresh.mCol->Remove(kDentist);
+    EXPECT_EQ(set.mCol->Count(), 10U);
+    EXPECT_EQ(fresh.dLastRead, set.dLastRead);
+    fresh.Adopt(CalEvents(db, clock));
+    EXPECT_EQ(fresh.mCol->Count(), 9U) << "what was never read is no news";
+}
+
+TEST_F(ReadAgain, KeepsPendingError) {
+    ErrorState::set(ErrNo::Locked);
+    set.ReadDB(true, false);
+    other.Adopt(set);
+    EXPECT_EQ(ErrorState::number(), ErrNo::Locked);
+    ErrorState::clear();
+}
+
+}  // namespace
+}  // namespace vl
