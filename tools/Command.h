@@ -56,8 +56,10 @@ struct Command {
 
 Command backupCommand();
 Command dismissCommand();
+Command dueCommand();
 Command eventCommand();
 Command hideCommand();
+Command listCommand();
 Command newCommand();
 Command occurrencesCommand();
 Command reactivateCommand();

@@ -16,9 +16,9 @@ std::string Arguments::option(std::string_view name) const {
 }
 
 std::vector<Command> commands() {
-    return {newCommand(),         tablesCommand(), sqlCommand(),     eventCommand(),
-            occurrencesCommand(), snoozeCommand(), dismissCommand(), reactivateCommand(),
-            hideCommand(),        backupCommand()};
+    return {newCommand(),     tablesCommand(),     sqlCommand(),         dueCommand(),
+            listCommand(),    eventCommand(),      occurrencesCommand(), snoozeCommand(),
+            dismissCommand(), reactivateCommand(), hideCommand(),        backupCommand()};
 }
 
 namespace {

@@ -133,9 +133,7 @@ void frmDDE::fillPeriods() {
 
 void frmDDE::showTray() { tray_.show(); }
 
-void frmDDE::readEvents() {
-    check_.ReadAtStart();
-}
+void frmDDE::readEvents() { check_.ReadAtStart(); }
 
 void frmDDE::setCheckTimer() {
     TimerCheck.setInterval(parts_.DebugMode ? kCheckDebug : kCheckVisible);
