@@ -11,6 +11,7 @@ namespace {
 // Past the 2 GiB that a file of this format can have.
 constexpr std::uint64_t kWaiting = 0xC0000001;
 constexpr std::uint64_t kReading = 0xC0000002;
+constexpr std::uint64_t kTurn = 0xC0000003;
 
 }  // namespace
 
@@ -148,12 +149,26 @@ void Sharing::takeBackIfPossible() {
     });
 }
 
+void Sharing::lockForWriting(File& database) {
+    bool locked = patience_.until([&] { return database.tryLock(kTurn, 1, LockKind::Exclusive); });
+    if (locked) {
+        try {
+            locked = patience_.until([&] { return lockFile_.tryLock(database); });
+        } catch (const Error&) {
+            database.unlock(kTurn, 1);
+            throw;
+        }
+        database.unlock(kTurn, 1);
+    }
+    if (!locked) {
+        throw Error(ErrNo::Locked, path_ + ": is in use by " + lockFile_.holder());
+    }
+}
+
 void Sharing::beginWriting(File& database, bool reading) {
     startWaiting();
     checkName(database);
-    if (!patience_.until([&] { return lockFile_.tryLock(database); })) {
-        throw Error(ErrNo::Locked, path_ + ": is in use by " + lockFile_.holder());
-    }
+    lockForWriting(database);
     hasWritten_ = true;
     try {
         if (const auto broken = brokenChange(database)) {

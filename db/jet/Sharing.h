@@ -9,10 +9,12 @@
 //     holds that byte is of a writer who died.
 //  3. Who wants "reading" passes "waiting" before, which a writer keeps: readers that follow each
 //     other closely cannot keep him out for ever.
-//  4. Both bytes lie in the database itself, where no file of this format ends: reading needs no
+//  4. Who waits for the right to write holds the byte "turn": one who writes without a pause cannot
+//     keep him out either.
+//  5. These bytes lie in the database itself, where no file of this format ends: reading needs no
 //     lock file and no right to write. Another engine takes no notice of them, and none of its
 //     locks is in their way.
-//  5. A broken-off change is taken back by who has the right to write and keeps readers out; one
+//  6. A broken-off change is taken back by who has the right to write and keeps readers out; one
 //     who has not reads the old pages out of the journal.
 #pragma once
 
@@ -74,6 +76,7 @@ private:
     std::optional<BrokenChange> brokenChange(const File& database) const;
     void checkName(const File& database) const;
     void share(File& database);
+    void lockForWriting(File& database);
     void takeBackIfPossible();
     void startWaiting() { patience_ = Patience(*waiter_, most_); }
 

@@ -153,6 +153,26 @@ TEST_F(Processes, TwoWriteAndReadAndNothingIsLost) {
               << toldBy(outputOf(2)).last << " statements\n";
 }
 
+// Alone it is mostly in the middle of a statement when it dies.
+TEST_F(Processes, OneIsKilledAgainAndAgain) {
+    std::mt19937 random(20261121);
+    test::writeFile(outputOf(1), "start 0\n1\n");  // what SetUp has written
+    int kills = 0;
+    int brokenOff = 0;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds());
+    while (std::chrono::steady_clock::now() < end) {
+        Worker victim(file_, 1, 3600, outputOf(1));
+        std::this_thread::sleep_for(milliseconds(20 + random() % 150));
+        victim.kill();
+        ++kills;
+        brokenOff += test::readFile(file_.string() + ".journal").rfind("VLJRNL1", 0) == 0 ? 1 : 0;
+    }
+    expectWhole(1);
+    std::cout << seconds() << " s: killed " << kills << " times, " << brokenOff
+              << " times in the middle of writing; " << toldBy(outputOf(1)).last << " statements\n";
+    EXPECT_GT(brokenOff, 0);
+}
+
 TEST_F(Processes, EightWriteAndReadWhileSomeAreKilled) {
     constexpr int kWriters = 5;
     constexpr int kProcesses = 8;
