@@ -132,6 +132,7 @@ void frmDDE::dismiss() {
 void frmDDE::chooseDismiss() {
     const int tab = tabs->currentIndex();
     std::vector<ActRow> handled;
+    bool deleted = false;
     for (const ActRow& row : actRows(grid(tab).selectedRows())) {
         frmDismiss dialog(dialogParts(), this);
         fillDismiss(dialog, row);
@@ -139,16 +140,36 @@ void frmDDE::chooseDismiss() {
         if (dialog.bCancel) {
             continue;
         }
-        acts_.Dismiss(row, modeOf(dialog.choice()), dialog.markDone());
+        if (dialog.choice() == frmDismiss::Choice::DeleteItem) {
+            if (!deleteItem(row)) {
+                continue;
+            }
+            deleted = true;
+        } else {
+            acts_.Dismiss(row, modeOf(dialog.choice()), dialog.markDone());
+        }
         handled.push_back(row);
     }
     leaveGrids(handled, tab);
+    if (deleted) {
+        ShowPopUp({"Items deleted...",
+                   "Items were deleted. Opened grids and calendars may need to be refreshed", 5000,
+                   false, 250, 100, 100});
+    }
+}
+
+// What has to wait for the host counts as deleted: it is done as soon as it can be.
+bool frmDDE::deleteItem(const ActRow& row) {
+    if (acts_.DeleteItem(row) != calEvent::Deletion::Failed) {
+        return true;
+    }
+    sayOnce(tr("%1 could not be deleted").arg(qtText(row.event->Summary())));
+    return false;
 }
 
 void frmDDE::fillDismiss(frmDismiss& dialog, const ActRow& row) {
     const DateTime now = parts_.clock.now();
     const auto event = acts_.EventOf(row);
-    dialog.bCanDelete = false;
     const DateTime next = row.reminder.isZero() ? event->NextReminderD(now) : row.reminder;
     dialog.sNext = next.isZero() ? "No reminder ahead."
                                  : "Reminder " + momentText(next, true, now, timeText_) + ".";

@@ -112,7 +112,6 @@ void frmDismiss::load() {
         setWindowTitle(qtText(sTitle));
     }
     lblEvent->setText(qtText(sNext + " Event: " + sEvent));
-    radDeleteItem->setVisible(bCanDelete);
     radThisOnly->setChecked(true);
     radThisOnly->setFocus();
     adjustWindow(*this, parts_.bOnTop);

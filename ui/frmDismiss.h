@@ -28,12 +28,11 @@ public:
     ~frmDismiss() override;
 
     bool loading = false;
-    bool bCancel = false;    ///< left by Cancel, by Escape or by its frame
-    std::string sSnooze;     ///< nothing here fills it
-    std::string sTitle;      ///< a caption of its own; empty: the dialog's
-    bool bCanDelete = true;  ///< deleting the item is offered
-    std::string sNext;       ///< the label's first text, in front of " Event: "
-    std::string sEvent;      ///< the second, behind it
+    bool bCancel = false;  ///< left by Cancel, by Escape or by its frame
+    std::string sSnooze;   ///< nothing here fills it
+    std::string sTitle;    ///< a caption of its own; empty: the dialog's
+    std::string sNext;     ///< the label's first text, in front of " Event: "
+    std::string sEvent;    ///< the second, behind it
 
     void ShowModal();
     Choice choice() const;

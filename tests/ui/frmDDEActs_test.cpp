@@ -220,16 +220,40 @@ TEST_F(frmDDEActs, TheDialogIsShownForEachRow) {
 
 TEST_F(frmDDEActs, MarkingAsDoneFinishesTheEvent) {
     loadThree();
-    test::whileOpen<frmDismiss>(
-        [this] { emit dismiss().chooseChosen(); },
-        [](frmDismiss& d) {
-            EXPECT_FALSE(childOf<QRadioButton>(d, "radDeleteItem").isVisible());
-            childOf<QRadioButton>(d, "radAll").click();
-            childOf<QCheckBox>(d, "chkDone").click();
-            childOf<QPushButton>(d, "butOK").click();
-        });
+    test::whileOpen<frmDismiss>([this] { emit dismiss().chooseChosen(); },
+                                [](frmDismiss& d) {
+                                    childOf<QRadioButton>(d, "radAll").click();
+                                    childOf<QCheckBox>(d, "chkDone").click();
+                                    childOf<QPushButton>(d, "butOK").click();
+                                });
     EXPECT_EQ(held("{1}")->status, "AllDone");
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
+}
+
+TEST_F(frmDDEActs, DeletingTakesTheEventAwayAndSaysSo) {
+    loadThree();
+    db.DBFullName = (folder / "Velmora.RemindDB").string();
+    test::writeFile(db.DBFullName, test::readFile(test::repoFile("data/first-light.RemindDB")));
+    for (const char* GUID : {"{1}", "{2}", "{3}"}) {
+        held(GUID)->VLBase = (folder / "no such host.vlb").string();
+    }
+    test::whileOpen<frmDismiss>([this] { emit dismiss().chooseChosen(); },
+                                [](frmDismiss& d) {
+                                    childOf<QRadioButton>(d, "radDeleteItem").click();
+                                    childOf<QPushButton>(d, "butOK").click();
+                                });
+    EXPECT_FALSE(period.mCol->Exists("{1}"));
+    for (const int tab : {0, 1, 2}) {
+        EXPECT_FALSE(grid(tab).contains("{1}")) << tab;
+    }
+    QWidget* popup = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        popup = top->objectName() == "Popup1" && top->isVisible() ? top : popup;
+    }
+    ASSERT_NE(popup, nullptr);
+    EXPECT_EQ(popup->findChild<QLabel*>("lblPopupTitle")->text(), "Items deleted...");
+    EXPECT_EQ(popup->findChild<QLabel*>("lblPopupText")->text(),
+              "Items were deleted. Opened grids and calendars may need to be refreshed");
 }
 
 // ---- reactivate
