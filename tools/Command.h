@@ -55,6 +55,8 @@ struct Command {
 };
 
 Command backupCommand();
+Command checkCommand();
+Command compactCommand();
 Command dismissCommand();
 Command dueCommand();
 Command eventCommand();
@@ -63,6 +65,7 @@ Command listCommand();
 Command newCommand();
 Command occurrencesCommand();
 Command reactivateCommand();
+Command repairCommand();
 Command snoozeCommand();
 Command sqlCommand();
 Command tablesCommand();

@@ -18,7 +18,8 @@ std::string Arguments::option(std::string_view name) const {
 std::vector<Command> commands() {
     return {newCommand(),     tablesCommand(),     sqlCommand(),         dueCommand(),
             listCommand(),    eventCommand(),      occurrencesCommand(), snoozeCommand(),
-            dismissCommand(), reactivateCommand(), hideCommand(),        backupCommand()};
+            dismissCommand(), reactivateCommand(), hideCommand(),        backupCommand(),
+            checkCommand(),   repairCommand(),     compactCommand()};
 }
 
 namespace {

@@ -17,6 +17,7 @@
 namespace vl::jet {
 
 struct Finding;
+struct CopyReport;
 
 struct TableInfo {
     std::string name;
@@ -100,6 +101,8 @@ private:
     friend class ReadGuard;
     friend class Transaction;
     friend std::vector<Finding> checkDatabase(Database& db);
+    friend CopyReport copyTables(Database& source, Database& target);
+    friend CopyReport salvage(const std::string& path, Database& target);
     explicit Database(std::unique_ptr<PageFile> file);
     template <class Step>
     void change(Step&& step);

@@ -1,0 +1,88 @@
+#include <algorithm>
+
+#include "Header.h"
+#include "RowBatch.h"
+#include "SalvageReader.h"
+#include "TablePlan.h"
+#include "base/ErrorState.h"
+#include "db/jet/copy/Copy.h"
+#include "define/CatalogWriter.h"
+
+namespace vl::jet {
+
+namespace {
+
+// A file of another generation, or an encrypted one, has its name where ours has its own. Whatever
+// has none there is taken for one whose first page is lost.
+void lookAtHeader(const File& file, const std::string& path, Findings& findings) {
+    Page::Bytes first{};
+    const std::size_t there = std::min<std::uint64_t>(file.size(), first.size());
+    file.read(0, std::span(first).first(there));
+    try {
+        checkHeader(path, ByteView(first).first(there));
+    } catch (const Error& e) {
+        const std::string_view start(reinterpret_cast<const char*>(first.data()), 20);
+        if (there < first.size() || start.find("Standard ") != std::string_view::npos ||
+            file.size() < 3 * kPageSize) {
+            throw;
+        }
+        findings.add(0, e.what());
+    }
+}
+
+Properties propertiesOf(PageFile& file, PageNo definition, Findings& findings) {
+    Properties properties;
+    findings.attempt(definition, [&] { properties = CatalogWriter(file).properties(definition); });
+    return properties;
+}
+
+std::uint64_t copyRows(SalvageReader& reader, const TableDefinition& table, Database& target,
+                       Findings& findings) {
+    std::uint64_t count = 0;
+    RowBatch batch(target, target.table(table.name));
+    reader.rows(table, [&](RowId id, const std::vector<Variant>& values) {
+        try {
+            batch.add(values);
+            ++count;
+        } catch (const Error& e) {
+            if (e.number() == ErrNo::Io || e.number() == ErrNo::Corrupt) {
+                throw;
+            }
+            findings.add(id.page, "row " + std::to_string(id.row) + " is lost: " + e.what());
+        }
+    });
+    batch.finish();
+    return count;
+}
+
+}  // namespace
+
+CopyReport salvage(const std::string& path, Database& target) {
+    Findings findings(path);
+    std::unique_ptr<File> opened = openFile(path, Access::Read);
+    lookAtHeader(*opened, path, findings);
+    PageFile file(std::move(opened), path, Access::Read);
+    SalvageReader reader(file, findings);
+    CopyReport report;
+    for (const TableDefinition& table : reader.tables()) {
+        TablePlan plan = planOf(table, propertiesOf(file, table.page, findings));
+        try {
+            target.createTable(table.name, plan.columns, plan.indexes);
+        } catch (const Error& e) {
+            if (e.number() == ErrNo::Io || e.number() == ErrNo::Corrupt) {
+                throw;
+            }
+            findings.add(table.page, "table \"" + table.name + "\" is lost: " + e.what());
+            continue;
+        }
+        report.rows += copyRows(reader, table, target, findings);
+        Transaction change(target);
+        finishTable(*target.file_, definitionPageOf(target, table.name), plan);
+        change.commit();
+        ++report.tables;
+    }
+    report.lost = findings.take();
+    return report;
+}
+
+}  // namespace vl::jet

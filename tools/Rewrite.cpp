@@ -1,0 +1,64 @@
+#include "Rewrite.h"
+
+#include <filesystem>
+#include <optional>
+
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "db/jet/check/Check.h"
+
+namespace vl::tools {
+
+namespace {
+
+/// Removes a file that was begun, unless it is kept.
+class Begun {
+public:
+    explicit Begun(const std::string& path) : path_(text::toUtf16(path)) {}
+    Begun(const Begun&) = delete;
+    Begun& operator=(const Begun&) = delete;
+    ~Begun() {
+        if (!kept_) {
+            std::error_code ignored;
+            std::filesystem::remove(path_, ignored);
+        }
+    }
+    void keep() { kept_ = true; }
+
+private:
+    std::filesystem::path path_;
+    bool kept_ = false;
+};
+
+std::string counted(std::uint64_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
+}  // namespace
+
+jet::CopyReport makeAnew(const std::string& target,
+                         const std::function<jet::CopyReport(jet::Database&)>& fill) {
+    auto made = std::make_optional(jet::Database::create(target));
+    Begun begun(target);
+    jet::CopyReport report;
+    try {
+        report = fill(*made);
+        const std::vector<jet::Finding> findings = checkDatabase(*made);
+        if (!findings.empty()) {
+            throw Error(ErrNo::Unexpected, target + ": what was written is damaged: page " +
+                                               std::to_string(findings[0].page) + ": " +
+                                               findings[0].what);
+        }
+    } catch (const Error&) {
+        made.reset();  // an open file cannot be removed everywhere
+        throw;
+    }
+    begun.keep();
+    return report;
+}
+
+std::string countText(const jet::CopyReport& report) {
+    return counted(report.tables, "table") + ", " + counted(report.rows, "row");
+}
+
+}  // namespace vl::tools
