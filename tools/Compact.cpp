@@ -70,6 +70,9 @@ int run(const Arguments& arguments, const Streams& streams) {
         auto source = jet::Database::open(file, jet::Access::Read);
         report = copyWhole(source, target);
     }
+    for (const jet::Finding& left : report.lost) {
+        streams.out << "page " << left.page << ": " << left.what << '\n';
+    }
     streams.out << target << ": " << countText(report) << ", " << before << " bytes before, "
                 << fs::file_size(pathOf(target)) << " now\n";
     return kDone;

@@ -14,13 +14,14 @@ class Database;
 struct CopyReport {
     std::uint32_t tables = 0;
     std::uint64_t rows = 0;
-    std::vector<Finding> lost;  ///< what could not be copied, and why; of `salvage` only
+    std::vector<Finding> lost;  ///< what is not in the copy, and why
 };
 
 /// Writes the tables of `source`, their rows, indexes and properties into `target`, which has no
 /// tables yet. Autonumbers go on where they are. Throws `Error`: `ErrNo::Unsupported`, before
 /// anything is written, for a source that holds what cannot be made anew: queries, relationships,
-/// objects of the desktop product; what reading and writing throw. `target` is then of no use.
+/// linked tables; what reading and writing throw. `target` is then of no use. What the desktop
+/// product keeps for itself is left out.
 CopyReport copyTables(Database& source, Database& target);
 
 /// The same with what can still be read of the file at `path`, however damaged. A value that cannot

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "Catalog.h"
 #include "RowBatch.h"
@@ -31,27 +30,31 @@ std::size_t positionOf(const Table& table, std::string_view name) {
     return static_cast<std::size_t>(found - columns.begin());
 }
 
-// What would be gone afterwards.
-void refuseOtherObjects(const Database& source) {
+// What would be gone afterwards and is somebody's work; what the desktop product keeps for itself,
+// and makes anew when it is gone, is only noted.
+void lookAtOtherObjects(const Database& source, Findings& left) {
     const Table objects = source.table("MSysObjects");
     const std::size_t type = positionOf(objects, "Type");
     const std::size_t name = positionOf(objects, "Name");
     for (RowCursor row = objects.scan(); row.next();) {
         const Variant kind = row.value(type);
-        if (kind != Variant(kTable) && kind != Variant(kDatabase) && kind != Variant(kContainer)) {
+        const auto* number = kind.get<std::int32_t>();
+        const bool kept = number != nullptr &&
+                          (*number == kTable || *number == kDatabase || *number == kContainer);
+        const std::string label = "\"" + row.value(name).toText() + "\"";
+        if (!kept && number != nullptr && *number < 0) {
+            left.add(row.id().page, label + " of the desktop product is left out");
+        } else if (!kept) {
             throw Error(ErrNo::Unsupported,
-                        source.name() + ": \"" + row.value(name).toText() +
-                            "\" is no table and cannot be copied (object of type " +
-                            (kind.isNull() ? std::string("none") : kind.toText()) + ")");
+                        source.name() + ": " + label + " is no table and cannot be copied");
         }
     }
     for (const TableInfo& info : source.tables()) {
         const bool own =
             std::find(kOwnTables.begin(), kOwnTables.end(), info.name) != kOwnTables.end();
         if (info.system && !own) {
-            throw Error(ErrNo::Unsupported, source.name() + ": \"" + info.name +
-                                                "\" belongs to another product and cannot be "
-                                                "copied");
+            left.add(info.definitionPage,
+                     "table \"" + info.name + "\" of the desktop product is left out");
         }
     }
 }
@@ -59,8 +62,10 @@ void refuseOtherObjects(const Database& source) {
 }  // namespace
 
 CopyReport copyTables(Database& source, Database& target) {
-    refuseOtherObjects(source);
+    Findings left(source.name());
+    lookAtOtherObjects(source, left);
     CopyReport report;
+    report.lost = left.take();
     for (const TableInfo& info : source.tables()) {
         if (info.system) {
             continue;

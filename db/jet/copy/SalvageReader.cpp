@@ -38,11 +38,8 @@ SalvageReader::SalvageReader(PageFile& file, Findings& findings)
 
 std::vector<TableDefinition> SalvageReader::tables() {
     std::vector<TableDefinition> found;
-    namedTables(found);
-    std::set<PageNo> known;
-    for (const TableDefinition& table : found) {
-        known.insert(table.page);
-    }
+    std::set<PageNo> known;  // those of the engine's and other products' own among them
+    namedTables(found, known);
     for (PageNo page = kCatalog + 1; page < file_.pageCount(); ++page) {
         const ByteView bytes = file_.page(page).bytes();
         const bool begins = u8(bytes, 0) == 2 && u8(bytes, kKindAt) == kUserTable;
@@ -62,7 +59,7 @@ std::vector<TableDefinition> SalvageReader::tables() {
     return found;
 }
 
-void SalvageReader::namedTables(std::vector<TableDefinition>& tables) {
+void SalvageReader::namedTables(std::vector<TableDefinition>& tables, std::set<PageNo>& known) {
     findings_.attempt(kCatalog, [&] {
         const TableDefinition catalog = readTableDefinition(file_, kCatalog, "MSysObjects");
         const auto id = positionOf(catalog, "Id");
@@ -79,7 +76,11 @@ void SalvageReader::namedTables(std::vector<TableDefinition>& tables) {
             const auto* bits = row[*flags].get<std::int32_t>();
             const bool system =
                 bits != nullptr && (static_cast<std::uint32_t>(*bits) & kSystemFlags) != 0;
-            if (row[*type] != Variant(1) || page == nullptr || label == nullptr || system) {
+            if (row[*type] != Variant(1) || page == nullptr || label == nullptr) {
+                return;
+            }
+            known.insert(static_cast<PageNo>(*page));
+            if (system) {
                 return;
             }
             findings_.attempt(static_cast<PageNo>(*page), [&] {

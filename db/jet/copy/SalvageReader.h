@@ -28,7 +28,7 @@ public:
 private:
     using Place = std::pair<PageNo, std::uint16_t>;
 
-    void namedTables(std::vector<TableDefinition>& tables);
+    void namedTables(std::vector<TableDefinition>& tables, std::set<PageNo>& known);
     std::vector<PageNo> pagesOf(const TableDefinition& table);
     std::vector<Variant> valuesOf(const RowView& row, const TableDefinition& table, RowId id,
                                   const Origin& origin);
