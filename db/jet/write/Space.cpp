@@ -331,7 +331,6 @@ void Space::expressFree(PageNo page) {
     patch(map.page, map.at(), row);
 }
 
-// A page that its owner still counts as its own is not free, whatever the map says.
 // What a table that was dropped has left on its pages may point to anything.
 bool Space::isMap(RowPointer pointer) {
     try {
@@ -345,6 +344,7 @@ bool Space::isMap(RowPointer pointer) {
     }
 }
 
+// A page that its owner still counts as its own is not free, whatever the map says.
 void Space::refuseOwned(PageNo number) {
     const Page page = file_.page(number);
     const std::uint32_t owner = u32(page.bytes(), 4);
