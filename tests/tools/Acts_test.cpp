@@ -75,12 +75,12 @@ TEST_F(RemindbActs, AnOccurrenceOfASeriesIsNamedByItsStart) {
     const auto found = test::remindb(
         {"sql", file, "SELECT GUID FROM Reminders WHERE Subject = \"Project review\"", "--json"});
     const auto series = linesOf(found.out).at(0)["GUID"].get<std::string>();
-    const auto run = act({"snooze", series, "--at", "2026-11-25T10:00:00"});
+    const auto run = act({"snooze", series, "--at", "2026-11-30T10:00:00"});
     ASSERT_EQ(run.code, 0) << run.err;
-    EXPECT_EQ(linesOf(run.out).at(0)["start"], "2026-11-25T10:00:00");
-    const auto wrong = act({"snooze", series, "--at", "2026-11-26T10:00:00"});
+    EXPECT_EQ(linesOf(run.out).at(0)["start"], "2026-11-30T10:00:00");
+    const auto wrong = act({"snooze", series, "--at", "2026-12-01T10:00:00"});
     EXPECT_EQ(wrong.code, 1);
-    EXPECT_THAT(wrong.err, HasSubstr("no occurrence at 2026-11-26T10:00:00"));
+    EXPECT_THAT(wrong.err, HasSubstr("no occurrence at 2026-12-01T10:00:00"));
 }
 
 TEST_F(RemindbActs, SaysWhatFailed) {
