@@ -173,7 +173,7 @@ void appendIndex(DefinitionBlocks& blocks, const NewIndex& index, RowPointer own
             return text::compareNoCase(text::fromUtf16(other.name), index.name) > 0;
         });
     blocks.indexes.insert(behind, std::move(block));
-    blocks.trees.push_back(std::move(tree));
+    blocks.trees.push_back(tree);
 }
 
 }  // namespace vl::jet
