@@ -6,7 +6,7 @@
 namespace vl {
 
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder) const {
-    if (!uncheckedSince.isZero() && lastReminder >= uncheckedSince) {
+    if ((!uncheckedSince.isZero() && lastReminder >= uncheckedSince) || isListed_(event.GUID)) {
         return true;
     }
     const EventState* state = ledger_.find(db_.DBFullName, event.GUID);

@@ -1,6 +1,10 @@
 // What the ledger tells to those who clean up.
 #pragma once
 
+#include <functional>
+#include <string_view>
+#include <utility>
+
 #include "db/DBRemindUtils.h"
 #include "events/EventHistory.h"
 #include "events/Ledger.h"
@@ -10,7 +14,11 @@ namespace vl {
 /// Both that it is made of must outlive it.
 class LedgerHistory final : public EventHistory {
 public:
-    LedgerHistory(Ledger& ledger, const DBRemindUtils& db) : ledger_(ledger), db_(db) {}
+    /// `isListed` tells which events stand in the list of new reminders: one of
+    /// these can still be snoozed, wherever the host has moved it meanwhile.
+    LedgerHistory(Ledger& ledger, const DBRemindUtils& db,
+                  std::function<bool(std::string_view GUID)> isListed)
+        : ledger_(ledger), db_(db), isListed_(std::move(isListed)) {}
 
     DateTime uncheckedSince;  ///< no check has asked for reminders from here on; 0: all were
 
@@ -20,6 +28,7 @@ public:
 private:
     Ledger& ledger_;
     const DBRemindUtils& db_;
+    std::function<bool(std::string_view)> isListed_;
 };
 
 }  // namespace vl

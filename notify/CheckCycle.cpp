@@ -47,7 +47,8 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
       screen_(screen),
       ledger_(ledger),
       acts_(acts),
-      history_(ledger, db) {
+      history_(ledger, db,
+               [&state](std::string_view GUID) { return state.NewReminders->Exists(GUID); }) {
     reminders_.UseLedger(ledger_, [&listed = state_](std::string_view GUID) {
         return listed.LastEventsReminded->Exists(GUID);
     });
