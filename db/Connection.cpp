@@ -60,7 +60,8 @@ void Connection::ForRows(std::string_view statement,
     });
 }
 
-sql::Result Connection::Execute(std::string_view statement) {
+sql::Result Connection::Execute(std::string_view statement,
+                                std::span<const sql::Parameter> parameters) {
     if (!db_) {
         throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
     }
@@ -68,7 +69,7 @@ sql::Result Connection::Execute(std::string_view statement) {
         db_ = jet::Database::open(file_, jet::Access::ReadWrite);
         access_ = jet::Access::ReadWrite;
     }
-    return sql::execute(*db_, statement);
+    return sql::execute(*db_, statement, parameters);
 }
 
 }  // namespace vl

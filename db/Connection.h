@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -43,7 +44,8 @@ public:
     void Close() noexcept { db_.reset(); }
 
     /// One statement, as `sql::execute`. Throws `ErrNo::NotFound` on a closed connection.
-    sql::Result Execute(std::string_view statement);
+    sql::Result Execute(std::string_view statement,
+                        std::span<const sql::Parameter> parameters = {});
 
     /// Shows the rows of a statement of which `sql::RowStream` is capable, as they are at one time:
     /// where somebody else wrote meanwhile, `visit` is called once more with a new stream.

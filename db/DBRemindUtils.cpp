@@ -31,6 +31,38 @@ jet::ColumnType columnType(int FType) {
                 "there is no type of columns with the number " + std::to_string(FType));
 }
 
+/// A statement that saves a row, and the values for its question marks.
+struct Saving {
+    std::string statement;
+    std::vector<sql::Parameter> values;
+};
+
+Saving insertion(const RecordSet& records, std::string_view table) {
+    Saving saving;
+    std::string names;
+    std::string marks;
+    for (const std::size_t field : records.changed()) {
+        names += (names.empty() ? "[" : ", [") + records.fields()[field].name + "]";
+        marks += marks.empty() ? "?" : ", ?";
+        saving.values.push_back({"", records.value(field)});
+    }
+    saving.statement =
+        "INSERT INTO [" + std::string(table) + "] (" + names + ") VALUES (" + marks + ");";
+    return saving;
+}
+
+Saving change(const RecordSet& records, std::string_view table) {
+    Saving saving;
+    std::string sets;
+    for (const std::size_t field : records.changed()) {
+        sets += (sets.empty() ? "[" : ", [") + records.fields()[field].name + "] = ?";
+        saving.values.push_back({"", records.value(field)});
+    }
+    saving.values.push_back({"", records.valueBefore(records.placeOf("GUID"))});
+    saving.statement = "UPDATE [" + std::string(table) + "] SET " + sets + " WHERE ([GUID] = ?);";
+    return saving;
+}
+
 }  // namespace
 
 template <class Step>
@@ -128,7 +160,10 @@ bool DBRemindUtils::ForRows(std::string_view statement,
     return done;
 }
 
-std::int64_t DBRemindUtils::Execute(std::string_view statement) {
+std::int64_t DBRemindUtils::Execute(std::string_view statement) { return execute(statement, {}); }
+
+std::int64_t DBRemindUtils::execute(std::string_view statement,
+                                    std::span<const sql::Parameter> parameters) {
     const ErrScope scope;
     clearError();
     std::int64_t affected = 0;
@@ -137,10 +172,27 @@ std::int64_t DBRemindUtils::Execute(std::string_view statement) {
         OpenDB();
     }
     if (isOpen) {
-        step([&] { affected = connection_.Execute(statement).affected; });
+        step([&] { affected = connection_.Execute(statement, parameters).affected; });
     }
     CloseDB();
     return affected;
+}
+
+std::int64_t DBRemindUtils::UpdateRS(RecordSet& records, std::string_view table) {
+    const ErrScope scope;
+    clearError();
+    std::int64_t written = 0;
+    if (records.changed().empty()) {
+        return written;
+    }
+    step([&] {
+        const Saving saving = records.isNew() ? insertion(records, table) : change(records, table);
+        written = execute(saving.statement, saving.values);
+    });
+    if (written > 0) {
+        records.markSaved();
+    }
+    return written;
 }
 
 bool DBRemindUtils::Look::same(const Look& other) const noexcept {

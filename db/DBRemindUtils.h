@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -50,7 +51,12 @@ public:
     /// of rows it changed, 0 when it failed.
     std::int64_t Execute(std::string_view statement);
 
-    /// Why the last `OpenDB`, `ReConnect`, `CloseAndOpenDB`, `OpenRS`, `Execute`,
+    /// Saves the changed fields of the current row in the row of `table` with the same `GUID` (as
+    /// it was before), or a new row, and closes the database. Returns the number of rows written:
+    /// 0 when it failed, when nothing was changed, and when the row is gone.
+    std::int64_t UpdateRS(RecordSet& records, std::string_view table);
+
+    /// Why the last `OpenDB`, `ReConnect`, `CloseAndOpenDB`, `OpenRS`, `Execute`, `UpdateRS`,
     /// `FieldExistsDB`, `AddField` or `GetDeletedCol` failed; `ErrNo::None` when it did not.
     /// `CloseDB` leaves it alone.
     ErrNo LastError() const noexcept { return lastError_; }
@@ -106,8 +112,31 @@ public:
     /// The GUIDs of the rows marked as deleted, in record order, each under itself. Never null.
     std::shared_ptr<GenCollection> GetDeletedCol();
 
+    // ---- maintenance (DBMaintenance.cpp). What fails removes nothing.
+
+    /// Removes the rows marked as deleted; returns how many there were.
+    std::int64_t DeleteAllDeleted();
+    /// Removes the event's row; nothing without a GUID. The text is not escaped.
+    void DeleteDB(std::string_view sGUID);
+    /// Empties the table.
+    void DeleteAll();
+
+    /// The host databases that events come from, each once, under its path; a missing one is the
+    /// empty text. Never null.
+    std::shared_ptr<GenCollection> VLBasesCol();
+    /// Those of them whose path names no file. Never null.
+    std::shared_ptr<GenCollection> DeletedVLBasesCol();
+    /// The number of events of the host databases that are gone; `bDoDelete` removes them.
+    std::int64_t DelDeletedVLBases(bool bDoDelete);
+
+    /// The database is never compacted from here, and never backed up: both do nothing, and
+    /// `Compact` is always false.
+    static bool Compact(std::string_view fileName, bool AutoBackup = false) noexcept;
+    static void Backup(std::string_view fileName) noexcept;
+
 private:
     void clearError();
+    std::int64_t execute(std::string_view statement, std::span<const sql::Parameter> parameters);
     template <class Step>
     bool step(Step&& s, Place where = Place::here());
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "FieldValue.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 
@@ -37,10 +38,18 @@ int codeOf(ColumnType type) noexcept {
     return hit == kCodes.end() ? 0 : hit->second;
 }
 
+std::size_t sizeOf(const sql::Field& field) noexcept {
+    constexpr std::size_t kUnit = 2;  // bytes of a UTF-16 unit
+    if (field.type == ColumnType::Text) {
+        return field.length / kUnit;
+    }
+    return field.type == ColumnType::Binary ? field.length : 0;
+}
+
 }  // namespace
 
 RecordSet::Field RecordSet::fieldOf(sql::Field field) {
-    return {std::move(field.name), codeOf(field.type)};
+    return {std::move(field.name), codeOf(field.type), sizeOf(field)};
 }
 
 RecordSet::RecordSet(sql::Result result) : open_(true), rows_(std::move(result.rows)) {
@@ -51,12 +60,19 @@ RecordSet::RecordSet(sql::Result result) : open_(true), rows_(std::move(result.r
 
 void RecordSet::Close() noexcept {
     open_ = false;
+    markSaved();
     fields_.clear();
     rows_.clear();
     current_ = 0;
 }
 
-void RecordSet::MoveNext() noexcept {
+void RecordSet::MoveFirst() {
+    CancelUpdate();
+    current_ = 0;
+}
+
+void RecordSet::MoveNext() {
+    CancelUpdate();
     if (!EOF_()) {
         ++current_;
     }
@@ -73,14 +89,60 @@ const Variant& RecordSet::value(std::size_t field) const {
     return rows_[current_][field];
 }
 
-const Variant& RecordSet::value(std::string_view field) const {
+const Variant& RecordSet::value(std::string_view field) const { return value(placeOf(field)); }
+
+std::size_t RecordSet::placeOf(std::string_view field) const {
     const auto hit = std::find_if(fields_.begin(), fields_.end(), [field](const Field& f) {
         return text::equalsNoCase(f.name, field);
     });
     if (hit == fields_.end()) {
         throw Error(ErrNo::NotFound, "record set: no field " + std::string(field));
     }
-    return value(static_cast<std::size_t>(hit - fields_.begin()));
+    return static_cast<std::size_t>(hit - fields_.begin());
+}
+
+void RecordSet::AddNew() {
+    CancelUpdate();
+    rows_.emplace_back(fields_.size(), Variant(Null{}));
+    current_ = rows_.size() - 1;
+    new_ = true;
+}
+
+void RecordSet::setValue(std::size_t field, const Variant& value) {
+    const Variant& held = this->value(field);
+    Variant converted = fieldValue(fields_[field], value);
+    if (converted == held) {
+        return;
+    }
+    if (changed_.empty()) {
+        before_ = rows_[current_];
+    }
+    changed_.insert(field);
+    rows_[current_][field] = std::move(converted);
+}
+
+void RecordSet::setValue(std::string_view field, const Variant& value) {
+    setValue(placeOf(field), value);
+}
+
+const Variant& RecordSet::valueBefore(std::size_t field) const {
+    return changed_.empty() ? value(field) : before_.at(field);
+}
+
+void RecordSet::markSaved() noexcept {
+    new_ = false;
+    changed_.clear();
+    before_.clear();
+}
+
+void RecordSet::CancelUpdate() {
+    if (new_) {
+        rows_.pop_back();
+        current_ = rows_.size();
+    } else if (!changed_.empty()) {
+        rows_[current_] = std::move(before_);
+    }
+    markSaved();
 }
 
 }  // namespace vl

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,7 @@ namespace vl {
 
 /// What a cursor type was asked for does not matter here: every record set is a copy of its rows,
 /// which later writes do not change. One that was never opened, or is closed, holds no rows and no
-/// fields. Only `value` throws.
+/// fields.
 class RecordSet {
 public:
     /// `type` is the data access library's code: 2 small, 3 long, 4 single, 5 double, 6 currency,
@@ -22,6 +23,7 @@ public:
     struct Field {
         std::string name;
         int type = 0;
+        std::size_t size = 0;  ///< most UTF-16 units of a text, most bytes of a binary; 0: no limit
     };
 
     /// As a field of the database's own stands in a record set.
@@ -44,9 +46,9 @@ public:
     bool BOF_() const noexcept { return rows_.empty(); }
     /// Behind the last row, from the beginning when there is none.
     bool EOF_() const noexcept { return current_ >= rows_.size(); }
-    void MoveFirst() noexcept { current_ = 0; }
+    void MoveFirst();
     /// At the end nothing happens.
-    void MoveNext() noexcept;
+    void MoveNext();
     /// All rows, wherever the walk is.
     std::size_t RecordCount() const noexcept { return rows_.size(); }
 
@@ -59,11 +61,40 @@ public:
     const Variant& value(std::size_t field) const;
     const Variant& value(std::string_view field) const;
 
+    // What is changed here is in this copy only, until `DBRemindUtils::UpdateRS` saves it.
+
+    /// Puts a new row behind the last one, all fields null, and makes it the current one.
+    void AddNew();
+    bool isNew() const noexcept { return new_; }
+
+    /// Changes a field of the current row, converted to the field's type; null and `Empty` make it
+    /// null. Throws `Error`: `ErrNo::NotFound` as `value`, `ErrNo::TypeMismatch` or
+    /// `ErrNo::Overflow` for what the field cannot hold, and leaves it as it was.
+    void setValue(std::size_t field, const Variant& value);
+    void setValue(std::string_view field, const Variant& value);
+
+    /// The fields of the current row that were changed since it was read or saved, ascending.
+    const std::set<std::size_t>& changed() const noexcept { return changed_; }
+    /// The value that the field had before.
+    const Variant& valueBefore(std::size_t field) const;
+
+    /// The current row has been saved as it is.
+    void markSaved() noexcept;
+    /// Takes the changes of the current row back; a new one goes. So does moving to another row.
+    void CancelUpdate();
+
+    /// Where that field stands, from 0. Throws `Error` (`ErrNo::NotFound`).
+    std::size_t placeOf(std::string_view field) const;
+
 private:
     bool open_ = false;
     std::vector<Field> fields_;
     std::vector<std::vector<Variant>> rows_;
     std::size_t current_ = 0;
+
+    bool new_ = false;
+    std::set<std::size_t> changed_;
+    std::vector<Variant> before_;  // the current row as it was, while something is changed
 };
 
 }  // namespace vl

@@ -23,6 +23,7 @@ namespace vl {
 class Clock;
 class DBRemindUtils;
 class GenCollection;
+class RecordSet;
 class Recurrence;
 struct EventProperty;
 
@@ -224,6 +225,16 @@ public:
     };
     /// Removes the event's row and its item's from the host's database, which `VLBase` names.
     Deletion DeleteItem() const;
+
+    /// The name of the host's field `FieldID`, also put into `FieldName`; empty when it cannot be
+    /// found out.
+    const std::string& GetFieldName();
+
+    /// Copies the properties of `E`, or of this event without one, into the current row of `R`, by
+    /// the names of its fields; `EventID` stays as it is, and so does what has no property or takes
+    /// no such value. Saving the row is the caller's. An event that does not end after its start
+    /// is first made an hour long: this one, whatever `E` is. Always false.
+    bool FillRS(RecordSet& R, const calEvent* E = nullptr);
 
     /// The statements of the writers above; empty without a `GUID`. Texts are not escaped: with a
     /// double quote in it a statement is broken, and fails.

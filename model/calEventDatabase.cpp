@@ -1,4 +1,8 @@
 // The columns of its row that an event writes back.
+#include <algorithm>
+#include <array>
+
+#include "base/Text.h"
 #include "db/DBRemindUtils.h"
 #include "model/calEvent.h"
 
@@ -16,6 +20,20 @@ std::string update(std::string_view column, const std::string& value, const std:
 
 std::int64_t write(DBRemindUtils& db, const std::string& statement) {
     return statement.empty() ? 0 : db.Execute(statement);
+}
+
+// These hold text whatever the property holds: nothing and "no" are the empty text.
+bool isTextField(std::string_view name) {
+    static constexpr std::array<std::string_view, 9> kNames = {
+        "id",         "color", "iCalUID", "recurrence",      "reminders",
+        "CalendarID", "JSON",  "status",  "recurringEventId"};
+    return std::any_of(kNames.begin(), kNames.end(),
+                       [name](std::string_view n) { return text::equalsNoCase(n, name); });
+}
+
+bool isNothing(const Variant& value) {
+    const auto* flag = value.get<bool>();
+    return value.isEmpty() || value.isNull() || (flag != nullptr && !*flag);
 }
 
 }  // namespace
@@ -50,6 +68,26 @@ std::int64_t calEvent::SaveHiddenDB(DBRemindUtils& db) const {
 
 std::int64_t calEvent::SaveDismissedDB(DBRemindUtils& db) const {
     return write(db, DismissedStatement());
+}
+
+bool calEvent::FillRS(RecordSet& R, const calEvent* E) {
+    const ErrScope scope;
+    constexpr std::int64_t kHour = 3600;
+    if (EndDateTime <= StartDateTime) {
+        EndDateTime = StartDateTime.addSeconds(kHour);
+    }
+    const calEvent& source = E != nullptr ? *E : *this;
+    for (std::size_t i = 0; i < R.fields().size(); ++i) {
+        const std::string& name = R.fields()[i].name;
+        if (text::equalsNoCase(name, "EventID")) {
+            continue;
+        }
+        attempt([&] {
+            const Variant value = source.property(name);
+            R.setValue(i, isTextField(name) && isNothing(value) ? Variant("") : value);
+        });
+    }
+    return false;
 }
 
 }  // namespace vl

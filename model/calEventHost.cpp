@@ -9,6 +9,16 @@ namespace {
 
 // The host marks the names of its tables of items and fields with a macron in front.
 constexpr const char* kItems = "[\u00AFItems]";
+constexpr const char* kFields = "[\u00AFFields]";
+
+// A quote in it must not end it: what would follow could name every row.
+std::string literalOf(std::string_view value) {
+    std::string text = "\"";
+    for (const char c : value) {
+        text += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return text + "\"";
+}
 
 bool passes(ErrNo error) { return error == ErrNo::Locked || error == ErrNo::Io; }
 
@@ -33,7 +43,7 @@ calEvent::Deletion calEvent::DeleteItem() const {
     }
     DBRemindUtils host;
     host.DBFullName = VLBase;
-    const std::string where = " WHERE GUID=\"" + GUID + "\"";
+    const std::string where = " WHERE GUID=" + literalOf(GUID);
     const std::vector<std::int32_t> items = itemsOf(host, where);
     if (host.LastError() != ErrNo::None) {
         return passes(host.LastError())         ? Deletion::Waits
@@ -55,6 +65,21 @@ calEvent::Deletion calEvent::DeleteItem() const {
     return host.LastError() == ErrNo::None ? Deletion::Gone
            : passes(host.LastError())      ? Deletion::Waits
                                            : Deletion::Failed;
+}
+
+const std::string& calEvent::GetFieldName() {
+    const ErrScope scope;
+    FieldName.clear();
+    DBRemindUtils host;
+    host.DBFullName = VLBase;
+    const auto found = host.OpenRS(std::string("SELECT Name FROM ") + kFields +
+                                   " WHERE FieldID=" + std::to_string(FieldID));
+    attempt([&] {
+        if (!found->EOF_()) {
+            FieldName = found->value("Name").toText();
+        }
+    });
+    return FieldName;
 }
 
 }  // namespace vl

@@ -224,7 +224,7 @@ calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
 calEvent::Deletion Acts::deleteNow(const calEvent& event) {
     auto result = event.DeleteItem();
     if (result == calEvent::Deletion::Gone) {
-        db_.Execute("DELETE * FROM Reminders WHERE (GUID=\"" + event.GUID + "\");");
+        db_.DeleteDB(event.GUID);
         trouble_ = db_.LastErrorText();
         if (db_.LastError() != ErrNo::None) {
             result = passes(db_) ? calEvent::Deletion::Waits : calEvent::Deletion::Failed;

@@ -289,7 +289,7 @@ void CheckCycle::removeEvent(const std::string& GUID) {
 void CheckCycle::purge() {
     purgeWaits_ = !keepReplacedStarts();
     if (!purgeWaits_) {
-        db_.Execute("DELETE * FROM Reminders WHERE (Deleted=True);");
+        db_.DeleteAllDeleted();
         purgeWaits_ = db_.LastError() != ErrNo::None;
     }
     deletedLook_ = db_.TakeLook();

@@ -40,7 +40,7 @@ void addAll(Output& output, const SelectItem& item, const Scope& scope) {
         value->op = Op::Column;
         value->column = {item.at, item.table, column.name};
         scope.bind(value.get());
-        output.fields.push_back({column.name, column.type});
+        output.fields.push_back({column.name, column.type, column.length});
         output.values.push_back(value.get());
         output.own.push_back(std::move(value));
     }
@@ -54,8 +54,11 @@ Output outputOf(const Select& statement, const Scope& scope) {
             continue;
         }
         scope.bind(item.value.get());
+        const Expr& value = *item.value;
+        const std::uint16_t length =
+            value.op == Op::Column ? scope.shape().columns[value.ordinal].length : std::uint16_t{0};
         output.fields.push_back(
-            {nameOf(item, scope.shape(), output.fields.size()), item.value->type});
+            {nameOf(item, scope.shape(), output.fields.size()), value.type, length});
         output.values.push_back(item.value.get());
     }
     return output;
@@ -264,7 +267,7 @@ Result selectAggregates(const Select& statement, const StoredTable& table, const
         scope.bind(item.value.get());
         aggregates.emplace_back(item);
         result.fields.push_back(
-            {nameOf(item, scope.shape(), result.fields.size()), aggregates.back().type()});
+            {nameOf(item, scope.shape(), result.fields.size()), aggregates.back().type(), 0});
     }
     const auto rows = findRows(table, statement.where.get());
     while (rows->next()) {

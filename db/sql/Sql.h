@@ -41,6 +41,7 @@ namespace vl::sql {
 struct Field {
     std::string name;
     jet::ColumnType type = jet::ColumnType::Text;
+    std::uint16_t length = 0;  ///< of the column's values, as `jet::Column`; 0: of none
 };
 
 struct Result {

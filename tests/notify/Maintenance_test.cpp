@@ -1,0 +1,218 @@
+// Cleaning up, over real files.
+#include <gmock/gmock.h>
+
+#include <deque>
+#include <filesystem>
+
+#include "RecordingScreen.h"
+#include "notify/Maintenance.h"
+#include "support/ManualClock.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Answers as it was told to, and keeps what it was asked.
+class AnsweringScreen : public MessageScreen {
+public:
+    BoxAnswer ShowBox(const BoxRequest& box) override {
+        asked.push_back(box);
+        if (box.buttons == BoxButtons::Ok || answers.empty()) {
+            return BoxAnswer::Ok;
+        }
+        const BoxAnswer answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+
+    std::deque<BoxAnswer> answers;
+    std::vector<BoxRequest> asked;
+};
+
+class MaintenanceTest : public testing::Test {
+protected:
+    void SetUp() override {
+        db.DBFullName = (folder / "Velmora.RemindDB").string();
+        std::filesystem::copy_file(test::repoFile("data/first-light.RemindDB"), db.DBFullName);
+        const std::string there = (folder / "there.vldb").string();
+        test::writeFile(there, "");
+        db.Execute("UPDATE Reminders SET VLBase = \"" + there + "\";");
+    }
+
+    std::int64_t rows(const std::string& where = "True") {
+        const auto found = db.OpenRS("SELECT COUNT(*) AS n FROM Reminders WHERE " + where);
+        return found->EOF_() ? -1 : found->value("n").toInt64();
+    }
+    // So many of the rows come from that file now.
+    void move(int count, const std::string& path) {
+        const auto guids = db.OpenRS("SELECT TOP " + std::to_string(count) +
+                                     " GUID FROM Reminders WHERE NOT VLBase LIKE \"/gone*\" "
+                                     "ORDER BY GUID");
+        for (; !guids->EOF_(); guids->MoveNext()) {
+            ASSERT_EQ(db.Execute("UPDATE Reminders SET VLBase = \"" + path + "\" WHERE GUID=\"" +
+                                 guids->value("GUID").toText() + "\""),
+                      1);
+        }
+    }
+
+    test::TempFolder folder;
+    test::ManualClock clock{DateTime::fromCivil(2026, 11, 20, 13, 45)};
+    DBRemindUtils db;
+    CalEvents reminders{db, clock};
+    CalEvents period{db, clock};
+    ReminderState state;
+    test::RecordingScreen screen;
+    Ledger ledger{clock};
+    Acts acts{reminders, period, db, clock, ledger, state};
+    CheckCycle check{reminders, period, db, clock, state, screen, ledger, acts};
+    AnsweringScreen boxes;
+    Maintenance maintenance{db, reminders, period, check, state, screen, boxes};
+};
+
+TEST_F(MaintenanceTest, RemovesTheRowsMarkedAsDeleted) {
+    EXPECT_EQ(rows(), 12);
+    EXPECT_EQ(db.DeleteAllDeleted(), 1);
+    EXPECT_EQ(rows(), 11);
+    EXPECT_EQ(db.DeleteAllDeleted(), 0);
+    EXPECT_EQ(rows("Deleted"), 0);
+}
+
+TEST_F(MaintenanceTest, RemovesOneRowByItsGUID) {
+    const std::string guid = db.OpenRS("SELECT GUID FROM Reminders")->value("GUID").toText();
+    db.DeleteDB("");
+    EXPECT_EQ(rows(), 12);
+    db.DeleteDB("{no such row}");
+    EXPECT_EQ(rows(), 12);
+    db.DeleteDB(guid);
+    EXPECT_EQ(rows(), 11);
+    EXPECT_EQ(rows("GUID=\"" + guid + "\""), 0);
+}
+
+TEST_F(MaintenanceTest, KnowsWhichHostDatabasesAreGone) {
+    move(3, "/gone/a.vldb");
+    move(2, "/gone/b.vldb");
+    db.Execute("UPDATE Reminders SET VLBase = \"\" WHERE EventID = 1001");
+    db.Execute("UPDATE Reminders SET VLBase = Null WHERE EventID = 1002");
+    EXPECT_EQ(db.VLBasesCol()->Count(), 4U);
+    const auto gone = db.DeletedVLBasesCol();
+    EXPECT_THAT(std::vector<Variant>(gone->SaveAsArray()),
+                testing::UnorderedElementsAre(Variant(""), Variant("/gone/a.vldb"),
+                                              Variant("/gone/b.vldb")));
+}
+
+TEST_F(MaintenanceTest, CountsBeforeItRemoves) {
+    move(3, "/gone/a.vldb");
+    move(2, "/gone/b.vldb");
+    EXPECT_EQ(db.DelDeletedVLBases(false), 5);
+    EXPECT_EQ(rows(), 12);
+    EXPECT_FALSE((db.CloseDB(), db.isOpen));
+    EXPECT_EQ(db.DelDeletedVLBases(true), 5);
+    EXPECT_EQ(rows(), 7);
+    EXPECT_EQ(db.DelDeletedVLBases(true), 0);
+}
+
+TEST_F(MaintenanceTest, AnEmptyPathIsNoFile) {
+    db.Execute("UPDATE Reminders SET VLBase = \"\" WHERE EventID <= 1003");
+    EXPECT_EQ(db.DelDeletedVLBases(false), 3);
+    EXPECT_EQ(db.DelDeletedVLBases(true), 3);
+    EXPECT_EQ(rows(), 9);
+}
+
+TEST_F(MaintenanceTest, NeitherCompactsNorBacksUp) {
+    const std::string before = test::readFile(db.DBFullName);
+    EXPECT_FALSE(DBRemindUtils::Compact(db.DBFullName, true));
+    DBRemindUtils::Backup((folder / "backup").string());
+    EXPECT_FALSE(std::filesystem::exists(folder / "backup"));
+    EXPECT_EQ(test::readFile(db.DBFullName), before);
+}
+
+TEST_F(MaintenanceTest, WithEveryHostDatabaseThereNothingIsCleanedUp) {
+    maintenance.CleanUp();
+    EXPECT_THAT(boxes.asked,
+                ElementsAre(BoxRequest{"Clean up completed",
+                                       "Nothing to clean up. All events can be located"}));
+    EXPECT_EQ(rows(), 12);
+    EXPECT_THAT(screen.calls, IsEmpty());
+}
+
+TEST_F(MaintenanceTest, CleaningUpAsksAndTellsHowMuch) {
+    move(3, "/gone/a.vldb");
+    move(2, "/gone/b.vldb");
+    boxes.answers = {BoxAnswer::Yes};
+    maintenance.CleanUp();
+    EXPECT_THAT(boxes.asked,
+                ElementsAre(BoxRequest{"Clean up database...",
+                                       "5 events in 2 files could not be located\r\n"
+                                       "(e.g. Files were moved, renamed or deleted)\r\r"
+                                       "Clean up will remove these 5 events\rClean up database? \r",
+                                       BoxButtons::YesNoCancel, BoxIcon::Question},
+                            BoxRequest{"Clean up completed", "5 events were removed"}));
+    EXPECT_EQ(rows(), 7);
+    EXPECT_THAT(screen.calls, ElementsAre("DoPeriod"));
+    ASSERT_TRUE(reminders.mCol);
+    ASSERT_TRUE(period.mCol);
+    EXPECT_EQ(reminders.mCol->Count(), period.mCol->Count());
+}
+
+TEST_F(MaintenanceTest, WhatIsNotAnsweredWithYesChangesNothing) {
+    move(3, "/gone/a.vldb");
+    for (const BoxAnswer answer : {BoxAnswer::No, BoxAnswer::Cancel}) {
+        boxes.asked.clear();
+        boxes.answers = {answer, answer};
+        maintenance.CleanUp();
+        maintenance.DeleteAll();
+        EXPECT_EQ(boxes.asked.size(), 2U);
+        EXPECT_EQ(rows(), 12);
+        EXPECT_THAT(screen.calls, IsEmpty());
+    }
+}
+
+TEST_F(MaintenanceTest, DeletingAllEmptiesTheTableAndTheLists) {
+    check.Tick(10000);
+    ASSERT_GT(state.NewReminders->Count(), 0U);
+    screen.forget();
+    boxes.answers = {BoxAnswer::Yes};
+    maintenance.DeleteAll();
+    EXPECT_THAT(boxes.asked, ElementsAre(BoxRequest{"Reminders database management...",
+                                                    "Delete all reminders? \r"
+                                                    "Reminders can be re-enabled in Velmora\r"
+                                                    "(Tools > Reminders > Reminder Options)\r",
+                                                    BoxButtons::YesNoCancel, BoxIcon::Question}));
+    EXPECT_EQ(rows(), 0);
+    EXPECT_EQ(state.NewReminders->Count(), 0U);
+    EXPECT_EQ(screen.calls.back(), "DoPeriod");
+    EXPECT_EQ(reminders.mCol->Count(), 0U);
+}
+
+// What cannot be removed stays listed, and the closing message still comes.
+TEST_F(MaintenanceTest, AFileThatCannotBeWrittenKeepsItsRows) {
+    move(3, "/gone/a.vldb");
+    check.Tick(10000);
+    const std::size_t listed = state.NewReminders->Count();
+    ASSERT_GT(listed, 0U);
+    const std::int64_t before = rows();
+    const std::string file = db.DBFullName;
+    struct Moving : AnsweringScreen {
+        BoxAnswer ShowBox(const BoxRequest& box) override {
+            if (box.buttons == BoxButtons::YesNoCancel) {
+                std::filesystem::rename(file, file + ".away");
+            }
+            return AnsweringScreen::ShowBox(box);
+        }
+        std::string file;
+    } moving;
+    moving.file = file;
+    moving.answers = {BoxAnswer::Yes};
+    Maintenance(db, reminders, period, check, state, screen, moving).CleanUp();
+    ASSERT_EQ(moving.asked.size(), 2U);
+    EXPECT_EQ(moving.asked[1].text, "0 events were removed");
+    EXPECT_EQ(state.NewReminders->Count(), listed);
+    std::filesystem::rename(file + ".away", file);
+    EXPECT_EQ(rows(), before);
+}
+
+}  // namespace
+}  // namespace vl
