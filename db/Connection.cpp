@@ -44,7 +44,7 @@ void Connection::Open(std::string_view connectionString, std::string_view user,
     if (file_.empty()) {
         throw Error(ErrNo::NotFound, "connection: expected a file behind " + std::string(kSource));
     }
-    db_ = jet::Database::open(file_, jet::Access::Read);
+    db_ = jet::Database::open(file_, jet::Access::Read, {.patience = Patience});
     access_ = jet::Access::Read;
 }
 
@@ -66,7 +66,7 @@ sql::Result Connection::Execute(std::string_view statement,
         throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
     }
     if (access_ == jet::Access::Read && !sql::isQuery(statement)) {
-        db_ = jet::Database::open(file_, jet::Access::ReadWrite);
+        db_ = jet::Database::open(file_, jet::Access::ReadWrite, {.patience = Patience});
         access_ = jet::Access::ReadWrite;
     }
     return sql::execute(*db_, statement, parameters);

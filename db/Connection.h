@@ -1,6 +1,7 @@
 // An open or closed way to a database file.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <span>
@@ -28,6 +29,8 @@ public:
     int CommandTimeout = 30;     ///< seconds
     int IsolationLevel = 4096;
     int CursorLocation = kServerSide;
+    /// The longest waiting for others who have the file, in one statement.
+    std::chrono::milliseconds Patience = jet::OpenOptions().patience;
 
     /// What it was last opened with, also when that failed; kept when it is closed.
     const std::string& ConnectionString() const noexcept { return connectionString_; }

@@ -11,13 +11,6 @@ namespace {
 
 constexpr int kTimeoutSeconds = 60;
 
-// Columns are looked for and added while the program starts, which must not wait long for others.
-jet::OpenOptions whileStarting() {
-    jet::OpenOptions options;
-    options.patience = std::chrono::milliseconds(200);
-    return options;
-}
-
 jet::ColumnType columnType(int FType) {
     constexpr int kDecimal = 20;
     constexpr int kGuid = 15;
@@ -95,6 +88,7 @@ bool DBRemindUtils::OpenDB() {
     connection_ = vl::Connection();
     connection_.ConnectionTimeout = kTimeoutSeconds;
     connection_.CommandTimeout = kTimeoutSeconds;
+    connection_.Patience = Patience;
     connection_.IsolationLevel = vl::Connection::kIsolated;
     connection_.CursorLocation = vl::Connection::kServerSide;
     ADOConnectString =
@@ -218,7 +212,7 @@ bool DBRemindUtils::FieldExistsDB(std::string_view TName, std::string_view Field
     clearError();
     bool exists = false;
     step([&] {
-        const auto db = jet::Database::open(DBFullName, jet::Access::Read, whileStarting());
+        const auto db = jet::Database::open(DBFullName, jet::Access::Read, {.patience = Patience});
         const jet::Table table = db.table(TName);
         exists = std::any_of(
             table.columns().begin(), table.columns().end(),
@@ -238,7 +232,7 @@ ErrNo DBRemindUtils::AddField(std::string_view TName2, std::string_view FieldNam
     step([&] {
         jet::NewColumn column{std::string(FieldName), columnType(FType)};
         column.allowZeroLength = true;
-        jet::Database::open(DBFullName, jet::Access::ReadWrite, whileStarting())
+        jet::Database::open(DBFullName, jet::Access::ReadWrite, {.patience = Patience})
             .addColumn(TName2, column);
     });
     return lastError_;

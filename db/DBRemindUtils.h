@@ -1,6 +1,7 @@
 // The way to the reminders database: the one class that talks to it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -25,7 +26,10 @@ namespace vl {
 /// `LastError`.
 class DBRemindUtils {
 public:
-    std::string DBFullName;        ///< UTF-8; empty: every open fails
+    std::string DBFullName;  ///< UTF-8; empty: every open fails
+    /// The longest waiting for others who have the file, in one statement: so short that a timer's
+    /// tick is not felt. Who has asked for something waits longer.
+    std::chrono::milliseconds Patience{200};
     bool isOpen = false;           ///< true from a successful open to the next close
     std::string ADOConnectString;  ///< the text last built by `OpenDB`
 

@@ -7,6 +7,22 @@ namespace vl {
 
 namespace {
 
+/// Who asked for something to be removed waits longer for others than a tick does.
+class Patient {
+public:
+    explicit Patient(DBRemindUtils& db) : db_(db), before_(db.Patience) {
+        db_.Patience = jet::OpenOptions().patience;
+        db_.CloseDB();
+    }
+    ~Patient() { db_.Patience = before_; }
+    Patient(const Patient&) = delete;
+    Patient& operator=(const Patient&) = delete;
+
+private:
+    DBRemindUtils& db_;
+    std::chrono::milliseconds before_;
+};
+
 constexpr const char* kCompleted = "Clean up completed";
 
 std::string cleanUpQuestion(std::int64_t events, std::size_t files) {
@@ -33,7 +49,11 @@ void Maintenance::CleanUp() {
     if (boxes_.ShowBox(question) != BoxAnswer::Yes) {
         return;
     }
-    const std::int64_t removed = db_.DelDeletedVLBases(true);
+    std::int64_t removed = 0;
+    {
+        const Patient command(db_);
+        removed = db_.DelDeletedVLBases(true);
+    }
     boxes_.ShowBox({kCompleted, std::to_string(removed) + " events were removed"});
     readAndShow();
 }
@@ -45,7 +65,10 @@ void Maintenance::DeleteAll() {
                               "(Tools > Reminders > Reminder Options)\r",
                               BoxButtons::YesNoCancel, BoxIcon::Question};
     if (boxes_.ShowBox(question) == BoxAnswer::Yes) {
-        db_.DeleteAll();
+        {
+            const Patient command(db_);
+            db_.DeleteAll();
+        }
         readAndShow();
     }
 }

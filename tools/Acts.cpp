@@ -42,6 +42,7 @@ public:
         // By its full path the program knows it, too.
         const std::filesystem::path file = std::filesystem::absolute(arguments.words.front());
         db_.DBFullName = file.lexically_normal().string();
+        db_.Patience = jet::OpenOptions().patience;
         set_.mCol = std::make_shared<GenCollection>();
         for (std::size_t i = 1; i < arguments.words.size(); ++i) {
             rows_.push_back(rowOf(arguments.words[i], arguments.option("--at")));

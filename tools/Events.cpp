@@ -50,6 +50,7 @@ void writeLine(const Json& row, bool names, std::ostream& out) {
 
 EventsOfFile::EventsOfFile(const std::string& path, DateTime now) : clock_(now), set(db_, clock_) {
     db_.DBFullName = path;
+    db_.Patience = jet::OpenOptions().patience;
     set.ReadDB(true, false);
     if (const auto& trouble = db_.ReadTrouble(); trouble.number != ErrNo::None) {
         throw Error(trouble.number, trouble.text);

@@ -82,6 +82,9 @@ void Tray::fillMenu() {
     mnuTray_.addSeparator();
     add("mnuRefresh", tr("&Refresh"), &Tray::refresh);
     mnuTray_.addSeparator();
+    add("mnuCleanUp", tr("&Clean up database..."), &Tray::cleanUp);
+    add("mnuDeleteAll", tr("&Delete all reminders..."), &Tray::deleteAll);
+    mnuTray_.addSeparator();
     add("mnuAbout", tr("&About..."), &Tray::about);
     add("mnuExit", tr("E&xit"), &Tray::exit);
 }

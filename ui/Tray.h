@@ -56,6 +56,8 @@ signals:
     void onTop();
     void refresh();
     void about();
+    void cleanUp();
+    void deleteAll();
     void exit();
 
 private:

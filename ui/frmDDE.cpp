@@ -214,6 +214,8 @@ void frmDDE::wireTray() {
     });
     connect(&tray_, &Tray::refresh, this, &frmDDE::mnuRefresh_Click);
     connect(&tray_, &Tray::about, this, &frmDDE::mnuAbout_Click);
+    connect(&tray_, &Tray::cleanUp, this, &frmDDE::mnuCleanUp_Click);
+    connect(&tray_, &Tray::deleteAll, this, &frmDDE::mnuDeleteAll_Click);
     connect(&tray_, &Tray::exit, this, &frmDDE::Exit);
     connect(&popup_, &Toast::linkClicked, this, &frmDDE::MarkupHyperlinkClick);
     connect(&popup_, &Toast::closed, this, &frmDDE::HidePopUp);

@@ -19,6 +19,7 @@
 #include "events/Ledger.h"
 #include "notify/Acts.h"
 #include "notify/CheckCycle.h"
+#include "notify/Maintenance.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
 #include "notify/UpdateCycle.h"
@@ -150,6 +151,8 @@ private:
     void MarkupHyperlinkClick(int tag);
     void mnuRefresh_Click();
     void mnuAbout_Click();
+    void mnuCleanUp_Click();
+    void mnuDeleteAll_Click();
     void butOpen_Click();
     void butSnooze_Click();
     void butDismiss_Click();
@@ -168,6 +171,7 @@ private:
     void readSettings();
     void rememberCaptions();
     void readPeriodSettings();
+    void upgradeDatabase();
     void prepareActions();
     void fillPeriods();
     void showTray();
@@ -205,6 +209,7 @@ private:
 
     // menus (frmDDEMenus.cpp)
     MessageScreen& boxes();
+    Maintenance maintenance();
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
     void updateButtons();

@@ -15,6 +15,7 @@
 #include "base/Text.h"
 #include "notify/Periods.h"
 #include "notify/ReadAgain.h"
+#include "notify/SchemaUpgrade.h"
 #include "ui/FormFont.h"
 #include "ui/HelpNumbers.h"
 #include "ui/QtText.h"
@@ -46,13 +47,13 @@ const char* flagText(bool flag) { return flag ? "-1" : "0"; }
 void frmDDE::Load() {
     const ErrScope scope;
     for (const auto step :
-         {&frmDDE::beginLoading,      &frmDDE::placeWindow,      &frmDDE::readSettings,
-          &frmDDE::SetOnTop,          &frmDDE::rememberCaptions, &frmDDE::readPeriodSettings,
-          &frmDDE::prepareActions,    &frmDDE::fillPeriods,      &frmDDE::showTray,
-          &frmDDE::readEvents,        &frmDDE::setCheckTimer,    &frmDDE::setTabFont,
-          &frmDDE::initGrids,         &frmDDE::startTimers,      &frmDDE::layOut,
-          &frmDDE::SetIcon,           &frmDDE::applyFont,        &frmDDE::endLoading,
-          &frmDDE::selectSavedPeriod, &frmDDE::subclassGrids}) {
+         {&frmDDE::beginLoading,    &frmDDE::placeWindow,       &frmDDE::readSettings,
+          &frmDDE::SetOnTop,        &frmDDE::rememberCaptions,  &frmDDE::readPeriodSettings,
+          &frmDDE::upgradeDatabase, &frmDDE::prepareActions,    &frmDDE::fillPeriods,
+          &frmDDE::showTray,        &frmDDE::readEvents,        &frmDDE::setCheckTimer,
+          &frmDDE::setTabFont,      &frmDDE::initGrids,         &frmDDE::startTimers,
+          &frmDDE::layOut,          &frmDDE::SetIcon,           &frmDDE::applyFont,
+          &frmDDE::endLoading,      &frmDDE::selectSavedPeriod, &frmDDE::subclassGrids}) {
         attempt([&] { (this->*step)(); });
     }
     UpdateUI();
@@ -117,6 +118,11 @@ void frmDDE::readPeriodSettings() {
     const std::string shown = parts_.settings.GetIni(kReminders, "LastShown", "");
     state_.dLastShown = shown.empty() ? parts_.clock.now() : fromStoredText(shown);
     state_.DBVersion = numberSetting("DBVersion");
+}
+
+void frmDDE::upgradeDatabase() {
+    state_.DBVersion = upgradeSchema(parts_.db, state_.DBVersion,
+                                     [this] { parts_.reminders.RemoveAllDoneStatus(); });
 }
 
 void frmDDE::prepareActions() {

@@ -25,6 +25,22 @@ void frmDDE::mnuAbout_Click() {
     attempt([&] { boxes().ShowBox(aboutBox(parts_.Version, state_.DBVersion)); });
 }
 
+Maintenance frmDDE::maintenance() {
+    return {parts_.db, parts_.reminders, parts_.period, check_, state_, *this, boxes()};
+}
+
+void frmDDE::mnuCleanUp_Click() {
+    const ErrScope scope;
+    attempt([&] { maintenance().CleanUp(); });
+    UpdateUI();
+}
+
+void frmDDE::mnuDeleteAll_Click() {
+    const ErrScope scope;
+    attempt([&] { maintenance().DeleteAll(); });
+    UpdateUI();
+}
+
 void frmDDE::butOpen_Click() {
     const ErrScope scope;
     const GridRow* row = selectedGrid().currentRow();

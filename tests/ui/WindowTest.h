@@ -86,7 +86,8 @@ protected:
     }
     /// A database that can be read; the sets stay as they are.
     void haveDatabase() {
-        db.DBFullName = repoFile("data/first-light.RemindDB").string();
+        db.DBFullName = (folder / "Sample.RemindDB").string();
+        writeFile(db.DBFullName, readFile(repoFile("data/first-light.RemindDB")));
         EXPECT_TRUE(db.OpenRS("SELECT GUID FROM Reminders")->isOpen());
         db.CloseDB();
     }

@@ -38,6 +38,30 @@ TEST_F(frmDDEMenus, AboutSaysBothVersions) {
     EXPECT_EQ(boxes.shown, std::vector{said});
 }
 
+TEST_F(frmDDEMenus, CleaningUpAndDeletingAllAskFirst) {
+    haveDatabase();
+    load();
+    const auto rows = [&] {
+        const auto found = db.OpenRS("SELECT COUNT(*) AS n FROM Reminders");
+        const int n = found->value("n").toInt32();
+        db.CloseDB();
+        return n;
+    };
+    const int all = rows();
+    boxes.answer = BoxAnswer::No;
+    for (const char* name : {"mnuCleanUp", "mnuDeleteAll"}) {
+        boxes.shown.clear();
+        entry(name).trigger();
+        ASSERT_EQ(boxes.shown.size(), 1U) << name;
+        EXPECT_EQ(boxes.shown[0].buttons, BoxButtons::YesNoCancel) << name;
+        EXPECT_EQ(rows(), all);
+    }
+    boxes.answer = BoxAnswer::Yes;
+    entry("mnuDeleteAll").trigger();
+    EXPECT_EQ(rows(), 0);
+    EXPECT_EQ(period.mCol->Count(), 0U);
+}
+
 TEST_F(frmDDEMenus, TheWindowOffersTheTraysMenu) {
     load();
     EXPECT_EQ(child<QPushButton>("butMenu").menu(), trayMenu());
