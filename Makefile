@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 .DEFAULT_GOAL := help
-.PHONY: help setup run test asan bench format lint windows-check clean
+.PHONY: help setup run test asan fuzz bench format lint windows-check clean
 
 help:
 	@echo "make run      build the program and show it: on this display, or without one on a"
