@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "ui/Tones.h"
 
@@ -47,6 +48,24 @@ QIcon crossIcon(const QColor& colour, qreal ratio) {
 }
 
 }  // namespace
+
+Qt::Corner toastCorner(QPoint anchor, const QRect& screen, const QRect& available) {
+    bool right = true;
+    bool bottom = true;
+    if (screen.contains(anchor)) {
+        right = anchor.x() >= screen.center().x();
+        bottom = anchor.y() >= screen.center().y();
+    } else {
+        const int left = available.left() - screen.left();
+        const int top = available.top() - screen.top();
+        right = left <= screen.right() - available.right();
+        bottom = top <= screen.bottom() - available.bottom();
+    }
+    if (right) {
+        return bottom ? Qt::BottomRightCorner : Qt::TopRightCorner;
+    }
+    return bottom ? Qt::BottomLeftCorner : Qt::TopLeftCorner;
+}
 
 Toast::Toast(const QIcon& picture, QWidget* parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
@@ -190,7 +209,15 @@ void Toast::place(int width, QPoint anchor) {
         band_->layout()->totalHeightForWidth(w - 2) + lines_->totalHeightForWidth(w - 2) + 2;
     const int h = std::min(content, free.height());
     setFixedSize(w, h);
-    move(free.right() + 1 - w, free.bottom() + 1 - h);
+    const Qt::Corner corner = toastCorner(anchor, screen->geometry(), screen->availableGeometry());
+    const bool atRight = corner == Qt::BottomRightCorner || corner == Qt::TopRightCorner;
+    const bool atBottom = corner == Qt::BottomRightCorner || corner == Qt::BottomLeftCorner;
+    move(atRight ? free.right() + 1 - w : free.left(),
+         atBottom ? free.bottom() + 1 - h : free.top());
+    if (!isVisible() && windowHandle()) {
+        // Asks for its place also where it stood there before: else the window manager has one.
+        windowHandle()->setPosition(windowHandle()->position());
+    }
 }
 
 void Toast::startWaiting() {

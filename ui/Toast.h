@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include <QRect>
 #include <QTimer>
 #include <QWidget>
 
@@ -27,6 +28,11 @@ struct ToastContent {
     std::optional<std::chrono::milliseconds> delay;  ///< none: stays until closed
 };
 
+/// The corner of a screen next to the tray. `anchor` is the middle of its icon; desktops that do
+/// not tell where that is (then it is on no screen) have it at their panel, which is what
+/// `available` lacks of `screen`, and without one below on the right.
+Qt::Corner toastCorner(QPoint anchor, const QRect& screen, const QRect& available);
+
 /// Lies above other windows and never takes the focus. Grows with its content up to the height of
 /// the screen and scrolls beyond. It does not go away while the mouse rests on it.
 class Toast final : public QWidget {
@@ -35,8 +41,9 @@ class Toast final : public QWidget {
 public:
     explicit Toast(const QIcon& picture, QWidget* parent = nullptr);
 
-    /// Shows it in the lower right corner of the screen that holds `anchor` (the primary one when
-    /// `anchor` is on none). A toast that is open changes its content where it stands.
+    /// Shows it on the screen that holds `anchor`, the middle of the tray icon, in the corner next
+    /// to it (see `toastCorner`); on the primary one when `anchor` is on none. A toast that is open
+    /// changes its content where it stands, without being closed in between.
     void present(const ToastContent& content, QPoint anchor);
 
 signals:

@@ -3,6 +3,7 @@
 #include <array>
 
 #include <QActionGroup>
+#include <QGuiApplication>
 
 #include "base/Text.h"
 #include "ui/QtText.h"
@@ -47,6 +48,11 @@ Tray::Tray(const TrayPictures& pictures, const ReminderState& state, QObject* pa
 }
 
 Tray::~Tray() = default;
+
+// An icon that is embedded in a panel's window believes to be in the corner of the screen.
+QRect Tray::geometry() const {
+    return QGuiApplication::platformName() == u"xcb" ? QRect() : icon_.geometry();
+}
 
 void Tray::setNew(bool withDot) {
     if (withDot != withDot_) {

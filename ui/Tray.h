@@ -34,7 +34,7 @@ public:
     /// Whether a desktop has taken the icon in; may become true later.
     static bool isThere() { return QSystemTrayIcon::isSystemTrayAvailable(); }
     /// Where the icon is; not every desktop tells (then empty).
-    QRect geometry() const { return icon_.geometry(); }
+    QRect geometry() const;
 
     void setNew(bool withDot);
     bool isNew() const { return withDot_; }

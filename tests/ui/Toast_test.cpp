@@ -62,6 +62,9 @@ ToastContent withLinks(int n) {
     return content;
 }
 
+// A desktop that does not tell where the icon is. Elsewhere the pointer might rest on the toast.
+constexpr QPoint kNowhere(-1, -1);
+
 class ToastTest : public testing::Test {
 protected:
     // Labels of an earlier content wait for the event loop to be deleted.
@@ -80,7 +83,7 @@ protected:
 };
 
 TEST_F(ToastTest, StandsInTheCornerAndLeavesTheFocusAlone) {
-    toast.present(withLinks(2), QPoint(-1, -1));
+    toast.present(withLinks(2), kNowhere);
     EXPECT_TRUE(toast.isVisible());
     EXPECT_EQ(toast.width(), 300);
     EXPECT_TRUE(screen.contains(toast.geometry()));
@@ -91,17 +94,73 @@ TEST_F(ToastTest, StandsInTheCornerAndLeavesTheFocusAlone) {
     EXPECT_TRUE(toast.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
+TEST(ToastCorner, IsNextToTheTray) {
+    struct Case {
+        const char* where;
+        QPoint icon;
+        QRect available;
+        Qt::Corner corner;
+    };
+    // The second screen of two; a panel takes 30 off one of its edges.
+    const QRect screen(1000, 0, 1000, 800);
+    const Case cases[] = {
+        {"panel below", {1990, 790}, {1000, 0, 1000, 770}, Qt::BottomRightCorner},
+        {"panel above", {1990, 10}, {1000, 30, 1000, 770}, Qt::TopRightCorner},
+        {"tray at the left", {1010, 790}, {1000, 0, 1000, 770}, Qt::BottomLeftCorner},
+        {"panel at the left", {1010, 10}, {1030, 0, 970, 800}, Qt::TopLeftCorner},
+        {"the icon counts, not the panel", {1010, 10}, {1000, 0, 1000, 770}, Qt::TopLeftCorner},
+        {"not told, panel below", kNowhere, {1000, 0, 1000, 770}, Qt::BottomRightCorner},
+        {"not told, panel above", kNowhere, {1000, 30, 1000, 770}, Qt::TopRightCorner},
+        {"not told, panel at the left", kNowhere, {1030, 0, 970, 800}, Qt::BottomLeftCorner},
+        {"not told, panel at the right", kNowhere, {1000, 0, 970, 800}, Qt::BottomRightCorner},
+        {"not told, none", kNowhere, screen, Qt::BottomRightCorner},
+        {"on another screen", {10, 10}, screen, Qt::BottomRightCorner},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(toastCorner(c.icon, screen, c.available), c.corner) << c.where;
+    }
+}
+
+TEST_F(ToastTest, StandsNextToTheIcon) {
+    const QPoint icons[] = {screen.topLeft(), screen.topRight(), screen.bottomLeft()};
+    for (const QPoint& icon : icons) {
+        toast.present(withLinks(2), icon);
+        const QRect shown = toast.geometry();
+        EXPECT_TRUE(screen.contains(shown));
+        EXPECT_EQ(shown.center().x() < screen.center().x(), icon.x() == screen.left());
+        EXPECT_EQ(shown.center().y() < screen.center().y(), icon.y() == screen.top());
+    }
+}
+
+TEST_F(ToastTest, ShownAgainItIsNeverHiddenInBetween) {
+    class Hidings final : public QObject {
+    public:
+        int count = 0;
+        bool eventFilter(QObject*, QEvent* event) override {
+            count += event->type() == QEvent::Hide ? 1 : 0;
+            return false;
+        }
+    } hidings;
+    toast.present(withLinks(2), kNowhere);
+    toast.installEventFilter(&hidings);
+    toast.present(withLinks(7), kNowhere);
+    EXPECT_EQ(links().size(), 7);
+    EXPECT_EQ(hidings.count, 0);
+    toast.hide();
+    EXPECT_EQ(hidings.count, 1);
+}
+
 TEST_F(ToastTest, GrowsWithItsContentUpToTheScreen) {
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     const int one = toast.height();
-    toast.present(withLinks(5), {});
+    toast.present(withLinks(5), kNowhere);
     EXPECT_GT(toast.height(), one);
-    toast.present(withLinks(100), {});
+    toast.present(withLinks(100), kNowhere);
     EXPECT_TRUE(screen.contains(toast.geometry()));
     QScrollBar* bar = toast.findChild<QScrollArea*>()->verticalScrollBar();
     EXPECT_TRUE(QTest::qWaitFor([bar] { return bar->maximum() > 0; }));
     EXPECT_EQ(links().size(), 100);
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     EXPECT_EQ(toast.height(), one);
 }
 
@@ -109,7 +168,7 @@ TEST_F(ToastTest, ShowsATextOfItsOwnInsteadOfLinks) {
     ToastContent content = withLinks(3);
     content.text = "Not yet";
     content.width = 250;
-    toast.present(content, {});
+    toast.present(content, kNowhere);
     EXPECT_EQ(toast.width(), 250);
     EXPECT_TRUE(links().isEmpty());
     ASSERT_NE(toast.findChild<QLabel*>("lblPopupText"), nullptr);
@@ -117,7 +176,7 @@ TEST_F(ToastTest, ShowsATextOfItsOwnInsteadOfLinks) {
 }
 
 TEST_F(ToastTest, TellsTheTagOfAClickedLink) {
-    toast.present(withLinks(3), {});
+    toast.present(withLinks(3), kNowhere);
     QSignalSpy clicked(&toast, &Toast::linkClicked);
     QLabel* second = toast.findChild<QLabel*>("lblPopupLink2");
     ASSERT_NE(second, nullptr);
@@ -131,29 +190,29 @@ TEST_F(ToastTest, TextIsNeverMarkup) {
     ToastContent content;
     content.title = "<b>title</b>";
     content.links = {{1, "<i>x</i> & y"}};
-    toast.present(content, {});
+    toast.present(content, kNowhere);
     EXPECT_EQ(toast.findChild<QLabel*>("lblPopupTitle")->textFormat(), Qt::PlainText);
     EXPECT_TRUE(links().at(0)->text().contains("&lt;i&gt;x&lt;/i&gt; &amp; y"));
 }
 
 TEST_F(ToastTest, StaysWithoutADelayAndGoesWithOne) {
     QSignalSpy closed(&toast, &Toast::closed);
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     EXPECT_FALSE(closed.wait(60));
     ToastContent brief = withLinks(1);
     brief.delay = std::chrono::milliseconds(20);
-    toast.present(brief, {});
+    toast.present(brief, kNowhere);
     EXPECT_TRUE(closed.wait(5000));
     EXPECT_EQ(closed.count(), 1);
 }
 
 TEST_F(ToastTest, ShownAgainUnderTheMouseItStays) {
     QSignalSpy closed(&toast, &Toast::closed);
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     toast.setAttribute(Qt::WA_UnderMouse);
     ToastContent brief = withLinks(1);
     brief.delay = std::chrono::milliseconds(20);
-    toast.present(brief, {});
+    toast.present(brief, kNowhere);
     EXPECT_FALSE(closed.wait(60));
     toast.setAttribute(Qt::WA_UnderMouse, false);
     QEvent left(QEvent::Leave);
@@ -162,14 +221,14 @@ TEST_F(ToastTest, ShownAgainUnderTheMouseItStays) {
 }
 
 TEST_F(ToastTest, ClosedByTheDesktopItSaysSo) {
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     QSignalSpy closed(&toast, &Toast::closed);
     toast.close();
     EXPECT_EQ(closed.count(), 1);
 }
 
 TEST_F(ToastTest, TheCrossCloses) {
-    toast.present(withLinks(1), {});
+    toast.present(withLinks(1), kNowhere);
     QSignalSpy closed(&toast, &Toast::closed);
     QTest::mouseClick(toast.findChild<QToolButton*>("butPopupClose"), Qt::LeftButton);
     EXPECT_EQ(closed.count(), 1);
