@@ -146,6 +146,7 @@ void frmDDE::wire() {
     connect(&TimerActions, &QTimer::timeout, this, &frmDDE::TimerActions_Tick);
     firstCheck_.setSingleShot(true);
     connect(&firstCheck_, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
+    trayWait_.setObjectName("TimerTray");
     trayWait_.setSingleShot(true);
     connect(&trayWait_, &QTimer::timeout, this, &frmDDE::lookForTray);
     saveColumns_.setSingleShot(true);
@@ -223,16 +224,18 @@ void frmDDE::wireTray() {
 
 void frmDDE::TimerCheck_Tick() {
     check_.Tick(TimerCheck.interval());
-    if (!isVisible()) {
+    if (!TimerUpdate.isActive()) {
         TimerUpdate_Tick();
     }
 }
+
+bool frmDDE::isWatched() const { return isVisible() && !isMinimized(); }
 
 // Hidden, there is no clock to show and no row to age: it then runs with each check.
 void frmDDE::TimerUpdate_Tick() {
     noteFrame();
     update_.Tick();
-    if (!isVisible()) {
+    if (!isWatched()) {
         TimerUpdate.stop();
     }
 }
@@ -262,6 +265,16 @@ void frmDDE::showEvent(QShowEvent* event) {
         TimerUpdate.start();
         TimerUpdate_Tick();
         GetIconText();
+    }
+}
+
+// Minimized and brought back, by whatever way.
+void frmDDE::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && !loading_ && isWatched()) {
+        TimerUpdate.start();
+        TimerUpdate_Tick();
+        sayTrayMissing();
     }
 }
 

@@ -133,6 +133,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
 private:
@@ -157,6 +158,7 @@ private:
     void butSnooze_Click();
     void butDismiss_Click();
     void lookForTray();
+    void sayTrayMissing();
 
     // building (frmDDE.cpp)
     void build();
@@ -218,6 +220,8 @@ private:
     // views (frmDDEViews.cpp)
     bool isPeriod(std::string_view code) const;
     void ShowPeriod();
+    void showPeriodAnew();
+    bool isWatched() const;
     void DoPeriodSS();
     void DoShowHidden();
     void sortPeriodGrids();
@@ -230,12 +234,14 @@ private:
     void showStatus();
     void sayOnce(const QString& notice);
     QString rowStatus() const;
+    std::string currentGUID() const;
     std::string troubleText() const;
 
     // showing (frmDDEShow.cpp)
     void openHelp(int page);
     void showWindow();
     void hideWindow();
+    void minimize();
     void keepPlace();
     bool isNormal() const;
     void noteFrame();
@@ -286,8 +292,12 @@ private:
     bool exiting_ = false;
     bool flashOn_ = false;
     std::shared_ptr<GenCollection> shownEvCol_;  // what the links of the toast stand for
-    // What the status line says instead of the current row, until another one is current.
+    bool wasMinimized_ = false;                  // by the program, since it was last hidden
+    bool trayMissing_ = false;                   // and the user has not been told yet
+    // What the status line says instead of the current row, until another one is current than when
+    // it was said.
     QString notice_;
+    std::string noticeRow_;
     std::array<ColumnLayout, kGridCount> savedColumns_;  // as the settings have them
     MessageBoxes boxes_{*this};
 };

@@ -152,6 +152,7 @@ void frmDDE::chooseDismiss() {
     }
     leaveGrids(handled, tab);
     if (deleted) {
+        selectedGrid().setFocus();
         ShowPopUp({"Items deleted...",
                    "Items were deleted. Opened grids and calendars may need to be refreshed", 5000,
                    false, 250, 100, 100});

@@ -33,12 +33,14 @@ void frmDDE::mnuCleanUp_Click() {
     const ErrScope scope;
     attempt([&] { maintenance().CleanUp(); });
     UpdateUI();
+    selectedGrid().setFocus();
 }
 
 void frmDDE::mnuDeleteAll_Click() {
     const ErrScope scope;
     attempt([&] { maintenance().DeleteAll(); });
     UpdateUI();
+    selectedGrid().setFocus();
 }
 
 void frmDDE::butOpen_Click() {

@@ -1,5 +1,5 @@
 // Showing and hiding: the window, the pop-up, the tray icon; and what the menu does.
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTabWidget>
 #include <QWindow>
 
@@ -28,20 +28,29 @@ void frmDDE::showWindow() {
     if (!isVisible()) {
         selectedGrid().setFocus();
     }
-    if (isMinimized()) {
-        showNormal();
-    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);  // a maximized one is maximized again
     show();
     raise();
     activateWindow();
 }
 
 void frmDDE::hideWindow() {
-    if (parts_.hasTray()) {
-        hide();
-    } else {
-        showMinimized();
+    if (!parts_.hasTray()) {
+        minimize();
+        return;
     }
+    hide();
+    if (wasMinimized_ && QGuiApplication::platformName() == u"xcb") {
+        // That it was to be an icon stays with the system's window, which would be one when it is
+        // shown again. The next one knows nothing of it.
+        destroy();
+    }
+    wasMinimized_ = false;
+}
+
+void frmDDE::minimize() {
+    wasMinimized_ = true;
+    showMinimized();
 }
 
 // A window shown again is placed anew by the window manager, unless it asks for its old place.
@@ -208,12 +217,25 @@ void frmDDE::mnuRefresh_Click() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, parts_.db, true, true);
     }
-    DoPeriod();
+    showPeriodAnew();
 }
 
+// Nobody has asked for the window: it is put within reach, not in front of what the user does.
 void frmDDE::lookForTray() {
-    if (!parts_.hasTray()) {
-        showWindow();
+    if (parts_.hasTray()) {
+        return;
+    }
+    trayMissing_ = true;
+    if (!isVisible()) {
+        minimize();
+    }
+    sayTrayMissing();
+}
+
+// Once, when there is somebody to read it.
+void frmDDE::sayTrayMissing() {
+    if (trayMissing_ && isVisible() && !isMinimized()) {
+        trayMissing_ = false;
         sayOnce(tr("This desktop shows no tray icons; the window is minimized instead of hidden"));
     }
 }

@@ -34,9 +34,15 @@ void frmDDE::DoUD(int steps) {
 
 void frmDDE::ShowPeriod() {
     state_.sPeriod = plainText(cboPeriod->currentData().toString());
+    showPeriodAnew();
+    TimerUpdate_Tick();
+}
+
+// As the user wants it: the rows are what he goes on with. A refill by a timer leaves the focus to
+// who is typing.
+void frmDDE::showPeriodAnew() {
     DoPeriod();
     selectedGrid().setFocus();
-    TimerUpdate_Tick();
 }
 
 void frmDDE::DoPeriod() {
@@ -156,10 +162,10 @@ void frmDDE::txtSearch_Changed(const QString& search) {
 }
 
 void frmDDE::currentRowChanged() {
-    const GridRow* row = selectedGrid().currentRow();
-    if (!row || !state_.curEvent || row->event->GUID != state_.curEvent->GUID) {
+    if (currentGUID() != noticeRow_) {
         notice_.clear();
     }
+    const GridRow* row = selectedGrid().currentRow();
     state_.curEvent = row ? row->event : nullptr;
     showStatus();
     updateButtons();
@@ -225,8 +231,14 @@ QString frmDDE::rowStatus() const {
     return line;
 }
 
+std::string frmDDE::currentGUID() const {
+    const GridRow* row = selectedGrid().currentRow();
+    return row ? plainText(row->GUID) : std::string();
+}
+
 void frmDDE::sayOnce(const QString& notice) {
     notice_ = notice;
+    noticeRow_ = currentGUID();
     showStatus();
 }
 

@@ -68,6 +68,7 @@ void frmSnooze::build() {
     const QString hint = tr("Format: 5m, 3h, 1d, 1w / for an email: add (e) i.e. 3d (e)");
     cboSnooze->setToolTip(hint);
     cboSnooze->setAccessibleDescription(hint);
+    cboSnooze->lineEdit()->setAccessibleName(cboSnooze->accessibleName());
     cboSnooze->lineEdit()->setPlaceholderText(tr("5m, 3h, 1d, 1w"));
     lblSnooze->setBuddy(cboSnooze);
     lblUntil = new QLabel(this);

@@ -13,15 +13,29 @@ namespace {
 const DateTime kFriday = DateTime::fromCivil(2026, 11, 20, 14, 32, 10);
 
 TEST(Periods, StandInTheirOrder) {
-    static constexpr const char* codes[] = {"D-30", "D-14", "W-1",  "D-7",  "D-1", "R",
-                                            "N",    "T",    "D+1",  "T+D1", "W0",  "D+7",
-                                            "W+1",  "D+14", "D+30", "Di",   "H"};
-    ASSERT_EQ(periods().size(), std::size(codes));
-    for (std::size_t i = 0; i < std::size(codes); ++i) {
-        EXPECT_STREQ(periods()[i].code, codes[i]);
-        EXPECT_EQ(periodIndex(codes[i]), i);
+    static constexpr Period expected[] = {{"Previous 30 days", "D-30"},
+                                          {"Previous 14 days", "D-14"},
+                                          {"Previous Week", "W-1"},
+                                          {"Previous 7 days", "D-7"},
+                                          {"Yesterday", "D-1"},
+                                          {"Past Reminders", "R"},
+                                          {"Next Reminders", "N"},
+                                          {"Today", "T"},
+                                          {"Tomorrow", "D+1"},
+                                          {"Today + Tomorrow", "T+D1"},
+                                          {"This Week", "W0"},
+                                          {"Next 7 days", "D+7"},
+                                          {"Next Week", "W+1"},
+                                          {"Next 14 days", "D+14"},
+                                          {"Next 30 days", "D+30"},
+                                          {"Dismissed", "Di"},
+                                          {"Hidden", "H"}};
+    ASSERT_EQ(periods().size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_STREQ(periods()[i].text, expected[i].text);
+        EXPECT_STREQ(periods()[i].code, expected[i].code);
+        EXPECT_EQ(periodIndex(expected[i].code), i);
     }
-    EXPECT_STREQ(periods()[9].text, "Today + Tomorrow");
     EXPECT_EQ(periodIndex("d+7"), 11U);
     EXPECT_EQ(periodIndex("dI"), 15U);
     EXPECT_FALSE(periodIndex(""));
@@ -69,9 +83,59 @@ TEST(PeriodRange, WeeksBeginOnMonday) {
         const PeriodRange r = periodRange("W0", DateTime::fromCivil(2026, 11, day, hour));
         return formatDateTime(r.from) + " " + formatDateTime(r.to);
     };
-    EXPECT_EQ(week(16, 0), "2026-11-16 2026-11-22 23:59:00") << "a Monday, at midnight";
-    EXPECT_EQ(week(22, 23), "2026-11-16 2026-11-22 23:59:00") << "a Sunday, late";
+    EXPECT_EQ(week(15, 23), "2026-11-09 2026-11-15 23:59:00") << "a Sunday, late";
+    for (int day = 16; day <= 22; ++day) {
+        for (const int hour : {0, 12, 23}) {
+            EXPECT_EQ(week(day, hour), "2026-11-16 2026-11-22 23:59:00") << day << ' ' << hour;
+        }
+    }
     EXPECT_EQ(week(23, 0), "2026-11-23 2026-11-29 23:59:00");
+}
+
+// Where days, weeks, months and years meet.
+TEST(PeriodRange, CrossesEveryBorder) {
+    const DateTime monday = DateTime::fromCivil(2026, 11, 16);
+    const DateTime sunday = DateTime::fromCivil(2026, 11, 22, 23, 59, 59);
+    const DateTime leapDay = DateTime::fromCivil(2028, 2, 29, 12);          // a Tuesday
+    const DateTime lastOfYear = DateTime::fromCivil(2026, 12, 31, 23, 30);  // a Thursday
+    struct Case {
+        DateTime now;
+        const char* code;
+        const char* from;
+        const char* to;
+    };
+    const Case cases[] = {
+        {monday, "T", "2026-11-16", "2026-11-16 23:59:00"},
+        {monday, "D-1", "2026-11-15", "2026-11-15 23:59:00"},
+        {monday, "W-1", "2026-11-09", "2026-11-15 23:59:00"},
+        {monday, "W+1", "2026-11-23", "2026-11-29 23:59:00"},
+        {monday, "D-7", "2026-11-09", "2026-11-16"},
+        {monday, "D+7", "2026-11-16", "2026-11-23"},
+        {monday, "R", "2026-11-15", "2026-11-16"},
+        {sunday, "W-1", "2026-11-09", "2026-11-15 23:59:00"},
+        {sunday, "W+1", "2026-11-23", "2026-11-29 23:59:00"},
+        {sunday, "D+1", "2026-11-23", "2026-11-23 23:59:00"},
+        {sunday, "T", "2026-11-22", "2026-11-22 23:59:00"},
+        {sunday, "N", "2026-11-22 23:59:59", "2026-11-23 23:59:59"},
+        {leapDay, "D-1", "2028-02-28", "2028-02-28 23:59:00"},
+        {leapDay, "D+1", "2028-03-01", "2028-03-01 23:59:00"},
+        {leapDay, "W0", "2028-02-28", "2028-03-05 23:59:00"},
+        {leapDay, "D-30", "2028-01-30", "2028-02-29"},
+        {leapDay, "D+30", "2028-02-29", "2028-03-30"},
+        {leapDay, "R", "2028-02-28 12:00:00", "2028-02-29 12:00:00"},
+        {lastOfYear, "D+1", "2027-01-01", "2027-01-01 23:59:00"},
+        {lastOfYear, "T+D1", "2026-12-31", "2027-01-01 23:59:00"},
+        {lastOfYear, "W0", "2026-12-28", "2027-01-03 23:59:00"},
+        {lastOfYear, "D+14", "2026-12-31", "2027-01-14"},
+        {lastOfYear, "D-14", "2026-12-17", "2026-12-31"},
+        {lastOfYear, "Di", "2026-12-24", "2027-01-07"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(formatDateTime(c.now) + " " + c.code);
+        const PeriodRange range = periodRange(c.code, c.now);
+        EXPECT_EQ(formatDateTime(range.from), c.from);
+        EXPECT_EQ(formatDateTime(range.to), c.to);
+    }
 }
 
 }  // namespace
