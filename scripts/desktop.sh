@@ -2,10 +2,10 @@
 # A small throw-away desktop for a machine without a screen: X server, window manager, tray,
 # notification server, sound server with a null sink, accessibility bus.
 #
-#   scripts/desktop.sh [--tray trayer|xfce] [--logs DIR] [--limit SECONDS] [--] COMMAND [ARG...]
+#   scripts/desktop.sh [--tray trayer|xfce|none] [--logs DIR] [--limit SECONDS] [--] COMMAND [ARG...]
 #
 #   --tray    trayer: icons are embedded windows (XEmbed); xfce: they go over D-Bus
-#             (StatusNotifierItem). Default: trayer
+#             (StatusNotifierItem); none: a desktop without a tray. Default: trayer
 #   --logs    keep logs and reports of failures in DIR; default: thrown away
 #   --limit   end the command after that many seconds (status 124); default 300
 #
@@ -35,11 +35,11 @@ while [ $# -gt 0 ]; do
         *) break ;;
     esac
 done
-case $tray in trayer | xfce) ;; *) echo "desktop.sh: no tray named $tray" >&2; exit 2 ;; esac
+case $tray in trayer | xfce | none) ;; *) echo "desktop.sh: no tray named $tray" >&2; exit 2 ;; esac
 [ $# -gt 0 ] || { echo "desktop.sh: no command given" >&2; exit 2; }
 
 needed="Xvfb openbox dunst pulseaudio pactl dbus-daemon gdbus xprop xsetroot xdotool wmctrl"
-[ "$tray" = trayer ] && needed="$needed trayer" || needed="$needed xfce4-panel"
+[ "$tray" = xfce ] && needed="$needed xfce4-panel" || needed="$needed trayer"
 for program in $needed; do
     command -v "$program" >/dev/null && continue
     echo "desktop.sh: $program is missing; make setup installs it" >&2
@@ -166,7 +166,7 @@ if [ "$tray" = trayer ]; then
     trayer --edge bottom --align right --widthtype request --heighttype pixel --height 24 \
         --SetDockType true --SetPartialStrut true --transparent false --tint 0xd0d0d0 \
         >"$DESKTOP_LOGS/tray.log" 2>&1 &
-else
+elif [ "$tray" = xfce ]; then
     panel=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
     mkdir -p "$panel"
     cp "$here/desktop/xfce4-panel.xml" "$panel/"
@@ -176,7 +176,7 @@ fi
 # ---- until all of it answers --------------------------------------------------------------------
 if [ "$tray" = trayer ]; then
     until_ok 20 "the tray" "$here/desktop/tray-owner.py"
-else
+elif [ "$tray" = xfce ]; then
     until_ok 30 "the tray" on_bus org.kde.StatusNotifierWatcher
 fi
 until_ok 20 "the notification server" on_bus org.freedesktop.Notifications

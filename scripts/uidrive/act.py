@@ -1,8 +1,9 @@
 """Acting as a person does: real mouse and key events."""
+import re
 import time
 
-from .tree import (box, cells, children, current_tab, find, grid, name, open_menus, role, same,
-                   states)
+from .tree import (box, cells, children, current_tab, find, grid, name, open_list, open_menus, role,
+                   same, states)
 from .waiting import run, wait_for
 
 
@@ -38,8 +39,21 @@ def click_button(named, within=None):
 
 
 def select_tab(caption, within=None):
-    click(find("page tab", caption, within))
-    wait_for(lambda: same(current_tab(within), caption), 5, f"tab {caption!r}")
+    """`caption`: with or without the count behind it."""
+    wanted = re.compile(rf"^{re.escape(caption)}(: \d+)?$")
+    click(find("page tab", wanted, within))
+    wait_for(lambda: same(current_tab(within), wanted), 5, f"tab {caption!r}")
+
+
+def pick_from_list(text, combo):
+    """Opens the list of the combo box and clicks the entry."""
+    click(combo)
+
+    def entry():
+        return next((n for n in children(open_list(combo)) if same(name(n), text)), None)
+    node = wait_for(entry, 5, f"the entry {text!r} of the list")
+    time.sleep(0.3)  # Qt takes no click on a list that has just opened
+    click(node)
 
 
 def select_row(text, named=None, within=None):

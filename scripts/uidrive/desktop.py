@@ -5,7 +5,7 @@ import struct
 
 from PIL import Image
 
-from .waiting import TIMEOUT, run, wait_for
+from .waiting import TIMEOUT, NotThere, run, wait_for
 
 
 def active_title():
@@ -25,6 +25,41 @@ def titles():
     """The titles of all windows that the window manager knows."""
     parts = (line.split(None, 3) for line in run("wmctrl", "-l", check=False).splitlines())
     return [p[3] for p in parts if len(p) == 4]
+
+
+def _id_of(title):
+    """The window of that title, as the window manager names it."""
+    for line in run("wmctrl", "-l", check=False).splitlines():
+        parts = line.split(None, 3)
+        if len(parts) == 4 and parts[3] == title:
+            return parts[0]
+    raise NotThere(f"window {title!r}; there are {titles()}")
+
+
+def geometry(title):
+    """(x, y, width, height) of a window's inside on the screen."""
+    text = run("xwininfo", "-id", _id_of(title))
+    return tuple(int(re.search(rf"{what}:\s+(-?\d+)", text).group(1))
+                 for what in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+
+
+def place(title, x, y, width, height):
+    """Moves and resizes a window, as dragging it does; waits until it has come to rest."""
+    run("wmctrl", "-i", "-r", _id_of(title), "-e", f"0,{x},{y},{width},{height}")
+    wait_for(lambda: geometry(title)[2:] == (width, height), 5, f"{title!r} to be resized")
+    before = geometry(title)
+    wait_for(lambda: geometry(title) == before, 5, f"{title!r} to come to rest", step=0.3)
+
+
+def activate(title):
+    """Brings a window forward, as a click in the task bar does."""
+    run("wmctrl", "-i", "-a", _id_of(title))
+
+
+def states(title):
+    """What the window manager says of a window: ABOVE, HIDDEN, SKIP_TASKBAR..."""
+    text = run("xprop", "-id", _id_of(title), "_NET_WM_STATE")
+    return set(re.findall(r"_NET_WM_STATE_(\w+)", text))
 
 
 def picture(path=None):

@@ -7,7 +7,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402  (the version has to be named first)
 
-from .waiting import TIMEOUT, pump, wait_for, wait_gone  # noqa: E402
+from .waiting import TIMEOUT, NotThere, pump, wait_for, wait_gone  # noqa: E402
 
 warnings.filterwarnings("ignore", category=DeprecationWarning)
 Atspi.set_timeout(1500, 5000)  # no call to a hung program blocks for longer (milliseconds)
@@ -113,6 +113,14 @@ def dump(node=None, indent=0):
         lines.append("  " * indent + f"{role(n)} {name(n)!r} " + ",".join(sorted(states(n) & shown)))
         lines.extend(dump(child, indent + 1) for child in children(n))
     return "\n".join(lines)
+
+
+def open_list(combo):
+    """The list of a combo box, while it is open."""
+    found = next((n for n in children(combo) if role(n) in GRIDS and "showing" in states(n)), None)
+    if found is None:
+        raise NotThere(f"the list of {name(combo)!r} is not open")
+    return found
 
 
 # ---- tabs ---------------------------------------------------------------------------------------

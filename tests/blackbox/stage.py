@@ -3,22 +3,29 @@
 A test is started inside scripts/desktop.sh with two arguments: vlreminders and remindb.
 """
 import glob
+import json
 import os
+import subprocess
 import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scripts"))
 import make_profile  # noqa: E402
+from uidrive import desktop, tree  # noqa: E402
 from uidrive.program import Program  # noqa: E402
+from uidrive.waiting import wait_for, wait_gone  # noqa: E402
 
 EARLIER = "Dentist: check-up"  # its reminder fell due earlier today
 LATER = "Call the insurance about the water damage"  # not due before some hours
 
 
 class Clock:
-    """The program's wall clock, which runs on but can be put forward; timers keep their pace."""
+    """The program's wall clock, which runs on but can be put forward. Timers keep their pace, as
+    when somebody sets the clock; with `timers_too` they have waited as long, as when time has
+    passed."""
 
-    def __init__(self, path):
+    def __init__(self, path, timers_too=False):
         self._path = path
+        self._timers_too = timers_too
         self.put_forward(0)
 
     def put_forward(self, seconds):
@@ -31,18 +38,20 @@ class Clock:
         if not libraries:
             sys.exit("libfaketime is missing; make setup installs it")
         return {"LD_PRELOAD": libraries[0], "FAKETIME_TIMESTAMP_FILE": self._path,
-                "FAKETIME_NO_CACHE": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1"}
+                "FAKETIME_NO_CACHE": "1",
+                "FAKETIME_DONT_FAKE_MONOTONIC": "0" if self._timers_too else "1"}
 
 
 class Stage(Program):
     """The program on the sample, with one reminder due in a minute of the program's clock."""
 
-    def __init__(self, settings=None, environment=None):
+    def __init__(self, settings=None, environment=None, timers_too=False):
         """`settings`: the lines of the section "Reminders" before the start; `environment`:
-        variables beside those of the profile and the clock."""
+        variables beside those of the profile and the clock; `timers_too`: see `Clock`."""
         vlreminders, remindb = map(os.path.abspath, sys.argv[1:])
+        self._remindb = remindb
         self.folder = os.path.join(os.environ["DESKTOP_TMP"], "profile")
-        self.clock = Clock(os.path.join(os.environ["DESKTOP_TMP"], "clock"))
+        self.clock = Clock(os.path.join(os.environ["DESKTOP_TMP"], "clock"), timers_too)
         self.due = make_profile.make(self.folder, remindb)
         self.settings = os.path.join(self.folder, "data", "Velmora", "VLReminders.ini")
         if settings:
@@ -53,6 +62,43 @@ class Stage(Program):
                          {**make_profile.environment(self.folder), **self.clock.environment(),
                           **(environment or {})},
                          os.path.join(os.environ["DESKTOP_LOGS"], "program.log"))
+
+    def sql(self, statement):
+        """The rows of a query on the program's database, as dictionaries; of a change one row."""
+        file = os.path.join(self.folder, "db", make_profile.DATABASE)
+        done = subprocess.run([self._remindb, "sql", file, statement, "--json"], check=True,
+                              stdout=subprocess.PIPE, text=True)
+        return [json.loads(line) for line in done.stdout.splitlines()]
+
+    def host_file(self):
+        """A database of the host that is there."""
+        path = os.path.join(self.folder, "Host.vlb")
+        with open(path, "w"):
+            return path
+
+
+class Elsewhere:
+    """A window of another program, in which the user is at work while the block runs."""
+
+    TITLE = "Event Tester"  # xev's; what is typed into it does nothing
+
+    def __enter__(self):
+        self._program = subprocess.Popen(["xev", "-geometry", "200x200+60+60"],
+                                         stdout=subprocess.DEVNULL)
+        self.go_there()
+        return self
+
+    def go_there(self):
+        wait_for(lambda: self.TITLE in desktop.titles(), 10, "the other program")
+        desktop.activate(self.TITLE)
+        desktop.wait_active(self.TITLE)
+        # Qt hears of it a little later.
+        wait_gone(lambda: any("active" in tree.states(w) for w in tree.windows()), 5,
+                  "the focus of our window")
+
+    def __exit__(self, *_):
+        self._program.terminate()
+        self._program.wait()
 
 
 def check(condition, text):
