@@ -88,6 +88,32 @@ public:
         return {{"useDefault", chance(20)}, {"overrides", overrides}, {text(3), text(3)}};
     }
 
+    Json attendees() {
+        Json list = Json::array();
+        for (int left = number(0, 4); left > 0; --left) {
+            list.push_back({{"email", text(8)},
+                            {"displayName", text(12)},
+                            {"self", chance(30)},
+                            {"responseStatus", "needsAction"},
+                            {"additionalGuests", number(0, 3)},
+                            {"comment", nullptr}});
+        }
+        return list;
+    }
+
+    // What a service may add some day.
+    Json unknown() {
+        return chance(50) ? Json{{"summary", text(5)}, {"start", {{"date", 7}}}}
+                          : Json::array({1.5, true, nullptr, text(4), Json::object()});
+    }
+
+    int descriptionLength() {
+        if (chance(1)) {
+            return 300'000;
+        }
+        return chance(5) ? 20'000 : 200;
+    }
+
     // Members come in any order, or not at all.
     Json event() {
         Json js = Json::object();
@@ -97,16 +123,23 @@ public:
             }
         };
         maybe("summary", 95, [&] { return text(80); });
-        maybe("description", 60, [&] { return text(chance(5) ? 20'000 : 200); });
+        maybe("description", 60, [&] { return text(descriptionLength()); });
         maybe("location", 60, [&] { return text(30); });
         maybe("etag", 80, [&] { return text(10); });
         maybe("id", 90, [&] { return text(12); });
-        maybe("attendees", 30, [&] { return Json::array({{{"email", text(8)}, {"self", true}}}); });
+        maybe("attendees", 30, [&] { return attendees(); });
+        maybe("x-unknown", 20, [&] { return unknown(); });
+        maybe("extendedProperties", 20, [&] { return Json{{"private", unknown()}}; });
         maybe("start", 97, [&] { return when(); });
         maybe("end", 95, [&] { return when(); });
-        maybe("originalStartTime", 25, [&] { return when(); });
-        maybe("recurrence", 40, [&] { return recurrence(); });
-        maybe("recurringEventId", 25, [&] { return text(12); });
+        if (chance(25)) {  // an instance that was moved or cancelled
+            js["recurringEventId"] = text(12);
+            js["originalStartTime"] = when();
+        } else {
+            maybe("originalStartTime", 5, [&] { return when(); });
+            maybe("recurrence", 50, [&] { return recurrence(); });
+            maybe("recurringEventId", 5, [&] { return text(12); });
+        }
         maybe("reminders", 80, [&] { return reminders(); });
         maybe("status", 90, [&] { return chance(20) ? "cancelled" : "confirmed"; });
         return js;
@@ -144,24 +177,43 @@ std::vector<Variant> written(const calEvent& event) {
 TEST(SaveJSON, WhatIsWrittenIsReadAsTheSameEvent) {
     constexpr int kEventsAZone = 1000;
     int events = 0;
+    int series = 0;
+    int moved = 0;
+    int cancelled = 0;
+    int huge = 0;
     for (const char* name : {"Europe/Berlin", "America/New_York", "Asia/Kolkata",
                              "Australia/Lord_Howe", "Pacific/Apia", "UTC"}) {
         const test::ZoneForTest zone(name);
         for (int i = 0; i < kEventsAZone; ++i, ++events) {
             const auto seed = static_cast<std::uint32_t>(events);
             SCOPED_TRACE(std::string(name) + ", seed " + std::to_string(seed));
-            const Json resource = Maker(seed).event();
-            const calEvent first = loaded(resource);
+            Maker maker(seed);
+            const Json resource = maker.event();
+            // As text, now and then with every character beyond ASCII escaped, large ones in two.
+            const auto asText = [escaped = maker.chance(50)](const Json& js) {
+                return js.dump(-1, ' ', escaped);
+            };
+            const calEvent first = loaded(Json::parse(asText(resource)));
+            ASSERT_EQ(Json::parse(first.JSON), resource) << "nothing of it is lost";
             const Json saved = first.SaveJSON();
-            const calEvent second = loaded(saved);
+            ASSERT_FALSE(saved.contains("attendees") || saved.contains("x-unknown"));
+            const calEvent second = loaded(Json::parse(asText(saved)));
             ASSERT_EQ(written(second), written(first)) << resource.dump();
             ASSERT_EQ(second.SaveJSON(), saved) << resource.dump();
             if (!first.RRULE.empty()) {
                 ASSERT_EQ(second.recurrence, first.recurrence);
+                series += first.recurringEventId.empty() ? 1 : 0;
             }
+            moved += first.RExceptionStartTimeOrig.isZero() ? 0 : 1;
+            cancelled += first.deleted ? 1 : 0;
+            huge += first.Body.size() > 100'000 ? 1 : 0;
         }
     }
-    std::cout << events << " events\n";
+    std::cout << events << " events: " << series << " series, " << moved << " moved, " << cancelled
+              << " cancelled, " << huge << " with more than 100,000 bytes\n";
+    for (const int kind : {series, moved, cancelled, huge}) {
+        EXPECT_GT(kind, events / 1000);
+    }
 }
 
 }  // namespace
