@@ -142,6 +142,15 @@ bool Recurrence::endless() const noexcept {
     return std::any_of(rules_.begin(), rules_.end(), [](const Rule& rule) { return rule.endless; });
 }
 
+bool Recurrence::excludes(DateTime local) const {
+    if (!lists_) {
+        return false;
+    }
+    const std::int64_t wall = toSeconds(toWall(local));
+    LocalClock clock(zone_, local_, allDay_);
+    return lists_->excludes(allDay_ ? floorDiv(wall, kDaySeconds) * kDaySeconds : wall, clock);
+}
+
 std::uint64_t Recurrence::workDone() noexcept { return workOfThread; }
 
 void Recurrence::between(DateTime from, DateTime to, std::size_t max,

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/TimeZone.h"
@@ -38,6 +39,9 @@ public:
         DateTime start;     ///< of the event, local time
         bool allDay = false;
         std::string zone;  ///< the series' zone by its IANA name; empty or unknown: the local one
+        /// The start in UTC where it is known: of a local time that comes twice it tells which one
+        /// is meant. Heeded while it means `start`.
+        DateTime utc = {};
     };
 
     /// One instance, no start: what an event without a start has.
@@ -50,11 +54,10 @@ public:
 
     /// Lines and values that cannot be read are skipped, and so is a rule that must be rejected
     /// (the trace says why). Costs about a microsecond; a large COUNT is turned into an end here,
-    /// at up to some milliseconds.
-    static Recurrence load(const Source& source, const TimeZone& local);
-
-    /// The value of the RRULE line, also of a rejected one; several are joined by a line break.
-    const std::string& RRULE() const noexcept { return rrule_; }
+    /// at up to some milliseconds. `RRULE`, when given, gets the value of the RRULE line, also of a
+    /// rejected one; several are joined by a line break. The text is the caller's to keep.
+    static Recurrence load(const Source& source, const TimeZone& local,
+                           std::string* RRULE = nullptr);
 
     /// As the lines give them, sorted, in local time. A date on a timed event is that midnight.
     const std::vector<DateTime>& ExDates() const noexcept;
@@ -65,6 +68,10 @@ public:
 
     /// A usable RRULE, or an RDATE.
     bool repeats() const noexcept;
+
+    /// Whether an EXDATE takes the instance at `local` away. Looks at nothing else: there may be
+    /// none.
+    bool excludes(DateTime local) const;
 
     /// The instances in [`from`, `to`], both ends included, ascending, the first `max` of them.
     std::vector<DateTime> between(DateTime from, DateTime to,
@@ -88,8 +95,8 @@ public:
     DateTime fromWall(DateTime wall) const;
 
     /// "Every 2 weeks on Monday and Friday until 3 March 2027"; empty when there is no usable rule
-    /// and no added date.
-    std::string inWords() const;
+    /// and no added date. `RRULE` is the text that `load` gave.
+    std::string inWords(std::string_view RRULE) const;
 
     /// Periods and months that this thread has looked at so far: what tests hold to a bound.
     static std::uint64_t workDone() noexcept;
@@ -101,7 +108,6 @@ private:
     DateTime lastUpTo(std::int64_t end) const;
     bool endless() const noexcept;
 
-    std::string rrule_;
     std::vector<recurrence::Rule> rules_;                       // without the rejected
     std::shared_ptr<const recurrence::RecurrenceLists> lists_;  // null: no EXDATE and no RDATE
     TimeZone zone_;

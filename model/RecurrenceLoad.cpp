@@ -15,9 +15,10 @@ using namespace recurrence;
 /// Reads the lines of one event into a `Recurrence`.
 class Recurrence::Reader {
 public:
-    Reader(Recurrence& target, DateTime start)
+    Reader(Recurrence& target, const Source& source, std::string* RRULE)
         : target_(target),
-          start_(startOnWall(target, start)),
+          text_(RRULE),
+          start_(startOnWall(target, source)),
           clock_(target.zone_, target.local_, target.allDay_) {}
 
     void read(std::string_view lines) {
@@ -32,12 +33,14 @@ private:
         bool date;
     };
 
-    static std::int64_t startOnWall(const Recurrence& target, DateTime start) {
-        const std::int64_t local = toSeconds(start);
+    static std::int64_t startOnWall(const Recurrence& target, const Source& source) {
+        const std::int64_t local = toSeconds(source.start);
         if (target.allDay_) {
             return floorDiv(local, kDaySeconds) * kDaySeconds;
         }
-        return target.zone_.fromUtc(target.local_.toUtc(local));
+        const std::int64_t utc = toSeconds(source.utc);
+        const bool known = !source.utc.isZero() && target.local_.fromUtc(utc) == local;
+        return target.zone_.fromUtc(known ? utc : target.local_.toUtc(local));
     }
 
     void readLine(const ContentLine& line) {
@@ -62,10 +65,10 @@ private:
     }
 
     void readRuleLine(std::string_view text) {
-        if (rules_++ > 0) {
-            target_.rrule_ += '\n';
+        if (text_ != nullptr) {
+            *text_ += text_->empty() ? "" : "\n";
+            *text_ += text;
         }
-        target_.rrule_ += text;
         try {
             RuleParts parts = readRule(text);
             const std::optional<IcalTime> until = parts.until;
@@ -172,14 +175,14 @@ private:
     }
 
     Recurrence& target_;
+    std::string* text_;   // null: nobody asks for it
     std::int64_t start_;  // wall clock of the series
     LocalClock clock_;
     std::vector<Value> exDates_;
     std::vector<Value> rDates_;
-    int rules_ = 0;
 };
 
-Recurrence Recurrence::load(const Source& source, const TimeZone& local) {
+Recurrence Recurrence::load(const Source& source, const TimeZone& local, std::string* RRULE) {
     Recurrence loaded;
     loaded.local_ = local;
     loaded.zone_ = local;
@@ -187,7 +190,10 @@ Recurrence Recurrence::load(const Source& source, const TimeZone& local) {
         loaded.zone_ = TimeZone::named(source.zone).value_or(local);
     }
     loaded.allDay_ = source.allDay;
-    Reader(loaded, source.start).read(source.lines);
+    if (RRULE != nullptr) {
+        RRULE->clear();
+    }
+    Reader(loaded, source, RRULE).read(source.lines);
     return loaded;
 }
 

@@ -277,10 +277,10 @@ private:
 
 }  // namespace
 
-std::string Recurrence::inWords() const {
+std::string Recurrence::inWords(std::string_view RRULE) const {
     std::string words;
     std::size_t usable = 0;
-    Pieces texts{rrule_, '\n'};
+    Pieces texts{RRULE, '\n'};
     for (std::string_view text; usable < rules_.size() && texts.next(text);) {
         try {
             const RuleParts parts = readRule(text);

@@ -52,6 +52,9 @@ std::uint32_t readNumber(std::string_view text, std::string_view part) {
 /// A number from `low` to `high`, negative only when `low` is: then 0 is not allowed.
 int readSigned(std::string_view text, int low, int high, std::string_view part) {
     const bool negative = low < 0 && text.starts_with('-');
+    if (negative && text.starts_with("-+")) {
+        reject(part, "one sign");
+    }
     const std::uint32_t n = readNumber(negative ? text.substr(1) : text, part);
     const auto limit = static_cast<std::uint32_t>(negative ? -low : high);
     if (n > limit || (n == 0 && low != 0)) {

@@ -1,8 +1,10 @@
 // The occurrences of an event.
 #include <algorithm>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include "app/Timestamps.h"
 #include "events/GenCollection.h"
 #include "model/Recurrence.h"
 #include "model/calEvent.h"
@@ -11,18 +13,20 @@ namespace vl {
 
 namespace {
 
-// Picks the text at "start.timeZone" out of a JSON text without building a tree, and stops there.
-class StartZone final : public nlohmann::json_sax<nlohmann::json> {
+// Picks a text inside "start" out of a JSON text without building a tree, and stops there.
+class StartMember final : public nlohmann::json_sax<nlohmann::json> {
 public:
-    std::string zone;
+    explicit StartMember(std::string_view name) : name_(name) {}
+
+    std::string text;
 
     bool key(string_t& name) override {
-        here_ = (depth_ == 1 && name == "start") || (depth_ == 2 && inStart_ && name == "timeZone");
+        here_ = (depth_ == 1 && name == "start") || (depth_ == 2 && inStart_ && name == name_);
         return true;
     }
     bool string(string_t& value) override {
         if (here_ && depth_ == 2) {
-            zone = value;
+            text = value;
             return false;
         }
         return scalar();
@@ -57,6 +61,7 @@ private:
     // After "start" nothing else is of interest.
     bool close() { return !(--depth_ == 1 && inStart_); }
 
+    std::string_view name_;
     int depth_ = 0;
     bool here_ = false;     // the value that follows is the one looked for
     bool inStart_ = false;  // inside the object "start"
@@ -70,14 +75,32 @@ std::shared_ptr<GenCollection> collectionOf(const std::vector<DateTime>& dates) 
     return collection;
 }
 
+// The moment that "start.dateTime" names, in UTC; without an offset it is on the clock of `zone`.
+DateTime utcOfStart(const std::string& json, const TimeZone& zone) {
+    StartMember moment("dateTime");
+    nlohmann::json::sax_parse(json, &moment);
+    const std::string& text = moment.text;
+    const DateTime written = parseTimestamp(text, false);
+    if (text.ends_with('Z') || text.ends_with('z')) {
+        return written;
+    }
+    constexpr std::size_t kOffset = 6;  // "+02:00"
+    const std::size_t at = text.size() - std::min(text.size(), kOffset);
+    if (text.size() <= kOffset || text[at + 3] != ':' || (text[at] != '+' && text[at] != '-')) {
+        return zone.toUtc(written);
+    }
+    const int minutes = std::stoi(text.substr(at + 1, 2)) * 60 + std::stoi(text.substr(at + 4, 2));
+    return written.addMinutes(text[at] == '+' ? -minutes : minutes);
+}
+
 }  // namespace
 
 std::string calEvent::zoneOfSeries() const {
-    StartZone finder;
+    StartMember zone("timeZone");
     if (!IsAllDayEvent) {
-        nlohmann::json::sax_parse(JSON, &finder);
+        nlohmann::json::sax_parse(JSON, &zone);
     }
-    return TimeZone::named(finder.zone) ? finder.zone : std::string();
+    return TimeZone::named(zone.text) ? zone.text : std::string();
 }
 
 void calEvent::LoadRecurrence() {
@@ -96,13 +119,22 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
     compiled_.reset();
     memo = EventMemo();
     if (!recurrence.empty()) {
-        Recurrence::Source source{recurrence, StartDateTime, IsAllDayEvent, {}};
+        // The column holds a JSON array, or nothing that is a recurrence.
+        const std::size_t first = recurrence.find_first_not_of(" \t\r\n");
+        const bool isArray = first != std::string::npos && recurrence[first] == '[';
+        Recurrence::Source source{isArray ? recurrence : "", StartDateTime, IsAllDayEvent, {}};
         attempt([&] { source.zone = zoneOfSeries(); });
         attempt([&] {
-            compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, local));
+            if (!source.zone.empty()) {
+                source.utc = utcOfStart(JSON, TimeZone::named(source.zone).value_or(local));
+            }
+        });
+        attempt([&] {
+            std::string text;
+            compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, local, &text));
             ExDates = collectionOf(compiled_->ExDates());
             RDates = collectionOf(compiled_->RDates());
-            RRULE = compiled_->RRULE();
+            RRULE = std::move(text);
         });
     }
     isRecurrenceLoaded = true;
@@ -127,14 +159,7 @@ std::vector<DateTime> calEvent::ICalRecEvents(DateTime dStart, DateTime dEnd,
 std::vector<DateTime> calEvent::ICalDelExceptions(std::vector<DateTime> dates) const {
     const ErrScope scope;
     if (compiled_) {
-        attempt([&] {
-            const std::vector<DateTime>& excluded = compiled_->ExDates();  // sorted
-            const auto holds = [&](DateTime date) {
-                return std::binary_search(excluded.begin(), excluded.end(), date);
-            };
-            // A date without a time excludes all of its day.
-            std::erase_if(dates, [&](DateTime d) { return holds(d) || holds(d.date()); });
-        });
+        attempt([&] { std::erase_if(dates, [&](DateTime d) { return compiled_->excludes(d); }); });
     }
     return dates;
 }
@@ -196,7 +221,7 @@ DateTime calEvent::FromWall(DateTime wall) const {
 std::string calEvent::RecurrenceInWords() const {
     const ErrScope scope;
     std::string words;
-    attempt([&] { words = compiled_ ? compiled_->inWords() : std::string(); });
+    attempt([&] { words = compiled_ ? compiled_->inWords(RRULE) : std::string(); });
     return words;
 }
 

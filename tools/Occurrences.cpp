@@ -44,14 +44,16 @@ Recurrence seriesOf(const Json& object) {
     const std::string zone = textAt(object, "tz");
     const TimeZone local = localZone(textAt(object, "local_tz"), zone);
     DateTime start = timeAt(object, "dtstart");
+    DateTime utc;
     if (!allDay && !zone.empty()) {
-        start = local.fromUtc(TimeZone::named(zone).value_or(local).toUtc(start));
+        utc = TimeZone::named(zone).value_or(local).toUtc(start);
+        start = local.fromUtc(utc);
     }
     const auto lines = object.find("lines");
     if (lines == object.end() || !lines->is_array()) {
         throw Error(ErrNo::TypeMismatch, "\"lines\" is no array");
     }
-    return Recurrence::load({lines->dump(), start, allDay, zone}, local);
+    return Recurrence::load({lines->dump(), start, allDay, zone, utc}, local);
 }
 
 Json orNull(DateTime time) { return time.isZero() ? Json() : Json(wallText(time)); }

@@ -52,6 +52,19 @@ TEST(LoadRecurrence, ReadsTheLinesIntoTheProperties) {
     EXPECT_NE(event.RecurrenceInWords(), "");
 }
 
+TEST(LoadRecurrence, WhatIsNoArrayIsNoRecurrence) {
+    for (const char* text : {"RRULE:FREQ=DAILY", R"("RRULE:FREQ=DAILY")", R"({"a": "RRULE:X"})",
+                             R"(["RRULE:FREQ=DAILY")", "[7]", "null"}) {
+        SCOPED_TRACE(text);
+        const calEvent event = series(text);
+        EXPECT_EQ(event.RRULE, "");
+        EXPECT_FALSE(event.IsRepeating());
+        EXPECT_EQ(event.LastInstance(), event.StartDateTime);
+        EXPECT_TRUE(event.isRecurrenceLoaded);
+    }
+    EXPECT_TRUE(series("\r\n [\"RRULE:FREQ=DAILY\"]").IsRepeating());
+}
+
 TEST(LoadRecurrence, OfNothingClears) {
     calEvent event = series();
     event.recurrence.clear();
@@ -151,6 +164,56 @@ TEST(Occurrences, TakesExcludedDatesOutOfAList) {
                     .ICalDelExceptions({at(11, 24, 10), at(11, 25, 10), at(11, 25, 11)}),
                 ElementsAre(at(11, 24, 10)));
     EXPECT_THAT(calEvent().ICalDelExceptions({at(11, 25)}), ElementsAre(at(11, 25)));
+}
+
+TEST(Occurrences, AnExcludedMidnightIsNotAnExcludedDay) {
+    calEvent event = series(R"(["RRULE:FREQ=DAILY;BYHOUR=0,10","EXDATE:20261125T000000"])");
+    EXPECT_THAT(event.ICalDelExceptions({at(11, 25), at(11, 25, 10)}), ElementsAre(at(11, 25, 10)));
+    EXPECT_TRUE(event.IsExcluded(at(11, 25)));
+    EXPECT_FALSE(event.IsExcluded(at(11, 25, 10)));
+    event.IsAllDayEvent = true;
+    event.LoadRecurrence(TimeZone::utc());
+    EXPECT_TRUE(event.IsExcluded(at(11, 25, 10))) << "of an all-day event only the date counts";
+}
+
+TEST(Occurrences, AnExcludedDayIsOneOfTheSeriesOwnZone) {
+    // 21:00 in New York is 03:00 on the next day in Berlin.
+    calEvent event;
+    event.StartDateTime = at(9, 8, 3);
+    event.JSON = R"({"start": {"timeZone": "America/New_York"}})";
+    event.recurrence = R"(["RRULE:FREQ=DAILY","EXDATE;VALUE=DATE:20261120"])";
+    event.LoadRecurrence(zone("Europe/Berlin"));
+    EXPECT_TRUE(event.IsExcluded(at(11, 21, 3)));
+    EXPECT_FALSE(event.IsExcluded(at(11, 20, 3)));
+    EXPECT_THAT(event.ICalRecEvents(at(11, 20), at(11, 22, 12)),
+                ElementsAre(at(11, 20, 3), at(11, 22, 3)));
+}
+
+TEST(Occurrences, AStartThatLocalClocksShowTwiceIsTheMomentThatIsMeant) {
+    // In Auckland 02:31 came twice on that day; the series is one and a half hours behind it then.
+    struct Case {
+        const char* start;
+        int hour;  // in Auckland, in June
+    };
+    static constexpr Case cases[] = {{"1993-03-21T01:01:00+10:30", 2},
+                                     {"1993-03-20T14:31:00Z", 2},
+                                     {"1993-03-21T00:01:00+10:30", 1},
+                                     {"1993-03-21T01:01:00", 2},
+                                     {"1993-03-20T09:31:00-05:00", 2},
+                                     {"1993-03-20", 1},
+                                     {"x", 1}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.start);
+        calEvent event;
+        event.StartDateTime = DateTime::fromCivil(1993, 3, 21, 2, 31);
+        event.JSON = std::string(R"({"start": {"dateTime": ")") + c.start +
+                     R"(", "timeZone": "Australia/Lord_Howe"}})";
+        event.recurrence = R"(["RRULE:FREQ=DAILY"])";
+        event.LoadRecurrence(zone("Pacific/Auckland"));
+        EXPECT_EQ(event.NextInstance(DateTime::fromCivil(1993, 6, 1)),
+                  DateTime::fromCivil(1993, 6, 1, c.hour, 31));
+        EXPECT_EQ(event.NextInstance(DateTime::fromCivil(1993, 3, 20)), event.StartDateTime);
+    }
 }
 
 TEST(Occurrences, AnExceptionIsKnownByItsState) {
