@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Writes recurrence case lines from a list of starts and rules.
 
-Usage: make_cases.py LIST LIBICAL_EXPAND > cases.jsonl
+Usage: make_cases.py LIST ICAL_PEER > cases.jsonl
 
 LIST has "START TAB RRULE [TAB TITLE]" lines. The instances come from python3-dateutil and from
-libical (tests/tools/recurrence/libical_expand.c), both used as they come; a line on which they do
+libical (ical_peer), both used as they come; a line on which they do
 not agree is reported and left out. The start is put in front where the rule does not match it.
 """
 import json
@@ -36,18 +36,19 @@ def main():
             if t > FAR or len(first) > MOST:
                 break
             first.append(t)
-        request = f"{start_text}\t{rule}\t{MOST + 1}\t{FAR.strftime('%Y%m%dT%H%M%S')}\n"
+        instances = first[:MOST]
+        if not instances or instances[0] != start:
+            instances = [start] + instances[:MOST - 1]
+        far = instances[-1] if len(first) > MOST else FAR
+        request = json.dumps({"lines": ["RRULE:" + rule], "dtstart": iso(start), "to": iso(far)})
         answer = subprocess.run([helper], input=request, capture_output=True, text=True, timeout=20)
-        second = answer.stdout.split()
-        if [iso(t) for t in first] != second:
-            print(f"left out: {start_text} {rule}\n  {[iso(t) for t in first][:5]}\n  {second[:5]}",
+        second = json.loads(answer.stdout).get("wall", [])
+        if [iso(t) for t in instances] != second:
+            print(f"left out: {start_text} {rule}\n  {[iso(t) for t in instances][:5]}\n  {second[:5]}",
                   file=sys.stderr)
             continue
         number += 1
         ended = len(first) <= MOST
-        instances = first[:MOST]
-        if not instances or instances[0] != start:
-            instances = [start] + instances[:MOST - 1]
         expected = [iso(t) for t in instances]
         until = instances[-1] if not ended else FAR
         case = {
