@@ -1,15 +1,21 @@
-// The recurrence engine beside libical in one run: windows far on, full expansion, parsing. The
-// rules are a mix as calendars hold them, with DTSTART, TAB, RRULE a line.
+// The recurrence engine beside libical and python3-dateutil in one run: windows far on, full
+// expansion, parsing; then its bounds. The rules are a mix as calendars hold them, with DTSTART,
+// TAB, RRULE a line. All rates are of processor time.
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "benchmark/benchmark.h"
 #include "libical/ical.h"
 
+#include "Bounds.h"
 #include "app/TimeZone.h"
 #include "model/Recurrence.h"
 
@@ -222,14 +228,50 @@ public:
     std::map<std::string, double> perSecond;
 };
 
-void printRatios(const std::map<std::string, double>& perSecond) {
-    for (const auto& [name, ours] : perSecond) {
-        const auto theirs = perSecond.find("libical" + name.substr(6));
-        if (name.starts_with("engine") && theirs != perSecond.end()) {
-            std::cout << name.substr(6) << ": " << ours << " /s, libical " << theirs->second
-                      << " /s, ratio " << ours / theirs->second << '\n';
+/// The other one's rates by the names of ours; empty when it cannot be run.
+std::map<std::string, double> dateutilRates() {
+    std::map<std::string, double> perSecond;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> run(
+        popen("/usr/bin/python3 " VL_BENCH_DATEUTIL " " VL_BENCH_RULES, "r"), pclose);
+    std::array<char, 200> line{};
+    while (run && std::fgets(line.data(), line.size(), run.get()) != nullptr) {
+        std::istringstream in(line.data());
+        std::string name;
+        double rate = 0;
+        if (in >> name >> rate) {
+            perSecond[name] = rate;
         }
     }
+    return perSecond;
+}
+
+void printRatios(const std::map<std::string, double>& perSecond) {
+    const std::map<std::string, double> dateutil = dateutilRates();
+    for (const auto& [name, ours] : perSecond) {
+        if (!name.starts_with("engine")) {
+            continue;
+        }
+        const std::string what = name.substr(6);
+        std::cout << what << ": " << ours << " /s";
+        if (const auto theirs = perSecond.find("libical" + what); theirs != perSecond.end()) {
+            std::cout << ", libical " << theirs->second << " /s, ratio " << ours / theirs->second;
+        }
+        if (const auto theirs = dateutil.find(what); theirs != dateutil.end()) {
+            std::cout << ", dateutil " << theirs->second << " /s, ratio " << ours / theirs->second;
+        }
+        std::cout << '\n';
+    }
+    if (dateutil.empty()) {
+        std::cout << "python3-dateutil could not be asked\n";
+    }
+}
+
+void printBounds() {
+    std::vector<Recurrence::Source> sources;
+    for (const Line& line : lines()) {
+        sources.push_back(line.source);
+    }
+    bench::printBounds(sources, localZone(), std::cout);
 }
 
 }  // namespace
@@ -240,5 +282,6 @@ int main(int argc, char** argv) {
     vl::Keeper keeper;
     benchmark::RunSpecifiedBenchmarks(&keeper);
     vl::printRatios(keeper.perSecond);
+    vl::printBounds();
     return 0;
 }
