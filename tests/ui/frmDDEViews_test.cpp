@@ -42,7 +42,7 @@ protected:
     /// A repeating event that started at that moment.
     std::shared_ptr<calEvent> series(const char* GUID, DateTime start, const char* rule) {
         const auto e = event(GUID, "Series", start, 15);
-        e->recurrence = rule;
+        e->recurrence = std::string("[\"") + rule + "\"]";
         e->LoadRecurrence();
         e->RecurrenceState = 1;
         return e;
