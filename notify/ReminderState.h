@@ -12,6 +12,7 @@ namespace vl {
 
 /// The state of the reminder window that is no matter of the screen, in the order in which the
 /// window declares it. One object for the program, made at start and handed down by reference.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): one object, read in this order
 struct ReminderState {
     bool bMuted = false;           // neither sound nor notification
     bool bSilent = false;          // no sound
