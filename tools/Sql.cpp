@@ -1,7 +1,6 @@
 #include "db/sql/Sql.h"
 
 #include <ostream>
-#include <utility>
 
 #include "Command.h"
 #include "Format.h"
@@ -10,29 +9,27 @@ namespace vl::tools {
 
 namespace {
 
-using Fields = std::vector<sql::Field>;
-using Row = std::vector<Variant>;
-
-void writeJson(const Fields& fields, const Row& row, std::ostream& out) {
-    Json object = Json::object();
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        object[fields[i].name] = valueJson(row[i], fields[i].type);
+void writeJson(const sql::Result& result, std::ostream& out) {
+    for (const auto& row : result.rows) {
+        Json object = Json::object();
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            object[result.fields[i].name] = valueJson(row[i], result.fields[i].type);
+        }
+        out << lineOf(object) << '\n';
     }
-    out << lineOf(object) << '\n';
 }
 
-void writeText(const Fields& fields, const Row& row, std::ostream& out) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        out << (i == 0 ? "" : "\t") << valueText(row[i], fields[i].type);
+void writeText(const sql::Result& result, std::ostream& out) {
+    for (std::size_t i = 0; i < result.fields.size(); ++i) {
+        out << (i == 0 ? "" : "\t") << result.fields[i].name;
     }
     out << '\n';
-}
-
-void writeNames(const Fields& fields, std::ostream& out) {
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        out << (i == 0 ? "" : "\t") << fields[i].name;
+    for (const auto& row : result.rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            out << (i == 0 ? "" : "\t") << valueText(row[i], result.fields[i].type);
+        }
+        out << '\n';
     }
-    out << '\n';
 }
 
 void writeAffected(std::int64_t rows, bool json, std::ostream& out) {
@@ -48,18 +45,13 @@ int run(const Arguments& arguments, const Streams& streams) {
     const bool json = arguments.flag("--json");
     const auto access = sql::isQuery(statement) ? jet::Access::Read : jet::Access::ReadWrite;
     auto db = jet::Database::open(arguments.words[0], access);
-    bool named = json;
-    const sql::Result result =
-        sql::execute(db, statement, [&](const Fields& fields, const Row& row) {
-            if (!std::exchange(named, true)) {
-                writeNames(fields, streams.out);
-            }
-            (json ? writeJson : writeText)(fields, row, streams.out);
-        });
+    const sql::Result result = sql::execute(db, statement);
     if (!result.isQuery) {
         writeAffected(result.affected, json, streams.out);
-    } else if (!named) {
-        writeNames(result.fields, streams.out);
+    } else if (json) {
+        writeJson(result, streams.out);
+    } else {
+        writeText(result, streams.out);
     }
     return kDone;
 }
@@ -70,8 +62,8 @@ Command sqlCommand() {
     return {.name = "sql",
             .synopsis = "FILE STATEMENT [--json]",
             .description =
-                "runs one statement on FILE: prints the rows that a SELECT finds, or how\n"
-                "many rows were inserted, changed or removed (docs/sql.md)",
+                "runs one statement (SELECT or UPDATE) on FILE: prints the rows it\n"
+                "finds, or how many it changed",
             .fewestWords = 2,
             .mostWords = 2,
             .words = "a file and one statement (in quotes)",

@@ -168,13 +168,7 @@ struct DropTable {
     TableRef table;
 };
 
-struct DropIndex {
-    Position at;
-    std::string name;
-    TableRef table;
-};
-
-using Statement = std::variant<Select, Update, Insert, Delete, CreateTable, AddColumn, CreateIndex,
-                               DropTable, DropIndex>;
+using Statement =
+    std::variant<Select, Update, Insert, Delete, CreateTable, AddColumn, CreateIndex, DropTable>;
 
 }  // namespace vl::sql

@@ -1,8 +1,11 @@
 """Balloons: what the notification server is asked for, and where it shows them."""
 import os
 import re
+import signal
 import subprocess
 import time
+
+from gi.repository import Gio, GLib
 
 from .waiting import run, wait_for
 
@@ -45,11 +48,24 @@ class Balloons:
         self._monitor.wait()
 
 
+def end_server():
+    """Ends the desktop's notification server: from then on there is none."""
+    bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
+
+    def ask(method):
+        return bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                             "org.freedesktop.DBus", method,
+                             GLib.Variant("(s)", ("org.freedesktop.Notifications",)), None, 0,
+                             3000, None).unpack()[0]
+    os.kill(ask("GetConnectionUnixProcessID"), signal.SIGTERM)
+    wait_for(lambda: not ask("NameHasOwner"), 10, "the end of the notification server")
+
+
 def box():
     """(x, y, width, height) of the balloon that is shown; none: None."""
     for line in run("xwininfo", "-root", "-tree").splitlines():
         found = _BOX.search(line)
-        if found and int(found.group(1)) > 20:
+        if found and min(int(found.group(1)), int(found.group(2))) > 20:  # it begins as a line
             number = re.search(r"0x[0-9a-f]+", line).group(0)
             if "IsViewable" in run("xwininfo", "-id", number, check=False):
                 width, height, x, y = map(int, found.groups())

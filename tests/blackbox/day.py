@@ -1,16 +1,11 @@
 """A day's work with reminders, told once and done by two hands: the mouse's and the keyboard's."""
-import os
 import re
 import time
 
-# The day begins at nine, whenever the test is run: four hours later it is still the same day.
-os.environ["TZ"] = f"VL{time.gmtime().tm_hour - 9:+d}"
-time.tzset()
-
-from stage import EARLIER, LATER, Stage, check  # noqa: E402  (the zone has to be set first)
-from uidrive import act, desktop, reminders, tray, tree  # noqa: E402
-from uidrive.reminders import ALL, EVENTS, NEW  # noqa: E402
-from uidrive.waiting import run, wait_for, wait_gone  # noqa: E402
+from stage import EARLIER, LATER, OneDay, check
+from uidrive import act, desktop, reminders, tray, tree
+from uidrive.reminders import ALL, EVENTS, NEW
+from uidrive.waiting import run, wait_for, wait_gone
 
 SNOOZE, DISMISS = "Snooze reminder for", "Dismiss Reminder"  # how the dialogs' captions begin
 HOUR = 3600
@@ -179,7 +174,7 @@ def show_window():
 
 
 def work(hand):
-    with Stage(timers_too=True) as program:
+    with OneDay(timers_too=True) as program:
         due = program.due.subject
         reminders.wait_listed(EARLIER, 30)
         program.clock.put_forward(60)

@@ -2,7 +2,7 @@
 """A desktop without a tray, and one that gets its tray late."""
 import subprocess
 
-from stage import EARLIER, Elsewhere, Stage, check
+from stage import EARLIER, Elsewhere, OneDay, check
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.waiting import wait_for, wait_gone
 
@@ -32,7 +32,7 @@ def says_so():
     return any(tree.name(n) == NOTICE for n in tree.find_all("label", within=reminders.TITLE))
 
 
-with Elsewhere() as elsewhere, Stage("NotifType=T") as program:
+with Elsewhere() as elsewhere, OneDay("NotifType=T") as program:
     wait_for(minimized, 30, "the window in the task bar")
     check(desktop.active_title() == elsewhere.TITLE, "in the task bar, in nobody's way")
     desktop.activate(reminders.TITLE)

@@ -7,6 +7,7 @@ import json
 import os
 import subprocess
 import sys
+import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scripts"))
 import make_profile  # noqa: E402
@@ -77,6 +78,17 @@ class Stage(Program):
             return path
 
 
+class OneDay(Stage):
+    """Whenever the test is run, on a day that begins at nine, and for its next five hours only
+    EARLIER, `due` and LATER fall due: without the series of the sample, which know weekdays."""
+
+    def __init__(self, *settings, **more):
+        os.environ["TZ"] = f"DAY{time.gmtime().tm_hour - 9:+d}"
+        time.tzset()
+        super().__init__(*settings, **more)
+        self.sql("DELETE FROM Reminders WHERE RecurrenceState <> 0")
+
+
 class Elsewhere:
     """A window of another program, in which the user is at work while the block runs."""
 
@@ -89,7 +101,7 @@ class Elsewhere:
         return self
 
     def go_there(self):
-        wait_for(lambda: self.TITLE in desktop.titles(), 10, "the other program")
+        wait_for(lambda: self.TITLE in desktop.titles(), 30, "the other program")
         desktop.activate(self.TITLE)
         desktop.wait_active(self.TITLE)
         # Qt hears of it a little later.

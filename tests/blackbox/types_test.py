@@ -2,7 +2,7 @@
 """What each type of notification shows; only the dialog takes the user away from where he works."""
 import os
 
-from stage import EARLIER, Elsewhere, Stage, check
+from stage import EARLIER, Elsewhere, OneDay, check
 from uidrive import act, balloons, desktop, reminders, tray, tree
 from uidrive.balloons import Balloons
 from uidrive.hearing import Sound
@@ -90,6 +90,14 @@ def by_balloon(elsewhere, heard):
     check(True, "S:, a click on the balloon brings the window")
 
 
+def by_own_balloon():
+    link = reminders.wait_toast(f"{LINE}15 minutes", 30)
+    check(not reminders.showing(), "S:, where nobody shows balloons, the icon's own")
+    act.click(link)
+    reminders.wait_shown()
+    check(True, "S:, and a click on that brings the window")
+
+
 def by_dialog(elsewhere, sound):
     desktop.wait_active(reminders.TITLE, 30)
     check(reminders.selected_subjects(reminders.NEW) == [EARLIER], "D: the window, on the new row")
@@ -105,21 +113,24 @@ def run(kind):
     act.move_to(10, 500)  # a toast with the mouse on it stays
     with Elsewhere() as elsewhere, Balloons() as heard, Sound() as sound:
         settings = {"muted": "NotifType=D\nMuted=-1",
-                    "silent": "NotifType=D\nSilent=-1"}.get(kind, f"NotifType={kind}")
-        with Stage(settings) as program:
+                    "silent": "NotifType=D\nSilent=-1",
+                    "S: alone": "NotifType=S:"}.get(kind, f"NotifType={kind}")
+        with OneDay(settings, timers_too=True) as program:
             if kind == "P":
                 by_toast(program, elsewhere)
             elif kind == "E":
                 by_mail(elsewhere)
             elif kind == "S:":
                 by_balloon(elsewhere, heard)
+            elif kind == "S: alone":
+                by_own_balloon()
             elif kind == "D":
                 by_dialog(elsewhere, sound)
             elif kind == "silent":
                 desktop.wait_active(reminders.TITLE, 30)
             else:
                 nothing_shown(elsewhere, heard, kind)
-            desktop.picture(os.path.join(os.environ["DESKTOP_LOGS"], f"type-{kind.strip(':')}.png"))
+            desktop.picture(os.path.join(os.environ["DESKTOP_LOGS"], f"type-{kind.replace(':', '')}.png"))
             reminders.exit_by_tray()
             check(program.wait_end() == 0, f"{kind}: ended")
     quiet = kind in ("muted", "silent")
@@ -129,3 +140,5 @@ def run(kind):
 # The menu stores "S", which a check answers with the icon alone; "S:" is the balloon's.
 for one in ("D", "P", "E", "T", "S", "S:", "muted", "silent"):
     run(one)
+balloons.end_server()
+run("S: alone")

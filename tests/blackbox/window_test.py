@@ -4,7 +4,7 @@ import os
 import signal
 import time
 
-from stage import EARLIER, Elsewhere, Stage, check
+from stage import EARLIER, Elsewhere, OneDay, check
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.waiting import wait_for, wait_gone
 
@@ -46,7 +46,7 @@ def open_dialog(key, caption):
                                  None), 10, caption)
 
 
-with Elsewhere() as elsewhere, Stage() as program:
+with Elsewhere() as elsewhere, OneDay() as program:
     reminders.wait_listed(EARLIER, 30)
     desktop.wait_active(reminders.TITLE)
 

@@ -50,10 +50,7 @@ private:
     [[noreturn]] static void keep(const std::string& file, Way way, int ready) {
         const auto stay = [ready] {
             const char byte = 1;
-            if (::write(ready, &byte, 1) != 1) {
-                ::_exit(3);
-            }
-            for (;;) {
+            for (bool told = ::write(ready, &byte, 1) == 1; told;) {
                 ::pause();
             }
         };

@@ -1,7 +1,6 @@
 // Which pages are free, and whose the others are: usage maps, while they are changed.
 #pragma once
 
-#include <map>
 #include <optional>
 
 #include "DataPage.h"
@@ -46,8 +45,6 @@ private:
     void refer(RowPointer pointer, PageNo page);
     std::optional<PageNo> lowestFree();
     void expressFree(PageNo page);
-    static Page::Bytes freeBits(const Map& map, std::size_t range,
-                                const std::map<std::size_t, PageNo>& used);
     void refuseOwned(PageNo page);
     bool isMap(RowPointer pointer);
 

@@ -55,11 +55,10 @@ void committed(Database& db, const std::function<void(Table&)>& step) {
 
 const std::vector<Statement>& statements() {
     static const std::vector<Statement> all = {
-        {"one row",
+        {"one row in place",
          [](Database& db) {
-             committed(db, [](Table& table) {
-                 table.update(idsOf(table).at(3), Changes{{position(table, "EventID"), 77}});
-             });
+             Table table = db.table("Reminders");
+             table.updateInPlace(idsOf(table).at(3), Changes{{position(table, "EventID"), 77}});
          }},
         {"three rows more, with long texts",
          [](Database& db) { committed(db, [](Table& t) { insertRows(t, 3, 0, 9000); }); }},
@@ -82,11 +81,10 @@ const std::vector<Statement>& statements() {
                  }
              });
          }},
-        {"one row, opened anew",
+        {"one row in place, opened anew",
          [](Database& db) {
-             committed(db, [](Table& table) {
-                 table.update(idsOf(table).at(0), Changes{{position(table, "EventID"), 78}});
-             });
+             Table table = db.table("Reminders");
+             table.updateInPlace(idsOf(table).at(0), Changes{{position(table, "EventID"), 78}});
          },
          true},
     };
