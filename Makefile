@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 .DEFAULT_GOAL := help
-.PHONY: help setup run test asan fuzz bench format lint windows-check clean
+.PHONY: help setup run test asan fuzz bench footprint pictures format lint windows-check clean
 
 help:
 	@echo "make run      build the program and show it: on this display, or without one on a"
@@ -17,6 +17,8 @@ help:
 	@echo "make asan     the tests under the address and undefined-behaviour sanitizers"
 	@echo "make fuzz     feed made-up inputs to the file reader and the SQL parser, MINUTES=10 each"
 	@echo "make bench    build and run the benchmarks"
+	@echo "make footprint  what the program costs while it waits, beside a bare one (docs/performance.md)"
+	@echo "make pictures take the pictures of docs/gallery.md anew"
 	@echo "make format   clang-format all sources"
 	@echo "make lint     check the format, run clang-tidy, look over the scripts"
 	@echo "make windows-check  compile the sources that only Windows builds, without linking them"
@@ -38,6 +40,9 @@ test:
 	@cmake --preset dev
 	@cmake --build --preset dev -j $(JOBS)
 	@ctest --preset dev -j $(JOBS)
+	@# What ships is optimised, and some warnings come only then: all below the window compiles so.
+	@cmake --preset release -DVL_BENCH=OFF
+	@cmake --build --preset release -j $(JOBS) --target remindb
 
 asan:
 	@scripts/setup.sh build run desktop test
@@ -57,6 +62,18 @@ bench:
 	@cmake --build --preset release -j $(JOBS)
 	@for program in $$(find build/release/bench -name '*bench*' -type f -executable); do \
 	    $$program || exit 1; done
+
+footprint:
+	@scripts/setup.sh build run desktop bench
+	@cmake --preset release -DVL_BENCH=ON
+	@cmake --build --preset release -j $(JOBS) --target vlreminders many_file bare_tray
+	@scripts/desktop.sh -- bench/footprint.py build/release
+
+pictures:
+	@scripts/setup.sh build run desktop pictures
+	@cmake --preset release
+	@cmake --build --preset release -j $(JOBS) --target vlreminders remindb
+	@scripts/desktop.sh --limit 900 -- scripts/make_gallery.py build/release docs/pictures
 
 format:
 	@scripts/setup.sh lint

@@ -1,5 +1,6 @@
 #include "base/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -173,7 +174,19 @@ int compareNoCase(std::string_view a, std::string_view b) noexcept {
 }
 
 bool equalsNoCase(std::string_view a, std::string_view b) noexcept {
-    return compareNoCase(a, b) == 0;
+    const auto folded = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
+    const std::size_t both = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < both; ++i) {
+        const auto x = static_cast<unsigned char>(a[i]);
+        const auto y = static_cast<unsigned char>(b[i]);
+        if (x >= 0x80 || y >= 0x80) {
+            return compareNoCase(a.substr(i), b.substr(i)) == 0;
+        }
+        if (folded(x) != folded(y)) {
+            return false;
+        }
+    }
+    return a.size() == b.size();
 }
 
 std::optional<Match> findNoCase(std::string_view s, std::string_view part, std::size_t from) {

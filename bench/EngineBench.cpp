@@ -132,6 +132,7 @@ std::size_t scanOurs(const std::string& path) {
 }
 
 void exportWithMdb(const std::string& path) {
+    std::fflush(stdout);  // else the child has it, too
     const pid_t child = fork();
     if (child == 0) {
         if (std::freopen("/dev/null", "w", stdout) != nullptr) {
@@ -150,8 +151,11 @@ void exportWithMdb(const std::string& path) {
 void fillOurs(const std::string& path, int rows) {
     std::filesystem::copy_file(VL_BENCH_EMPTY, path);
     Database db = Database::open(path, Access::ReadWrite);
-    vl::jet::Transaction filling(db);
     vl::sql::execute(db, "DELETE * FROM Reminders");
+    for (const std::string column : {"id", "VLBase", "Modified"}) {
+        vl::sql::execute(db, "CREATE INDEX by" + column + " ON Reminders (" + column + ")");
+    }
+    vl::jet::Transaction filling(db);
     Table table = db.table("Reminders");
     const auto place = [&](const std::string& name) {
         const auto& columns = table.columns();
@@ -175,20 +179,26 @@ void fillOurs(const std::string& path, int rows) {
     filling.commit();
 }
 
+// The same columns, keys and indexes as ours.
 void fillSqlite(const std::string& path, int rows) {
-    Sqlite db(path);
+    const Database ours = Database::open(VL_BENCH_EMPTY, Access::Read);
     std::string columns;
-    std::string marks;
-    for (const auto& [name, value] : rowOf(0)) {
-        const bool number = value.get<std::string>() == nullptr;
-        columns += (columns.empty() ? "" : ", ") + std::string(name) +
-                   (number ? " REAL" : " TEXT") +
-                   (std::string(name) == "GUID" ? " PRIMARY KEY" : "");
-        marks += marks.empty() ? "?" : ", ?";
+    for (const vl::jet::Column& column : ours.table("Reminders").columns()) {
+        const bool text =
+            column.type == vl::jet::ColumnType::Text || column.type == vl::jet::ColumnType::Memo;
+        columns += (columns.empty() ? "" : ", ") + column.name + (text ? " TEXT" : " REAL") +
+                   (column.name == "GUID" ? " PRIMARY KEY" : "");
     }
-    db.run("CREATE TABLE Reminders (" + columns + ", NextReminder REAL)");
+    Sqlite db(path);
+    db.run("CREATE TABLE Reminders (" + columns + ")");
     for (const char* column : {"id", "VLBase", "Modified"}) {
         db.run(std::string("CREATE INDEX by_") + column + " ON Reminders (" + column + ")");
+    }
+    std::string names;
+    std::string marks;
+    for (const auto& [name, value] : rowOf(0)) {
+        names += (names.empty() ? "" : ", ") + std::string(name);
+        marks += marks.empty() ? "?" : ", ?";
     }
     db.run("BEGIN");
     for (int row = 0; row < rows; ++row) {
@@ -197,7 +207,7 @@ void fillSqlite(const std::string& path, int rows) {
             const auto* date = value.get<DateTime>();
             values.push_back(date != nullptr ? std::to_string(date->days()) : value.toText());
         }
-        db.run("INSERT INTO Reminders VALUES (" + marks + ", NULL)", values);
+        db.run("INSERT INTO Reminders (" + names + ") VALUES (" + marks + ")", values);
     }
     db.run("COMMIT");
 }
@@ -252,29 +262,51 @@ void compare(const char* what, int times, double (*clock)(), double perRun,
     std::fflush(stdout);
 }
 
-// In a process of its own, so that nothing else counts.
-void showScanMemory(const std::string& path) {
+// What needs memory, by the name that a process of its own is started with.
+void runForMemory(const std::string& what, const std::string& path) {
+    if (what == "opening") {
+        const Database db = Database::open(path, Access::Read);
+        const Table table = db.table("Reminders");
+    } else if (what == "scan") {
+        scanOurs(path);
+    } else {
+        Database db = Database::open(path, Access::ReadWrite);
+        vl::sql::execute(db, what);
+    }
+}
+
+long peakKilobytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("VmHWM:", 0) == 0) {
+            return std::atol(line.c_str() + 6);
+        }
+    }
+    return 0;
+}
+
+// In a process of its own, so that nothing else counts, above what it takes to stand there.
+void showMemory(const std::string& label, const std::string& what, const std::string& path) {
     const pid_t child = fork();
     if (child == 0) {
-        const auto peak = [] {
-            std::ifstream status("/proc/self/status");
-            for (std::string line; std::getline(status, line);) {
-                if (line.rfind("VmHWM:", 0) == 0) {
-                    return std::atol(line.c_str() + 6);
-                }
-            }
-            return 0L;
-        };
-        std::ofstream("/proc/self/clear_refs") << "5";  // the peak begins anew
-        const long before = peak();
-        scanOurs(path);
-        std::printf("  %-28s %.1f MiB above the %.1f MiB before\n", "memory of a scan",
-                    static_cast<double>(peak() - before) / 1024,
-                    static_cast<double>(before) / 1024);
-        std::fflush(stdout);
-        _exit(0);
+        execl("/proc/self/exe", "bench_engine", "--memory", label.c_str(), what.c_str(),
+              path.c_str(), nullptr);
+        _exit(127);
     }
-    waitpid(child, nullptr, 0);
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || status != 0) {
+        throw std::runtime_error("the memory of \"" + what + "\" cannot be measured");
+    }
+}
+
+void measureMemory(const std::string& label, const std::string& what, const std::string& path) {
+    const long before = peakKilobytes();
+    const double start = cpuSeconds();
+    runForMemory(what, path);
+    std::printf("  memory of %-18s %.1f MiB above the %.1f MiB before, %.2f s of a processor\n",
+                label.c_str(), static_cast<double>(peakKilobytes() - before) / 1024,
+                static_cast<double>(before) / 1024, cpuSeconds() - start);
+    std::fflush(stdout);
 }
 
 std::string quoted(const std::string& guid) { return "\"" + guid + "\""; }
@@ -295,7 +327,8 @@ void measure(const std::filesystem::path& folder, int rows) {
             {{"", [&] { scanOurs(ours); }},
              {"SQLite", [&] { sqlite.run("SELECT * FROM Reminders"); }},
              {"mdb-export", [&] { exportWithMdb(ours); }}});
-    showScanMemory(ours);
+    showMemory("opening", "opening", ours);
+    showMemory("a scan", "scan", ours);
     constexpr int kFinds = 500;
     Database db = Database::open(ours, Access::ReadWrite);
     int next = 0;
@@ -337,6 +370,10 @@ void measure(const std::filesystem::path& folder, int rows) {
                                  {std::to_string(46346.0 + i), guid()});
                   }
               }}});
+    showMemory("changing all rows", "UPDATE Reminders SET Location = Location & \", 2nd floor\"",
+               ours);
+    showMemory("removing half",
+               "DELETE * FROM Reminders WHERE EventID >= " + std::to_string(rows / 2), ours);
 }
 
 }  // namespace
@@ -346,6 +383,10 @@ int main(int argc, char** argv) {
         std::filesystem::temp_directory_path() / ("bench_engine." + std::to_string(getpid()));
     int code = 0;
     try {
+        if (argc == 5 && std::string(argv[1]) == "--memory") {
+            measureMemory(argv[2], argv[3], argv[4]);
+            return 0;
+        }
         std::filesystem::create_directory(folder);
         std::vector<int> sizes;
         for (int i = 1; i < argc; ++i) {

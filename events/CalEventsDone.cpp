@@ -1,4 +1,8 @@
 // Events whose reminders are all past.
+#include <algorithm>
+#include <span>
+#include <vector>
+
 #include "EventQuiet.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
@@ -33,20 +37,48 @@ bool isFinished(const calEvent& event, DateTime now, const EventHistory* history
            !isOpen(event, last, history);
 }
 
+std::string allDoneStatement(std::span<const std::string> GUIDs) {
+    std::string list;
+    for (const std::string& GUID : GUIDs) {
+        list += (list.empty() ? "\"" : ", \"") + text::replaceAll(GUID, "\"", "\"\"") + "\"";
+    }
+    return "UPDATE Reminders SET status = \"" + std::string(kAllDone) + "\" WHERE (GUID IN (" +
+           list + "));";
+}
+
+// The first start on a long calendar finds thousands of them: a statement for each, with its
+// waiting for the disk or for others, would take minutes. What cannot be written now is found
+// again at the next start.
+void writeAllDone(DBRemindUtils& db, std::span<const std::string> GUIDs) {
+    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
+    while (!GUIDs.empty()) {
+        const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
+        db.Execute(allDoneStatement(some));
+        if (db.LastError() != ErrNo::None) {
+            return;
+        }
+        GUIDs = GUIDs.subspan(some.size());
+    }
+}
+
 }  // namespace
 
 void CalEvents::UpdateAllDone(const EventHistory* history) {
     const ErrScope scope;
     const DateTime now = clock_.now();
     const GenCollection held = mCol ? *mCol : GenCollection();
+    std::vector<std::string> GUIDs;
     for (const auto& [event, position] : held_.of(held)) {
         attempt([&, e = event] {
             if (!isAllDone(*e) && isFinished(*e, now, history)) {
                 e->status = kAllDone;
-                e->SaveStatusDB(db_);
+                if (!e->GUID.empty()) {
+                    GUIDs.push_back(e->GUID);
+                }
             }
         });
     }
+    writeAllDone(db_, GUIDs);
 }
 
 void CalEvents::RemoveAllDone() {

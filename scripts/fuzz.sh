@@ -12,7 +12,7 @@ shift 2
 for name; do
     corpus=$build/corpus/$name
     mkdir -p "$corpus" "$build/found"
-    "$build/tests/fuzz/${name}_fuzz" -max_total_time=$((minutes * 60)) -timeout=10 \
-        -rss_limit_mb=2048 -max_len=4096 -print_final_stats=1 -verbosity=1 \
+    "$build/tests/fuzz/${name}_fuzz" -max_total_time=$((minutes * 60)) -timeout=600 \
+        -rss_limit_mb=2048 -malloc_limit_mb=64 -max_len=4096 -print_final_stats=1 -verbosity=1 \
         -artifact_prefix="$build/found/$name-" "$corpus" "tests/data/fuzz/$name"
 done

@@ -40,7 +40,7 @@ def read_events(remindb, file, columns=_READ):
     return events
 
 
-def _insert(remindb, file, event):
+def insert(remindb, file, event):
     values = {column: _literal(v) for column, v in event.items() if v is not None}
     done = _sql(remindb, file, f"INSERT INTO Reminders ([{'], ['.join(values)}]) "
                                f"VALUES ({', '.join(values.values())})")
@@ -79,7 +79,7 @@ def make(folder, remindb):
     events = read_events(remindb, SAMPLE, ("*",))
     plan = sample_plan.plan(events, now, _local)
     for event in events:
-        _insert(remindb, file, {**event, **plan.changes[event["GUID"]]})
+        insert(remindb, file, {**event, **plan.changes[event["GUID"]]})
     return plan.due
 
 

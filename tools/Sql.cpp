@@ -1,6 +1,7 @@
 #include "db/sql/Sql.h"
 
 #include <ostream>
+#include <utility>
 
 #include "Command.h"
 #include "Format.h"
@@ -9,27 +10,29 @@ namespace vl::tools {
 
 namespace {
 
-void writeJson(const sql::Result& result, std::ostream& out) {
-    for (const auto& row : result.rows) {
-        Json object = Json::object();
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            object[result.fields[i].name] = valueJson(row[i], result.fields[i].type);
-        }
-        out << lineOf(object) << '\n';
+using Fields = std::vector<sql::Field>;
+using Row = std::vector<Variant>;
+
+void writeJson(const Fields& fields, const Row& row, std::ostream& out) {
+    Json object = Json::object();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        object[fields[i].name] = valueJson(row[i], fields[i].type);
     }
+    out << lineOf(object) << '\n';
 }
 
-void writeText(const sql::Result& result, std::ostream& out) {
-    for (std::size_t i = 0; i < result.fields.size(); ++i) {
-        out << (i == 0 ? "" : "\t") << result.fields[i].name;
+void writeText(const Fields& fields, const Row& row, std::ostream& out) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        out << (i == 0 ? "" : "\t") << valueText(row[i], fields[i].type);
     }
     out << '\n';
-    for (const auto& row : result.rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            out << (i == 0 ? "" : "\t") << valueText(row[i], result.fields[i].type);
-        }
-        out << '\n';
+}
+
+void writeNames(const Fields& fields, std::ostream& out) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        out << (i == 0 ? "" : "\t") << fields[i].name;
     }
+    out << '\n';
 }
 
 void writeAffected(std::int64_t rows, bool json, std::ostream& out) {
@@ -45,13 +48,18 @@ int run(const Arguments& arguments, const Streams& streams) {
     const bool json = arguments.flag("--json");
     const auto access = sql::isQuery(statement) ? jet::Access::Read : jet::Access::ReadWrite;
     auto db = jet::Database::open(arguments.words[0], access);
-    const sql::Result result = sql::execute(db, statement);
+    bool named = json;
+    const sql::Result result =
+        sql::execute(db, statement, [&](const Fields& fields, const Row& row) {
+            if (!std::exchange(named, true)) {
+                writeNames(fields, streams.out);
+            }
+            (json ? writeJson : writeText)(fields, row, streams.out);
+        });
     if (!result.isQuery) {
         writeAffected(result.affected, json, streams.out);
-    } else if (json) {
-        writeJson(result, streams.out);
-    } else {
-        writeText(result, streams.out);
+    } else if (!named) {
+        writeNames(result.fields, streams.out);
     }
     return kDone;
 }
@@ -62,8 +70,8 @@ Command sqlCommand() {
     return {.name = "sql",
             .synopsis = "FILE STATEMENT [--json]",
             .description =
-                "runs one statement (SELECT or UPDATE) on FILE: prints the rows it\n"
-                "finds, or how many it changed",
+                "runs one statement on FILE: prints the rows that a SELECT finds, or how\n"
+                "many rows were inserted, changed or removed (docs/sql.md)",
             .fewestWords = 2,
             .mostWords = 2,
             .words = "a file and one statement (in quotes)",

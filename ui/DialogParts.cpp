@@ -1,9 +1,12 @@
 #include "ui/DialogParts.h"
 
+#include <QCheckBox>
 #include <QDialog>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QShortcut>
 
 #include "ui/FormFont.h"
@@ -25,14 +28,63 @@ QList<QKeySequence> keysOf(int code) {
     }
 }
 
+/// Applies colours to a dialog, at once and whenever the desktop changes its own.
+class ToneKeeper final : public QObject {
+public:
+    ToneKeeper(QDialog& dialog, std::function<void()> apply)
+        : QObject(&dialog), apply_(std::move(apply)) {
+        dialog.installEventFilter(this);
+        apply_();
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::PaletteChange) {
+            apply_();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> apply_;
+};
+
+void keepTones(QDialog& dialog, std::function<void()> apply) {
+    new ToneKeeper(dialog, std::move(apply));  // the dialog's child
+}
+
+// On a dark palette the style draws the rim of a circle or box darker than the window: what is not
+// checked can only be seen when its field is lighter.
+void lightenChoice(QAbstractButton& choice, const QPalette& form) {
+    const QColor window = form.color(QPalette::Active, QPalette::Window);
+    const QColor base = form.color(QPalette::Active, QPalette::Base);
+    QPalette own;
+    if (contrast(base, Qt::black) < contrast(window, Qt::black)) {
+        const QColor text = form.color(QPalette::Active, QPalette::WindowText);
+        own.setColor(QPalette::Base, mixed(text, window, 0.25));
+    }
+    choice.setPalette(own);
+}
+
+void lightenChoices(const QDialog& dialog) {
+    for (auto* button : dialog.findChildren<QAbstractButton*>()) {
+        if (qobject_cast<QRadioButton*>(button) || qobject_cast<QCheckBox*>(button)) {
+            lightenChoice(*button, dialog.palette());
+        }
+    }
+}
+
 }  // namespace
 
 QLabel* makeHelpLink(QDialog& dialog, const std::function<void()>& show) {
     auto* link = new QLabel(&dialog);
     link->setObjectName("lblF1");
     const QString text = QObject::tr("Show online help...");
-    link->setText(QStringLiteral("<a href=\"F1\" style=\"color:%1\">%2</a>")
-                      .arg(Tones(dialog.palette()).accent.name(), text));
+    keepTones(dialog, [link, text, &dialog] {
+        const QColor colour = Tones(dialog.palette(), QPalette::Window).accent;
+        link->setText(
+            QStringLiteral("<a href=\"F1\" style=\"color:%1\">%2</a>").arg(colour.name(), text));
+    });
     link->setAccessibleName(text);
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     link->setFocusPolicy(Qt::TabFocus);
@@ -75,6 +127,7 @@ void previewKeys(QDialog& dialog, std::initializer_list<int> codes,
 
 void adjustWindow(QDialog& dialog, bool onTop) {
     applyFormFont(dialog);
+    keepTones(dialog, [&dialog] { lightenChoices(dialog); });
     dialog.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setOnTop(dialog, onTop);
 }

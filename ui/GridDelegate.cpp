@@ -11,6 +11,12 @@ namespace {
 
 constexpr int kLineMargin = 4;  // above and below the two lines
 
+// A text from right to left keeps the order of its words, whichever way the window goes.
+QString inOwnDirection(const QString& text) {
+    constexpr QChar kRightToLeftIsolate(0x2067);
+    return text.isRightToLeft() ? kRightToLeftIsolate + text : text;
+}
+
 QFont smaller(const QFont& font) {
     QFont second = font;
     if (font.pointSizeF() > 0) {
@@ -59,6 +65,7 @@ QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInd
 void GridDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     option->textElideMode = Qt::ElideRight;
+    option->text = inOwnDirection(option->text);
     const Tones& tone = tones(option->palette);
     const bool dismissed = index.data(GridModel::DismissedRole).toBool();
     if (dismissed) {
@@ -84,7 +91,7 @@ const Tones& GridDelegate::tones(const QPalette& palette) const {
 
 void GridDelegate::paintSubject(QPainter& painter, const QStyleOptionViewItem& cell,
                                 const QModelIndex& index, const Tones& tone) {
-    const QString summary = index.data(GridModel::SummaryRole).toString();
+    const QString summary = inOwnDirection(index.data(GridModel::SummaryRole).toString());
     const QString detail = index.data(GridModel::DetailRole).toString();
     const QFont second = smaller(cell.font);
     const QFontMetrics smallMetrics(second);

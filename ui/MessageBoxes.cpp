@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QMessageBox>
 
 #include "ui/QtText.h"
@@ -35,7 +36,17 @@ void nameButtons(QMessageBox& box) {
     for (const auto& [button, text] : kTexts) {
         if (QAbstractButton* shown = box.button(button)) {
             shown->setText(QObject::tr(text));
+            shown->setIcon(QIcon());  // as in the dialogs
         }
+    }
+}
+
+// Wide enough for its title, which often says more than its text.
+void makeRoomForTitle(QMessageBox& box) {
+    constexpr int kOfTheFrame = 140;  // buttons and picture of the title bar
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + kOfTheFrame;
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
     }
 }
 
@@ -54,8 +65,10 @@ BoxAnswer MessageBoxes::ShowBox(const BoxRequest& box) {
                            : QMessageBox::StandardButtons(QMessageBox::Ok),
                       owner_.isVisible() ? &owner_ : nullptr);
     shown.setObjectName("box");
+    shown.setWindowIcon(owner_.windowIcon());  // it may have no visible owner to take it from
     shown.setTextFormat(Qt::PlainText);
     nameButtons(shown);
+    makeRoomForTitle(shown);
     shown.setWindowModality(Qt::ApplicationModal);
     // What cannot be undone is not what Enter does.
     shown.setDefaultButton(asks ? QMessageBox::Cancel : QMessageBox::Ok);

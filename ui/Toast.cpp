@@ -24,13 +24,24 @@ constexpr int kMargin = 12;    // around the body's lines
 constexpr int kFromEdge = 10;  // from the edges of the screen
 constexpr int kPictureSize = 16;
 
+// A summary may be written from right to left; the time behind it (after two blanks) is none of it
+// and stays behind it.
+QString summaryApart(const QString& text) {
+    constexpr QChar kFirstStrongIsolate(0x2068);
+    constexpr QChar kPopDirectionalIsolate(0x2069);
+    const qsizetype end = text.lastIndexOf(QLatin1String("  "));
+    return end <= 0 || !text.isRightToLeft()
+               ? text
+               : kFirstStrongIsolate + text.left(end) + kPopDirectionalIsolate + text.mid(end);
+}
+
 // The label would take the application's link colour, which a light palette leaves at pure blue.
 QString linkHtml(const ToastLink& link, const QColor& colour) {
-    QString text = link.text.toHtmlEscaped();
+    QString text = summaryApart(link.text).toHtmlEscaped();
     text.replace(u'\n', QStringLiteral("<br>"));
     return QStringLiteral(
-               "<a href=\"%1\" style=\"text-decoration:none; color:%2; "
-               "white-space:pre-wrap\">%3</a>")
+               "<div dir=\"ltr\"><a href=\"%1\" style=\"text-decoration:none; color:%2; "
+               "white-space:pre-wrap\">%3</a></div>")
         .arg(QString::number(link.tag), colour.name(), text);
 }
 

@@ -16,9 +16,7 @@ double luminance(const QColor& c) {
 }
 
 // Moves a colour towards the text's until it can be read on the base.
-QColor readable(const QColor& wanted, const QPalette& palette, double least) {
-    const QColor base = palette.color(QPalette::Active, QPalette::Base);
-    const QColor text = palette.color(QPalette::Active, QPalette::Text);
+QColor readable(const QColor& wanted, const QColor& text, const QColor& base, double least) {
     QColor colour = wanted;
     for (double share = 0.95; contrast(colour, base) < least && share >= 0; share -= 0.05) {
         colour = mixed(wanted, text, share);
@@ -41,13 +39,16 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
     return {channel(a.red(), b.red()), channel(a.green(), b.green()), channel(a.blue(), b.blue())};
 }
 
-Tones::Tones(const QPalette& palette) {
-    const QColor base = palette.color(QPalette::Active, QPalette::Base);
-    const QColor text = palette.color(QPalette::Active, QPalette::Text);
+Tones::Tones(const QPalette& palette, QPalette::ColorRole ground) {
+    const bool form = ground == QPalette::Window;
+    const QColor base = palette.color(QPalette::Active, ground);
+    const QColor text =
+        palette.color(QPalette::Active, form ? QPalette::WindowText : QPalette::Text);
     const bool dark = luminance(base) < luminance(text);
-    accent = readable(palette.color(QPalette::Active, QPalette::Highlight), palette, 4.5);
-    warm = readable(dark ? QColor(0xff, 0x9d, 0x66) : QColor(0xb8, 0x45, 0x0e), palette, 4.5);
-    dimmed = readable(mixed(text, base, 0.6), palette, 3.0);
+    const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
+    accent = readable(highlight, text, base, 4.5);
+    warm = readable(dark ? QColor(0xff, 0x9d, 0x66) : QColor(0xb8, 0x45, 0x0e), text, base, 4.5);
+    dimmed = readable(mixed(text, base, 0.6), text, base, 3.0);
 }
 
 }  // namespace vl

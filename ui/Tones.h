@@ -6,10 +6,11 @@
 
 namespace vl {
 
-/// Readable on the palette's base (contrast 4.5 to 1 or better for `accent` and `warm`, 3 to 1 for
-/// `dimmed`), whether that is light or dark.
+/// Readable on the palette's ground (contrast 4.5 to 1 or better for `accent` and `warm`, 3 to 1
+/// for `dimmed`), whether that is light or dark.
 struct Tones {
-    explicit Tones(const QPalette& palette);
+    /// `ground`: `Base` for lists, `Window` for forms.
+    explicit Tones(const QPalette& palette, QPalette::ColorRole ground = QPalette::Base);
 
     QColor accent;  ///< due now
     QColor warm;    ///< overdue; always beside the word

@@ -1,18 +1,19 @@
-// The program's own pictures: a bell, and the bell with a dot.
+// The program's own pictures: a bell, the bell with a dot, and the program's icon.
 #pragma once
 
 #include <QIcon>
 
 namespace vl {
 
-/// Painted once, at 16, 22, 24, 32, 48 and 64 pixels, when the object is made (some milliseconds);
-/// setting one on the tray afterwards costs no painting. The two differ in outline, not only in
-/// colour: the dot stands clear of the bell. Needs a running QGuiApplication.
+/// From the pictures in data/icons, at 16, 20, 22, 24, 32, 48 and 64 pixels; each is read when it
+/// is first shown. Bell and bell with dot differ in outline, not only in colour: the dot stands
+/// clear of the bell. Needs a running QGuiApplication.
 struct TrayPictures {
     TrayPictures();
 
-    QIcon Pic1;  ///< nothing new; also the window's icon
-    QIcon Pic2;  ///< new reminders wait
+    QIcon Pic1;     ///< nothing new
+    QIcon Pic2;     ///< new reminders wait
+    QIcon program;  ///< of windows
 };
 
 }  // namespace vl

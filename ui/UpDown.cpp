@@ -8,7 +8,6 @@ namespace vl {
 UpDown::UpDown(QWidget* parent) : QAbstractSpinBox(parent) {
     lineEdit()->setReadOnly(true);
     lineEdit()->hide();
-    setFrame(false);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -19,7 +18,8 @@ QSize UpDown::sizeHint() const {
     option.rect = QRect(0, 0, 100, QAbstractSpinBox::sizeHint().height());
     const QRect arrow =
         style()->subControlRect(QStyle::CC_SpinBox, &option, QStyle::SC_SpinBoxUp, this);
-    return {arrow.width() + 4, option.rect.height()};
+    // No field: its frame is the arrows'.
+    return {arrow.width() + 2, option.rect.height()};
 }
 
 int wrapped(int position, int count) {

@@ -73,7 +73,7 @@ void frmDDE::build() {
     setObjectName("frmDDE");
     setWindowTitle(tr("VL Reminders"));
     setAccessibleName(windowTitle());  // minimized it would have none
-    setWindowIcon(pictures_.Pic1);
+    setWindowIcon(pictures_.program);
     auto* lblPeriod = new QLabel(tr("&Period"), this);
     lblPeriod->setObjectName("lblPeriod");
     cboPeriod = named(new QComboBox(this), "cboPeriod", "Period");
@@ -82,7 +82,6 @@ void frmDDE::build() {
     UpDown1 = named(new UpDown(this), "UpDown1", "Step through the periods");
     txtSearch = named(new QLineEdit(this), "txtSearch", "Search subject and location");
     txtSearch->setPlaceholderText(tr("Search..."));
-    txtSearch->setClearButtonEnabled(true);
     txtSearch->setMaximumWidth(260);
     lblTime = named(new QLabel(this), "lblTime");
     tabs = named(new QTabWidget(this), "tabs", "Lists");
@@ -263,6 +262,8 @@ void frmDDE::closeEvent(QCloseEvent* event) {
 void frmDDE::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (!event->spontaneous() && !loading_) {
+        // Its picture is looked for in all the desktop's themes: not before somebody can see it.
+        txtSearch->setClearButtonEnabled(true);
         TimerUpdate.start();
         TimerUpdate_Tick();
         GetIconText();
@@ -276,6 +277,10 @@ void frmDDE::changeEvent(QEvent* event) {
         TimerUpdate.start();
         TimerUpdate_Tick();
         sayTrayMissing();
+    } else if (event->type() == QEvent::PaletteChange && lblNotice != nullptr) {
+        // The desktop has turned dark, or light: the line has a colour of its own.
+        lblStatus->clear();
+        showStatus();
     }
 }
 

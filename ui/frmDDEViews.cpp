@@ -255,12 +255,15 @@ void frmDDE::showStatus() {
     } else {
         line = rowStatus();
     }
+    if (line.isRightToLeft()) {
+        line.prepend(QChar(0x200e));  // the line begins at the left, whatever its first word is
+    }
     if (lblStatus->text() != line) {
         lblStatus->setText(line);
         lblStatus->setToolTip(tip.isEmpty() ? line : tip);
         QPalette colours;
         if (!trouble.isEmpty()) {
-            colours.setColor(QPalette::WindowText, Tones(palette()).warm);
+            colours.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).warm);
         }
         lblStatus->setPalette(colours);
     }

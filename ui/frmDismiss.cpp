@@ -50,6 +50,8 @@ void frmDismiss::build() {
     lblEvent = named(new QLabel(tr("Event and Next Reminder"), this), "lblEvent");
     lblEvent->setTextFormat(Qt::PlainText);
     lblEvent->setWordWrap(true);
+    // Not of the dialog: it would no longer grow with texts that need more.
+    lblEvent->setMinimumWidth(fontMetrics().averageCharWidth() * 59);
     auto* group = named(new QGroupBox(tr("Dismiss:"), this), "frmDismissWhat");
     radThisOnly = named(new QRadioButton(tr("&This reminder"), group), "radThisOnly");
     radAfter =
@@ -80,7 +82,6 @@ void frmDismiss::build() {
     all->addWidget(chkDone);
     all->addStretch(1);
     all->addLayout(bottom);
-    setMinimumWidth(fontMetrics().averageCharWidth() * 62);
     setTabOrders({radThisOnly, radAfter, radAll, radDeleteItem, chkDone, butOK, butCancel, lblF1});
 }
 

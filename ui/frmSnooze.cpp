@@ -61,6 +61,8 @@ void frmSnooze::build() {
     cboSnooze->setObjectName("cboSnooze");
     cboSnooze->setAccessibleName(tr("Remind again in"));
     cboSnooze->setEditable(true);
+    // Not of the dialog: it would no longer grow with texts that need more.
+    cboSnooze->setMinimumWidth(fontMetrics().averageCharWidth() * 42);
     cboSnooze->setInsertPolicy(QComboBox::NoInsert);
     cboSnooze->setMaxVisibleItems(16);
     // What is typed counts as it stands: "1" must not become "15m".
@@ -83,18 +85,23 @@ void frmSnooze::build() {
     QFrame* frmButtons = makeButtonGroup(*this, *butSnooze, *butCancel);
     QLabel* lblF1 = makeHelpLink(*this, [this] { DoKeyDown(kKeyF1); });
 
-    auto* all = new QGridLayout(this);
-    all->setHorizontalSpacing(12);
-    all->setVerticalSpacing(8);
-    all->addWidget(lblSnooze, 0, 0);
-    all->addWidget(cboSnooze, 0, 1);
-    all->addWidget(lblUntil, 1, 1);
-    all->addWidget(lblTime, 2, 0);
-    all->addWidget(lblF1, 2, 1, Qt::AlignLeft);
-    all->setRowMinimumHeight(3, 8);
-    all->addWidget(frmButtons, 4, 0, 1, 2);
-    all->setColumnStretch(1, 1);
-    setMinimumWidth(fontMetrics().averageCharWidth() * 62);
+    auto* choice = new QGridLayout;
+    choice->setHorizontalSpacing(12);
+    choice->setVerticalSpacing(8);
+    choice->addWidget(lblSnooze, 0, 0);
+    choice->addWidget(cboSnooze, 0, 1);
+    choice->addWidget(lblTime, 1, 0, Qt::AlignTop);
+    choice->addWidget(lblUntil, 1, 1, Qt::AlignTop);
+    choice->setColumnStretch(1, 1);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(lblF1);
+    bottom->addStretch(1);
+    bottom->addWidget(frmButtons);
+    auto* all = new QVBoxLayout(this);
+    all->setSpacing(14);
+    all->addLayout(choice);
+    all->addStretch(1);
+    all->addLayout(bottom);
     setTabOrders({cboSnooze, butSnooze, butCancel, lblF1});
 }
 
@@ -157,8 +164,9 @@ void frmSnooze::showUntil() {
         lblUntil->setText(until ? qtText(momentText(*until, true, now, inWords))
                                 : tr("This is no time ahead; nothing would change"));
         QPalette tone;
-        const Tones tones(palette());
-        tone.setColor(QPalette::WindowText, until ? tones.dimmed : tones.warm);
+        if (!until) {
+            tone.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).warm);
+        }
         lblUntil->setPalette(tone);
     });
 }

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 
-#include "Catalog.h"
 #include "Header.h"
 #include "PageFile.h"
-#include "TableDefinition.h"
+#include "TableCache.h"
 #include "base/ErrorState.h"
-#include "base/Text.h"
 #include "db/jet/ReadGuard.h"
 
 namespace vl::jet {
@@ -38,7 +36,8 @@ Database Database::open(std::unique_ptr<File> file, std::string name, Access acc
     return Database(std::make_unique<PageFile>(std::move(file), std::move(name), access));
 }
 
-Database::Database(std::unique_ptr<PageFile> file) : file_(std::move(file)) {}
+Database::Database(std::unique_ptr<PageFile> file)
+    : file_(std::move(file)), cache_(std::make_unique<TableCache>(*file_)) {}
 Database::Database(Database&&) noexcept = default;
 Database& Database::operator=(Database&&) noexcept = default;
 Database::~Database() = default;
@@ -48,20 +47,11 @@ const std::string& Database::name() const noexcept { return file_->name(); }
 void Database::setPatience(std::chrono::milliseconds most) noexcept { file_->setPatience(most); }
 
 std::vector<TableInfo> Database::tables() const {
-    return readWhole(*this, [&] { return readCatalog(*file_); });
+    return readWhole(*this, [&] { return cache_->tables(); });
 }
 
 Table Database::table(std::string_view name) const {
-    const auto definition = readWhole(*this, [&]() -> std::shared_ptr<const TableDefinition> {
-        for (const TableInfo& info : readCatalog(*file_)) {
-            if (text::equalsNoCase(info.name, name)) {
-                return std::make_shared<const TableDefinition>(
-                    readTableDefinition(*file_, info.definitionPage, info.name));
-            }
-        }
-        return nullptr;
-    });
-    if (definition) {
+    if (const auto definition = readWhole(*this, [&] { return cache_->find(name); })) {
         return {*file_, definition};
     }
     throw Error(ErrNo::NotFound,

@@ -16,6 +16,7 @@
 
 namespace vl::jet {
 
+class TableCache;
 struct Finding;
 struct CopyReport;
 
@@ -63,9 +64,9 @@ public:
     /// The longest waiting for others in one statement, from now on.
     void setPatience(std::chrono::milliseconds most) noexcept;
 
-    /// All tables of this file, system tables too, as the catalog has them now: when other programs
-    /// wrote since, the pages read before are forgotten. Costs one pass over the catalog, usually
-    /// one or two pages.
+    /// All tables of this file, system tables too, as the catalog has them now. Costs one pass over
+    /// the catalog, usually one or two pages; a look at the file when nobody wrote since the last
+    /// time.
     std::vector<TableInfo> tables() const;
 
     /// The table of that name, without regard to case; as fresh as `tables()`. Throws `Error`
@@ -76,9 +77,9 @@ public:
     // open; `Table` objects of the changed table are to be asked for anew. Names are compared
     // without regard to case. Throws `Error` and has changed nothing: `ErrNo::ReadOnly`;
     // `ErrNo::Syntax` for a name that is none; `ErrNo::Exists` for one that is taken;
-    // `ErrNo::NotFound` for a table or column that is not there; `ErrNo::Overflow` for too many
-    // columns or indexes, a name, a column or a row that is too long; `ErrNo::Unsupported` for what
-    // cannot be made or changed, tables of the engine's own among it. Throws `ErrNo::Corrupt`,
+    // `ErrNo::NotFound` for a table, column or index that is not there; `ErrNo::Overflow` for too
+    // many columns or indexes, a name, a column or a row that is too long; `ErrNo::Unsupported` for
+    // what cannot be made or changed, tables of the engine's own among it. Throws `ErrNo::Corrupt`,
     // `ErrNo::Io`: the transaction is then to be taken back.
 
     /// A table without rows. A name that a query has is taken, too.
@@ -93,6 +94,9 @@ public:
     /// values. Costs one pass over the table, and memory for a key of each row.
     void createIndex(std::string_view table, const NewIndex& index);
 
+    /// The index; its keys' pages are free then. One by which a relationship is kept is refused.
+    void dropIndex(std::string_view table, std::string_view name);
+
     /// The table, its rows and indexes; their pages are free then. One that has relationships with
     /// other tables is refused.
     void dropTable(std::string_view name);
@@ -102,12 +106,14 @@ private:
     friend class Transaction;
     friend std::vector<Finding> checkDatabase(Database& db);
     friend CopyReport copyTables(Database& source, Database& target);
-    friend CopyReport salvage(const std::string& path, Database& target);
+    friend CopyReport salvage(std::unique_ptr<File> source, const std::string& name,
+                              Database& target);
     explicit Database(std::unique_ptr<PageFile> file);
     template <class Step>
     void change(Step&& step);
 
     std::unique_ptr<PageFile> file_;
+    std::unique_ptr<TableCache> cache_;
 };
 
 }  // namespace vl::jet

@@ -40,6 +40,10 @@ void Database::createIndex(std::string_view table, const NewIndex& index) {
     change([&](PageFile& file) { jet::createIndex(file, table, index); });
 }
 
+void Database::dropIndex(std::string_view table, std::string_view name) {
+    change([&](PageFile& file) { jet::dropIndex(file, table, name); });
+}
+
 void Database::dropTable(std::string_view name) {
     change([&](PageFile& file) { jet::dropTable(file, name); });
 }

@@ -90,24 +90,6 @@ void putText(const Variant& value, std::span<std::byte> field) {
 
 }  // namespace
 
-bool isFixedValue(const Column& column) noexcept {
-    switch (column.type) {
-        case ColumnType::Byte:
-        case ColumnType::Integer:
-        case ColumnType::Long:
-        case ColumnType::Money:
-        case ColumnType::Single:
-        case ColumnType::Double:
-        case ColumnType::Date:
-        case ColumnType::Text:
-        case ColumnType::Guid:
-        case ColumnType::Numeric:
-            return column.fixed;
-        default:
-            return false;
-    }
-}
-
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field) {
     switch (column.type) {
         case ColumnType::Byte:

@@ -6,15 +6,12 @@
 
 namespace vl::jet {
 
-/// Whether the column stands at a fixed place of its row and its type can be written there; yes/no
-/// columns stand in the null mask instead.
-bool isFixedValue(const Column& column) noexcept;
-
 /// `field` has the column's length and receives the value, converted to the column's type: numbers
 /// rounded (halves to even), dates to whole seconds, money and numeric kept exact, text padded
 /// with blanks. Throws `Error`: `ErrNo::TypeMismatch` when the value (or `Null`) has no such form,
 /// `ErrNo::Overflow` when it does not fit; `field` then holds anything.
-/// `column` must be one of `isFixedValue`. Source: docs/jet4.md, "Values".
+/// `column` is a number, money, a date, a GUID, or a text of fixed length. Source: docs/jet4.md,
+/// "Values".
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field);
 
 }  // namespace vl::jet

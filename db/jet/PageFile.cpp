@@ -82,6 +82,7 @@ void PageFile::refresh() {
         return;  // nobody else writes, and the file has not all of it yet
     }
     frames_.assign(kFrames, Frame{});
+    ++definitionsStamp_;
     if (readers_ == 0) {
         known_.reset();  // else it tells how the file was when the reading began
     }

@@ -94,6 +94,10 @@ public:
     /// what it held; if that fails too, the next one who opens the file finds the journal.
     void rollback() noexcept;
 
+    /// As long as it is the same, the catalog and the definitions of tables are those that were
+    /// read when it was asked for; asked inside a reading or a transaction.
+    std::uint64_t definitionsStamp() const noexcept { return definitionsStamp_; }
+
     /// The longest waiting for others in one statement, from now on.
     void setPatience(std::chrono::milliseconds most) noexcept;
 
@@ -131,6 +135,7 @@ private:
     PageNo pageCount_ = 0;
     std::vector<Frame> frames_;
     std::optional<Look> known_;  // the file, when `frames_` were read
+    std::uint64_t definitionsStamp_ = 1;
     int readers_ = 0;
     std::unique_ptr<BrokenChange> broken_;  // read from it, it cannot be taken back now
 

@@ -9,6 +9,13 @@ namespace vl::jet {
 
 namespace {
 
+// A definition, or rows of the catalog. Whoever adds or removes a row of it writes its definition,
+// too.
+bool defines(ByteView page) noexcept {
+    constexpr std::uint32_t kCatalog = 2;
+    return u8(page, 0) == 2 || (u8(page, 0) == 1 && u32(page, 4) == kCatalog);
+}
+
 // Only its two bytes are written: the words beside it belong to others.
 void raiseCounter(File& file) {
     std::array<std::byte, 2> word{};
@@ -68,6 +75,9 @@ PageNo PageFile::appendPage() {
 }
 
 void PageFile::putChanged(PageNo number, std::shared_ptr<const Page::Bytes> bytes) {
+    if (defines(*bytes)) {
+        ++definitionsStamp_;
+    }
     changed_[number] = std::move(bytes);
     if (changed_.size() > mostChanged_) {
         writeChanged();
@@ -142,6 +152,7 @@ void PageFile::rollback() noexcept {
     }
     const ErrScope scope;
     changed_.clear();
+    ++definitionsStamp_;
     changing_ = false;
     pageCount_ = countBefore_;
     if (sharing_) {

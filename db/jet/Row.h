@@ -36,11 +36,10 @@ public:
     /// (`ErrNo::Corrupt`) when they are not inside the row.
     std::optional<ByteView> field(const Column& column) const;
 
-    /// Where in the row the mask's byte of a known column stands, and where a known fixed column.
+private:
+    // Where in the row the mask's byte of a known column stands, and where a known fixed column.
     std::size_t maskAt(const Column& column) const noexcept;
     std::size_t fixedAt(const Column& column) const;
-
-private:
     [[noreturn]] void corrupt(const Column& column) const;
 
     ByteView bytes_;

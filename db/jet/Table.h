@@ -70,17 +70,6 @@ public:
     /// Throws `Error` (`ErrNo::NotFound`) when there is no such row.
     void remove(RowId id);
 
-    /// Writes columns of one row where they stand: yes/no columns and fixed-size ones that no
-    /// index knows. `Null` makes a fixed-size column null. Is a transaction of its own unless one
-    /// is open; a row that holds all of it already costs no write.
-    ///
-    /// Throws `Error` and has changed nothing: `ErrNo::ReadOnly` unless the file was opened with
-    /// `Access::ReadWrite`; `ErrNo::NotFound` when there is no such row; `ErrNo::Unsupported` for a
-    /// column of another kind, an autonumber, or a row older than the column;
-    /// `ErrNo::TypeMismatch` or `ErrNo::Overflow` for a value that is none of the column's type.
-    /// Throws `ErrNo::Io` when writing fails: the row may then be changed or not.
-    void updateInPlace(RowId id, std::span<const Change> changes);
-
 private:
     const ColumnRules& rules();
 

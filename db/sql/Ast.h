@@ -168,7 +168,13 @@ struct DropTable {
     TableRef table;
 };
 
-using Statement =
-    std::variant<Select, Update, Insert, Delete, CreateTable, AddColumn, CreateIndex, DropTable>;
+struct DropIndex {
+    Position at;
+    std::string name;
+    TableRef table;
+};
+
+using Statement = std::variant<Select, Update, Insert, Delete, CreateTable, AddColumn, CreateIndex,
+                               DropTable, DropIndex>;
 
 }  // namespace vl::sql

@@ -52,14 +52,6 @@ std::vector<std::size_t> targets(const Update& statement, const Scope& scope) {
     return columns;
 }
 
-// VALUES have no row to look at.
-class NoRow final : public RowSource {
-public:
-    bool next() override { return false; }
-    Variant value(std::size_t) const override { return Null{}; }
-    jet::RowId id() const override { return {}; }
-};
-
 void requireCount(const Insert& statement, std::size_t expected, std::size_t found) {
     if (expected != found) {
         fail(ErrNo::Syntax, statement.at,

@@ -133,4 +133,10 @@ void define(const DropTable& statement, jet::Database& db) {
     at(statement.table, [&] { db.dropTable(statement.table.name); });
 }
 
+void define(const DropIndex& statement, jet::Database& db) {
+    at(statement.table, [&] { db.table(statement.table.name); });
+    at({statement.at, statement.name, {}},
+       [&] { db.dropIndex(statement.table.name, statement.name); });
+}
+
 }  // namespace vl::sql

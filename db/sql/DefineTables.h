@@ -13,5 +13,6 @@ void define(const CreateTable& statement, jet::Database& db);
 void define(const AddColumn& statement, jet::Database& db);
 void define(const CreateIndex& statement, jet::Database& db);
 void define(const DropTable& statement, jet::Database& db);
+void define(const DropIndex& statement, jet::Database& db);
 
 }  // namespace vl::sql

@@ -30,18 +30,27 @@ FileTable open(jet::Database& db, const TableRef& ref) {
 /// One statement on a file.
 class Run {
 public:
-    Run(jet::Database& db, std::span<const Parameter> parameters)
-        : db_(db), parameters_(parameters) {}
+    Run(jet::Database& db, std::span<const Parameter> parameters, const RowTaker* take)
+        : db_(db), parameters_(parameters), take_(take) {}
 
     Result operator()(Select& statement) const {
-        return jet::readWhole(
-            db_, [&] { return select(statement, open(db_, statement.table), parameters_); });
+        if (take_ == nullptr) {
+            return rowsOf(statement);
+        }
+        // What was given cannot be taken back and read again.
+        const jet::ReadGuard guard(db_);
+        Result result = select(statement, open(db_, statement.table), parameters_, take_);
+        if (guard.disturbed()) {
+            throw Error(ErrNo::Locked,
+                        db_.name() + ": was written by another program while it was read");
+        }
+        return result;
     }
 
     Result operator()(Insert& statement) const {
         return changing([&] {
             FileTable table = open(db_, statement.table);
-            Result rows = statement.rows ? (*this)(*statement.rows) : Result();
+            Result rows = statement.rows ? rowsOf(*statement.rows) : Result();
             return insertRows(statement, table, std::move(rows), parameters_);
         });
     }
@@ -69,6 +78,11 @@ public:
     }
 
 private:
+    Result rowsOf(Select& statement) const {
+        return jet::readWhole(
+            db_, [&] { return select(statement, open(db_, statement.table), parameters_); });
+    }
+
     // The table is looked up inside: what others write meanwhile must not be undone.
     template <class Step>
     Result changing(Step&& step) const {
@@ -81,6 +95,7 @@ private:
 
     jet::Database& db_;
     std::span<const Parameter> parameters_;
+    const RowTaker* take_;
 };
 
 }  // namespace
@@ -95,7 +110,13 @@ bool isQuery(std::string_view statement) noexcept {
 
 Result execute(jet::Database& db, std::string_view text, std::span<const Parameter> parameters) {
     Statement statement = parse(text);
-    return std::visit(Run(db, parameters), statement);
+    return std::visit(Run(db, parameters, nullptr), statement);
+}
+
+Result execute(jet::Database& db, std::string_view text, const RowTaker& take,
+               std::span<const Parameter> parameters) {
+    Statement statement = parse(text);
+    return std::visit(Run(db, parameters, &take), statement);
 }
 
 }  // namespace vl::sql

@@ -21,13 +21,6 @@ struct Limits {
     std::optional<Variant> high;
 };
 
-class NoRow final : public RowSource {
-public:
-    bool next() override { return false; }
-    Variant value(std::size_t) const override { return Null{}; }
-    jet::RowId id() const override { return {}; }
-};
-
 bool hasColumns(const Expr& expr) {
     return expr.op == Op::Column ||
            std::any_of(expr.operands.begin(), expr.operands.end(),

@@ -172,10 +172,18 @@ Statement parseAlter(TokenStream& tokens) {
 }
 
 Statement parseDrop(TokenStream& tokens) {
-    if (tokens.current().isWord("INDEX")) {
-        failUnsupported(tokens.current(), "TABLE");
+    if (tokens.takeWord("INDEX")) {
+        DropIndex statement;
+        Token name = tokens.expectName("a name of an index");
+        statement.at = name.at;
+        statement.name = std::move(name.text);
+        tokens.expectWord("ON");
+        statement.table = parseTable(tokens);
+        return statement;
     }
-    tokens.expectWord("TABLE");
+    if (!tokens.takeWord("TABLE")) {
+        tokens.failExpected("TABLE or INDEX");
+    }
     return DropTable{parseTable(tokens)};
 }
 

@@ -36,6 +36,14 @@ protected:
     RowSource& operator=(const RowSource&) = default;
 };
 
+/// For expressions without columns: there is no row to look at.
+class NoRow final : public RowSource {
+public:
+    bool next() override { return false; }
+    Variant value(std::size_t) const override { return Null{}; }
+    jet::RowId id() const override { return {}; }
+};
+
 /// Values of one row, by column.
 using Changes = std::vector<std::pair<std::size_t, Variant>>;
 

@@ -150,8 +150,13 @@ void Scope::bindName(Expr& expr) const {
             return;
         }
     }
-    expr.ordinal = column(expr.column);
-    const jet::Column& hit = shape_->columns[expr.ordinal];
+    bindTo(expr, column(expr.column));
+}
+
+void Scope::bindTo(Expr& expr, std::size_t place) const {
+    const jet::Column& hit = shape_->columns[place];
+    expr.op = Op::Column;
+    expr.ordinal = place;
     expr.decimal = isDecimal(hit);
     expr.textOrder = textOrderOf(hit);
     expr.type = hit.type;

@@ -20,6 +20,9 @@ public:
     /// the table) when there is none of that name, or the reference names another table.
     std::size_t column(const ColumnRef& ref) const;
 
+    /// Makes `expr` the column at that place of the shape.
+    void bindTo(Expr& expr, std::size_t place) const;
+
     /// Looks up every column once, before the scan, and puts the given values where parameters
     /// stand: `?`, and names that are no column but of which a value was given. Throws as
     /// `column`; `ErrNo::NotFound` for a parameter without a value. Null is allowed.

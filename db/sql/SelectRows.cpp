@@ -35,11 +35,15 @@ struct Output {
 };
 
 void addAll(Output& output, const SelectItem& item, const Scope& scope) {
-    for (const jet::Column& column : scope.shape().columns) {
+    const std::vector<jet::Column>& columns = scope.shape().columns;
+    if (!columns.empty()) {  // checks the table's name
+        scope.column({item.at, item.table, columns.front().name});
+    }
+    for (std::size_t place = 0; place < columns.size(); ++place) {
+        const jet::Column& column = columns[place];
         auto value = std::make_unique<Expr>();
-        value->op = Op::Column;
         value->column = {item.at, item.table, column.name};
-        scope.bind(value.get());
+        scope.bindTo(*value, place);
         output.fields.push_back({column.name, column.type, column.length});
         output.values.push_back(value.get());
         output.own.push_back(std::move(value));
@@ -177,25 +181,31 @@ Row keysOf(const std::vector<const Expr*>& columns, const RowSource& row) {
     return values;
 }
 
-Result selectColumns(Select& statement, const StoredTable& table, const Scope& scope) {
+Result selectColumns(Select& statement, const StoredTable& table, const Scope& scope,
+                     const RowTaker* take) {
     Output output = outputOf(statement, scope);
     const std::vector<OrderBy> by = orderOf(statement, scope, output);
     std::vector<const Expr*> sortColumns;
     for (const OrderBy& item : by) {
         sortColumns.push_back(item.value);
     }
-    const auto full = [&](const Result& result) {
-        return by.empty() && statement.top &&
-               result.rows.size() == static_cast<std::size_t>(*statement.top);
+    std::size_t found = 0;
+    const auto full = [&] {
+        return by.empty() && statement.top && found == static_cast<std::size_t>(*statement.top);
     };
     Result result;
     result.isQuery = true;
     std::vector<Row> keys;
     std::set<Row, DistinctLess> seen(DistinctLess{&output.values});
     const auto rows = findRows(table, statement.where.get());
-    while (!full(result) && rows->next()) {
+    while (!full() && rows->next()) {
         if (!keeps(statement.where.get(), *rows) ||
             (statement.distinct && !seen.insert(keysOf(output.values, *rows)).second)) {
+            continue;
+        }
+        ++found;
+        if (take && by.empty()) {
+            (*take)(output.fields, valuesOf(output.values, *rows));
             continue;
         }
         result.rows.push_back(valuesOf(output.values, *rows));
@@ -286,13 +296,21 @@ Result selectAggregates(const Select& statement, const StoredTable& table, const
 
 }  // namespace
 
-Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters) {
+Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters,
+              const RowTaker* take) {
     const Scope scope(table.shape(), statement.table, parameters);
     scope.bind(statement.where.get());
     const bool aggregates =
         std::any_of(statement.items.begin(), statement.items.end(), isAggregate);
-    return aggregates ? selectAggregates(statement, table, scope)
-                      : selectColumns(statement, table, scope);
+    Result result = aggregates ? selectAggregates(statement, table, scope)
+                               : selectColumns(statement, table, scope, take);
+    if (take) {
+        for (const Row& row : result.rows) {
+            (*take)(result.fields, row);
+        }
+        result.rows.clear();
+    }
+    return result;
 }
 
 }  // namespace vl::sql

@@ -10,14 +10,16 @@
 //   CREATE [UNIQUE] INDEX name ON table (column [ASC | DESC], ...)
 //       [WITH PRIMARY | DISALLOW NULL | IGNORE NULL]
 //   ALTER TABLE table ADD [COLUMN] column type ... | constraint (columns)
-//   DROP TABLE table
+//   DROP TABLE table | DROP INDEX name ON table
 //
 // Items are `*`, `Table.*`, expressions with an optional AS; or all are COUNT(*), COUNT, MIN, MAX
 // of an expression. A column is `Name`, `Table.Name` or `[any name]`. Expressions have, weakest
 // first: OR, AND, NOT, comparisons with [NOT] LIKE, IN, BETWEEN and IS [NOT] NULL, &, + -, * /.
 // Texts stand in double or single quotes, a doubled quote inside is one; dates are #2026-11-15
 // 14:30:00#. Keywords and names are taken without regard to case. What a statement needs to know
-// of a row is all that is decoded of it; an index serves for equality, ranges, IN and IS NULL.
+// of a row is all that is decoded of it; an index serves for equality, ranges, IN and IS NULL. Rows
+// that an index passes over are not looked at: what a condition could not compute of them is no
+// error then.
 //
 // Errors: `Error` with line, column and what was expected. `ErrNo::Syntax` for what follows no
 // rule; `ErrNo::Unsupported` for joins, other functions, and clauses named there;
@@ -27,6 +29,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -67,6 +70,17 @@ bool isQuery(std::string_view statement) noexcept;
 /// ORDER BY says otherwise; with it, TOP also gives the rows that equal the last one.
 /// A statement that changes the file is a transaction: after an error nothing has changed.
 Result execute(jet::Database& db, std::string_view statement,
+               std::span<const Parameter> parameters = {});
+
+/// What a query's row goes to.
+using RowTaker =
+    std::function<void(const std::vector<Field>& fields, const std::vector<Variant>& row)>;
+
+/// The same, but the rows of a query go to `take` as they are found and are not kept: one is in
+/// memory at a time, except with ORDER BY, which has to know them all, and DISTINCT, which has to
+/// know those it gave. Throws `ErrNo::Locked` behind the last row when another engine wrote
+/// meanwhile, so that the rows may not belong together; what `take` throws ends the statement.
+Result execute(jet::Database& db, std::string_view statement, const RowTaker& take,
                std::span<const Parameter> parameters = {});
 
 }  // namespace vl::sql

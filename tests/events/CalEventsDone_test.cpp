@@ -4,6 +4,7 @@
 #include "base/ErrorState.h"
 #include "events/CalEvents.h"
 #include "events/EventHistory.h"
+#include "support/EventFile.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
 
@@ -119,6 +120,30 @@ TEST_F(AllDone, AsksTheHistoryWhatIsOpen) {
     EXPECT_EQ(closed.status, "AllDone") << "the history knows better than the row";
     EXPECT_EQ(history.asked, "{0}2026-11-01 09:45:00 {1}2026-11-02 09:45:00 ")
         << "of what is past only";
+}
+
+TEST_F(AllDone, IsWrittenHoweverManyThereAre) {
+    const test::TempFolder folder;
+    test::EventFile file((folder / "many.RemindDB").string());
+    db.DBFullName = file.path();
+    std::vector<std::shared_ptr<calEvent>> events;
+    for (int i = 0; i < 1300; ++i) {
+        put(at(10, 0, 0, i % 10 == 0 ? 25 : 1));
+        events.push_back(objectAt<calEvent>(*set.mCol, set.mCol->Count()));
+    }
+    events[7]->GUID = "a \"quoted\" one";
+    events[8]->GUID.clear();
+    file.put(events);
+    set.UpdateAllDone();
+    const auto written = db.OpenRS("SELECT GUID FROM Reminders WHERE status=\"AllDone\"");
+    std::size_t rows = 0;
+    bool quoted = false;
+    for (; !written->EOF_(); written->MoveNext(), ++rows) {
+        quoted = quoted || written->value("GUID").toText() == events[7]->GUID;
+    }
+    EXPECT_EQ(rows, 1300U - 130U - 1U) << "all but those ahead, and the one without a GUID";
+    EXPECT_TRUE(quoted);
+    EXPECT_EQ(events[8]->status, "AllDone");
 }
 
 TEST_F(AllDone, LeavesTheSetWhateverItsCase) {

@@ -6,19 +6,23 @@
 
 namespace vl::test {
 
-/// Reads everything of a damaged database and tries to write into it. The input says which file
-/// and where it is damaged:
+/// Works on a damaged database, in memory. The input says which file, where it is damaged, and what
+/// is done with it:
 ///
 ///   size  meaning
-///   1     the file: 0 first-light.RemindDB, 1 generated-reminders.RemindDB (modulo 2)
+///   1     n: the file is n % 3, see `DamagedFile.h`; what is done is n / 3 % 6:
+///         0 everything is read; 1 rows come, change and go; 2 statements run; 3 columns, indexes
+///         and tables come and go; 4 it is copied whole; 5 what can be read is saved
 ///   then, again and again until the input ends:
 ///   1     page
 ///   2     offset in the page, little-endian (modulo 4096)
 ///   1     n, modulo 32: so many bytes follow and take the place of what stands there;
 ///         0: the file ends here
 ///
-/// Ends the process when anything but values or a fitting `Error` comes of it.
-void readDamaged(std::span<const std::byte> input);
+/// Ends the process when anything but values, changes or a fitting `Error` comes of it; when a
+/// change that failed has written; when the check finds nothing before a change and something
+/// after it; and when a copy does not stand the check.
+void useDamaged(std::span<const std::byte> input);
 
 /// Runs the input as a statement on a sound database. Ends the process when anything but a result
 /// or a fitting `Error` comes of it.

@@ -3,6 +3,6 @@
 #include "Inputs.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    vl::test::readDamaged(std::as_bytes(std::span(data, size)));
+    vl::test::useDamaged(std::as_bytes(std::span(data, size)));
     return 0;
 }

@@ -50,7 +50,10 @@ private:
     [[noreturn]] static void keep(const std::string& file, Way way, int ready) {
         const auto stay = [ready] {
             const char byte = 1;
-            for (bool told = ::write(ready, &byte, 1) == 1; told;) {
+            if (::write(ready, &byte, 1) != 1) {
+                ::_exit(3);
+            }
+            for (;;) {
                 ::pause();
             }
         };

@@ -3,8 +3,13 @@
 
 #include <regex>
 
+#include <QAction>
+
+#include "notify/ReminderState.h"
 #include "support/Support.h"
 #include "ui/HelpNumbers.h"
+#include "ui/QtText.h"
+#include "ui/Tray.h"
 
 namespace vl {
 namespace {
@@ -34,6 +39,22 @@ TEST_F(HelpPage, HasATargetForEachOfItsLinks) {
         EXPECT_EQ(count("id=\"" + target.substr(1) + "\""), 1U) << target;
     }
     EXPECT_GT(links, 0U);
+}
+
+TEST_F(HelpPage, ExplainsEveryEntryOfTheMenu) {
+    const TrayPictures pictures;
+    const ReminderState state;
+    Tray tray(pictures, state);
+    int entries = 0;
+    for (const QAction* entry : tray.menu().findChildren<QAction*>()) {
+        QString text = entry->text();
+        text.remove(u'&').remove(QLatin1String("..."));
+        if (entry->objectName().startsWith("mnu") && entry->objectName() != "mnuShowHide") {
+            ++entries;
+            EXPECT_GE(count("<b>" + plainText(text) + "</b>"), 1U) << plainText(text);
+        }
+    }
+    EXPECT_GE(entries, 13);
 }
 
 TEST_F(HelpPage, NeedsNothingFromElsewhere) {

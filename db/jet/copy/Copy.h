@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "db/jet/File.h"
 #include "db/jet/check/Findings.h"
 
 namespace vl::jet {
@@ -18,9 +20,10 @@ struct CopyReport {
 };
 
 /// Writes the tables of `source`, their rows, indexes and properties into `target`, which has no
-/// tables yet. Autonumbers go on where they are. Throws `Error`: `ErrNo::Unsupported`, before
-/// anything is written, for a source that holds what cannot be made anew: queries, relationships,
-/// linked tables; what reading and writing throw. `target` is then of no use. What the desktop
+/// tables yet, and queries, linked tables, relationships and the password. Autonumbers go on where
+/// they are.
+/// Throws `Error`: `ErrNo::Unsupported`, before anything is written, for a source with objects of
+/// other kinds; what reading and writing throw. `target` is then of no use. What the desktop
 /// product keeps for itself is left out.
 CopyReport copyTables(Database& source, Database& target);
 
@@ -28,8 +31,11 @@ CopyReport copyTables(Database& source, Database& target);
 /// be read becomes null; a row without a key that it needs, or with one that another row has, is
 /// lost. Definitions that the catalog has lost are found page by page; these tables are named by
 /// their page. Rows are taken from the pages that a table's map says are its own, or where the map
-/// is lost from all pages that say so and are not free. Throws `Error`: `ErrNo::Format` for a file
+/// is lost from all pages that say so and are not free. Queries, linked tables and relationships
+/// are lost. Throws `Error`: `ErrNo::Format` for a file
 /// of another kind, what the system refuses, what writing throws.
 CopyReport salvage(const std::string& path, Database& target);
+/// The same of an open file; `name` stands in the texts of errors.
+CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target);
 
 }  // namespace vl::jet

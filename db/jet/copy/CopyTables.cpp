@@ -1,9 +1,15 @@
 #include <algorithm>
 #include <array>
+#include <map>
+#include <set>
 
-#include "Catalog.h"
+#include "Header.h"
+#include "OtherObjects.h"
+#include "PageFile.h"
+#include "Relationships.h"
 #include "RowBatch.h"
 #include "TablePlan.h"
+#include "base/Text.h"
 #include "db/jet/Database.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/copy/Copy.h"
@@ -15,40 +21,8 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kOwnTables = {"MSysObjects", "MSysACEs", "MSysQueries",
                                                         "MSysRelationships"};
-constexpr std::int32_t kTable = 1;
-constexpr std::int32_t kDatabase = 2;
-constexpr std::int32_t kContainer = 3;
-
-std::size_t positionOf(const Table& table, std::string_view name) {
-    const auto& columns = table.columns();
-    const auto found = std::find_if(columns.begin(), columns.end(),
-                                    [&](const Column& c) { return c.name == name; });
-    if (found == columns.end()) {
-        throw Error(ErrNo::Corrupt,
-                    table.name() + ": there is no column \"" + std::string(name) + "\"");
-    }
-    return static_cast<std::size_t>(found - columns.begin());
-}
-
-// What would be gone afterwards and is somebody's work; what the desktop product keeps for itself,
-// and makes anew when it is gone, is only noted.
-void lookAtOtherObjects(const Database& source, Findings& left) {
-    const Table objects = source.table("MSysObjects");
-    const std::size_t type = positionOf(objects, "Type");
-    const std::size_t name = positionOf(objects, "Name");
-    for (RowCursor row = objects.scan(); row.next();) {
-        const Variant kind = row.value(type);
-        const auto* number = kind.get<std::int32_t>();
-        const bool kept = number != nullptr &&
-                          (*number == kTable || *number == kDatabase || *number == kContainer);
-        const std::string label = "\"" + row.value(name).toText() + "\"";
-        if (!kept && number != nullptr && *number < 0) {
-            left.add(row.id().page, label + " of the desktop product is left out");
-        } else if (!kept) {
-            throw Error(ErrNo::Unsupported,
-                        source.name() + ": " + label + " is no table and cannot be copied");
-        }
-    }
+// What the desktop product keeps for itself is only noted.
+void noteOwnTables(const Database& source, Findings& left) {
     for (const TableInfo& info : source.tables()) {
         const bool own =
             std::find(kOwnTables.begin(), kOwnTables.end(), info.name) != kOwnTables.end();
@@ -59,13 +33,30 @@ void lookAtOtherObjects(const Database& source, Findings& left) {
     }
 }
 
+// The first page is not written by the transaction: it goes to the file at once.
+void carryPassword(const File& source, File& target) {
+    Page::Bytes from{};
+    source.read(0, from);
+    Page::Bytes to{};
+    target.read(0, to);
+    const Page::Bytes before = to;
+    copyPassword(from, to);
+    if (to != before) {
+        target.write(0, to);
+        target.flush();
+    }
+}
+
 }  // namespace
 
 CopyReport copyTables(Database& source, Database& target) {
     Findings left(source.name());
-    lookAtOtherObjects(source, left);
+    const std::vector<OtherObject> objects =
+        otherObjects(*source.file_, source.table("MSysObjects"), left);
+    noteOwnTables(source, left);
+    std::map<PageNo, PageNo> pages;
+    std::set<std::string> names;
     CopyReport report;
-    report.lost = left.take();
     for (const TableInfo& info : source.tables()) {
         if (info.system) {
             continue;
@@ -89,11 +80,20 @@ CopyReport copyTables(Database& source, Database& target) {
         for (const NewIndex& index : plan.indexes) {
             target.createIndex(info.name, index);
         }
+        const PageNo made = definitionPageOf(target, info.name);
         Transaction change(target);
-        finishTable(*target.file_, definitionPageOf(target, info.name), plan);
+        finishTable(*target.file_, made, plan);
         change.commit();
+        pages[info.definitionPage] = made;
+        names.insert(text::foldCase(info.name));
         ++report.tables;
     }
+    Transaction change(target);
+    carryPassword(source.file_->file(), target.file_->file());
+    copyRelationships(*source.file_, *target.file_, pages);
+    addObjects(*source.file_, *target.file_, objects, names, left);
+    change.commit();
+    report.lost = left.take();
     return report;
 }
 

@@ -58,10 +58,13 @@ std::uint64_t copyRows(SalvageReader& reader, const TableDefinition& table, Data
 }  // namespace
 
 CopyReport salvage(const std::string& path, Database& target) {
-    Findings findings(path);
-    std::unique_ptr<File> opened = openFile(path, Access::Read);
-    lookAtHeader(*opened, path, findings);
-    PageFile file(std::move(opened), path, Access::Read);
+    return salvage(openFile(path, Access::Read), path, target);
+}
+
+CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target) {
+    Findings findings(name);
+    lookAtHeader(*source, name, findings);
+    PageFile file(std::move(source), name, Access::Read);
     SalvageReader reader(file, findings);
     CopyReport report;
     for (const TableDefinition& table : reader.tables()) {

@@ -26,6 +26,13 @@ std::optional<std::size_t> positionOf(const TableDefinition& table, std::string_
     return static_cast<std::size_t>(found - table.columns.begin());
 }
 
+// Not a table, the database itself or a container, and nothing of the desktop product's own.
+bool isOther(const Variant& type) {
+    constexpr std::int32_t kContainer = 3;
+    const auto* number = type.get<std::int32_t>();
+    return number != nullptr && *number > kContainer;
+}
+
 }  // namespace
 
 SalvageReader::SalvageReader(PageFile& file, Findings& findings)
@@ -76,6 +83,11 @@ void SalvageReader::namedTables(std::vector<TableDefinition>& tables, std::set<P
             const auto* bits = row[*flags].get<std::int32_t>();
             const bool system =
                 bits != nullptr && (static_cast<std::uint32_t>(*bits) & kSystemFlags) != 0;
+            if (isOther(row[*type])) {
+                findings_.add(kCatalog, "\"" + (label ? *label : "") +
+                                            "\" is a query, a linked table or a relationship, "
+                                            "and is lost");
+            }
             if (row[*type] != Variant(1) || page == nullptr || label == nullptr) {
                 return;
             }

@@ -88,7 +88,25 @@ void CatalogWriter::addTable(PageNo definition, std::string_view name,
         row.emplace_back(at("LvProp"), properties.encode());
     }
     objects_.insert(row);
-    addPermissions(definition, admin);
+    addPermissions(asLong(definition), kTables, admin);
+}
+
+void CatalogWriter::addObject(std::span<const std::pair<std::string, Variant>> values) {
+    const Bytes admin = owner();
+    std::int32_t object = 0;
+    std::int32_t container = 0;
+    std::vector<Table::Change> row;
+    for (const auto& [name, value] : values) {
+        const bool isOwner = text::equalsNoCase(name, "Owner");
+        row.emplace_back(position(objects_, name), isOwner ? Variant(admin) : value);
+        if (text::equalsNoCase(name, "Id")) {
+            object = value.toInt32();
+        } else if (text::equalsNoCase(name, "ParentId")) {
+            container = value.toInt32();
+        }
+    }
+    objects_.insert(row);
+    addPermissions(object, container, admin);
 }
 
 void CatalogWriter::removeTable(PageNo definition) {
@@ -146,18 +164,19 @@ Bytes CatalogWriter::owner() const {
     Origin{file_.name(), kObjectsPage}.corrupt("the catalog does not say who owns the database");
 }
 
-void CatalogWriter::addPermissions(PageNo definition, const Bytes& owner) {
+void CatalogWriter::addPermissions(std::int32_t object, std::int32_t container,
+                                   const Bytes& owner) {
     struct Permission {
         Bytes account;
         Variant mask;
     };
-    const std::size_t object = position(permissions_, "ObjectId");
+    const std::size_t whose = position(permissions_, "ObjectId");
     const std::size_t account = position(permissions_, "SID");
     const std::size_t mask = position(permissions_, "ACM");
     const std::size_t inherited = position(permissions_, "FInheritable");
 
     std::vector<Permission> inherits;
-    const std::array<Variant, 1> key = {kTables};
+    const std::array<Variant, 1> key = {container};
     for (RowCursor row = rowsWith(permissions_, "ObjectId", key); row.next();) {
         const Variant who = row.value(account);
         if (const auto* bytes = who.get<Bytes>(); bytes && row.value(inherited) == Variant(true)) {
@@ -173,7 +192,7 @@ void CatalogWriter::addPermissions(PageNo definition, const Bytes& owner) {
             }
             permission.account = owner;
         }
-        const std::array<Table::Change, 4> row = {{{object, asLong(definition)},
+        const std::array<Table::Change, 4> row = {{{whose, object},
                                                    {account, permission.account},
                                                    {mask, permission.mask},
                                                    {inherited, false}}};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "Properties.h"
@@ -24,6 +25,10 @@ public:
     /// container. Belongs to the account that owns the database.
     void addTable(PageNo definition, std::string_view name, const Properties& properties);
     void removeTable(PageNo definition);
+    /// An object that is no table, by the values that another catalog's row has, with their
+    /// columns' names; it keeps its number and its container. The owner and the accounts are those
+    /// of this file. Throws `Error` (`ErrNo::Exists`) for a number or name that is taken.
+    void addObject(std::span<const std::pair<std::string, Variant>> values);
 
     Properties properties(PageNo definition) const;
     /// Notes that the table was changed just now, and its properties where they are given.
@@ -34,7 +39,7 @@ private:
 
     RowId rowOf(PageNo definition) const;
     Bytes owner() const;
-    void addPermissions(PageNo definition, const Bytes& owner);
+    void addPermissions(std::int32_t object, std::int32_t container, const Bytes& owner);
 
     PageFile& file_;
     Table objects_;

@@ -14,6 +14,7 @@ void createTable(PageFile& file, std::string_view name, std::span<const NewColum
                  std::span<const NewIndex> indexes);
 void addColumn(PageFile& file, std::string_view table, const NewColumn& column);
 void createIndex(PageFile& file, std::string_view table, const NewIndex& index);
+void dropIndex(PageFile& file, std::string_view table, std::string_view name);
 void dropTable(PageFile& file, std::string_view name);
 
 }  // namespace vl::jet

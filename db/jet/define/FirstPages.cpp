@@ -1,7 +1,6 @@
 #include "FirstPages.h"
 
 #include <algorithm>
-#include <numeric>
 #include <string_view>
 
 #include "Bytes.h"
@@ -97,30 +96,7 @@ const std::vector<SystemTable>& systemTables() {
     return kTables;
 }
 
-/// The bytes by which the header hides its fields: the beginning of the RC4 stream of a key that
-/// is the same for all files.
-std::array<std::byte, 128> headerMask() {
-    constexpr std::array<unsigned, 4> kKey = {0xC7, 0xDA, 0x39, 0x6B};
-    std::array<unsigned, 256> state{};
-    std::iota(state.begin(), state.end(), 0U);
-    for (unsigned i = 0, j = 0; i < 256; ++i) {
-        j = (j + state[i] + kKey[i % kKey.size()]) % 256;
-        std::swap(state[i], state[j]);
-    }
-    std::array<std::byte, 128> mask{};
-    unsigned i = 0;
-    unsigned j = 0;
-    for (std::byte& byte : mask) {
-        i = (i + 1) % 256;
-        j = (j + state[i]) % 256;
-        std::swap(state[i], state[j]);
-        byte = static_cast<std::byte>(state[(state[i] + state[j]) % 256]);
-    }
-    return mask;
-}
-
 Page::Bytes headerPage() {
-    constexpr std::size_t kMasked = 0x18;
     Page::Bytes page{};
     const std::span<std::byte> bytes(page);
     const auto put = [&](std::size_t at, std::string_view text) {
@@ -142,9 +118,7 @@ Page::Bytes headerPage() {
     store(bytes, 0x6A, kInstallation);
     store(bytes, 0x6E, kGeneralOrder);
     store(bytes, 0x72, kHeaderDate);
-    const auto mask = headerMask();
-    std::transform(mask.begin(), mask.end(), page.begin() + kMasked, page.begin() + kMasked,
-                   [](std::byte a, std::byte b) { return a ^ b; });
+    maskHeader(page);
     store(bytes, 0x98, std::uint32_t{0x0654});
     put(0x9C, "4.0");
     for (std::size_t at = kCommitWords; at < kPageSize; at += 2) {

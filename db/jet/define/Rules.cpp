@@ -122,7 +122,10 @@ void checkName(std::string_view what, std::string_view name) {
     const auto allowed = [](unsigned char c) {
         return c >= 0x20 && c != 0x7F && c != '.' && c != '!' && c != '`' && c != '[' && c != ']';
     };
-    if (name.empty() || name.front() == ' ' || !std::all_of(name.begin(), name.end(), allowed)) {
+    // One that is no text would be another one when it is read back.
+    const bool isText = text::fromUtf16(text::toUtf16(name)) == name;
+    if (name.empty() || name.front() == ' ' || !isText ||
+        !std::all_of(name.begin(), name.end(), allowed)) {
         refuse(ErrNo::Syntax, quoted(name) + " is no name of a " + std::string(what));
     }
     if (text::utf16Length(name) > kLongestName) {

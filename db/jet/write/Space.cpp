@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <map>
 #include <vector>
 
 #include "Bytes.h"
@@ -272,8 +273,11 @@ PageNo Space::take() {
             refuseOwned(*page);
         }
         const Map map = read(kFreePages);
+        if (map.inlined && *page < map.first) {
+            return *page;
+        }
         if (map.inlined && map.inRange(*page)) {
-            setBit(map.page, map.at() + kInlineBitmapAt, *page, false);
+            setBit(map.page, map.at() + kInlineBitmapAt, *page - map.first, false);
             return *page;
         }
         if (const Page bits = map.inlined ? Page() : bitmap(map, *page / kPagesPerBitmap)) {
@@ -284,15 +288,13 @@ PageNo Space::take() {
     }
 }
 
-// What the map of free pages does not speak about counts as free.
+// What comes behind those pages that the map of free pages speaks about counts as free, what comes
+// before them as in use.
 std::optional<PageNo> Space::lowestFree() {
     const Map map = read(kFreePages);
-    if (map.first != 0) {
-        map.page.origin().corrupt("the map of free pages does not begin at the file's");
-    }
     std::size_t page = kMostPages;
     if (map.inlined) {
-        page = lowestBit(map.bits()).value_or(map.count);
+        page = map.first + lowestBit(map.bits()).value_or(map.count);
     }
     for (std::size_t range = 0; !map.inlined && range < map.count; ++range) {
         const Page bits = bitmap(map, range);
@@ -309,26 +311,52 @@ std::optional<PageNo> Space::lowestFree() {
 }
 
 // The map cannot say yet that `page`, the lowest free one, is in use: that page becomes the bitmap
-// by which it can.
+// by which it can. A map that refers to none yet needs them for all pages before that one, too.
 void Space::expressFree(PageNo page) {
     const Map map = read(kFreePages);
-    const std::size_t range = page / kPagesPerBitmap;
-    Page::Bytes bits = bitmapPage(std::byte{0xFF});
     std::vector<std::byte> row(map.row.begin(), map.row.end());
+    std::map<std::size_t, PageNo> bitmaps = {{page / kPagesPerBitmap, page}};
     if (map.inlined) {
-        std::copy(map.bits().begin(), map.bits().end(), bits.begin() + kBitmapAt);
         std::fill(row.begin(), row.end(), std::byte{0});
         row[0] = std::byte{1};
+        PageNo highest = page;
+        for (std::size_t range = 0; range <= highest / kPagesPerBitmap; ++range) {
+            if (!bitmaps.contains(range)) {
+                highest = bitmaps[range] = file_.appendPage();
+            }
+        }
     }
-    if ((map.inlined && range != 0) || 1 + 4 * (range + 1) > row.size()) {
+    if (1 + 4 * (bitmaps.rbegin()->first + 1) > row.size()) {
         map.page.origin().corrupt("the map of free pages has no room for page " +
                                   std::to_string(page));
     }
-    bits[kBitmapAt + page % kPagesPerBitmap / 8] &=
-        ~static_cast<std::byte>(1U << (page % kPagesPerBitmap % 8));
-    store(std::span(row), 1 + 4 * range, page);
-    file_.writePage(page, bits);
+    for (const auto& [range, number] : bitmaps) {
+        store(std::span(row), 1 + 4 * range, number);
+        file_.writePage(number, freeBits(map, range, bitmaps));
+    }
     patch(map.page, map.at(), row);
+}
+
+// The bitmap page of that range: what an inline `map` says of it, with the pages of `used` in use.
+Page::Bytes Space::freeBits(const Map& map, std::size_t range,
+                            const std::map<std::size_t, PageNo>& used) {
+    Page::Bytes bits = bitmapPage(std::byte{0xFF});
+    const std::size_t begin = range * kPagesPerBitmap;
+    const auto clear = [&](std::size_t page) {
+        if (page >= begin && page - begin < kPagesPerBitmap) {
+            bits[kBitmapAt + (page - begin) / 8] &=
+                ~static_cast<std::byte>(1U << ((page - begin) % 8));
+        }
+    };
+    for (std::size_t page = begin; map.inlined && page < map.first + map.count; ++page) {
+        if (page < map.first || !bitOf(map.bits(), page - map.first)) {
+            clear(page);
+        }
+    }
+    for (const auto& [other, page] : used) {
+        clear(page);
+    }
+    return bits;
 }
 
 // What a table that was dropped has left on its pages may point to anything.
@@ -366,6 +394,11 @@ void Space::giveBack(PageNo page) {
     if (page < kFirstPage || page >= file_.pageCount()) {
         map.page.origin().corrupt("page " + std::to_string(page) + " cannot be given back");
     }
+    if (map.inlined && page < map.first) {
+        expressFree(file_.appendPage());  // from then on it can be said
+        giveBack(page);
+        return;
+    }
     if (map.inlined ? !map.inRange(page) : map.bitmapOf(page / kPagesPerBitmap) == 0) {
         return;
     }
@@ -373,7 +406,7 @@ void Space::giveBack(PageNo page) {
         map.page.origin().corrupt("page " + std::to_string(page) + " is free already");
     }
     if (map.inlined) {
-        setBit(map.page, map.at() + kInlineBitmapAt, page, true);
+        setBit(map.page, map.at() + kInlineBitmapAt, page - map.first, true);
     } else {
         setBit(bitmap(map, page / kPagesPerBitmap), kBitmapAt, page % kPagesPerBitmap, true);
     }

@@ -1,6 +1,7 @@
 // Which pages are free, and whose the others are: usage maps, while they are changed.
 #pragma once
 
+#include <map>
 #include <optional>
 
 #include "DataPage.h"
@@ -45,6 +46,8 @@ private:
     void refer(RowPointer pointer, PageNo page);
     std::optional<PageNo> lowestFree();
     void expressFree(PageNo page);
+    static Page::Bytes freeBits(const Map& map, std::size_t range,
+                                const std::map<std::size_t, PageNo>& used);
     void refuseOwned(PageNo page);
     bool isMap(RowPointer pointer);
 

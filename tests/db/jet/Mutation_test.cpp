@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "MemoryFile.h"
+#include "db/jet/Transaction.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -96,10 +97,12 @@ struct Outcome {
 };
 
 // Tries to write every column of the row: whatever the damage, a value is written or refused.
-void writeAll(jet::Table& table, jet::RowId id) {
+void writeAll(jet::Database& db, jet::Table& table, jet::RowId id) {
     for (std::size_t i = 0; i < table.columns().size(); ++i) {
         const ErrNo error = test::errorOf([&] {
-            table.updateInPlace(id, std::vector<jet::Table::Change>{{i, 1}});
+            jet::Transaction change(db);
+            table.update(id, std::vector<jet::Table::Change>{{i, 1}});
+            change.commit();
         });
         EXPECT_NE(error, ErrNo::Io);
         EXPECT_NE(error, ErrNo::ReadOnly);
@@ -129,7 +132,7 @@ Outcome readAll(test::Disk& disk, const std::string& what) {
         }
     };
     guarded([&] {
-        const jet::Database db = test::openMemory(disk, jet::Access::ReadWrite);
+        auto db = test::openMemory(disk, jet::Access::ReadWrite);
         for (const jet::TableInfo& info : db.tables()) {
             guarded([&] {
                 jet::Table table = db.table(info.name);
@@ -137,7 +140,7 @@ Outcome readAll(test::Disk& disk, const std::string& what) {
                 for (bool first = true; row.next(); first = false) {
                     ++outcome.rows;
                     if (first) {
-                        writeAll(table, row.id());
+                        writeAll(db, table, row.id());
                     }
                     for (std::size_t i = 0; i < table.columns().size(); ++i) {
                         guarded([&] { row.value(i); });

@@ -1,4 +1,4 @@
-// What is not written in place: refused before anything has changed.
+// What is not written to a row: refused before anything has changed.
 #include <iostream>
 
 #include <gtest/gtest.h>
@@ -22,12 +22,13 @@ using test::generated;
 using test::position;
 using test::Rows;
 using test::rowsOf;
+using test::updateRow;
 using Change = Table::Change;
 
 TEST(JetRefusal, ARefusalWritesNothing) {
     const std::string before = generated();
     Disk disk(before);
-    const auto db = test::openMemory(disk, Access::ReadWrite);
+    auto db = test::openMemory(disk, Access::ReadWrite);
     Table table = db.table("Reminders");
     const RowId id = rowsOf(table).ids[3];
     const std::size_t event = position(table, "EventID");
@@ -38,13 +39,8 @@ TEST(JetRefusal, ARefusalWritesNothing) {
         ErrNo error;
     };
     const Case cases[] = {
-        {"a text", id, {{position(table, "Subject"), "x"}}, ErrNo::Unsupported},
-        {"a memo", id, {{position(table, "JSON"), Null{}}}, ErrNo::Unsupported},
-        {"an indexed date", id, {{position(table, "Modified"), DateTime(1)}}, ErrNo::Unsupported},
-        {"an indexed text", id, {{position(table, "GUID"), "x"}}, ErrNo::Unsupported},
         {"a word for a number", id, {{event, "x"}}, ErrNo::TypeMismatch},
         {"too large", id, {{event, 1e10}}, ErrNo::Overflow},
-        {"a null yes/no", id, {{position(table, "Deleted"), Null{}}}, ErrNo::TypeMismatch},
         {"the second of two",
          id,
          {{event, 5}, {position(table, "ItemID"), "x"}},
@@ -55,21 +51,18 @@ TEST(JetRefusal, ARefusalWritesNothing) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        EXPECT_EQ(errorOf([&] { table.updateInPlace(c.id, c.changes); }), c.error);
+        EXPECT_EQ(errorOf([&] { updateRow(db, table, c.id, c.changes); }), c.error);
         EXPECT_TRUE(differences(before, disk).empty());
     }
-    const auto reader = test::openMemory(disk);
+    auto reader = test::openMemory(disk);
     Table readOnly = reader.table("Reminders");
-    EXPECT_EQ(errorOf([&] {
-                  readOnly.updateInPlace(id, std::vector<Change>{{event, 5}});
-              }),
-              ErrNo::ReadOnly);
+    EXPECT_EQ(errorOf([&] { updateRow(reader, readOnly, id, {{event, 5}}); }), ErrNo::ReadOnly);
     EXPECT_EQ(disk.log, "");
 }
 
 TEST(JetRefusal, RefusesADeletedRowAndTheBodyOfAMovedOne) {
     Disk disk(firstLight());
-    const auto db = test::openMemory(disk, Access::ReadWrite);
+    auto db = test::openMemory(disk, Access::ReadWrite);
     Table table = db.table("Reminders");
     const RowId id = rowsOf(table).ids[2];
     const std::vector<Change> change = {{position(table, "EventID"), 5}};
@@ -77,17 +70,17 @@ TEST(JetRefusal, RefusesADeletedRowAndTheBodyOfAMovedOne) {
         const std::size_t slot = id.page * jet::kPageSize + 14 + std::size_t{2} * id.row;
         const std::uint16_t before = jet::u16(disk.bytes, slot);
         jet::store(std::span(disk.bytes), slot, static_cast<std::uint16_t>(before | flags));
-        EXPECT_EQ(errorOf([&] { table.updateInPlace(id, change); }), ErrNo::NotFound);
+        EXPECT_EQ(errorOf([&] { updateRow(db, table, id, change); }), ErrNo::NotFound);
         jet::store(std::span(disk.bytes), slot, before);
     }
     EXPECT_EQ(disk.log, "");
-    table.updateInPlace(id, change);
-    EXPECT_EQ(disk.log, "wfw");
+    updateRow(db, table, id, change);
+    EXPECT_NE(disk.log, "");
 }
 
-TEST(JetRefusal, RefusesAColumnThatIsYoungerThanTheRow) {
+TEST(JetUpdate, ARowThatIsOlderThanAColumnGetsIt) {
     Disk disk(firstLight());
-    const auto db = test::openMemory(disk, Access::ReadWrite);
+    auto db = test::openMemory(disk, Access::ReadWrite);
     Table table = db.table("Reminders");
     const RowId id = rowsOf(table).ids[0];
     {
@@ -101,17 +94,18 @@ TEST(JetRefusal, RefusesAColumnThatIsYoungerThanTheRow) {
     }
     const auto write = [&](const char* column, const Variant& value) {
         return errorOf([&] {
-            table.updateInPlace(id, std::vector<Change>{{position(table, column), value}});
+            updateRow(db, table, id, std::vector<Change>{{position(table, column), value}});
         });
     };
-    EXPECT_EQ(write("Dismissed", DateTime(1)), ErrNo::Unsupported);
-    EXPECT_EQ(write("Hidden", true), ErrNo::Unsupported);
-    EXPECT_EQ(disk.log, "");
+    EXPECT_EQ(rowsOf(table).values[0][position(table, "Dismissed")], Variant(Null{}));
     EXPECT_EQ(write("bModified", true), ErrNo::None);
+    EXPECT_EQ(write("Hidden", true), ErrNo::None);
     const Rows rows = rowsOf(table);
     EXPECT_EQ(rows.values[0][position(table, "bModified")], Variant(true));
+    EXPECT_EQ(rows.values[0][position(table, "Hidden")], Variant(true));
     EXPECT_EQ(rows.values[0][position(table, "Dismissed")], Variant(Null{}));
-    EXPECT_EQ(rows.values[0][position(table, "Hidden")], Variant(false));
+    EXPECT_EQ(write("Dismissed", DateTime(1)), ErrNo::None);
+    EXPECT_EQ(rowsOf(table).values[0][position(table, "Dismissed")], Variant(DateTime(1)));
 }
 
 TEST(JetRefusal, RefusesAnAutonumber) {
@@ -121,11 +115,11 @@ TEST(JetRefusal, RefusesAnAutonumber) {
         return;
     }
     Disk disk(test::readFile(shared / "jet4" / "samples" / "testUnicodeCompV2003.mdb"));
-    const auto db = test::openMemory(disk, Access::ReadWrite);
+    auto db = test::openMemory(disk, Access::ReadWrite);
     Table table = db.table("Table");
     EXPECT_EQ(errorOf([&] {
-                  table.updateInPlace(rowsOf(table).ids[0],
-                                      std::vector<Change>{{position(table, "ID"), 5}});
+                  updateRow(db, table, rowsOf(table).ids[0],
+                            std::vector<Change>{{position(table, "ID"), 5}});
               }),
               ErrNo::Unsupported);
     EXPECT_EQ(disk.log, "");

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "MemoryFile.h"
+#include "db/jet/Transaction.h"
 #include "support/Support.h"
 
 namespace vl::test {
@@ -40,6 +41,14 @@ inline Rows rowsOf(const jet::Table& table) {
         }
     }
     return rows;
+}
+
+// A transaction of its own.
+inline void updateRow(jet::Database& db, jet::Table& table, jet::RowId id,
+                      const std::vector<jet::Table::Change>& changes) {
+    jet::Transaction change(db);
+    table.update(id, changes);
+    change.commit();
 }
 
 inline std::string firstLight() {

@@ -168,8 +168,8 @@ TEST_F(Several, AReaderKeepsCommitsOutAndNotTheWorkBefore) {
     const auto before = test::rowsOf(reader.table("Reminders")).values;
     Transaction change(writer);
     jet::Table table = writer.table("Reminders");
-    table.updateInPlace(test::rowsOf(table).ids[0],
-                        std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
+    table.update(test::rowsOf(table).ids[0],
+                 std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
     errorText([&] { change.commit(); });
     EXPECT_EQ(test::rowsOf(reader.table("Reminders")).values, before);
     guard.reset();
@@ -280,8 +280,8 @@ TEST_F(Several, ABackupIsOneStateAndReplacesItsTargetWhenItIsWhole) {
     folder.put(target, "older");
     auto change = std::make_unique<Transaction>(writer);
     jet::Table table = writer.table("Reminders");
-    table.updateInPlace(test::rowsOf(table).ids[0],
-                        std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
+    table.update(test::rowsOf(table).ids[0],
+                 std::vector<jet::Table::Change>{{test::position(table, "EventID"), 99}});
     db.backUp(target, folder);
     EXPECT_TRUE(folder.bytes(target) == test::firstLight());
     change->commit();

@@ -55,10 +55,11 @@ void committed(Database& db, const std::function<void(Table&)>& step) {
 
 const std::vector<Statement>& statements() {
     static const std::vector<Statement> all = {
-        {"one row in place",
+        {"one row",
          [](Database& db) {
-             Table table = db.table("Reminders");
-             table.updateInPlace(idsOf(table).at(3), Changes{{position(table, "EventID"), 77}});
+             committed(db, [](Table& table) {
+                 table.update(idsOf(table).at(3), Changes{{position(table, "EventID"), 77}});
+             });
          }},
         {"three rows more, with long texts",
          [](Database& db) { committed(db, [](Table& t) { insertRows(t, 3, 0, 9000); }); }},
@@ -81,10 +82,11 @@ const std::vector<Statement>& statements() {
                  }
              });
          }},
-        {"one row in place, opened anew",
+        {"one row, opened anew",
          [](Database& db) {
-             Table table = db.table("Reminders");
-             table.updateInPlace(idsOf(table).at(0), Changes{{position(table, "EventID"), 78}});
+             committed(db, [](Table& table) {
+                 table.update(idsOf(table).at(0), Changes{{position(table, "EventID"), 78}});
+             });
          },
          true},
     };

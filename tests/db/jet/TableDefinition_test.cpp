@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Pages.h"
+#include "db/jet/Transaction.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -123,13 +124,14 @@ TEST_F(JetDefinition, AColumnKnowsWhetherItIsAnAutonumber) {
         set(disk, column(7, 0x0F), static_cast<U8>(field<U8>(column(7, 0x0F)) | flag));
         EXPECT_TRUE(read(disk, page_).columns[7].autoNumber);
         // One that no index knows is not written either.
-        const auto db = test::openMemory(disk, jet::Access::ReadWrite);
+        auto db = test::openMemory(disk, jet::Access::ReadWrite);
         jet::Table table = db.table("Reminders");
         ASSERT_FALSE(table.columns()[7].indexed);
         jet::RowCursor row = table.scan();
         ASSERT_TRUE(row.next());
+        const jet::Transaction change(db);
         EXPECT_EQ(test::errorOf([&] {
-                      table.updateInPlace(row.id(), std::vector<jet::Table::Change>{{7, 5}});
+                      table.update(row.id(), std::vector<jet::Table::Change>{{7, 5}});
                   }),
                   ErrNo::Unsupported);
     }

@@ -73,6 +73,8 @@ TEST_F(SqlDefine, KeepsWhatWasAskedForOrRefuses) {
         {"ALTER TABLE T ADD b LONG", ErrNo::Exists, "line 1, column 13: "},
         {"ALTER TABLE U ADD b LONG", ErrNo::NotFound, "line 1, column 13: "},
         {"DROP TABLE U", ErrNo::NotFound, "line 1, column 12: "},
+        {"DROP INDEX j ON T", ErrNo::NotFound, "line 1, column 12: "},
+        {"DROP INDEX i ON U", ErrNo::NotFound, "line 1, column 17: "},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.statement);
@@ -99,6 +101,22 @@ TEST_F(SqlDefine, ADroppedTableIsGone) {
     EXPECT_EQ(caught([&] { run("SELECT * FROM T"); }).number, ErrNo::NotFound);
     run("CREATE TABLE T (b TEXT)");
     EXPECT_EQ(run("SELECT * FROM T").fields.at(0).name, "b");
+}
+
+TEST_F(SqlDefine, ADroppedIndexIsGoneAndTheOthersStay) {
+    run("CREATE TABLE T (a LONG PRIMARY KEY, b LONG, c LONG)");
+    run("CREATE UNIQUE INDEX one ON T (b)");
+    run("CREATE INDEX two ON T (c DESC)");
+    run("INSERT INTO T VALUES (1, 5, 9)");
+    EXPECT_EQ(caught([&] { run("INSERT INTO T VALUES (2, 5, 9)"); }).number, ErrNo::Exists);
+    run("drop index ONE on t");
+    EXPECT_EQ(db_.table("T").indexes().size(), 2U);
+    run("INSERT INTO T VALUES (2, 5, 9)");
+    EXPECT_EQ(caught([&] { run("INSERT INTO T VALUES (2, 6, 9)"); }).number, ErrNo::Exists);
+    EXPECT_EQ(run("SELECT * FROM T WHERE c = 9").rows.size(), 2U);
+    run("DROP INDEX PrimaryKey ON T");
+    run("INSERT INTO T VALUES (2, 5, 8)");
+    EXPECT_EQ(run("SELECT * FROM T WHERE c >= 8").rows.size(), 3U);
 }
 
 }  // namespace

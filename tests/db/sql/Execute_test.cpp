@@ -54,6 +54,46 @@ private:
     jet::Database db_;
 };
 
+TEST(SqlExecute, RowsGoOneByOneToWhoTakesThem) {
+    Sample sample;
+    for (const char* rest : {"", " WHERE Deleted = 0", " ORDER BY EventID DESC"}) {
+        SCOPED_TRACE(rest);
+        const std::string statement = std::string("SELECT EventID, Subject FROM Reminders") + rest;
+        const Result whole = sample.run(statement);
+        std::vector<std::vector<Variant>> taken;
+        const Result result =
+            execute(sample.db(), statement,
+                    [&](const std::vector<Field>& fields, const std::vector<Variant>& row) {
+                        EXPECT_EQ(fields.at(1).name, "Subject");
+                        taken.push_back(row);
+                    });
+        EXPECT_TRUE(result.isQuery);
+        EXPECT_EQ(result.fields.size(), 2U);
+        EXPECT_TRUE(result.rows.empty());
+        EXPECT_EQ(taken, whole.rows);
+    }
+    int rows = 0;
+    const auto count = [&](const std::vector<Field>&, const std::vector<Variant>&) { ++rows; };
+    execute(sample.db(), "SELECT TOP 3 * FROM Reminders", count);
+    execute(sample.db(), "SELECT COUNT(*) FROM Reminders", count);
+    EXPECT_EQ(rows, 3 + 1);
+    EXPECT_EQ(execute(sample.db(), "DELETE * FROM Reminders", count).affected, 12);
+    EXPECT_EQ(rows, 3 + 1);
+}
+
+// Those that were given cannot be taken back.
+TEST(SqlExecute, RowsThatMayNotBelongTogetherAreAnErrorToWhoTakesThem) {
+    Sample sample;
+    const auto error = caught([&] {
+        execute(sample.db(), "SELECT EventID FROM Reminders",
+                [&](const std::vector<Field>&, const std::vector<Variant>&) {
+                    sample.disk.bytes[0xE04] = std::byte{7};  // another user's counter
+                });
+    });
+    EXPECT_EQ(error.number, ErrNo::Locked);
+    EXPECT_THAT(error.text, testing::HasSubstr("was written by another program"));
+}
+
 TEST(SqlExecute, ReadsTheEventsThatAreNeitherDeletedNorDone) {
     Sample sample;
     EXPECT_THAT(sample.events(" WHERE Deleted=0 AND Status <> \"AllDone\""),

@@ -207,6 +207,9 @@ TEST(SqlParser, ReadsOtherDefinitions) {
     EXPECT_TRUE(std::get<CreateIndex>(key).index.primary);
     EXPECT_EQ(std::get<AddColumn>(parse("ALTER TABLE T ADD a LONG")).column.name.name, "a");
     EXPECT_EQ(std::get<DropTable>(parse("drop table [T t];")).table.name, "T t");
+    const Statement drop = parse("drop index [by name] on T;");
+    EXPECT_EQ(std::get<DropIndex>(drop).name, "by name");
+    EXPECT_EQ(std::get<DropIndex>(drop).table.name, "T");
 }
 
 struct Refusal {
@@ -287,8 +290,9 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
         {"CREATE INDEX i ON T (a) WITH NULL", S, "line 1, column 30: expected PRIMARY, DISALLOW"},
         {"ALTER TABLE T DROP COLUMN a", U, "line 1, column 15: DROP is not supported"},
         {"ALTER TABLE T RENAME a", S, "line 1, column 15: expected ADD, found RENAME"},
-        {"DROP INDEX i ON T", U, "line 1, column 6: INDEX is not supported, expected TABLE"},
-        {"DROP T", S, "line 1, column 6: expected TABLE, found T"},
+        {"DROP INDEX i", S, "line 1, column 13: expected ON, found the end of the statement"},
+        {"DROP INDEX ON T", S, "line 1, column 15: expected ON, found T"},
+        {"DROP T", S, "line 1, column 6: expected TABLE or INDEX, found T"},
         {"SELECT * FROM T, U", U, "line 1, column 16: more than one table"},
         {"SELECT * FROM T INNER JOIN U ON 1", U, "line 1, column 17: INNER is not supported"},
         {"SELECT a FROM T GROUP BY a", U, "line 1, column 17: GROUP is not supported"},

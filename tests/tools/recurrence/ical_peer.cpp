@@ -172,13 +172,13 @@ extern "C" void onTooSlow(int) {
 
 // Of processor time: a busy machine changes nothing.
 void setLimit(int milliseconds) {
-    const itimerval limit{{0, 0}, {0, milliseconds * 1000}};
+    const itimerval limit{{0, 0}, {0, suseconds_t{1000} * milliseconds}};
     setitimer(ITIMER_VIRTUAL, &limit, nullptr);
 }
 
 }  // namespace
 
-int main() {
+int main() {  // NOLINT(bugprone-exception-escape): only for lack of memory
     icaltimezone_set_tzid_prefix("");
     icalerror_set_errors_are_fatal(0);
     icalerror_set_error_state(ICAL_MALFORMEDDATA_ERROR, ICAL_ERROR_NONFATAL);

@@ -2,10 +2,13 @@
 #include "db/jet/copy/Copy.h"
 
 #include <algorithm>
+#include <bit>
 #include <iostream>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "Bytes.h"
+#include "Header.h"
 #include "Rows.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
@@ -45,6 +48,57 @@ std::vector<std::string> sortedRows(const Table& table) {
     return rows;
 }
 
+// The desktop product's own, which stay behind.
+bool isLeftOut(const std::string& what) { return what.find("MSysNavPane") != std::string::npos; }
+
+// The same queries, and the same relationships.
+void expectSameObjects(const Database& a, const Database& b) {
+    for (const char* table : {"MSysQueries", "MSysRelationships"}) {
+        std::vector<std::string> expected = sortedRows(a.table(table));
+        std::erase_if(expected, isLeftOut);
+        EXPECT_EQ(expected, sortedRows(b.table(table))) << table;
+    }
+    const auto objects = [](const Database& db) {
+        const Table catalog = db.table("MSysObjects");
+        const std::size_t type = test::position(catalog, "Type");
+        std::vector<std::string> names;
+        for (jet::RowCursor row = catalog.scan(); row.next();) {
+            if (const Variant kind = row.value(type); kind.toInt32() > 3) {
+                names.push_back(kind.toText() + " " +
+                                row.value(test::position(catalog, "Id")).toText() + " " +
+                                row.value(test::position(catalog, "Name")).toText());
+            }
+        }
+        std::erase_if(names, isLeftOut);
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    EXPECT_EQ(objects(a), objects(b));
+}
+
+// What each index of a relationship says, the other side by its table's and its own name.
+std::vector<std::string> relations(const Database& db) {
+    std::vector<std::string> all;
+    for (const jet::TableInfo& info : db.tables()) {
+        for (const jet::Index& index : db.table(info.name).indexes()) {
+            if (info.system || !index.foreign) {
+                continue;
+            }
+            std::string& text = all.emplace_back(info.name + "." + index.name);
+            text += index.referenced ? " <- " : " -> ";
+            for (const jet::TableInfo& other : db.tables()) {
+                if (other.definitionPage == index.otherDefinition) {
+                    for (const jet::Index& far : db.table(other.name).indexes()) {
+                        text += far.number == index.otherNumber ? other.name + "." + far.name : "";
+                    }
+                }
+            }
+        }
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+}
+
 void expectSameTables(const Database& a, const Database& b) {
     int tables = 0;
     for (const jet::TableInfo& info : a.tables()) {
@@ -72,6 +126,7 @@ TEST(JetCopy, EveryFileThatIsNotRefusedHasTheSameRows) {
     int copied = 0;
     int refused = 0;
     int salvaged = 0;
+    std::size_t related = 0;
     for (const fs::path& file : files) {
         SCOPED_TRACE(file.filename());
         const fs::path path = folder / "source.mdb";
@@ -85,6 +140,9 @@ TEST(JetCopy, EveryFileThatIsNotRefusedHasTheSameRows) {
             EXPECT_EQ(whatIsWrong(target), "");
             if (error == ErrNo::None && target.tables().size() > 4) {
                 expectSameTables(source, target);
+                expectSameObjects(source, target);
+                EXPECT_EQ(relations(source), relations(target));
+                related += relations(target).size();
             }
         }
         fs::remove(folder / "copy.mdb");
@@ -100,9 +158,81 @@ TEST(JetCopy, EveryFileThatIsNotRefusedHasTheSameRows) {
         fs::remove(folder / "saved.mdb");
     }
     std::cout << copied << " files copied, " << refused << " refused, " << salvaged
-              << " salvaged without a loss\n";
+              << " salvaged without a loss; " << related << " sides of relationships\n";
     EXPECT_GE(copied, 2);
     EXPECT_GE(salvaged, 2);
+}
+
+// What the original refuses to lose, the copy refuses to lose.
+TEST(JetCopy, RelationshipsHoldInTheCopy) {
+    const fs::path shared = test::sharedFolder();
+    if (shared.empty()) {
+        std::cout << "no sample files beside this checkout: 0 files copied\n";
+        return;
+    }
+    const test::TempFolder folder;
+    const fs::path path = folder / "source.mdb";
+    test::writeFile(path, test::readFile(shared / "jet4" / "samples" / "indexTestV2000.mdb"));
+    auto source = Database::open(path.string(), Access::Read);
+    auto target = Database::create((folder / "copy.mdb").string());
+    copyTables(source, target);
+    const auto refusals = [](Database& db) {
+        std::vector<ErrNo> errors;
+        for (const jet::TableInfo& info : db.tables()) {
+            if (info.system) {
+                continue;
+            }
+            Table table = db.table(info.name);
+            for (const jet::RowId id : test::rowsOf(table).ids) {
+                const jet::Transaction change(db);
+                errors.push_back(test::errorOf([&] { table.remove(id); }));
+            }
+        }
+        return errors;
+    };
+    auto original = Database::open(path.string(), Access::ReadWrite);
+    const std::vector<ErrNo> expected = refusals(original);
+    EXPECT_THAT(expected, testing::Contains(ErrNo::Exists));
+    EXPECT_EQ(refusals(target), expected);
+    std::cout << "1 file copied\n";
+}
+
+// It is hidden behind the day on which a file was made, which is another one in the copy.
+TEST(JetCopy, ThePasswordIsThatOfTheOriginal) {
+    const test::TempFolder folder;
+    const auto copied = [&](const std::string& source) {
+        test::Disk disk(source);
+        auto from = test::openMemory(disk);
+        const std::string path = (folder / "copy.mdb").string();
+        {
+            auto to = Database::create(path);
+            copyTables(from, to);
+            EXPECT_EQ(whatIsWrong(to), "");
+        }
+        const std::string bytes = test::readFile(path);
+        fs::remove(path);
+        return bytes.substr(0x42, 40);
+    };
+    // As if it had been made on another day.
+    std::string open = test::firstLight();
+    const std::span<std::byte> page = std::as_writable_bytes(std::span(open)).first(jet::kPageSize);
+    jet::maskHeader(page);
+    jet::store(page, 0x72, std::bit_cast<std::uint64_t>(40000.75));
+    for (std::size_t at = 0x42; at < 0x6A; at += 4) {
+        jet::store(page, at, std::uint32_t{40000});
+    }
+    jet::maskHeader(page);
+    std::string closed = open;
+    const std::string password("s\0e\0c\0r\0e\0t\0", 12);
+    for (std::size_t i = 0; i < password.size(); ++i) {
+        closed[0x42 + i] = static_cast<char>(closed[0x42 + i] ^ password[i]);
+    }
+    std::string expected = copied(open);
+    EXPECT_NE(expected, open.substr(0x42, 40)) << "another day";
+    for (std::size_t i = 0; i < password.size(); ++i) {
+        expected[i] = static_cast<char>(expected[i] ^ password[i]);
+    }
+    EXPECT_EQ(copied(closed), expected);
 }
 
 TEST(JetCopy, NumbersGoOnWhereTheyAre) {

@@ -337,6 +337,31 @@ TEST_F(JetDefine, ATableThatGoesLeavesNothingBehind) {
     expectSound();
 }
 
+TEST(JetDropIndex, AnIndexThatGoesGivesItsPagesBack) {
+    for (const std::string& sound : {test::firstLight(), test::generated()}) {
+        test::Disk disk(sound);
+        auto db = test::openMemory(disk, jet::Access::ReadWrite);
+        const std::size_t before = test::usedPages(disk);
+        const std::size_t indexes = db.table("Reminders").indexes().size();
+        db.createIndex("Reminders", {.name = "more", .columns = {{"Subject"}, {"EventID", true}}});
+        EXPECT_GT(test::usedPages(disk), before);
+        db.dropIndex("reminders", "MORE");
+        EXPECT_EQ(test::usedPages(disk), before);
+        EXPECT_EQ(db.table("Reminders").indexes().size(), indexes);
+        EXPECT_EQ(test::findingsOf(disk), "");
+        const std::vector<jet::Index> all = db.table("Reminders").indexes();
+        for (const jet::Index& index : all) {
+            db.dropIndex("Reminders", index.name);
+            EXPECT_EQ(test::findingsOf(disk), "") << index.name;
+            test::expectIndexesComplete(db.table("Reminders"));
+        }
+        EXPECT_TRUE(db.table("Reminders").indexes().empty());
+        EXPECT_EQ(test::errorOf([&] { db.dropIndex("Reminders", "more"); }), ErrNo::NotFound);
+        EXPECT_EQ(test::errorOf([&] { db.dropIndex("Nothing", "more"); }), ErrNo::NotFound);
+        EXPECT_EQ(test::errorOf([&] { db.dropIndex("MSysObjects", "Id"); }), ErrNo::Unsupported);
+    }
+}
+
 TEST_F(JetDefine, WhatIsRefusedChangesNothing) {
     Database db = open();
     db.createTable("T", std::vector{NewColumn{"n", ColumnType::Long, 0, true}, text("t")},
@@ -371,6 +396,7 @@ TEST_F(JetDefine, WhatIsRefusedChangesNothing) {
         {"a full stop", [&] { db.createTable("a.b", one); }, ErrNo::Syntax},
         {"a leading blank", [&] { db.createTable(" a", one); }, ErrNo::Syntax},
         {"a control character", [&] { db.createTable("a\tb", one); }, ErrNo::Syntax},
+        {"no UTF-8", [&] { db.createTable("a\xC1", one); }, ErrNo::Syntax},
         {"a bracket", [&] { db.addColumn("T", text("a[b")); }, ErrNo::Syntax},
         {"a long name", [&] { db.createTable(longest + "n", one); }, ErrNo::Overflow},
         {"no columns", [&] { db.createTable("U", {}); }, ErrNo::Unsupported},

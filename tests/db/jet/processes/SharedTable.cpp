@@ -135,7 +135,7 @@ void SharedTable::write(jet::Database& db, int writer, int number, int stamp) {
         if (guid == ownRow(writer)) {
             changes.emplace_back(columns.number, number);
         }
-        table.updateInPlace(id, changes);
+        table.update(id, changes);
     }
     table.insert(Changes{{columns.guid, rowName(writer, number)},
                          {columns.stamp, stamp},

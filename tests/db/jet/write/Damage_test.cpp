@@ -158,7 +158,7 @@ TEST(JetDamagedWrites, DamageOnTheWayIsRefused) {
     EXPECT_EQ(errorOf(1, 0, 9), ErrNo::Corrupt) << "no map of free pages";
     EXPECT_EQ(errorOf(1, bitmap, 2), ErrNo::Corrupt) << "of no kind";
     EXPECT_EQ(errorOf(1, bitmap + 5, 0xFF), ErrNo::Corrupt) << "with the header's page in it";
-    EXPECT_EQ(errorOf(1, bitmap + 1, 8), ErrNo::Corrupt) << "that begins elsewhere";
+    EXPECT_EQ(errorOf(1, bitmap + 4, 0x7F), ErrNo::Corrupt) << "that begins behind every file";
 }
 
 }  // namespace

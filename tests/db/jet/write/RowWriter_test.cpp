@@ -281,6 +281,50 @@ TEST_F(FirstLight, TheFileGrowsBeyondEachMap) {
     EXPECT_EQ(db.table("Reminders").rowCount(), 0U);
 }
 
+// What lies before the part of the file that the map of free pages speaks about is in use, until a
+// page of it is given back.
+TEST(JetRowWriter, AMapOfFreePagesMayBeginInTheMiddleOfTheFile) {
+    Disk disk(test::readFile(test::repoFile("bench/reminders-5000.RemindDB")));
+    auto db = test::openMemory(disk, Access::ReadWrite);
+    Table table = db.table("Reminders");
+    const auto changed = [&](auto&& step) {
+        Transaction change(db);
+        step();
+        change.commit();
+        EXPECT_EQ(whatIsWrong(db), "");
+    };
+    const std::size_t size = disk.bytes.size();
+    std::vector<RowId> more;
+    const auto grow = [&] {
+        for (int i = 0; i < 60; ++i) {
+            more.push_back(
+                table.insert(changesOf(table, {{"GUID", "{" + std::to_string(more.size()) + "}"},
+                                               {"Body", std::string(9000, 'x')}})));
+        }
+    };
+    changed(grow);  // within the map
+    EXPECT_GT(disk.bytes.size(), size);
+    for (int i = 0; i < 8; ++i) {
+        changed(grow);  // and beyond it
+    }
+    EXPECT_GT(disk.bytes.size(), (2048 + 512) * jet::kPageSize);
+    const std::size_t rows = rowsOf(table).ids.size();
+    EXPECT_EQ(rows, 5000U + more.size());
+
+    // The first rows lie where the map had nothing to say.
+    Disk second(test::readFile(test::repoFile("bench/reminders-5000.RemindDB")));
+    auto other = test::openMemory(second, Access::ReadWrite);
+    Table whole = other.table("Reminders");
+    Transaction removing(other);
+    for (const RowId id : rowsOf(whole).ids) {
+        whole.remove(id);
+    }
+    removing.commit();
+    EXPECT_EQ(whatIsWrong(other), "");
+    EXPECT_LE(second.bytes.size(), size + 8 * jet::kPageSize) << "pages for this and other maps";
+    EXPECT_EQ(rowsOf(whole).ids.size(), 0U);
+}
+
 TEST_F(FirstLight, RowsOfTooManyLongTextsAreRefused) {
     std::vector<Change> changes = changesOf(table, {{"GUID", "{long}"}});
     for (std::size_t i = 0; i < table.columns().size(); ++i) {

@@ -1,0 +1,71 @@
+"""The events of the gallery's pictures: an ordinary Friday, and texts from all over the world.
+
+Everything lies around NOW, to which the pictures' clock is set.
+"""
+import json
+from datetime import datetime, timedelta
+from typing import NamedTuple
+
+NOW = datetime(2026, 11, 20, 14, 32, 0)  # a Friday
+_NO_DATE = None
+
+
+class Event(NamedTuple):
+    subject: str
+    start: datetime
+    minutes: int = 60  # its length; 0: all day
+    reminders: tuple = (15,)  # minutes before the start
+    location: str = ""
+    rule: str = ""
+    dismissed: datetime | None = _NO_DATE
+
+
+def at(hour, minute=0, days=0):
+    return NOW.replace(hour=hour, minute=minute, second=0) + timedelta(days=days)
+
+
+ORDINARY = (
+    Event("Project meeting", at(14, 45), 45, (15,), "Room 2"),
+    Event("Call the bank", at(12, 30), 10, (5,)),
+    Event("Stand-up", at(9, 15, -4), 15, (5,), "Room 2.14", "FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR"),
+    Event("Collect the parcel before the shop closes", at(17, 30), 30, (178, 30), "12 Harbour Street"),
+    Event("Choir", at(19, 30, -7), 120, (60,), "School hall", "FREQ=WEEKLY"),
+    Event("Dentist: check-up", at(15, 30), 45, (60, 1440), "Dr Hoffmann, 2nd floor"),
+    Event("Lunch with Vera", at(12, 0), 60, (30,), "Canteen", "", at(11, 40)),
+    Event("Waste paper collection", at(0, 0, 1), 0, (360,)),
+    Event("Pay the rent", at(0, 0, 10), 0, (1440,), "", "FREQ=MONTHLY;BYMONTHDAY=-1"),
+    Event("Zoë's birthday", at(0, 0, 2), 0, (1440, 10080), "", "FREQ=YEARLY"),
+    Event("Train to Leipzig", at(7, 48, 2), 190, (90,), "Platform 7"),
+    Event("Water the plants", at(18, 0, -1), 15, (0,), "", "FREQ=DAILY;INTERVAL=2"),
+)
+
+WORLD = (
+    Event("פגישת צוות (שבועית)", at(14, 40), 30, (15,), "חדר 4, קומה 2"),
+    Event("اجتماع المشروع مع Anna Keller", at(15, 0), 60, (30,), "القاعة الكبرى"),
+    Event("Συνάντηση με την ομάδα", at(14, 45), 60, (15,), "Αίθουσα 3"),
+    Event("Совещание по бюджету на следующий год", at(14, 50), 90, (20,), "Кабинет 12"),
+    Event("Übergrößenträger & Söhne <Vertrag> \"prüfen\"", at(15, 15), 30, (45,), "Straße 5"),
+    Event("Một cuộc họp rất dài với tên được cắt sau năm mươi ký tự", at(14, 35), 30, (10,), "Hà Nội"),
+    Event("Żółw: przegląd łodzi", at(16, 30), 60, (120,), "Gdańsk"),
+)
+
+
+def columns(number, event):
+    """The row of the table Reminders."""
+    end = event.start + timedelta(minutes=event.minutes)
+    row = {
+        "EventID": number, "ItemID": 500 + number, "FieldID": 4,
+        "GUID": "{5B0F3C1E-77A2-4D19-9E64-%012d}" % number,
+        "id": f"gallery{number:04d}", "iCalUID": f"gallery{number:04d}@calendar.example",
+        "VLBase": r"C:\Users\Anna\Documents\Velmora\Home.vlb",
+        "Subject": event.subject, "Location": event.location, "Body": "", "status": "",
+        "StartDateTime": event.start, "EndDateTime": end, "IsAllDayEvent": event.minutes == 0,
+        "Created": at(8, 0, -30), "Modified": at(8, 0, -20), "CalendarID": "anna.keller@example.com",
+        "reminders": json.dumps({"useDefault": False, "overrides": [
+            {"method": "popup", "minutes": m} for m in event.reminders]}, separators=(",", ":")),
+        "recurrence": json.dumps([f"RRULE:{event.rule}"]) if event.rule else "",
+        "RecurrenceState": 1 if event.rule else 0,
+    }
+    if event.dismissed:
+        row["Dismissed"] = event.dismissed
+    return row

@@ -1,0 +1,271 @@
+#!/usr/bin/python3
+"""Takes the pictures of docs/gallery.md: the program on the virtual desktop, in each of its states.
+
+    scripts/desktop.sh --limit 900 -- scripts/make_gallery.py BUILD-FOLDER FOLDER [NAME...]
+
+FOLDER is where the pictures go, by default docs/pictures; with NAMEs only these are taken. The
+program's clock stands at the events' time (gallery_events.py), so that every run shows the same.
+"""
+import contextlib
+import glob
+import os
+import shutil
+import subprocess
+import sys
+import time
+
+import gallery_events
+import make_profile
+from uidrive import act, desktop, reminders, tray, tree
+from uidrive.program import Program
+from uidrive.waiting import run, wait_for
+
+TITLE = reminders.TITLE
+CROP = 8  # around a piece of the screen
+DARK = """[Appearance]
+custom_palette=true
+color_scheme_path={scheme}
+style=Fusion
+[Fonts]
+general="Sans Serif,9,-1,5,50,0,0,0,0,0"
+"""
+# Roles in the palette's order: window text, button, light, midlight, dark, mid, text, bright text,
+# button text, base, window, shadow, highlight, highlighted text, link, visited link, alternate
+# base, no role, tip's base, tip's text, placeholder.
+_ACTIVE = ("#e6e8ea #31363b #4a5056 #3c4248 #15181a #24282c #e6e8ea #ffffff #e6e8ea #1e2124 #2a2e32 "
+           "#0c0e10 #2f78b8 #ffffff #6fb1ec #b79be0 #262a2e #ffffff #3a4046 #e6e8ea #8a9198").split()
+_DISABLED = [{"#e6e8ea": "#7d848b", "#2f78b8": "#3f464d"}.get(c, c) for c in _ACTIVE]
+
+
+def scheme_text():
+    lists = {"active_colors": _ACTIVE, "disabled_colors": _DISABLED, "inactive_colors": _ACTIVE}
+    return "[ColorScheme]\n" + "".join(
+        f"{name}={', '.join('#ff' + c[1:] for c in colours)}\n" for name, colours in lists.items())
+
+
+class Scene(Program):
+    """The program on the gallery's events; the window is up unless the type says otherwise."""
+
+    def __init__(self, build, events, kind="D", scale=None, dark=False):
+        folder = os.path.join(os.environ["DESKTOP_TMP"], "gallery")
+        shutil.rmtree(folder, ignore_errors=True)
+        variables = make_profile.environment(folder)
+        database = os.path.join(folder, "db", make_profile.DATABASE)
+        for path in (*variables.values(), os.path.dirname(database)):
+            os.makedirs(path)
+        remindb = os.path.join(build, "tools", "remindb")
+        subprocess.run([remindb, "new", database], check=True)
+        for number, event in enumerate(events, 1):
+            make_profile.insert(remindb, database, gallery_events.columns(number, event))
+        self.settings = os.path.join(variables["XDG_DATA_HOME"], "Velmora", "VLReminders.ini")
+        os.makedirs(os.path.dirname(self.settings))
+        with open(self.settings, "w") as file:
+            width, height = (560, 330) if scale == 2 else (760, 420)
+            file.write(f"[Reminders]\nNotifType={kind}\n[Window]\nLeft=20\nTop=20\n"
+                       f"Width={width}\nHeight={height}\n")
+        if dark:
+            variables["QT_QPA_PLATFORMTHEME"] = "qt6ct"
+            self.config = os.path.join(variables["XDG_CONFIG_HOME"], "qt6ct")
+            os.makedirs(self.config)
+            self.darken()
+        if scale:
+            variables["QT_SCALE_FACTOR"] = str(scale)
+        self.scale = scale or 1
+        library = glob.glob("/usr/lib/*/faketime/libfaketime.so.1")[0]
+        variables.update(LD_PRELOAD=library, FAKETIME=f"@{gallery_events.NOW:%Y-%m-%d %H:%M:%S}",
+                         FAKETIME_DONT_FAKE_MONOTONIC="1", LC_ALL="C.UTF-8", TZ="UTC")
+        super().__init__([os.path.join(build, "app", reminders.PROGRAM), "--db-folder",
+                          os.path.dirname(database)], variables,
+                         os.path.join(os.environ["DESKTOP_LOGS"], "gallery.log"))
+
+    def darken(self):
+        scheme = os.path.join(self.config, "dark.conf")
+        with open(scheme, "w") as file:
+            file.write(scheme_text())
+        with open(os.path.join(self.config, "qt6ct.conf"), "w") as file:
+            file.write(DARK.format(scheme=scheme))
+
+
+class Gallery:
+    def __init__(self, build, folder):
+        self.build, self.folder = build, folder
+
+    def scene(self, events=gallery_events.ORDINARY, **how):
+        return Scene(self.build, events, **how)
+
+    # ---- what is cut out of the screen ----------------------------------------------------------
+    @staticmethod
+    def frame(title=TITLE):
+        """(left, top, right, bottom) of a window with its frame."""
+        ids = [line.split()[0] for line in run("wmctrl", "-l").splitlines()
+               if line.split(None, 3)[3:] == [title]]
+        info = dict(line.split(":", 1) for line in run("xwininfo", "-id", ids[-1]).splitlines()
+                    if line.count(":") == 1)
+        x, y = int(info["  Absolute upper-left X"]), int(info["  Absolute upper-left Y"])
+        width, height = int(info["  Width"]), int(info["  Height"])
+        edges = run("xprop", "-id", ids[-1], "_NET_FRAME_EXTENTS").split("=")[1].split(",")
+        left, right, top, bottom = map(int, edges)
+        return x - left, y - top, x + width + right, y + height + bottom
+
+    @staticmethod
+    def around(node, scale=1, margin=CROP):
+        x, y, width, height = (round(v * scale) for v in tree.box(node))
+        return x - margin, y - margin, x + width + margin, y + height + margin
+
+    def keep(self, name, area):
+        time.sleep(0.6)  # the last repaint
+        screen = desktop.picture()
+        left, top, right, bottom = area
+        area = (max(left, 0), max(top, 0), min(right, screen.width), min(bottom, screen.height))
+        path = os.path.join(self.folder, name + ".png")
+        image = screen.crop(area)
+        image.save(path, optimize=True)
+        if shutil.which("optipng"):
+            subprocess.run(["optipng", "-quiet", "-o2", "-strip", "all", path], check=True)
+        print(f"{name}: {image.width} x {image.height}, {os.path.getsize(path)} bytes", flush=True)
+
+    @staticmethod
+    def shown():
+        reminders.wait_shown()
+        desktop.wait_active(TITLE)
+        # The mouse is out of the way, so that it points at nothing.
+        act.move_to(1200, 600)
+
+    @contextlib.contextmanager
+    def window(self, **how):
+        with self.scene(**how) as program:
+            self.shown()
+            yield program
+
+    # ---- the pictures ---------------------------------------------------------------------------
+    def new(self):
+        with self.window():
+            self.keep("new", self.frame())
+
+    def all(self):
+        with self.window():
+            act.key("alt+a")
+            self.keep("all", self.frame())
+
+    def events(self):
+        with self.window():
+            act.key("alt+e")
+            self.keep("events", self.frame())
+
+    def week(self):
+        with self.window():
+            act.key("alt+p")
+            act.key("t", "t", "t", "t")
+            act.key("alt+e")
+            self.keep("week", self.frame())
+
+    def snooze(self):
+        with self.window():
+            act.key("alt+s")
+            title = wait_for(lambda: next((t for t in desktop.titles() if "Snooze" in t), None))
+            self.keep("snooze", self.frame(title))
+
+    def dismiss(self):
+        with self.window():
+            act.key("shift+Delete")
+            title = wait_for(lambda: next((t for t in desktop.titles() if "Dismiss" in t), None))
+            self.keep("dismiss", self.frame(title))
+
+    def toast(self, name="toast", **how):
+        with self.scene(kind="P", **how):
+            node = wait_for(lambda: next((w for w in tree.windows() if tree.name(w) == "Reminders"),
+                                         None), 30)
+            act.move_to(1200, 300)
+            self.keep(name, self.around(node))
+
+    def email(self):
+        with self.scene(kind="E"):
+            node = wait_for(lambda: next((w for w in tree.windows() if tree.name(w) == "Reminders"),
+                                         None), 30)
+            self.keep("email", self.around(node))
+
+    def tray(self):
+        with self.scene(kind="T"):
+            x, y, width, height = tray.icon(reminders.PROGRAM, 30)
+            tray.tooltip(reminders.PROGRAM)
+            self.keep("tray", (x - 250, y - 70, x + width + 12, y + height))
+
+    def menu(self):
+        with self.scene(kind="T"):
+            tray.click(reminders.PROGRAM, button=3)
+            menu = wait_for(tree.open_menus, 10)[-1]
+            self.keep("menu", self.around(menu))
+
+    def context(self):
+        with self.window():
+            act.key("Down")
+            act.key("Menu")
+            wait_for(tree.open_menus, 10)
+            self.keep("context", self.frame())
+
+    def about(self):
+        with self.scene(kind="T"):
+            tray.click(reminders.PROGRAM, button=3)
+            time.sleep(0.5)
+            act.key("a")
+            title = wait_for(lambda: next((t for t in desktop.titles() if "Events and" in t), None))
+            self.keep("about", self.frame(title))
+
+    def empty(self):
+        with self.scene(events=(), kind="D"):
+            tray.click(reminders.PROGRAM)
+            self.shown()
+            self.keep("empty", self.frame())
+
+    def world(self):
+        with self.window(events=gallery_events.WORLD):
+            self.keep("world", self.frame())
+
+    def world_toast(self):
+        self.toast("world-toast", events=gallery_events.WORLD)
+
+    def dark(self):
+        with self.window(dark=True):
+            self.keep("dark", self.frame())
+
+    def dark_dismiss(self):
+        with self.window(dark=True):
+            act.key("shift+Delete")
+            title = wait_for(lambda: next((t for t in desktop.titles() if "Dismiss" in t), None))
+            self.keep("dark-dismiss", self.frame(title))
+
+    def dark_toast(self):
+        self.toast("dark-toast", dark=True)
+
+    def dark_snooze(self):
+        with self.window(dark=True):
+            act.key("alt+s")
+            title = wait_for(lambda: next((t for t in desktop.titles() if "Snooze" in t), None))
+            self.keep("dark-snooze", self.frame(title))
+
+    def scaled_1_5(self):
+        with self.window(scale=1.5):
+            self.keep("scale-1.5", self.frame())
+
+    def scaled_2(self):
+        with self.scene(scale=2):
+            reminders.wait_shown()
+            self.keep("scale-2", self.frame())
+
+
+PICTURES = {name: value for name, value in vars(Gallery).items()
+            if callable(value) and not name.startswith("_")
+            and name not in ("scene", "keep", "window", "frame", "around", "shown")}
+
+
+def main():
+    build = os.path.abspath(sys.argv[1])
+    folder = os.path.abspath(sys.argv[2])
+    os.makedirs(folder, exist_ok=True)
+    gallery = Gallery(build, folder)
+    for name in sys.argv[3:] or PICTURES:
+        PICTURES[name](gallery)
+
+
+if __name__ == "__main__":
+    main()

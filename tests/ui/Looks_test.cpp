@@ -1,0 +1,187 @@
+// Texts of another language, another palette while the program runs, lists of any length.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTest>
+#include <QTranslator>
+
+#include "Dialogs.h"
+#include "WindowTest.h"
+#include "ui/Toast.h"
+#include "ui/Tones.h"
+#include "ui/frmDismiss.h"
+#include "ui/frmSnooze.h"
+
+namespace vl {
+namespace {
+
+using test::someFriday;
+
+/// Says everything twice, as a language does that needs more words.
+class Wordy : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* source, const char*, int) const override {
+        const QString text = QString::fromUtf8(source);
+        QString again = text;
+        return text + u' ' + again.remove(u'&');
+    }
+};
+
+class Installed {
+public:
+    Installed() { QApplication::installTranslator(&wordy_); }
+    ~Installed() { QApplication::removeTranslator(&wordy_); }
+
+private:
+    Wordy wordy_;
+};
+
+class WithPalette {
+public:
+    explicit WithPalette(const QPalette& palette) : before_(QApplication::palette()) {
+        QApplication::setPalette(palette);
+    }
+    ~WithPalette() { QApplication::setPalette(before_); }
+
+private:
+    QPalette before_;
+};
+
+QPalette darkPalette() {
+    QPalette dark(QColor(0x31, 0x36, 0x3b), QColor(0x2a, 0x2e, 0x32));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x21, 0x24));
+    return dark;
+}
+
+// A text is cut where the control is smaller than it wants to be, and cannot break its lines.
+void expectRoomForTexts(const QWidget& form) {
+    int looked = 0;
+    for (const QWidget* control : form.findChildren<QWidget*>()) {
+        if (!control->isVisibleTo(&form)) {
+            continue;
+        }
+        const auto* label = qobject_cast<const QLabel*>(control);
+        const auto* button = qobject_cast<const QAbstractButton*>(control);
+        const bool text =
+            (label && !label->text().isEmpty()) || (button && !button->text().isEmpty());
+        if (!text || control->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored) {
+            continue;
+        }
+        ++looked;
+        SCOPED_TRACE(plainText(control->objectName()));
+        if (label && label->wordWrap()) {
+            EXPECT_GE(control->height(), label->heightForWidth(control->width()));
+        } else {
+            EXPECT_GE(control->width(), control->sizeHint().width());
+            EXPECT_GE(control->height(), control->sizeHint().height());
+        }
+        EXPECT_TRUE(form.rect().contains(QRect(control->mapTo(&form, QPoint()), control->size())));
+    }
+    EXPECT_GE(looked, 4);
+}
+
+class Looks : public test::WindowTest {};
+
+TEST_F(Looks, DialogsGrowWithTheirTexts) {
+    const Installed wordy;
+    const DialogParts parts{settings, clock, false, {}};
+    frmSnooze snooze(parts);
+    snooze.sTitle = "Snooze reminder for:  Call the bank...";
+    test::whileOpen<frmSnooze>([&] { snooze.ShowModal(); },
+                               [](frmSnooze& d) { expectRoomForTexts(d); });
+    frmDismiss dismiss(parts);
+    dismiss.sNext = "Reminder Today 14:30.";
+    for (int i = 0; i < 40; ++i) {
+        dismiss.sEvent += "Yearly meeting, ";
+    }
+    dismiss.sEvent += "Room 2";
+    test::whileOpen<frmDismiss>([&] { dismiss.ShowModal(); },
+                                [](frmDismiss& d) { expectRoomForTexts(d); });
+}
+
+TEST_F(Looks, TheWindowsLeastSizeHasRoomForItsTexts) {
+    const Installed wordy;
+    load();
+    window->show();
+    window->resize(1, 1);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    expectRoomForTexts(*window);
+}
+
+TEST_F(Looks, TroubleCanBeReadAfterTheDesktopTurnedDark) {
+    db.DBFullName = (folder / "nothing-here.RemindDB").string();
+    load();
+    window->show();
+    const QLabel& status = child<QLabel>("lblStatus");
+    ASSERT_FALSE(status.text().isEmpty());
+    const auto readable = [&] {
+        return contrast(status.palette().color(QPalette::WindowText),
+                        status.palette().color(QPalette::Window));
+    };
+    EXPECT_GE(readable(), 4.5);
+    const WithPalette dark(darkPalette());
+    QApplication::processEvents();
+    EXPECT_GE(readable(), 4.5);
+}
+
+TEST_F(Looks, AToastFollowsTheDesktop) {
+    Toast toast{QIcon()};
+    ToastContent content;
+    content.title = "Reminder";
+    content.text = "Call the bank";
+    toast.present(content, {});
+    const WithPalette dark(darkPalette());
+    QApplication::processEvents();
+    for (const QLabel* label : toast.findChildren<QLabel*>()) {
+        if (!label->text().isEmpty() && label->isVisible()) {
+            EXPECT_GE(contrast(label->palette().color(QPalette::WindowText),
+                               label->palette().color(QPalette::Window)),
+                      4.5)
+                << plainText(label->text());
+        }
+    }
+}
+
+TEST_F(Looks, ScrollingLooksAtTheRowsInViewAlone) {
+    int told = 0;
+    Grid grid(0, [&told](DateTime d) {
+        ++told;
+        return test::clockText(d);
+    });
+    grid.InitGrid();
+    grid.setNow(someFriday());
+    std::vector<GridRow> rows;
+    for (int i = 0; i < 10'000; ++i) {
+        rows.push_back(test::reminderRow("{" + std::to_string(i) + "}", "Reminder", i));
+    }
+    grid.setRows(std::move(rows));
+    grid.resize(600, 400);
+    grid.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));
+    const int inView =
+        grid.viewport()->height() / grid.visualRect(grid.model()->index(0, 0)).height() + 2;
+    for (int step = 1; step <= 20; ++step) {
+        told = 0;
+        grid.verticalScrollBar()->setValue(step * grid.verticalScrollBar()->pageStep() * 3);
+        grid.viewport()->repaint();
+        EXPECT_GT(told, 0);
+        EXPECT_LE(told, inView * 4);  // two columns with times, each asked for at most twice
+    }
+}
+
+TEST_F(Looks, AnEmptyListSaysWhyAndIsHeard) {
+    haveDatabase();
+    load();
+    window->show();
+    for (int i = 0; i < kGridCount; ++i) {
+        EXPECT_FALSE(grid(i).emptyText().isEmpty());
+        EXPECT_EQ(grid(i).accessibleDescription(), grid(i).emptyText());
+    }
+}
+
+}  // namespace
+}  // namespace vl
