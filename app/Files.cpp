@@ -27,6 +27,15 @@ bool fileExists(std::string_view path) {
     return there;
 }
 
+std::string fullPath(std::string_view path) {
+    const ErrScope scope;
+    std::string full(path);
+    if (!path.empty()) {
+        attempt([&] { full = platform::fullPath(full); });
+    }
+    return full;
+}
+
 std::string fileNameOf(std::string_view path) {
     const std::size_t last = path.find_last_of(kSeparators);
     return std::string(last == std::string_view::npos ? path : path.substr(last + 1));

@@ -12,6 +12,11 @@ namespace vl {
 /// True when the path's attributes can be read: folders count, too.
 bool fileExists(std::string_view path);
 
+/// One name for one file, however it is given: from the root, without links, "." and "..". Of what
+/// is not there only the folders that are are looked at; where even that cannot be done, the path
+/// as it is.
+std::string fullPath(std::string_view path);
+
 /// The part behind the last "\" or "/".
 std::string fileNameOf(std::string_view path);
 /// The part before the last ".", wherever in the path that stands; without one the whole path.

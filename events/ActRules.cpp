@@ -68,8 +68,9 @@ void endEarlier(EventState& state, const ActOn& act) {
         std::min(act.event.ToWall(act.start), act.event.ToWall(over).addSeconds(1));
     state.endedBefore = std::max(state.endedBefore, limit);
     for (OccurrenceState& one : state.occurrences) {
-        if (one.start < limit && one.snoozed.isZero()) {
-            one.listed = DateTime();
+        if (one.start < limit) {
+            one.spared = !one.snoozed.isZero();
+            one.listed = one.spared ? one.listed : DateTime();
         }
     }
 }
@@ -83,7 +84,7 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     endEarlier(state, act);
     state.acted = act.now;
     OccurrenceState& entry = entryOf(state, act.event, act.start);
-    const DateTime now = act.event.ToWall(act.now);
+    const DateTime now = act.event.ToMoment(act.now);
     // The list takes a reminder a little before its time: what was dealt with then stays so, also
     // by a second act before that time. A time far ahead is that of a clock which was wrong.
     const bool early = entry.handled > now && entry.handled <= now.addMinutes(1);

@@ -78,6 +78,7 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
         });
     };
     const auto all = fullRead_->read(db_, statement, before, make);
+    keepPassedOver();
     if (!all) {
         return false;
     }
@@ -112,6 +113,15 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
 void CalEvents::forgetQueries() const {
     for (const auto& [event, position] : held_.of(*mCol)) {
         forgetQuery(*event);
+    }
+}
+
+void CalEvents::TakeZone(const TimeZone& here) {
+    const ErrScope scope;
+    for (const auto& [event, position] : held_.of(mCol ? *mCol : GenCollection())) {
+        if (!event->recurrence.empty()) {
+            attempt([&, e = event] { e->LoadRecurrence(here); });
+        }
     }
 }
 

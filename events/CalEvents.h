@@ -71,8 +71,8 @@ public:
     /// Gives the events that are finished the status "AllDone", in their rows, too. One is finished
     /// a day after its last reminder of all, unless something about it is still open; a series
     /// without an end never is. `history` knows what is open; without one the row alone says
-    /// whether its event is snoozed.
-    void UpdateAllDone(const EventHistory* history = nullptr);
+    /// whether its event is snoozed. It is told which starts finished exceptions have taken over.
+    void UpdateAllDone(EventHistory* history = nullptr);
     /// Takes the events with that status out of the set.
     void RemoveAllDone();
     /// Takes those out that have it in `other`.
@@ -98,6 +98,13 @@ public:
     /// Notes in the ledger that these events were taken into the list of new reminders, each with
     /// the reminder that the question has left in it.
     void NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken);
+
+    /// Leaves in the event the reminder that the ledger says it is listed with, in the local times
+    /// of now. False when it says none.
+    bool RecordListed(calEvent& event) const;
+
+    /// Works out anew which occurrences series have, for a computer whose zone has changed.
+    void TakeZone(const TimeZone& here);
 
     /// The next check looks at the event again: for who changes a schedule, or `NextReminder` and
     /// `Dismissed`, in an object of the set. An object that takes another one's place in `mCol` is
@@ -128,6 +135,8 @@ private:
 
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
     void keepLeft();
+    void noteMoved();
+    void keepPassedOver();
 
     bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
     bool readAll(const std::string& statement, Source& source);

@@ -63,11 +63,12 @@ void writeAllDone(DBRemindUtils& db, std::span<const std::string> GUIDs) {
 
 }  // namespace
 
-void CalEvents::UpdateAllDone(const EventHistory* history) {
+void CalEvents::UpdateAllDone(EventHistory* history) {
     const ErrScope scope;
     const DateTime now = clock_.now();
     const GenCollection held = mCol ? *mCol : GenCollection();
     std::vector<std::string> GUIDs;
+    std::vector<EventHistory::Replaced> replaced;
     for (const auto& [event, position] : held_.of(held)) {
         attempt([&, e = event] {
             if (!isAllDone(*e) && isFinished(*e, now, history)) {
@@ -75,8 +76,15 @@ void CalEvents::UpdateAllDone(const EventHistory* history) {
                 if (!e->GUID.empty()) {
                     GUIDs.push_back(e->GUID);
                 }
+                // It is read no more, and still stands for an occurrence of its series.
+                if (e->IsException() && !e->RExceptionStartTimeOrig.isZero()) {
+                    replaced.push_back({e->recurringEventId, e->RExceptionStartTimeOrig});
+                }
             }
         });
+    }
+    if (history != nullptr) {
+        history->keepReplaced(replaced);
     }
     writeAllDone(db_, GUIDs);
 }

@@ -1,7 +1,9 @@
 // The check's question, and what is noted of its answer.
+#include <algorithm>
 #include <unordered_map>
 
 #include "DueBook.h"
+#include "FullRead.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
@@ -36,6 +38,7 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
                            {FromTime, ToTime, clock_.now(), db_.DBFullName, *ledger_, isListed_});
     });
     keepLeft();
+    noteMoved();
     std::unordered_map<std::string, const DueBook::Found*> series;  // by id
     for (const DueBook::Found& one : found) {
         recordDue(*one.event, one.due);
@@ -51,7 +54,6 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
                 answer->Remove(master->second->event->GUID);
                 ledger_->keepReplaced(db_.DBFullName, one.event->recurringEventId,
                                       master->second->due.instance);
-                book_->renewReplaced();
             }
         }
     }
@@ -65,6 +67,35 @@ void CalEvents::keepLeft() {
     }
 }
 
+// What is shown after a restart is the event as it is now.
+void CalEvents::noteMoved() {
+    std::vector<Ledger::Change> changes;
+    for (const auto& [event, due] : book_->moved()) {
+        const DateTime since = book_->openSince(*event);
+        changes.push_back({event->GUID, [event = event, due = due, since](EventState& state) {
+                               for (OccurrenceState& one : state.occurrences) {
+                                   one.listed = DateTime();
+                               }
+                               OccurrenceState& entry = state.at(event->ToWall(due.instance));
+                               entry.end = event->ToWall(event->EndOf(due.instance));
+                               entry.listed = event->ToMoment(due.time);
+                               state.openSince = since;
+                           }});
+    }
+    if (!changes.empty()) {
+        ledger_->change(db_.DBFullName, "moved", changes);
+    }
+}
+
+// Who has finished or deleted an exception may be another program, before a check has seen it.
+void CalEvents::keepPassedOver() {
+    std::vector<Ledger::Replaced> replaced;
+    for (auto& one : fullRead_->takePassedOver()) {
+        replaced.push_back({std::move(one.master), {notedNow(one.start)}});
+    }
+    ledger_->keepReplaced(db_.DBFullName, replaced);
+}
+
 void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) {
     const ErrScope scope;
     std::vector<Ledger::Change> changes;
@@ -75,13 +106,27 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
         changes.push_back({event->GUID, [event, time, start, since](EventState& state) {
                                OccurrenceState& entry = state.at(event->ToWall(start));
                                entry.end = event->ToWall(event->EndOf(start));
-                               entry.listed = event->ToWall(time);
+                               entry.listed = event->ToMoment(time);
                                state.openSince = since;
                            }});
     }
     if (!changes.empty()) {
         ledger_->change(db_.DBFullName, "listed", changes);
     }
+}
+
+bool CalEvents::RecordListed(calEvent& event) const {
+    const EventState* state = ledger_->find(db_.DBFullName, event.GUID);
+    if (state == nullptr) {
+        return false;
+    }
+    const auto one = std::find_if(state->occurrences.begin(), state->occurrences.end(),
+                                  [](const auto& entry) { return !entry.listed.isZero(); });
+    if (one == state->occurrences.end()) {
+        return false;
+    }
+    recordDue(event, {event.FromWall(one->start), event.FromMoment(one->listed)});
+    return true;
 }
 
 void CalEvents::LookAgain(std::string_view GUID) { book_->look(GUID, false); }

@@ -25,6 +25,23 @@ bool reTimed(const calEvent& before, const calEvent& now) {
            before.ISRecurrenceExceptionDeleted != now.ISRecurrenceExceptionDeleted;
 }
 
+// Under a start that a single event had before the host moved it, and not under the one it has.
+bool isListedElsewhere(const calEvent& event, const EventState* state) {
+    if (event.IsRepeating() || state == nullptr) {
+        return false;
+    }
+    const OccurrenceState* here = state->find(event.ToWall(event.StartDateTime));
+    return (here == nullptr || here->listed.isZero()) &&
+           std::any_of(state->occurrences.begin(), state->occurrences.end(),
+                       [](const OccurrenceState& one) { return !one.listed.isZero(); });
+}
+
+// Its user wants it to count as newly met, and it has not been listed since.
+bool isReactivated(const EventState* state) {
+    return state != nullptr && !state->acted.isZero() && state->occurrences.empty() &&
+           state->endedBefore.isZero();
+}
+
 bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
 
 }  // namespace
@@ -72,11 +89,15 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
             if (old != event) {
                 slot.look = true;
                 slot.firstMet = slot.firstMet || reTimed(*old, *event);
+                if (!event->IsRepeating() && old->StartDateTime != event->StartDateTime) {
+                    slot.since = DateTime();  // that was of the times it had
+                }
                 exceptionsChanged_ = exceptionsChanged_ || replacesOne(*old);
             }
         }
         if (event && slot.event != event) {
-            exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event);
+            // A series may be one of which the ledger knows.
+            exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
         }
         slot.event = std::move(event);
         slots_.push_back(std::move(slot));
@@ -97,10 +118,7 @@ void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
                 slot.event->RExceptionStartTimeOrig);
         }
     }
-    for (const auto& [master, kept] : ledger.allReplaced(database)) {
-        auto& list = starts[text::foldCase(master)];
-        list.insert(list.end(), kept.begin(), kept.end());
-    }
+    findKept(ledger, database, starts);
     for (const Left& left : left_) {
         starts[text::foldCase(left.master)].push_back(left.replaced);
     }
@@ -124,6 +142,28 @@ void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
     }
 }
 
+// Of exceptions that are read no more the ledger knows which starts they have taken over.
+void DueBook::findKept(const Ledger& ledger, std::string_view database, Starts& starts) const {
+    std::unordered_map<std::string, std::vector<Noted>> kept;
+    for (auto& [master, list] : ledger.allReplaced(database)) {
+        kept.emplace(text::foldCase(master), std::move(list));
+    }
+    if (kept.empty()) {
+        return;
+    }
+    for (const Slot& slot : slots_) {
+        if (!slot.event || !slot.event->IsRepeating() || slot.event->id.empty()) {
+            continue;
+        }
+        const auto known = kept.find(text::foldCase(slot.event->id));
+        if (known != kept.end()) {
+            for (const Noted& start : known->second) {
+                starts[known->first].push_back(startIn(*slot.event, start, *zone_));
+            }
+        }
+    }
+}
+
 void DueBook::markChanged(const Asked& asked) {
     // Times that have been asked for can come again.
     const bool turnedBack = asked.now < lastNow_;
@@ -137,58 +177,84 @@ void DueBook::markChanged(const Asked& asked) {
         if (slot.event && changed.contains(slot.hash)) {
             slot.look = true;
             const EventState* state = asked.ledger.find(asked.database, slot.event->GUID);
-            const bool forgotten =
-                state == nullptr || (state->occurrences.empty() && state->endedBefore.isZero());
+            const bool forgotten = state == nullptr || isReactivated(state);
             slot.firstMet = slot.firstMet || forgotten;
+            slot.since = forgotten ? DateTime() : slot.since;
         }
     }
 }
 
-void DueBook::askOne(Slot& slot, const Asked& asked, const TimeZone& zone,
-                     std::vector<Found>& found) {
+// From when on reminders of the event may be left. What an earlier run has noted holds for the
+// event as that run knew it: one that was moved since has new times.
+DateTime DueBook::sinceOf(const Slot& slot, const EventState* state, DateTime from) const {
+    const calEvent& event = *slot.event;
+    DateTime since = slot.since.isZero() ? from : std::min(slot.since, from);
+    const bool isNoted = !slot.asked && state != nullptr && !state->openSince.isZero();
+    if (isNoted &&
+        (event.IsRepeating() || state->find(event.ToWall(event.StartDateTime)) != nullptr)) {
+        since = std::min(since, event.FromMoment(state->openSince));
+    }
+    return since;
+}
+
+void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) {
     const calEvent& event = *slot.event;
     const EventState* state = asked.ledger.find(asked.database, event.GUID);
     if (state != nullptr && state->deleting) {
         return;
     }
-    DateTime since = slot.since.isZero() ? asked.from : std::min(slot.since, asked.from);
-    if (!slot.asked && state != nullptr && !state->openSince.isZero()) {
-        since = std::min(since, event.FromWall(state->openSince));
-    }
-    const DueQuestion question{asked.from, asked.to, asked.now, since, slot.firstMet};
-    const DueFacts facts{state, replaced(event), zone};
+    const DateTime since = sinceOf(slot, state, asked.from);
+    const bool firstMet = slot.firstMet || (!slot.asked && isReactivated(state));
+    const DueQuestion question{asked.from, asked.to, asked.now, since, firstMet};
+    const DueFacts facts{state, replaced(event), *zone_};
     const DueAnswer answer = askDue(event, facts, question);
     const bool pending = answer.taken.has_value();
-    slot.since = pending ? since : DateTime();
+    slot.since = pending ? answer.since : DateTime();
     slot.next = answer.next;
     slot.look = pending;
     slot.firstMet = false;
     slot.asked = true;
-    const auto& due =
-        pending && asked.isListed && asked.isListed(event.GUID) ? answer.again : answer.taken;
+    const bool listed = pending && asked.isListed && asked.isListed(event.GUID);
+    if (listed && isListedElsewhere(event, state)) {
+        moved_.push_back({slot.event, *answer.taken});
+    }
+    const auto& due = listed ? answer.again : answer.taken;
     if (due) {
         found.push_back({slot.event, *due});
     }
+}
+
+// In another zone a moment has another local time: of what is known of them nothing holds.
+void DueBook::takeZone(const TimeZone& zone) {
+    if (zone_ && !zone_->same(zone)) {
+        exceptionsChanged_ = true;
+        for (Slot& slot : slots_) {
+            slot.look = true;
+        }
+    }
+    zone_ = zone;
 }
 
 std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Asked& asked) {
     if (!same(events)) {
         bring(events, asked);
     }
-    if (exceptionsChanged_) {
+    takeZone(TimeZone::local());
+    if (exceptionsChanged_ || replacedVersion_ != asked.ledger.replacedVersion()) {
+        replacedVersion_ = asked.ledger.replacedVersion();
         findReplaced(asked.ledger, asked.database);
         exceptionsChanged_ = false;
     }
     markChanged(asked);
     ledgerVersion_ = asked.ledger.version();
     lastNow_ = asked.now;
-    const TimeZone zone = TimeZone::local();
     std::vector<Found> found;
+    moved_.clear();
     for (Slot& slot : slots_) {
         const bool itsTime = !slot.next.isZero() && slot.next <= asked.to;
         if ((slot.look || itsTime) && slot.event && slot.event->ISRecurrenceExceptionDeleted == 0 &&
             !isDone(*slot.event)) {
-            attempt([&] { askOne(slot, asked, zone, found); });
+            attempt([&] { askOne(slot, asked, found); });
         }
     }
     std::stable_sort(found.begin(), found.end(),
@@ -209,7 +275,7 @@ void DueBook::look(std::string_view GUID, bool firstMet) {
 DateTime DueBook::openSince(const calEvent& event) const {
     const auto slot = std::find_if(slots_.begin(), slots_.end(),
                                    [&](const Slot& one) { return one.event.get() == &event; });
-    return slot != slots_.end() ? event.ToWall(slot->since) : DateTime();
+    return slot != slots_.end() ? event.ToMoment(slot->since) : DateTime();
 }
 
 const std::vector<DateTime>& DueBook::replaced(const calEvent& event) const {

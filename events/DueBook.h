@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -39,18 +40,19 @@ public:
     /// What is to be taken, and of the listed events what is due again, in the order of time.
     std::vector<Found> ask(const GenCollection& events, const Asked& asked);
 
+    /// Of the last `ask`: single events that stand in the list as they were before the host moved
+    /// them, with what is pending of them now. What is listed is this from now on.
+    const std::vector<Found>& moved() const { return moved_; }
+
     /// The event is looked at in the next check. `firstMet`: as if it had not been there before.
     void look(std::string_view GUID, bool firstMet);
 
     /// From when on reminders of the event may have been missed because of those that are pending:
-    /// wall time, for `EventState::openSince`.
+    /// for `EventState::openSince`.
     DateTime openSince(const calEvent& event) const;
 
     /// The starts of a series that exceptions have taken over, as of the last `ask`.
     const std::vector<DateTime>& replaced(const calEvent& event) const;
-
-    /// What the ledger knows of such starts has changed.
-    void renewReplaced() { exceptionsChanged_ = true; }
 
     struct Left {
         std::string master;  // the id of its series
@@ -74,15 +76,21 @@ private:
     void bring(const GenCollection& events, const Asked& asked);
     bool same(const GenCollection& events) const;
     void findReplaced(const Ledger& ledger, std::string_view database);
+    void findKept(const Ledger& ledger, std::string_view database, Starts& starts) const;
+    void takeZone(const TimeZone& zone);
     void markChanged(const Asked& asked);
-    void askOne(Slot& slot, const Asked& asked, const TimeZone& zone, std::vector<Found>& found);
+    DateTime sinceOf(const Slot& slot, const EventState* state, DateTime from) const;
+    void askOne(Slot& slot, const Asked& asked, std::vector<Found>& found);
 
     std::vector<Slot> slots_;  // in the order of the collection
     Starts replaced_;
     std::vector<Left> left_;
+    std::vector<Found> moved_;
     std::uint64_t ledgerVersion_ = 0;
-    DateTime lastNow_;               // 0 before the first question
-    bool exceptionsChanged_ = true;  // what the ledger knows of them is not looked at yet
+    std::uint64_t replacedVersion_ = 0;  // of the ledger
+    DateTime lastNow_;                   // 0 before the first question
+    std::optional<TimeZone> zone_;       // the computer's, at the last question
+    bool exceptionsChanged_ = true;
 };
 
 }  // namespace vl

@@ -87,20 +87,27 @@ public:
         if (isReplaced(start) || time < says_.snoozed || isSilenced(start, time)) {
             return false;
         }
+        if (state_.occurrences.empty() && state_.endedBefore.isZero()) {
+            return true;
+        }
         const DateTime wall = event_.ToWall(start);
         const OccurrenceState* entry = state_.find(wall);
         const DateTime snoozed = snoozeOf(entry);
-        if (!snoozed.isZero() ? time < snoozed : wall < state_.endedBefore) {
+        if (!snoozed.isZero() && time < snoozed) {
+            return false;
+        }
+        const bool spared = entry != nullptr && (entry->spared || !entry->snoozed.isZero());
+        if (wall < state_.endedBefore && !spared) {
             return false;
         }
         if (entry == nullptr) {
             return true;
         }
-        return event_.ToWall(time) > entry->handled && entry->muted != Muted::ForEver &&
+        return event_.ToMoment(time) > entry->handled && entry->muted != Muted::ForEver &&
                (entry->muted != Muted::ThroughStart || time > start);
     }
 
-    /// Below this start every scheduled reminder is silent, but of snoozed occurrences.
+    /// Below this start every scheduled reminder is silent, but of spared occurrences.
     DateTime firstOpenStart() const {
         DateTime first = event_.FromWall(state_.endedBefore);
         if (!says_.silentThrough.isZero()) {
@@ -137,10 +144,10 @@ public:
             if (one.listed.isZero()) {
                 continue;
             }
-            const DateTime start = event_.FromWall(one.start);
+            const DateTime start = startOf(one);
             const bool there = repeats_ ? !event_.ICalRecEvents(start, start, 1).empty()
-                                        : start == event_.StartDateTime;
-            const DateTime time = event_.FromWall(one.listed);
+                                        : one.start == event_.ToWall(start);
+            const DateTime time = event_.FromMoment(one.listed);
             if (there && isOpen(start, time)) {
                 visit(start, time);
             }
@@ -211,6 +218,7 @@ public:
             event_.EndOf(event_.StartDateTime).milliseconds() - event_.StartDateTime.milliseconds();
         over_ = DateTime::fromMilliseconds(question.now.milliseconds() - length);
         firstOpenStart_ = view.firstOpenStart();
+        since_ = std::min(question.since, question.from);
     }
 
     /// Scheduled ones from `earliest` on; with `firstMet` of what is not over also those before.
@@ -224,7 +232,7 @@ public:
             }
         }
         if (view_.repeats()) {
-            ofSnoozed(earliest);
+            ofSpared(earliest);
         }
     }
 
@@ -246,6 +254,8 @@ public:
 
     std::optional<Due> best() const { return best_.due(); }
     DateTime next() const { return next_; }
+    /// Not later than any scheduled reminder that is pending.
+    DateTime since() const { return since_; }
 
 private:
     bool isOver(DateTime start) const { return start <= over_; }
@@ -272,6 +282,7 @@ private:
         if (time > question_.to || !asked || !view_.isOpen(start, time)) {
             return false;
         }
+        since_ = std::min(since_, time);
         best_.offer({{start, time, offset.next}, isOver(start)});
         return true;
     }
@@ -304,11 +315,11 @@ private:
         }
     }
 
-    // A snoozed occurrence is not ended with those around it.
-    void ofSnoozed(DateTime earliest) {
+    // A snoozed occurrence is not ended with those around it, nor is one that was snoozed then.
+    void ofSpared(DateTime earliest) {
         for (const OccurrenceState& one : view_.state().occurrences) {
             const DateTime start = view_.startOf(one);
-            if (one.snoozed.isZero() || start >= firstOpenStart_) {
+            if ((one.snoozed.isZero() && !one.spared) || start >= firstOpenStart_) {
                 continue;
             }
             for (const Offset& offset : offsets_) {
@@ -325,6 +336,7 @@ private:
     DateTime firstOpenStart_;
     Best best_;
     DateTime next_;
+    DateTime since_;
 };
 
 }  // namespace
@@ -350,6 +362,7 @@ DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion
     all.listed();
     answer.taken = all.best();
     answer.next = all.next();
+    answer.since = all.since();
     if (answer.taken) {
         Search again(view, offsets, question);
         again.scheduled(question.from, false);

@@ -44,6 +44,9 @@ struct DueAnswer {
     std::optional<Due> taken;
     /// The same among what lies in [`from`, `to`]: a listed event counts as due again.
     std::optional<Due> again;
+    /// What may be left later begins here: `since` of the question, or before it where an event
+    /// that was met has earlier reminders.
+    DateTime since;
     /// Nothing else becomes pending before this, as far as event and ledger stay as they are; 0:
     /// never.
     DateTime next;

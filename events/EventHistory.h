@@ -1,7 +1,8 @@
 // What the record of the user's acts tells to those who clean up.
 #pragma once
 
-#include <string_view>
+#include <string>
+#include <vector>
 
 #include "base/DateTime.h"
 
@@ -21,7 +22,11 @@ public:
 
     /// The series with the id `master` does not occur at `start` (local time) any more, although
     /// the exception that says so is about to go.
-    virtual void keepReplaced(std::string_view master, DateTime start) = 0;
+    struct Replaced {
+        std::string master;
+        DateTime start;
+    };
+    virtual void keepReplaced(const std::vector<Replaced>& starts) = 0;
 };
 
 }  // namespace vl

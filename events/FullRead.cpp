@@ -1,8 +1,11 @@
 #include "FullRead.h"
 
+#include <algorithm>
 #include <bit>
+#include <optional>
 
 #include "RowReader.h"
+#include "base/Text.h"
 
 namespace vl {
 
@@ -23,6 +26,43 @@ std::uint64_t stateOf(const calEvent& event) {
     }
     return hash ^ (event.Hidden ? 1U : 0U);
 }
+
+/// Which start of which series a row has taken over, told from three of its fields.
+class ReplacedIn {
+public:
+    explicit ReplacedIn(const std::vector<sql::Field>& fields)
+        : state_(placeOf(fields, "RecurrenceState")),
+          master_(placeOf(fields, "recurringEventId")),
+          start_(placeOf(fields, "RExceptionStartTimeOrig")),
+          known_(std::max({state_, master_, start_}) < fields.size()) {}
+
+    std::optional<FullRead::PassedOver> of(const sql::RowStream& row) const {
+        constexpr int kException = 3;
+        if (!known_ || row.value(state_) != Variant(kException)) {
+            return std::nullopt;
+        }
+        const Variant master = row.value(master_);
+        const Variant start = row.value(start_);
+        const auto* date = start.get<DateTime>();
+        if (date == nullptr || date->isZero() || master.isNull() || master.toText().empty()) {
+            return std::nullopt;
+        }
+        return FullRead::PassedOver{master.toText(), *date};
+    }
+
+private:
+    static std::size_t placeOf(const std::vector<sql::Field>& fields, std::string_view name) {
+        const auto found = std::find_if(fields.begin(), fields.end(), [&](const sql::Field& field) {
+            return text::equalsNoCase(field.name, name);
+        });
+        return static_cast<std::size_t>(found - fields.begin());
+    }
+
+    std::size_t state_;
+    std::size_t master_;
+    std::size_t start_;
+    bool known_;
+};
 
 }  // namespace
 
@@ -49,13 +89,14 @@ std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
 
 // Both the rows that come and those that are known are in the order of their places.
 FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& before,
-                                const Make& make) const {
+                                const Make& make) {
     std::vector<RecordSet::Field> fields;
     for (const sql::Field& field : stream.fields()) {
         fields.push_back(RecordSet::fieldOf(field));
     }
     const TimeZone local = TimeZone::local();
     const RowReader reader(fields, local);
+    const ReplacedIn exceptions(stream.fields());
     Rows rows;
     rows.reserve(rows_.size());
     auto known = rows_.begin();
@@ -78,6 +119,8 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
                 row.event = stillValid(held, row.event);
             }
             row.state = stateOf(*row.event);
+        } else if (auto replaced = exceptions.of(stream)) {
+            passedOver_.push_back(std::move(*replaced));
         }
         rows.push_back(std::move(row));
     }

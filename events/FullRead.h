@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/TimeZone.h"
@@ -29,6 +30,15 @@ public:
     std::shared_ptr<GenCollection> read(DBRemindUtils& db, const std::string& statement,
                                         const GenCollection& before, const Make& make);
 
+    /// An exception to the series `master` (its id) that the condition of a statement passed over:
+    /// it is finished or deleted, and `start` is no occurrence of the series all the same.
+    struct PassedOver {
+        std::string master;
+        DateTime start;
+    };
+    /// Those that the reads have met since the last call.
+    std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
+
     /// The next read decodes every row.
     void forget() { rows_.clear(); }
 
@@ -41,12 +51,13 @@ private:
     };
     using Rows = std::vector<Row>;
 
-    Rows stream(sql::RowStream& stream, const GenCollection& before, const Make& make) const;
+    Rows stream(sql::RowStream& stream, const GenCollection& before, const Make& make);
     std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
     static std::shared_ptr<GenCollection> collected(const Rows& rows);
 
     std::string statement_;
     Rows rows_;
+    std::vector<PassedOver> passedOver_;
     std::uint64_t stamp_ = 0;  // of the collection that they filled
 };
 

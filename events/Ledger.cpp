@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "LedgerLines.h"
+#include "app/Files.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "base/Variant.h"
@@ -87,25 +88,43 @@ void Ledger::load() {
             log_.push_back(guidHash(entry.GUID));
         }
     }
+    if (fresh->replaced != content_->replaced) {
+        ++replacedVersion_;
+    }
     content_ = std::move(fresh);
+}
+
+// One file is one database, however its name is written: absolute or not, over a link or not.
+const std::string& Ledger::nameOf(std::string_view database) const {
+    const auto known = names_.find(database);
+    return known != names_.end()
+               ? known->second
+               : names_.emplace(std::string(database), fullPath(database)).first->second;
 }
 
 void Ledger::ReadAgain() {
     const ErrScope scope;
+    // A link may lead elsewhere by now; one that leads nowhere for a while is what it was.
+    for (auto& [given, name] : names_) {
+        if (fileExists(given)) {
+            name = fullPath(given);
+        }
+    }
     if (file_ && file_->changed()) {
         attempt([&] { load(); });
     }
 }
 
 const EventState* Ledger::find(std::string_view database, std::string_view GUID) const {
-    const auto found = content_->events.find(ledger::keyOf(database, GUID));
+    const auto found = content_->events.find(ledger::keyOf(nameOf(database), GUID));
     return found != content_->events.end() ? &found->second.state : nullptr;
 }
 
 std::vector<Ledger::Known> Ledger::all(std::string_view database) const {
+    const std::string& name = nameOf(database);
     std::vector<Known> known;
     for (const auto& [key, entry] : content_->events) {
-        if (entry.database == database) {
+        if (entry.database == name) {
             known.push_back({entry.database, entry.GUID, entry.state});
         }
     }
@@ -142,15 +161,17 @@ bool Ledger::store(const std::function<std::string()>& makeLines) {
 
 std::string Ledger::edited(std::string_view database, std::string_view GUID, std::string_view act,
                            const std::function<void(EventState&)>& edit, bool forget) {
-    const std::string key = ledger::keyOf(database, GUID);
-    ledger::Entry entry{std::string(database), std::string(GUID), {}};
+    const std::string key = ledger::keyOf(nameOf(database), GUID);
+    ledger::Entry entry{nameOf(database), std::string(GUID), {}};
     const auto known = content_->events.find(key);
     if (known != content_->events.end()) {
         entry = known->second;
     }
     const EventState before = entry.state;
     if (forget) {
-        entry.state = EventState();
+        EventState fresh;
+        fresh.row = std::move(entry.state.row);  // what stands in the row is still by us
+        entry.state = std::move(fresh);
     }
     edit(entry.state);
     entry.state.tidy();
@@ -185,22 +206,25 @@ bool Ledger::forget(std::string_view database, std::string_view GUID, std::strin
 }
 
 DateTime Ledger::lastCheck(std::string_view database) const {
-    const auto found = content_->checked.find(std::string(database));
-    return found != content_->checked.end() ? found->second : DateTime();
+    const auto found = content_->checked.find(nameOf(database));
+    return found != content_->checked.end() ? earlierOf(found->second, TimeZone::local())
+                                            : DateTime();
 }
 
 void Ledger::noteCheck(std::string_view database, DateTime when) {
-    if (lastCheck(database).date() == when.date()) {
+    const DateTime known = lastCheck(database);
+    if (known.date() == when.date() && known <= when) {
         return;
     }
     store([&] {
-        content_->checked[std::string(database)] = when;
-        return lineEnd(ledger::checkLine(database, when));
+        const Noted noted = notedNow(when);
+        content_->checked[nameOf(database)] = noted;
+        return lineEnd(ledger::checkLine(nameOf(database), noted));
     });
 }
 
-std::vector<DateTime> Ledger::replaced(std::string_view database, std::string_view master) const {
-    const auto found = content_->replaced.find(ledger::keyOf(database, master));
+std::vector<Noted> Ledger::replaced(std::string_view database, std::string_view master) const {
+    const auto found = content_->replaced.find(ledger::keyOf(nameOf(database), master));
     if (found == content_->replaced.end()) {
         return {};
     }
@@ -208,10 +232,11 @@ std::vector<DateTime> Ledger::replaced(std::string_view database, std::string_vi
 }
 
 std::vector<Ledger::Replaced> Ledger::allReplaced(std::string_view database) const {
+    const std::string& name = nameOf(database);
     std::vector<Replaced> all;
     for (const auto& [key, starts] : content_->replaced) {
         const auto& [base, master] = content_->masters.at(key);
-        if (base == database) {
+        if (base == name) {
             all.push_back({master, {starts.begin(), starts.end()}});
         }
     }
@@ -219,15 +244,37 @@ std::vector<Ledger::Replaced> Ledger::allReplaced(std::string_view database) con
 }
 
 void Ledger::keepReplaced(std::string_view database, std::string_view master, DateTime start) {
-    const std::vector<DateTime> known = replaced(database, master);
-    if (std::binary_search(known.begin(), known.end(), start)) {
+    keepReplaced(database, {{std::string(master), {notedNow(start)}}});
+}
+
+void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>& all) {
+    const std::string name = nameOf(database);
+    const auto isNew = [&](const std::string& master, const Noted& start) {
+        const auto known = content_->replaced.find(ledger::keyOf(name, master));
+        return !longAgo(start.local, clock_.now()) &&
+               (known == content_->replaced.end() || !known->second.contains(start));
+    };
+    const auto anyNew = [&](const Replaced& one) {
+        return std::any_of(one.starts.begin(), one.starts.end(),
+                           [&](const Noted& start) { return isNew(one.master, start); });
+    };
+    if (std::none_of(all.begin(), all.end(), anyNew)) {
         return;
     }
     store([&] {
-        content_->masters[ledger::keyOf(database, master)] = {std::string(database),
-                                                              std::string(master)};
-        content_->replaced[ledger::keyOf(database, master)].insert(start);
-        return lineEnd(ledger::replacedLine(database, master, start));
+        std::string lines;
+        for (const auto& [master, starts] : all) {
+            for (const Noted& start : starts) {
+                if (isNew(master, start)) {
+                    const std::string key = ledger::keyOf(name, master);
+                    content_->masters[key] = {name, master};
+                    content_->replaced[key].insert(start);
+                    lines += lineEnd(ledger::replacedLine(name, master, start));
+                }
+            }
+        }
+        ++replacedVersion_;
+        return lines;
     });
 }
 
@@ -252,8 +299,8 @@ std::string Ledger::compacted(DateTime reference) const {
     }
     for (const auto& [key, starts] : content_->replaced) {
         const auto& [database, master] = content_->masters.at(key);
-        for (const DateTime start : starts) {
-            if (!longAgo(start, reference)) {
+        for (const Noted& start : starts) {
+            if (!longAgo(start.local, reference)) {
                 lines += lineEnd(ledger::replacedLine(database, master, start));
             }
         }
@@ -280,7 +327,7 @@ void Ledger::compact(bool starting) {
     // A clock that is far ahead for once must not make everything look old.
     DateTime latest;
     for (const auto& [database, when] : content_->checked) {
-        latest = std::max(latest, when);
+        latest = std::max(latest, when.local);
     }
     const DateTime now = clock_.now();
     const std::string lines = compacted(latest.isZero() ? now : std::min(now, latest.addDays(1)));

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,13 +24,15 @@ std::uint64_t guidHash(std::string_view GUID);
 /// A file beside the settings, one JSON object a line:
 ///
 ///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
-///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":}],
+///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
+///     "spared":true}],
 ///    "endedBefore":,"openSince":,"said":{"NextReminder":,"Dismissed":},
 ///    "deleting":true,"row":{COLUMN:[before ...,after]}}
-///   {"db":PATH,"checked":TIME}             the last check of a day
-///   {"db":PATH,"master":ID,"replaced":TIME}   a start that an exception has taken over
+///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
+///   {"db":PATH,"master":ID,"replaced":TIME,"utc":}   a start that an exception has taken over
 ///
-/// Times are "yyyy-mm-dd hh:mm:ss"; what is not there is none. A line holds the whole state of the
+/// PATH is the database's full path without links, however its name was given. Times are
+/// "yyyy-mm-dd hh:mm:ss"; what is not there is none. A line holds the whole state of the
 /// occurrences it names and of the event beside them; with "forget" it is all there is. The last
 /// line of an occurrence counts. Lines of an unknown shape are kept, those that are no JSON, a torn
 /// last one among them, are passed over and leave with the next compaction.
@@ -48,7 +51,8 @@ public:
     Ledger(const Ledger&) = delete;
     Ledger& operator=(const Ledger&) = delete;
 
-    /// Reads what others have added since. Costs one look at the file's size and time.
+    /// Reads what others have added since. Costs one look at the file's size and time, and one at
+    /// where each database lies.
     void ReadAgain();
 
     /// Null when nothing is known. Good until the next change or `ReadAgain`.
@@ -75,11 +79,14 @@ public:
     bool change(std::string_view database, std::string_view act,
                 const std::vector<Change>& changes);
 
-    /// Everything about the event is forgotten before `edit` is asked.
+    /// Everything about the event is forgotten before `edit` is asked, but what our acts have put
+    /// into its row.
     bool forget(std::string_view database, std::string_view GUID, std::string_view act,
                 const std::function<void(EventState&)>& edit);
 
-    /// When the database was last checked, not later than this and on the same day; 0: never.
+    /// When the database was last checked: not later than that, and on the same day. Where the
+    /// computer's zone has changed since, the earlier of the same time and the same moment. 0:
+    /// never.
     DateTime lastCheck(std::string_view database) const;
     /// Writes a line for the first check of a day only: a check of a time that has been checked
     /// finds nothing that is not known.
@@ -87,13 +94,18 @@ public:
 
     /// The starts of the series `master` (its id) that exceptions have taken over, although these
     /// may not be there any more; local times, ascending.
-    std::vector<DateTime> replaced(std::string_view database, std::string_view master) const;
+    std::vector<Noted> replaced(std::string_view database, std::string_view master) const;
     struct Replaced {
         std::string master;
-        std::vector<DateTime> starts;
+        std::vector<Noted> starts;
     };
     std::vector<Replaced> allReplaced(std::string_view database) const;
     void keepReplaced(std::string_view database, std::string_view master, DateTime start);
+    /// The same for several, flushed once. What is so old that it would soon be dropped is not
+    /// kept.
+    void keepReplaced(std::string_view database, const std::vector<Replaced>& all);
+    /// Grows with every such start, by whomever.
+    std::uint64_t replacedVersion() const noexcept { return replacedVersion_; }
 
     /// Grows with every change of an event, by whomever.
     std::uint64_t version() const noexcept { return log_.size(); }
@@ -107,6 +119,7 @@ private:
     struct Content;
 
     void load();
+    const std::string& nameOf(std::string_view database) const;
     void write(const std::string& lines);
     bool store(const std::function<std::string()>& makeLines);
     std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
@@ -119,9 +132,11 @@ private:
     std::unique_ptr<Content> content_;
     std::string owed_;                // lines that are not on the disk yet
     std::vector<std::uint64_t> log_;  // `guidHash` of each change, in order
-    std::size_t lines_ = 0;           // in the file
-    std::size_t bytes_ = 0;           // the same
-    bool torn_ = false;               // the file's last line has no end
+    std::uint64_t replacedVersion_ = 0;
+    mutable std::map<std::string, std::string, std::less<>> names_;  // databases, see `nameOf`
+    std::size_t lines_ = 0;                                          // in the file
+    std::size_t bytes_ = 0;                                          // the same
+    bool torn_ = false;  // the file's last line has no end
 };
 
 }  // namespace vl

@@ -1,21 +1,36 @@
 #include "events/LedgerHistory.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "DueRule.h"
 #include "app/TimeZone.h"
 
 namespace vl {
 
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder) const {
-    if ((!uncheckedSince.isZero() && lastReminder >= uncheckedSince) || isListed_(event.GUID)) {
+    if ((!uncheckedSince.isZero() && lastReminder >= uncheckedSince) || isListed_(event.GUID) ||
+        (isMet && !isMet(event))) {
         return true;
     }
     const EventState* state = ledger_.find(db_.DBFullName, event.GUID);
-    const auto replaced = ledger_.replaced(db_.DBFullName, event.id);
-    return hasOpenReminder(event, {state, replaced, TimeZone::local()});
+    const TimeZone here = TimeZone::local();
+    std::vector<DateTime> replaced;
+    for (const Noted& start : ledger_.replaced(db_.DBFullName, event.id)) {
+        replaced.push_back(startIn(event, start, here));
+    }
+    std::sort(replaced.begin(), replaced.end());
+    return hasOpenReminder(event, {state, replaced, here});
 }
 
-void LedgerHistory::keepReplaced(std::string_view master, DateTime start) {
-    ledger_.keepReplaced(db_.DBFullName, master, start);
+void LedgerHistory::keepReplaced(const std::vector<Replaced>& starts) {
+    std::vector<Ledger::Replaced> all;
+    for (const auto& [master, start] : starts) {
+        if (!master.empty() && !start.isZero()) {
+            all.push_back({master, {notedNow(start)}});
+        }
+    }
+    ledger_.keepReplaced(db_.DBFullName, all);
 }
 
 }  // namespace vl

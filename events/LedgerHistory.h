@@ -22,8 +22,12 @@ public:
 
     DateTime uncheckedSince;  ///< no check has asked for reminders from here on; 0: all were
 
+    /// Whether a check has asked for the event as it is; one that no check has is open. None: all
+    /// were.
+    std::function<bool(const calEvent& event)> isMet;
+
     bool isOpen(const calEvent& event, DateTime lastReminder) const override;
-    void keepReplaced(std::string_view master, DateTime start) override;
+    void keepReplaced(const std::vector<Replaced>& starts) override;
 
 private:
     Ledger& ledger_;

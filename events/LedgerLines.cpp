@@ -41,6 +41,9 @@ Json occurrenceJson(const OccurrenceState& one) {
         }
     }
     put(json, "listed", one.listed);
+    if (one.spared) {
+        json["spared"] = true;
+    }
     return json;
 }
 
@@ -51,6 +54,7 @@ OccurrenceState occurrenceOf(const Json& json) {
     one.handled = time(json, "handled");
     one.snoozed = time(json, "snoozed");
     one.listed = time(json, "listed");
+    one.spared = json.value("spared", false);
     for (const auto& [muted, name] : kMutedNames) {
         if (json.value("muted", "") == name) {
             one.muted = muted;
@@ -122,11 +126,11 @@ void Content::take(const std::string& line) {
     if (json.contains("guid")) {
         takeEvent(*this, json);
     } else if (json.contains("checked")) {
-        checked[json.at("db").get<std::string>()] = time(json, "checked");
+        checked[json.at("db").get<std::string>()] = {time(json, "checked"), time(json, "utc")};
     } else if (json.contains("replaced")) {
         const auto database = json.at("db").get<std::string>();
         const auto master = json.at("master").get<std::string>();
-        const DateTime start = time(json, "replaced");
+        const Noted start{time(json, "replaced"), time(json, "utc")};
         masters[keyOf(database, master)] = {database, master};
         replaced[keyOf(database, master)].insert(start);
     } else {
@@ -179,14 +183,16 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string checkLine(std::string_view database, DateTime when) {
-    return Json{{"db", database}, {"checked", formatDateTime(when)}}.dump(
-        -1, ' ', false, Json::error_handler_t::replace);
+std::string checkLine(std::string_view database, const Noted& when) {
+    Json json{{"db", database}, {"checked", formatDateTime(when.local)}};
+    put(json, "utc", when.utc);
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string replacedLine(std::string_view database, std::string_view master, DateTime start) {
-    return Json{{"db", database}, {"master", master}, {"replaced", formatDateTime(start)}}.dump(
-        -1, ' ', false, Json::error_handler_t::replace);
+std::string replacedLine(std::string_view database, std::string_view master, const Noted& start) {
+    Json json{{"db", database}, {"master", master}, {"replaced", formatDateTime(start.local)}};
+    put(json, "utc", start.utc);
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace vl::ledger

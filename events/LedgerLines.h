@@ -24,9 +24,9 @@ struct Entry {
 
 /// Everything the lines say, the later over the earlier.
 struct Content {
-    std::unordered_map<std::string, Entry> events;       // by `keyOf`
-    std::map<std::string, DateTime> checked;             // by database
-    std::map<std::string, std::set<DateTime>> replaced;  // by `keyOf` of the master's id
+    std::unordered_map<std::string, Entry> events;    // by `keyOf`
+    std::map<std::string, Noted> checked;             // by database
+    std::map<std::string, std::set<Noted>> replaced;  // by `keyOf` of the master's id
     std::map<std::string, std::pair<std::string, std::string>> masters;  // the same: database, id
     std::vector<std::string> foreign;  // lines of an unknown shape
 
@@ -40,7 +40,7 @@ std::string keyOf(std::string_view database, std::string_view id);
 /// One line without its end: what is different in `now` from `before`.
 std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,
                       DateTime when);
-std::string checkLine(std::string_view database, DateTime when);
-std::string replacedLine(std::string_view database, std::string_view master, DateTime start);
+std::string checkLine(std::string_view database, const Noted& when);
+std::string replacedLine(std::string_view database, std::string_view master, const Noted& start);
 
 }  // namespace vl::ledger

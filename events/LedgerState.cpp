@@ -59,6 +59,16 @@ std::string columnText(const calEvent& event, std::string_view column) {
     return flag != nullptr ? Variant(value.toInt32()).toText() : value.toText();
 }
 
+Noted notedNow(DateTime local) { return {local, TimeZone::local().toUtc(local)}; }
+
+DateTime earlierOf(const Noted& when, const TimeZone& here) {
+    return when.utc.isZero() ? when.local : std::min(when.local, here.fromUtc(when.utc));
+}
+
+DateTime startIn(const calEvent& series, const Noted& start, const TimeZone& here) {
+    return series.HasOwnZone() && !start.utc.isZero() ? here.fromUtc(start.utc) : start.local;
+}
+
 bool rowSpeaks(const calEvent& event, const EventState* state) {
     for (const std::string_view column : {kStateColumns[0], kStateColumns[1]}) {
         const ColumnNote* note = state != nullptr ? state->note(column) : nullptr;

@@ -1,30 +1,45 @@
 // What the user has dealt with, event by event and occurrence by occurrence.
 #pragma once
 
+#include <compare>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "app/TimeZone.h"
 #include "base/DateTime.h"
 
 namespace vl {
 
 class calEvent;
 
+/// A time on the computer's clock, and the moment that it was there.
+struct Noted {
+    DateTime local;
+    DateTime utc;  ///< 0: not known
+    friend auto operator<=>(const Noted&, const Noted&) = default;
+};
+/// `local`, as the computer's clock shows it now.
+Noted notedNow(DateTime local);
+/// The earlier of the same time and the same moment on the clock of `here`.
+DateTime earlierOf(const Noted& when, const TimeZone& here);
+
 /// On disk by name; see `Ledger`.
 enum class Muted { No, ThroughStart, ForEver };
 
-/// One occurrence of an event. All times but `snoozed` are on the wall clock of the event's series
-/// (`calEvent::ToWall`), so they mean the same reminder wherever the computer is. 0: none.
+/// One occurrence of an event. It is known by its start on the wall clock of the event's zone
+/// (`calEvent::ToWall`), its reminders by their moments (`calEvent::ToMoment`): so they are the
+/// same wherever the computer is. 0: none.
 struct OccurrenceState {
     DateTime start;    ///< by this it is known
-    DateTime end;      ///< when it is over
-    DateTime handled;  ///< reminders up to this time, included, are dealt with
-    DateTime snoozed;  ///< in UTC: a moment, and no time of the occurrence
+    DateTime end;      ///< when it is over, on the same clock
+    DateTime handled;  ///< reminders up to this moment, included, are dealt with
+    DateTime snoozed;  ///< in UTC
     Muted muted = Muted::No;
-    DateTime listed;  ///< the time of the reminder it was listed with; 0 after an act on it
+    DateTime listed;      ///< the moment of the reminder it was listed with; 0 after an act on it
+    bool spared = false;  ///< it was snoozed when those around it were ended
 
     /// False: the same as if there were no entry.
     bool saysAnything() const {
@@ -54,9 +69,9 @@ struct RowWord {
 
 struct EventState {
     std::vector<OccurrenceState> occurrences;  ///< by start
-    /// Wall time: occurrences that begin before it are ended, unless they are snoozed.
+    /// Wall time: occurrences that begin before it are ended, unless they are spared.
     DateTime endedBefore;
-    /// Wall time: what fell due from here on may not have been shown, since another reminder of the
+    /// A moment: what fell due from here on may not have been shown, since another reminder of the
     /// event stood in the list.
     DateTime openSince;
     DateTime acted;  ///< local; when the last act was
@@ -83,6 +98,10 @@ inline constexpr std::string_view kStateColumns[] = {"NextReminder", "Dismissed"
 
 /// A state column of the event as its note writes it.
 std::string columnText(const calEvent& event, std::string_view column);
+
+/// Where an occurrence of `series` that began then begins on the computer's clock as it is now:
+/// at the same moment where the series has a zone of its own, else at the same time.
+DateTime startIn(const calEvent& series, const Noted& start, const TimeZone& here);
 
 /// Whether the row speaks for itself: it shows what no act of ours has put there.
 bool rowSpeaks(const calEvent& event, const EventState* state);

@@ -226,11 +226,11 @@ DateTime Recurrence::previous(DateTime before) const { return lastUpTo(toSeconds
 DateTime Recurrence::last() const { return endless() ? DateTime() : lastUpTo(latest_); }
 
 DateTime Recurrence::toWall(DateTime local) const {
-    return allDay_ || zone_.same(local_) ? local : zone_.fromUtc(local_.toUtc(local));
+    return !hasOwnZone() ? local : zone_.fromUtc(local_.toUtc(local));
 }
 
 DateTime Recurrence::fromWall(DateTime wall) const {
-    return allDay_ || zone_.same(local_) ? wall : local_.fromUtc(zone_.toUtc(wall));
+    return !hasOwnZone() ? wall : local_.fromUtc(zone_.toUtc(wall));
 }
 
 }  // namespace vl

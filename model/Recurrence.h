@@ -93,6 +93,8 @@ public:
     /// time wherever the computer is.
     DateTime toWall(DateTime local) const;
     DateTime fromWall(DateTime wall) const;
+    /// False: its wall clock is the computer's.
+    bool hasOwnZone() const { return !allDay_ && !zone_.same(local_); }
 
     /// "Every 2 weeks on Monday and Friday until 3 March 2027"; empty when there is no usable rule
     /// and no added date. `RRULE` is the text that `load` gave.

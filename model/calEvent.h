@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -274,10 +275,16 @@ public:
     /// When the occurrence at `start` is over: of an all-day event the midnight after its last day.
     DateTime EndOf(DateTime start) const;
 
-    /// A local time on the wall clock of the series' zone, and back; of an event without a series
-    /// the time itself. By its wall time an occurrence is known wherever the computer is.
+    /// A local time on the wall clock of the zone that the event's `JSON` names, and back; without
+    /// such a zone, and all day, the time itself. By its wall time an occurrence is known wherever
+    /// the computer is. Of an event that is no series the text is looked through each time.
     DateTime ToWall(DateTime local) const;
     DateTime FromWall(DateTime wall) const;
+    /// The same for times of which two must never be one: in UTC where the event has a zone.
+    /// Between two of them lies the same time wherever the computer is.
+    DateTime ToMoment(DateTime local) const;
+    DateTime FromMoment(DateTime moment) const;
+    bool HasOwnZone() const;
 
     /// "Every 2 weeks on Monday"; empty when the event does not repeat.
     std::string RecurrenceInWords() const;
@@ -308,7 +315,8 @@ public:
     std::string WhenText(DateTime RepDate, const DateWords& words) const;
 
 private:
-    std::string zoneOfSeries() const;
+    std::string zoneName() const;
+    std::optional<TimeZone> zoneOfOne() const;
 
     std::shared_ptr<const Recurrence> compiled_;  // null: does not repeat, or not loaded
 };

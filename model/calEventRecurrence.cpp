@@ -95,7 +95,7 @@ DateTime utcOfStart(const std::string& json, const TimeZone& zone) {
 
 }  // namespace
 
-std::string calEvent::zoneOfSeries() const {
+std::string calEvent::zoneName() const {
     StartMember zone("timeZone");
     if (!IsAllDayEvent) {
         nlohmann::json::sax_parse(JSON, &zone);
@@ -123,7 +123,7 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
         const std::size_t first = recurrence.find_first_not_of(" \t\r\n");
         const bool isArray = first != std::string::npos && recurrence[first] == '[';
         Recurrence::Source source{isArray ? recurrence : "", StartDateTime, IsAllDayEvent, {}};
-        attempt([&] { source.zone = zoneOfSeries(); });
+        attempt([&] { source.zone = zoneName(); });
         attempt([&] {
             if (!source.zone.empty()) {
                 source.utc = utcOfStart(JSON, TimeZone::named(source.zone).value_or(local));
@@ -210,12 +210,41 @@ DateTime calEvent::EndOf(DateTime start) const {
     return IsAllDayEvent ? end.addDays(1) : end;
 }
 
+// Of an event that is no series. Most texts name no zone, and a look is cheaper than a parser.
+std::optional<TimeZone> calEvent::zoneOfOne() const {
+    if (JSON.find("timeZone") == std::string::npos) {
+        return std::nullopt;
+    }
+    const std::string name = zoneName();
+    return name.empty() ? std::nullopt : TimeZone::named(name);
+}
+
 DateTime calEvent::ToWall(DateTime local) const {
-    return compiled_ && !local.isZero() ? compiled_->toWall(local) : local;
+    if (compiled_ || local.isZero()) {
+        return local.isZero() ? local : compiled_->toWall(local);
+    }
+    const auto zone = zoneOfOne();
+    return zone ? zone->fromUtc(TimeZone::local().toUtc(local)) : local;
 }
 
 DateTime calEvent::FromWall(DateTime wall) const {
-    return compiled_ && !wall.isZero() ? compiled_->fromWall(wall) : wall;
+    if (compiled_ || wall.isZero()) {
+        return wall.isZero() ? wall : compiled_->fromWall(wall);
+    }
+    const auto zone = zoneOfOne();
+    return zone ? TimeZone::local().fromUtc(zone->toUtc(wall)) : wall;
+}
+
+DateTime calEvent::ToMoment(DateTime local) const {
+    return HasOwnZone() && !local.isZero() ? TimeZone::local().toUtc(local) : local;
+}
+
+DateTime calEvent::FromMoment(DateTime moment) const {
+    return HasOwnZone() && !moment.isZero() ? TimeZone::local().fromUtc(moment) : moment;
+}
+
+bool calEvent::HasOwnZone() const {
+    return compiled_ ? compiled_->hasOwnZone() : zoneOfOne().has_value();
 }
 
 std::string calEvent::RecurrenceInWords() const {

@@ -16,19 +16,26 @@ constexpr const char* kHidden = "Hidden";
 constexpr const char* kStatus = "status";
 constexpr const char* kAllDone = "AllDone";
 
-/// Who writes which column.
+/// Who writes which column, and of which type it is.
 struct Writer {
     const char* column;
     std::int64_t (calEvent::*save)(DBRemindUtils&) const;
+    int type;
 };
-constexpr Writer kWriters[] = {{kNextReminder, &calEvent::SaveNextReminderDB},
-                               {kDismissed, &calEvent::SaveDismissedDB},
-                               {kHidden, &calEvent::SaveHiddenDB},
-                               {kStatus, &calEvent::SaveStatusDB}};
+constexpr Writer kWriters[] = {
+    {kNextReminder, &calEvent::SaveNextReminderDB, DBRemindUtils::kDateTime},
+    {kDismissed, &calEvent::SaveDismissedDB, DBRemindUtils::kDateTime},
+    {kHidden, &calEvent::SaveHiddenDB, DBRemindUtils::kYesNo},
+    {kStatus, &calEvent::SaveStatusDB, DBRemindUtils::kText}};
 
 std::shared_ptr<calEvent> heldBy(const std::shared_ptr<GenCollection>& set,
                                  const std::string& GUID) {
     return set && set->Exists(GUID) ? objectAt<calEvent>(*set, GUID) : nullptr;
+}
+
+// The statement named a column that the table has not (any more).
+bool lacksColumn(const DBRemindUtils& db) {
+    return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
 }
 
 // The row is written later: others hold the file, the disk does not answer or is not there.
@@ -59,6 +66,21 @@ const char* nameOf(DismissMode mode) {
     return mode == DismissMode::This          ? "this"
            : mode == DismissMode::AllButAfter ? "all but after"
                                               : "all";
+}
+
+// What was marked as done is the event's last occurrence; the host may have moved it since, or
+// added others.
+bool isStillDone(const calEvent& event, const EventState& state) {
+    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
+    const OccurrenceState* one = state.find(event.ToWall(last));
+    return one != nullptr && one->muted == Muted::ForEver;
+}
+
+// Whether that text is still to be written into the event's column.
+bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
+    const ColumnNote* note = state.note(column);
+    return note != nullptr && note->waits(columnText(event, column)) &&
+           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
 }
 
 // Something of the event is still to come, beside the occurrence: it must go on being read.
@@ -119,6 +141,17 @@ ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
     return {event, start, clock_.now(), TimeZone::local()};
 }
 
+// An event that is to be shown again is not all done, though a view may still have it from before,
+// and the checks have it no more.
+void Acts::bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
+                     std::vector<std::string>& columns) {
+    if (text::equalsNoCase(event->status, kAllDone)) {
+        wanted.status.clear();
+        columns.emplace_back(kStatus);
+        reminders_.Add(event, event->GUID);
+    }
+}
+
 bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
     const ErrScope scope;
     if (minutes <= 0) {
@@ -128,8 +161,10 @@ bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
         const auto event = EventOf(row);
         calEvent wanted(*event);
         wanted.NextReminder = clock_.now().addMinutes(minutes);
+        std::vector<std::string> columns{kNextReminder};
+        bringBack(event, wanted, columns);
         const ActOn act = actOn(*event, row);
-        apply(row, "snooze", wanted, {kNextReminder},
+        apply(row, "snooze", wanted, columns,
               [&](EventState& state) { recordSnooze(state, act, wanted.NextReminder); });
     });
     LeaveNewList(row.event->GUID);
@@ -155,7 +190,9 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
             columns.emplace_back(kNextReminder);
         }
         const ActOn act = actOn(*event, row);
-        const bool isLast = !event->IsRepeating() || event->NextInstance(act.start).isZero();
+        // A row may still show a single event as it was before the host moved it.
+        const bool isLast = event->IsRepeating() ? event->NextInstance(act.start).isZero()
+                                                 : act.start == event->StartDateTime;
         if (markDone && isLast &&
             !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
             wanted.status = kAllDone;
@@ -179,13 +216,16 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
 void Acts::Reactivate(const ActRow& row) {
     const ErrScope scope;
     attempt([&] {
-        calEvent wanted(*EventOf(row));
+        const auto event = EventOf(row);
+        calEvent wanted(*event);
         wanted.NextReminder = DateTime();
         wanted.Dismissed = DateTime();
+        std::vector<std::string> columns{kNextReminder, kDismissed};
+        bringBack(event, wanted, columns);
         const DateTime now = clock_.now();
         apply(
-            row, "reactivate", wanted, {kNextReminder, kDismissed},
-            [&](EventState& state) { state.acted = now; }, true);
+            row, "reactivate", wanted, columns, [&](EventState& state) { state.acted = now; },
+            true);
     });
 }
 
@@ -336,7 +376,12 @@ bool Acts::write(const Write& write) {
         return true;
     }
     for (const Writer& writer : kWriters) {
-        if (write.column == writer.column) {
+        if (write.column != writer.column) {
+            continue;
+        }
+        (carrier.*writer.save)(db_);
+        if (lacksColumn(db_) &&
+            db_.AddField("Reminders", writer.column, writer.type) == ErrNo::None) {
             (carrier.*writer.save)(db_);
         }
     }
@@ -366,7 +411,8 @@ void Acts::RestoreWaiting() {
         for (const CalEvents* set : {&period_, &reminders_}) {
             const auto event = heldBy(set->mCol, write.GUID);
             const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-            if (event && note != nullptr && !note->knows(columnText(*event, write.column))) {
+            if (event && note != nullptr && columnText(*event, write.column) != note->after &&
+                !isWanted(*event, *known, write.column)) {
                 return true;
             }
         }
@@ -399,9 +445,8 @@ void Acts::findLeftOver() {
             continue;
         }
         for (const std::string_view name : kStateColumns) {
-            const ColumnNote* note = one.state.note(name);
-            if (event && note != nullptr && note->waits(columnText(*event, name))) {
-                enqueue({event->GUID, std::string(name), note->after});
+            if (event && isWanted(*event, one.state, name)) {
+                enqueue({event->GUID, std::string(name), one.state.note(name)->after});
             }
         }
     }

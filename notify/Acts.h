@@ -94,6 +94,8 @@ private:
     using Objects = std::vector<std::shared_ptr<calEvent>>;
 
     Objects objectsOf(const ActRow& row) const;
+    void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
+                   std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,

@@ -57,8 +57,15 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
 
 void CheckCycle::ReadAtStart() {
     history_.uncheckedSince = UncheckedSince();
+    const DateTime last = ledger_.lastCheck(db_.DBFullName);
+    history_.isMet = [last](const calEvent& event) {
+        return last.isZero() || event.Modified < last;
+    };
     readAtStart(reminders_, period_, db_, &history_);
     history_.uncheckedSince = DateTime();
+    history_.isMet = [this](const calEvent& event) {
+        return reminders_.mCol && objectAt<calEvent>(*reminders_.mCol, event.GUID).get() == &event;
+    };
 }
 
 void CheckCycle::Tick(int interval) {
@@ -71,7 +78,8 @@ void CheckCycle::Tick(int interval) {
 }
 
 void CheckCycle::check(int interval) {
-    readSets();
+    const DateTime since = UncheckedSince();
+    bool isRead = readSets();
     const DateTime upTo = clock_.now().addSeconds(interval / 1000);
     const auto due = askForDue(upTo);
     if (due->Count() > 0) {
@@ -82,30 +90,81 @@ void CheckCycle::check(int interval) {
         notify(message);
     }
     changeDay();
-    refreshPeriod();
+    isRead = refreshPeriod() && isRead;
     // Now, not the upper bound: what was taken early is found once more, and heard again. But
     // never later than what was asked for: the machine may have slept inside the check.
     state_.dLastUpdated = std::min(clock_.now(), upTo);
-    ledger_.noteCheck(db_.DBFullName, state_.dLastUpdated);
+    noteAsked(isRead, since);
     attempt([&] { screen_.SetIcon(); });
     attempt([&] { db_.CloseDB(); });
 }
 
-void CheckCycle::readSets() {
+// What nobody could read is still to be asked for. Without a database there is nothing to read.
+void CheckCycle::noteAsked(bool isRead, DateTime since) {
+    asked_ = notedNow(state_.dLastUpdated);
+    if (isRead || db_.DBFullName.empty()) {
+        unseen_.reset();
+        ledger_.noteCheck(db_.DBFullName, state_.dLastUpdated);
+    } else if (!unseen_) {
+        unseen_ = notedNow(since);
+    }
+}
+
+// True when the file could be read.
+bool CheckCycle::readSets() {
     ledger_.ReadAgain();
     if (purgeWaits_) {
         deletedLook_ = DBRemindUtils::Look();
     }
     DoRemoveDeleted();
-    readAgain(reminders_, db_, false, false);
+    takeZone();
+    const bool isRead = readAgain(reminders_, db_, false, false);
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
     removeDealtWith();
+    return isRead;
+}
+
+// In another zone the host writes local times anew, and stamps them with local times: the question
+// since the last read would pass them over.
+void CheckCycle::takeZone() {
+    const TimeZone here = TimeZone::local();
+    if (zone_ && !zone_->same(here)) {
+        if (readAgain(period_, db_, true, false)) {
+            reminders_.Adopt(period_);
+        }
+        period_.TakeZone(here);
+        reminders_.TakeZone(here);
+        refillListed();
+    }
+    zone_ = here;
+}
+
+// The rows of the list show local times, and acts are on what they show.
+void CheckCycle::refillListed() {
+    const GenCollection listed = *state_.NewReminders;
+    for (const Variant& item : listed) {
+        const auto row = objectIn<calEvent>(item);
+        const auto event = row && reminders_.mCol && reminders_.mCol->Exists(row->GUID)
+                               ? objectAt<calEvent>(*reminders_.mCol, row->GUID)
+                               : nullptr;
+        if (event && event->HasOwnZone() && reminders_.RecordListed(*event)) {
+            state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
+            attempt([&] { screen_.UpdateItemR(event, kNewRemindersGrid); });
+        }
+    }
 }
 
 DateTime CheckCycle::UncheckedSince() const {
+    const DateTime last = lastAsked();
+    return unseen_ ? std::min(last, earlierOf(*unseen_, TimeZone::local())) : last;
+}
+
+DateTime CheckCycle::lastAsked() const {
     if (!state_.dLastUpdated.isZero()) {
-        return state_.dLastUpdated;
+        return asked_ && asked_->local == state_.dLastUpdated
+                   ? earlierOf(*asked_, TimeZone::local())
+                   : state_.dLastUpdated;
     }
     const DateTime today = clock_.today();
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
@@ -228,14 +287,17 @@ void CheckCycle::fillWithListed() {
     }
 }
 
-void CheckCycle::refreshPeriod() {
-    if (readAgain(period_, db_, true, false)) {
+bool CheckCycle::refreshPeriod() {
+    const bool isRead = readAgain(period_, db_, true, false);
+    if (isRead) {
         reminders_.Adopt(period_);
+        acts_.RestoreWaiting();
         countWithoutStatus();
     }
     if (period_.mCol && period_.mCol->Count() > 0) {
         attempt([&] { screen_.DoPeriod(); });
     }
+    return isRead;
 }
 
 // The query wants a status, and a null is none: nobody would see such rows.
@@ -301,15 +363,17 @@ bool CheckCycle::keepReplacedStarts() {
     const auto rows = db_.OpenRS(
         "SELECT recurringEventId, RExceptionStartTimeOrig FROM Reminders WHERE Deleted=True AND "
         "RecurrenceState=3 AND RExceptionStartTimeOrig is not Null;");
+    std::vector<EventHistory::Replaced> starts;
     for (; !rows->EOF_(); rows->MoveNext()) {
         attempt([&] {
             const Variant& master = rows->value("recurringEventId");
             if (!master.isNull()) {
-                history_.keepReplaced(master.toText(),
-                                      rows->value("RExceptionStartTimeOrig").toDateTime());
+                starts.push_back(
+                    {master.toText(), rows->value("RExceptionStartTimeOrig").toDateTime()});
             }
         });
     }
+    history_.keepReplaced(starts);
     // A file without these columns has no exceptions.
     return rows->isOpen() || db_.LastError() == ErrNo::NotFound;
 }
@@ -320,6 +384,10 @@ void CheckCycle::changeDay() {
         state_.CheckDay = clock_.today();
     }
     if (clock_.today() != state_.CheckDay) {
+        // What the host has moved meanwhile is not finished: the set is of the last check.
+        // What is new in it, the next check asks for first.
+        readAgain(period_, db_, true, false);
+        acts_.RestoreWaiting();
         attempt([&] { period_.UpdateAllDone(&history_); });
         attempt([&] { reminders_.RemoveAllDoneOf(period_); });
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,7 +37,9 @@ public:
     void Tick(int interval);
 
     /// From when on the next check asks: the last check, or for the first one of a run midnight,
-    /// or the last check of an earlier run when that lies before it, at most 30 days back.
+    /// or the last check of an earlier run when that lies before it, at most 30 days back. A check
+    /// that could not read the file does not count. Where the computer's zone has changed since, it
+    /// is the earlier of the same time and the same moment.
     DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets, and purges their
@@ -55,7 +58,11 @@ private:
     };
 
     void check(int interval);
-    void readSets();
+    bool readSets();
+    void takeZone();
+    void refillListed();
+    DateTime lastAsked() const;
+    void noteAsked(bool isRead, DateTime since);
     void removeDealtWith();
     void changeDay();
     void removeEvent(const std::string& GUID);
@@ -69,7 +76,7 @@ private:
     void deliver(const std::string& title, const std::string& message);
     std::string title() const;
     void fillWithListed();
-    void refreshPeriod();
+    bool refreshPeriod();
     void countWithoutStatus();
 
     CalEvents& reminders_;
@@ -81,6 +88,9 @@ private:
     Ledger& ledger_;
     Acts& acts_;
     LedgerHistory history_;
+    std::optional<TimeZone> zone_;  // the computer's, at the last check
+    std::optional<Noted> asked_;    // the end of the last check
+    std::optional<Noted> unseen_;   // no check since then could read the file
     bool purgeWaits_ = false;
     DBRemindUtils::Look deletedLook_;  // when the deleted rows were asked for
     DBRemindUtils::Look statusLook_;   // when the rows without a status were counted

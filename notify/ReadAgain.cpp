@@ -20,7 +20,7 @@ bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool Includ
 }
 
 void readAtStart(CalEvents& reminders, CalEvents& period, const DBRemindUtils& db,
-                 const EventHistory* history) {
+                 EventHistory* history) {
     readAgain(period, db, true, false);
     period.UpdateAllDone(history);
     period.RemoveAllDone();

@@ -17,6 +17,6 @@ bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool Includ
 /// leaves that out, and reads what was changed meanwhile; both sets then hold the same. Never
 /// throws.
 void readAtStart(CalEvents& reminders, CalEvents& period, const DBRemindUtils& db,
-                 const EventHistory* history);
+                 EventHistory* history);
 
 }  // namespace vl

@@ -16,6 +16,10 @@ namespace vl::platform {
 std::filesystem::path pathOf(std::string_view text);
 std::string textOf(const std::filesystem::path& path);
 
+/// The path from the root, without links, as far as it leads to something. Throws `Error` or what
+/// the standard library throws.
+std::string fullPath(const std::string& path);
+
 /// Where the system keeps programs' data, for all users or this one, without our own folder.
 /// Empty when it cannot be told.
 std::string dataRoot(bool allUsers);

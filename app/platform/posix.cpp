@@ -66,6 +66,10 @@ private:
 fs::path pathOf(std::string_view text) { return fs::path(text); }
 std::string textOf(const fs::path& path) { return path.string(); }
 
+std::string fullPath(const std::string& path) {
+    return textOf(fs::weakly_canonical(fs::absolute(pathOf(path))));
+}
+
 std::string dataRoot(bool allUsers) {
     // A relative path in these variables is to be ignored.
     const char* named = std::getenv(allUsers ? "XDG_DATA_HOME" : "XDG_CONFIG_HOME");

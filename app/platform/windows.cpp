@@ -19,6 +19,25 @@ namespace fs = std::filesystem;
 fs::path pathOf(std::string_view text) { return fs::path(wide(text)); }
 std::string textOf(const fs::path& path) { return narrow(path.native()); }
 
+// The system's own spelling: names are found in any case.
+std::string fullPath(const std::string& path) {
+    const HANDLE file = CreateFileW(pathOf(path).c_str(), FILE_READ_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return textOf(fs::weakly_canonical(fs::absolute(pathOf(path))).make_preferred());
+    }
+    std::wstring name(GetFinalPathNameByHandleW(file, nullptr, 0, VOLUME_NAME_DOS), L'\0');
+    name.resize(GetFinalPathNameByHandleW(file, name.data(), static_cast<DWORD>(name.size()),
+                                          VOLUME_NAME_DOS));
+    CloseHandle(file);
+    constexpr std::wstring_view kLong = L"\\\\?\\";
+    constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
+    return narrow(name.starts_with(kLong) && !name.starts_with(kShare)
+                      ? std::wstring_view(name).substr(kLong.size())
+                      : std::wstring_view(name));
+}
+
 std::string dataRoot(bool allUsers) {
     std::array<wchar_t, MAX_PATH> folder{};
     const int kind = allUsers ? CSIDL_COMMON_APPDATA : CSIDL_APPDATA;

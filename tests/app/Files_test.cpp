@@ -33,6 +33,25 @@ TEST(Files, ExistWhenTheirAttributesCanBeRead) {
     ErrorState::clear();
 }
 
+TEST(Files, HaveOneFullPathHoweverItIsGiven) {
+    const TempFolder folder;
+    fs::create_directory(folder / "sub");
+    writeFile(folder / "sub" / "a.txt", "");
+    fs::create_directory_symlink(folder / "sub", folder / "link");
+    const std::string full = fullPath((folder / "sub" / "a.txt").string());
+    EXPECT_TRUE(fs::path(full).is_absolute());
+    EXPECT_EQ(fullPath(full), full);
+    EXPECT_EQ(fullPath((folder / "link" / "a.txt").string()), full);
+    EXPECT_EQ(fullPath((folder / "sub" / ".." / "link" / "." / "a.txt").string()), full);
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    EXPECT_EQ(fullPath("sub/a.txt"), full);
+    fs::current_path(before);
+    const std::string none = fullPath((folder / "link" / "b.txt").string());
+    EXPECT_EQ(fs::path(none).parent_path(), fs::path(full).parent_path()) << "not there";
+    EXPECT_EQ(fullPath(""), "");
+}
+
 TEST(Files, TakePathsApart) {
     EXPECT_EQ(fileNameOf("C:\\Data\\a.b.txt"), "a.b.txt");
     EXPECT_EQ(fileNameOf("/data/a.txt"), "a.txt");

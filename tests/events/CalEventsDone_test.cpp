@@ -4,6 +4,8 @@
 #include "base/ErrorState.h"
 #include "events/CalEvents.h"
 #include "events/EventHistory.h"
+#include "events/Ledger.h"
+#include "events/LedgerHistory.h"
 #include "support/EventFile.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
@@ -108,7 +110,7 @@ TEST_F(AllDone, AsksTheHistoryWhatIsOpen) {
             asked += event.GUID + formatDateTime(lastReminder) + " ";
             return event.GUID == "{0}";
         }
-        void keepReplaced(std::string_view, DateTime) override {}
+        void keepReplaced(const std::vector<Replaced>&) override {}
         mutable std::string asked;
     } history;
     const calEvent& open = put(at(10, 0, 0, 1));
@@ -180,6 +182,19 @@ TEST_F(AllDone, KeepsPendingErrorAndWorksWithoutEvents) {
     set.RemoveAllDoneStatus();
     EXPECT_EQ(ErrorState::number(), ErrNo::Syntax);
     ErrorState::clear();
+}
+
+// It can still be snoozed where it stands.
+TEST_F(AllDone, WaitsForWhatStandsInTheListWhereverTheHostHasMovedIt) {
+    Ledger ledger(clock);
+    bool listed = true;
+    LedgerHistory history(ledger, db, [&](std::string_view) { return listed; });
+    const calEvent& moved = put(at(9, 0, 0, 10));
+    set.UpdateAllDone(&history);
+    EXPECT_EQ(moved.status, "");
+    listed = false;
+    set.UpdateAllDone(&history);
+    EXPECT_EQ(moved.status, "AllDone");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "../model/ZoneForTest.h"
 #include "base/ErrorState.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
@@ -31,6 +32,11 @@ protected:
     }
     void put(Ledger& ledger, const char* GUID, DateTime start) {
         ledger.change(kDb, GUID, "snooze", [&](EventState& state) { snooze(state, start, start); });
+    }
+    // A start compacts the file.
+    void ledgerStarts(DateTime when) {
+        clock.time = when;
+        const Ledger started(clock, path.string());
     }
     std::size_t lines() const {
         const std::string all = test::readFile(path);
@@ -92,7 +98,7 @@ TEST_F(LedgerFile, WhatIsForgottenIsForgottenOverARestart) {
     const Ledger again(clock, path.string());
     ASSERT_TRUE(again.find(kDb, "{A}"));
     EXPECT_TRUE(again.find(kDb, "{A}")->occurrences.empty());
-    EXPECT_TRUE(again.find(kDb, "{A}")->row.empty());
+    EXPECT_TRUE(again.find(kDb, "{A}")->note("NextReminder")) << "the row still shows what we wrote";
 }
 
 // However the last line was cut off, all before it stand, and what comes after stands, too.
@@ -297,13 +303,78 @@ TEST_F(LedgerFile, KeepsTheStartsThatExceptionsHaveTakenOver) {
         Ledger ledger(clock, path.string());
         ledger.keepReplaced(kDb, "Master", at(10, 0, 27));
         ledger.keepReplaced(kDb, "master", at(10, 0, 27));
-        ledger.keepReplaced(kDb, "master", at(10, 0).addDays(-200));
+        ledger.keepReplaced(kDb, "master", at(10, 0).addDays(-80));
         EXPECT_EQ(lines(), 2U);
     }
-    { const Ledger compacted(clock, path.string()); }
+    ledgerStarts(at(10, 0).addDays(20));
     const Ledger again(clock, path.string());
-    EXPECT_EQ(again.replaced(kDb, "MASTER"), (std::vector<DateTime>{at(10, 0, 27)}));
+    EXPECT_EQ(again.replaced(kDb, "MASTER"), (std::vector<Noted>{notedNow(at(10, 0, 27))}));
     EXPECT_TRUE(again.replaced(kDb, "other").empty());
+}
+
+TEST_F(LedgerFile, ManyStartsAreKeptAtOnceAndOldOnesNotAtAll) {
+    Ledger ledger(clock, path.string());
+    const std::vector<Ledger::Replaced> all = {
+        {"a", {notedNow(at(10, 0, 27)), notedNow(at(10, 0).addDays(-200))}},
+        {"b", {notedNow(at(10, 0, 28))}}};
+    ledger.keepReplaced(kDb, all);
+    EXPECT_EQ(lines(), 2U);
+    const std::uint64_t version = ledger.replacedVersion();
+    ledger.keepReplaced(kDb, all);
+    EXPECT_EQ(lines(), 2U);
+    EXPECT_EQ(ledger.replacedVersion(), version);
+    Ledger other(clock, path.string());
+    other.keepReplaced(kDb, "a", at(10, 0, 29));
+    ledger.ReadAgain();
+    EXPECT_NE(ledger.replacedVersion(), version) << "what another copy has kept";
+    EXPECT_EQ(ledger.replaced(kDb, "a").size(), 2U);
+}
+
+TEST_F(LedgerFile, KnowsADatabaseHoweverItsPathIsWritten) {
+    const fs::path real = folder / "real";
+    fs::create_directory(real);
+    fs::create_directory_symlink(real, folder / "link");
+    test::writeFile(real / "Velmora.RemindDB", "");
+    fs::create_symlink(real / "Velmora.RemindDB", folder / "file");
+    Ledger ledger(clock, path.string());
+    const auto act = [](EventState& state) { snooze(state, at(10, 0), at(10, 0)); };
+    ledger.change((real / "Velmora.RemindDB").string(), "{A}", "snooze", act);
+    const fs::path before = fs::current_path();
+    fs::current_path(real);
+    for (const fs::path& given :
+         {fs::path("Velmora.RemindDB"), fs::path("../link/Velmora.RemindDB"), folder / "file",
+          folder / "link" / ".." / "real" / "." / "Velmora.RemindDB"}) {
+        SCOPED_TRACE(given);
+        EXPECT_TRUE(ledger.find(given.string(), "{a}"));
+        EXPECT_EQ(ledger.all(given.string()).size(), 1U);
+    }
+    ledger.noteCheck("Velmora.RemindDB", at(9, 0));
+    fs::current_path(before);
+    EXPECT_EQ(ledger.lastCheck((folder / "file").string()), at(9, 0));
+    EXPECT_FALSE(ledger.find((real / "Other.RemindDB").string(), "{A}"));
+    // While the link's end is away, the database is the one it was.
+    fs::rename(real, folder / "away");
+    ledger.ReadAgain();
+    EXPECT_TRUE(ledger.find((folder / "file").string(), "{A}"));
+}
+
+TEST_F(LedgerFile, ACheckBeforeTheFirstOneOfItsDayIsNoted) {
+    Ledger ledger(clock, path.string());
+    ledger.noteCheck(kDb, at(10, 0));
+    ledger.noteCheck(kDb, at(8, 0));  // the clock was turned back
+    EXPECT_EQ(Ledger(clock, path.string()).lastCheck(kDb), at(8, 0));
+}
+
+TEST_F(LedgerFile, InAnotherZoneTheLastCheckIsTheEarlierOfTimeAndMoment) {
+    Ledger ledger(clock, path.string());
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        ledger.noteCheck(kDb, at(10, 0));
+    }
+    const test::ZoneForTest west("America/New_York");
+    EXPECT_EQ(ledger.lastCheck(kDb), at(4, 0)) << "the same moment";
+    const test::ZoneForTest east("Asia/Tokyo");
+    EXPECT_EQ(ledger.lastCheck(kDb), at(10, 0)) << "the same time";
 }
 
 TEST_F(LedgerFile, AChangeThatChangesNothingWritesNothing) {

@@ -1,10 +1,17 @@
 #include "notify/Acts.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/types.h>
+#include <unistd.h>
+#endif
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "base/ErrorState.h"
+#include "db/jet/Database.h"
+#include "db/jet/Transaction.h"
 #include "support/Events.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
@@ -361,6 +368,94 @@ TEST_F(ActsOnFile, AWriteThatCanNeverSucceedDoesNotBlockTheOthers) {
     acts.Snooze(dentist(), 15);
     EXPECT_EQ(stored(kDentist)->NextReminder, at(14, 5));
 }
+
+/// A table that lacks what later versions have added.
+class OldFile : public testing::Test {
+protected:
+    void make() {
+        jet::Database::create(db.DBFullName, [](jet::Database& file) {
+            file.createTable("Reminders",
+                             std::vector<jet::NewColumn>{{"GUID", jet::ColumnType::Text, 50}});
+        });
+        auto file = jet::Database::open(db.DBFullName, jet::Access::ReadWrite);
+        jet::Transaction change(file);
+        file.table("Reminders").insert(std::vector<jet::Table::Change>{{0, "A"}});
+        change.commit();
+    }
+    Variant stored(const char* column) {
+        const auto rows = db.OpenRS("SELECT * FROM Reminders WHERE GUID=\"A\"");
+        Variant value = rows->EOF_() ? Variant() : rows->value(column);
+        db.CloseDB();
+        return value;
+    }
+
+    test::TempFolder folder;
+    test::ManualClock clock{at(13, 50)};
+    DBRemindUtils db = [this] {
+        DBRemindUtils utils;
+        utils.DBFullName = (folder / "Velmora.RemindDB").string();
+        return utils;
+    }();
+    CalEvents set{db, clock};
+    Ledger ledger{clock, (folder / "VLReminders.ledger").string()};
+    ReminderState state;
+    Acts acts{set, set, db, clock, ledger, state};
+    ActRow row{test::single("A", at(14, 0), {15}), at(14, 0), at(13, 45)};
+};
+
+TEST_F(OldFile, AColumnThatIsMissingIsAddedAndTheActWritten) {
+    make();
+    acts.Snooze(row, 15);
+    acts.Hide(row);
+    acts.Dismiss(row, DismissMode::All, true);
+    EXPECT_EQ(state.waitingWrites, 0);
+    EXPECT_EQ(stored("Dismissed").toDateTime(), at(13, 50));
+    EXPECT_EQ(stored("NextReminder").toDateTime(), at(14, 5));
+    EXPECT_EQ(stored("Hidden"), Variant(true));
+    EXPECT_EQ(stored("status"), Variant("AllDone"));
+}
+
+TEST_F(OldFile, SoIsWhatHasWaitedForTheFile) {
+    acts.Snooze(row, 15);
+    EXPECT_EQ(state.waitingWrites, 1);
+    make();
+    acts.WriteWaiting();
+    EXPECT_EQ(state.waitingWrites, 0);
+    EXPECT_EQ(stored("NextReminder").toDateTime(), at(14, 5));
+}
+
+#ifndef _WIN32
+// In a process of its own: to root no file is protected.
+TEST_F(ActsOnFile, AFileThatMayOnlyBeReadIsWrittenWhenItMayBeAgain) {
+    constexpr uid_t kNobody = 65534;
+    const auto body = [&] {
+        EXPECT_TRUE(geteuid() != 0 || setuid(kNobody) == 0);
+        acts.Snooze(dentist(), 15);
+        EXPECT_EQ(state.waitingWrites, 1);
+        EXPECT_TRUE(stored(kDentist)->NextReminder.isZero());
+        EXPECT_EQ(in(period, kDentist)->NextReminder, at(14, 5)) << "it holds all the same";
+        Ledger again(clock, (folder / "VLReminders.ledger").string());
+        CalEvents set(db, clock);
+        set.ReadDB(true, false);
+        ReminderState fresh;
+        Acts next(set, set, db, clock, again, fresh);
+        next.RestoreWaiting();
+        next.WriteWaiting();
+        EXPECT_EQ(fresh.waitingWrites, 1) << "also over a restart";
+        fs::permissions(db.DBFullName, fs::perms::owner_write, fs::perm_options::add);
+        next.WriteWaiting();
+        EXPECT_EQ(fresh.waitingWrites, 0);
+        EXPECT_EQ(stored(kDentist)->NextReminder, at(14, 5));
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+    };
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(db.DBFullName, fs::perms::owner_read);
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(db.DBFullName.c_str(), kNobody, kNobody), 0);
+    }
+    EXPECT_EXIT(body(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 /// A host's file with the dentist's event and its item, among others.
 class Deleting : public ActsOnFile {

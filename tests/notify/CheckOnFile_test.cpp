@@ -96,7 +96,8 @@ TEST_F(CheckOnFile, PurgesWhatIsMarkedAsDeletedAndSaysFirstWhatExceptionsReplace
     EXPECT_EQ(rows("Deleted=True"), 0U);
     EXPECT_EQ(rows("GUID is not Null"), all - marked);
     ASSERT_FALSE(master.empty());
-    EXPECT_EQ(ledger.replaced(db.DBFullName, master), std::vector<DateTime>{at(10, 0, 0, 23)});
+    EXPECT_EQ(ledger.replaced(db.DBFullName, master),
+              std::vector<Noted>{notedNow(at(10, 0, 0, 23))});
 }
 
 TEST_F(CheckOnFile, APurgeThatFailsIsTriedAgainByTheNextCheckOnly) {

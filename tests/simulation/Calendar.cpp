@@ -47,15 +47,16 @@ Seconds seconds(DateTime time) { return time.milliseconds() / 1000; }
 
 bool Plan::sameTimes(const Plan& other) const {
     return start == other.start && length == other.length && zone == other.zone &&
-           everyDays == other.everyDays && count == other.count && reminders == other.reminders &&
-           excluded == other.excluded && cancelled == other.cancelled;
+           allDay == other.allDay && everyDays == other.everyDays && count == other.count &&
+           reminders == other.reminders && excluded == other.excluded &&
+           cancelled == other.cancelled;
 }
 
-std::vector<Occurrence> Plan::occurrences(Seconds from, Seconds to) const {
+std::vector<Occurrence> Plan::occurrences(Seconds from, Seconds to, Zone here) const {
     std::vector<Occurrence> found;
-    const auto add = [&](Seconds key, Seconds wall) {
-        const Seconds local = toWall(kHere, toUtc(zone, wall));
-        if (local >= from && local <= to && !excluded.contains(wall)) {
+    const auto add = [&](Seconds key) {
+        const Seconds local = toLocal(key, here);
+        if (local >= from && local <= to && !excluded.contains(key)) {
             found.push_back({key, local, local + length});
         }
     };
@@ -63,43 +64,56 @@ std::vector<Occurrence> Plan::occurrences(Seconds from, Seconds to) const {
         return found;
     }
     if (!isSeries()) {
-        add(0, start);
+        add(start);
         return found;
     }
     const Seconds step = everyDays * kDay;
     Seconds n = from - kDay > start ? (from - kDay - start) / step : 0;
     for (; start + n * step <= to + kDay && (count == 0 || n < count); ++n) {
-        add(start + n * step, start + n * step);
+        add(start + n * step);
     }
     return found;
 }
 
-std::optional<Occurrence> Plan::last() const {
+std::optional<Occurrence> Plan::occurrenceOf(Seconds key, Zone here) const {
+    const Seconds local = toLocal(key, here);
+    const auto all = occurrences(local, local, here);
+    return all.empty() ? std::nullopt : std::optional(all.front());
+}
+
+std::optional<Seconds> Plan::lastKey() const {
     if (isSeries() && count == 0) {
         return std::nullopt;
     }
-    const auto all = occurrences(0, start + (isSeries() ? count * everyDays : 1) * kDay + 2 * kDay);
-    return all.empty() ? std::nullopt : std::optional(all.back());
+    for (int n = isSeries() ? count - 1 : 0; n >= 0; --n) {
+        const Seconds key = start + n * everyDays * kDay;
+        if (!excluded.contains(key) && !cancelled) {
+            return key;
+        }
+    }
+    return std::nullopt;
 }
 
 std::shared_ptr<calEvent> rowOf(const Plan& plan, const std::string& GUID, const std::string& id,
-                                Seconds modified) {
+                                Seconds modified, Zone here) {
     auto row = std::make_shared<calEvent>();
     row->GUID = GUID;
     row->id = id;
     row->Subject = "Event " + id;
-    row->StartDateTime = dateTime(toWall(kHere, toUtc(plan.zone, plan.start)));
-    row->EndDateTime = dateTime(seconds(row->StartDateTime) + plan.length);
+    const Seconds start = plan.toLocal(plan.start, here);
+    row->StartDateTime = dateTime(start);
+    row->EndDateTime = dateTime(start + plan.length - (plan.allDay ? kDay : 0));
+    row->IsAllDayEvent = plan.allDay;
     row->Modified = dateTime(modified);
     row->recurrence = recurrenceOf(plan);
     row->RecurrenceState = plan.isSeries() ? 1 : plan.replaces ? 3 : 0;
     row->reminders = remindersOf(plan);
-    if (plan.zone != kHere) {
-        row->JSON = R"({"start":{"timeZone":"America/New_York"}})";
+    if (plan.zone) {
+        row->JSON = std::string(R"({"start":{"timeZone":")") + nameOf(*plan.zone) + R"("}})";
     }
     if (plan.replaces) {
         row->recurringEventId = plan.master;
-        row->RExceptionStartTimeOrig = dateTime(*plan.replaces);
+        row->RExceptionStartTimeOrig = dateTime(plan.toLocal(*plan.replaces, here));
         row->ISRecurrenceExceptionDeleted = plan.cancelled ? 1 : 0;
     }
     return row;

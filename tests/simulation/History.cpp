@@ -1,65 +1,81 @@
 #include "History.h"
 
+#include <algorithm>
 #include <array>
+#include <istream>
 #include <ostream>
+#include <random>
+#include <sstream>
+#include <stdexcept>
 
 namespace vl::simulation {
 
 namespace {
 
-constexpr std::array kNames = {"Wait",     "Check",     "Sleep",     "AddSingle", "AddSeries",
-                               "Move",     "Touch",     "Except",    "Cancel",    "Exclude",
-                               "Delete",   "HostClock", "TurnClock", "Restart",   "HideFile",
-                               "ShowFile", "Snooze",    "Dismiss"};
-static_assert(kNames.size() == static_cast<std::size_t>(Do::kCount));
-
-/// How often each step comes, in a hundred or so.
-struct Chance {
+/// Its name in a text, and how often it comes, in two hundred or so.
+struct Kind {
     Do what;
+    const char* name;
     int weight;
 };
-constexpr std::array<Chance, 18> kChances = {{
-    {Do::Wait, 14},
-    {Do::Check, 30},
-    {Do::Sleep, 6},
-    {Do::AddSingle, 9},
-    {Do::AddSeries, 5},
-    {Do::Move, 5},
-    {Do::Touch, 2},
-    {Do::Except, 3},
-    {Do::Cancel, 1},
-    {Do::Exclude, 1},
-    {Do::Delete, 2},
-    {Do::HostClock, 2},
-    {Do::TurnClock, 1},
-    {Do::Restart, 3},
-    {Do::HideFile, 1},
-    {Do::ShowFile, 3},
-    {Do::Snooze, 7},
-    {Do::Dismiss, 9},
+constexpr std::array<Kind, static_cast<std::size_t>(Do::kCount)> kKinds = {{
+    {Do::Wait, "Wait", 28},
+    {Do::Check, "Check", 50},
+    {Do::Sleep, "Sleep", 12},
+    {Do::AddSingle, "AddSingle", 18},
+    {Do::AddSeries, "AddSeries", 10},
+    {Do::Move, "Move", 8},
+    {Do::Touch, "Touch", 4},
+    {Do::Except, "Except", 6},
+    {Do::Cancel, "Cancel", 2},
+    {Do::Exclude, "Exclude", 2},
+    {Do::Delete, "Delete", 3},
+    {Do::During, "During", 5},
+    {Do::HostClock, "HostClock", 3},
+    {Do::TurnClock, "TurnClock", 2},
+    {Do::Travel, "Travel", 1},
+    {Do::Restart, "Restart", 6},
+    {Do::Kill, "Kill", 2},
+    {Do::HideFile, "HideFile", 1},
+    {Do::ShowFile, "ShowFile", 4},
+    {Do::Protect, "Protect", 1},
+    {Do::Release, "Release", 4},
+    {Do::Hold, "Hold", 1},
+    {Do::LetGo, "LetGo", 4},
+    {Do::Snooze, "Snooze", 14},
+    {Do::Dismiss, "Dismiss", 18},
+    {Do::ViewSnooze, "ViewSnooze", 2},
+    {Do::ViewDismiss, "ViewDismiss", 3},
+    {Do::Reactivate, "Reactivate", 2},
+    {Do::HideEvent, "HideEvent", 1},
+    {Do::DeleteItem, "DeleteItem", 1},
 }};
 
-/// Near some of these the clocks of New York change, and those here do not.
+constexpr std::array kZones = {Zone::Berlin, Zone::NewYork, Zone::Kolkata};
+
+/// Near some of these clocks change, here or in New York.
 struct Day {
     int year;
     int month;
     int day;
 };
-constexpr std::array<Day, 3> kDays = {{{2026, 11, 20}, {2026, 10, 31}, {2027, 3, 13}}};
+constexpr std::array<Day, 5> kDays = {
+    {{2026, 11, 20}, {2026, 10, 31}, {2027, 3, 13}, {2026, 10, 24}, {2027, 3, 27}}};
 
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : random_(seed) {}
     int upTo(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+    bool one(int of) { return upTo(of) == 0; }
     Do step() {
         int sum = 0;
-        for (const Chance& chance : kChances) {
-            sum += chance.weight;
+        for (const Kind& kind : kKinds) {
+            sum += kind.weight;
         }
         int at = upTo(sum);
-        for (const Chance& chance : kChances) {
-            if ((at -= chance.weight) < 0) {
-                return chance.what;
+        for (const Kind& kind : kKinds) {
+            if ((at -= kind.weight) < 0) {
+                return kind.what;
             }
         }
         return Do::Check;
@@ -69,18 +85,26 @@ private:
     std::mt19937_64 random_;
 };
 
+int snoozeMinutes(Dice& dice) {
+    constexpr int kDayMinutes = 1440;
+    if (dice.one(8)) {
+        return 1 + dice.upTo(14 * kDayMinutes);
+    }
+    return 1 + dice.upTo(dice.one(3) ? kDayMinutes : 30);
+}
+
 Step stepOf(Do what, Dice& dice) {
     Step step{what, dice.upTo(1000), dice.upTo(1000), dice.upTo(1000)};
     switch (what) {
         case Do::Wait:
-            step.a = 1 + dice.upTo(dice.upTo(3) == 0 ? 7200 : 300);
+            step.a = 1 + dice.upTo(dice.one(3) ? 7200 : 300);
             break;
         case Do::Sleep:
-            step.a = 60 + dice.upTo(dice.upTo(4) == 0 ? 3 * 86400 : 14400);
+            step.a = 60 + dice.upTo(dice.one(4) ? 3 * 86400 : 14400);
             break;
         case Do::AddSingle:
         case Do::AddSeries:
-            step.a = dice.upTo(dice.upTo(3) == 0 ? 4320 : 240) - 60;
+            step.a = dice.upTo(dice.one(3) ? 4320 : 240) - 60;
             break;
         case Do::Move:
             step.b = dice.upTo(600) - 200;
@@ -88,14 +112,18 @@ Step stepOf(Do what, Dice& dice) {
         case Do::Except:
             step.c = dice.upTo(600) - 300;
             break;
+        case Do::During:
+            step.a = dice.upTo(12);
+            break;
         case Do::HostClock:
-            step.a = dice.upTo(600) - 300;
+            step.a = dice.one(3) ? 0 : dice.upTo(600) - 300;
             break;
         case Do::TurnClock:
             step.a = dice.upTo(14400) - 7200;
             break;
         case Do::Snooze:
-            step.b = 1 + dice.upTo(dice.upTo(3) == 0 ? 1440 : 30);
+        case Do::ViewSnooze:
+            step.b = snoozeMinutes(dice);
             break;
         default:
             break;
@@ -103,28 +131,74 @@ Step stepOf(Do what, Dice& dice) {
     return step;
 }
 
+Zone zoneNamed(const std::string& name) {
+    for (const Zone zone : kZones) {
+        if (name == nameOf(zone)) {
+            return zone;
+        }
+    }
+    throw std::runtime_error("no zone of a history: " + name);
+}
+
+Step stepIn(const std::string& line) {
+    std::istringstream words(line);
+    std::string name;
+    Step step;
+    words >> name >> step.a >> step.b >> step.c;
+    const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
+                                   [&](const Kind& one) { return name == one.name; });
+    if (!words || kind == kKinds.end()) {
+        throw std::runtime_error("no step of a history: " + line);
+    }
+    step.what = kind->what;
+    return step;
+}
+
 }  // namespace
 
 std::ostream& operator<<(std::ostream& out, const Step& step) {
-    return out << "{Do::" << kNames.at(static_cast<std::size_t>(step.what)) << ", " << step.a
-               << ", " << step.b << ", " << step.c << "}";
+    return out << kKinds.at(static_cast<std::size_t>(step.what)).name << ' ' << step.a << ' '
+               << step.b << ' ' << step.c << '\n';
 }
 
 std::ostream& operator<<(std::ostream& out, const History& history) {
-    out << "{" << history.year << ", " << history.month << ", " << history.day << ", "
-        << history.minute << ",\n {";
-    const char* between = "";
+    out << history.year << ' ' << history.month << ' ' << history.day << ' ' << history.minute
+        << ' ' << nameOf(history.zone) << '\n';
     for (const Step& step : history.steps) {
-        out << between << step;
-        between = ",\n  ";
+        out << step;
     }
-    return out << "}}";
+    return out;
+}
+
+History readHistory(std::istream& text) {
+    History history;
+    bool begun = false;
+    for (std::string line; std::getline(text, line);) {
+        if (line.empty() || line.front() == '#') {
+            continue;
+        }
+        if (begun) {
+            history.steps.push_back(stepIn(line));
+            continue;
+        }
+        std::istringstream words(line);
+        std::string zone;
+        if (!(words >> history.year >> history.month >> history.day >> history.minute >> zone)) {
+            throw std::runtime_error("no begin of a history: " + line);
+        }
+        history.zone = zoneNamed(zone);
+        begun = true;
+    }
+    return history;
 }
 
 History randomHistory(std::uint64_t seed) {
     Dice dice(seed);
     const Day day = kDays[static_cast<std::size_t>(dice.upTo(kDays.size()))];
-    History history{day.year, day.month, day.day, dice.upTo(1440), {}};
+    History history{day.year, day.month, day.day, dice.upTo(1440), Zone::Berlin, {}};
+    if (dice.one(6)) {
+        history.zone = kZones[static_cast<std::size_t>(dice.upTo(kZones.size()))];
+    }
     const int steps = 10 + dice.upTo(110);
     for (int i = 0; i < steps; ++i) {
         history.steps.push_back(stepOf(dice.step(), dice));

@@ -3,31 +3,45 @@
 
 #include <cstdint>
 #include <iosfwd>
-#include <random>
 #include <string>
 #include <vector>
+
+#include "Zones.h"
 
 namespace vl::simulation {
 
 enum class Do {
-    Wait,       ///< a: seconds; checks go on every ten seconds, or as the machine allows
+    Wait,       ///< a: seconds; checks go on all the while
     Check,      ///< ten seconds later
     Sleep,      ///< a: seconds in which nothing happens
-    AddSingle,  ///< a: minutes from now to the start, b: reminders, c: length in minutes
-    AddSeries,  ///< a: as above, b: reminders, c: every so many days, and the zone
+    AddSingle,  ///< a: minutes from now to the start, b: reminders, c: length in minutes, and more
+    AddSeries,  ///< a: as above, b: reminders, c: every so many days, and more
     Move,       ///< a: which, b: minutes
-    Touch,      ///< a: which: another subject
+    Touch,      ///< a: which: written again, with the same times
     Except,     ///< a: which series, b: which occurrence from now on, c: minutes
     Cancel,     ///< a, b as above
     Exclude,    ///< a, b as above
     Delete,     ///< a: which
+    During,     ///< the host's next step comes inside the next check, a: after so many looks at the
+                ///< clock
     HostClock,  ///< a: seconds that the host's clock is off
     TurnClock,  ///< a: seconds
+    Travel,     ///< a: to which zone; the host writes local times anew
     Restart,    ///< the program ends and starts
-    HideFile,   ///< it cannot be read
+    Kill,       ///< a, b: an act as in `Dismiss` whose row is not written any more
+    HideFile,   ///< it is not there
     ShowFile,
-    Snooze,   ///< a: which row, b: minutes
-    Dismiss,  ///< a: which row, b: how
+    Protect,  ///< it cannot be written by the program
+    Release,
+    Hold,  ///< somebody else is in the middle of a change
+    LetGo,
+    Snooze,      ///< a: which row, b: minutes
+    Dismiss,     ///< a: which row, b: how, c: also as done
+    ViewSnooze,  ///< a: which event, b: minutes, c: which occurrence: a row of another grid
+    ViewDismiss,
+    Reactivate,  ///< a: which event
+    HideEvent,   ///< a: which event
+    DeleteItem,  ///< a: which event
     kCount
 };
 
@@ -38,17 +52,21 @@ struct Step {
     int c = 0;
 };
 
-/// As it can stand in a test: "{Do::Wait, 20, 0, 0}".
 std::ostream& operator<<(std::ostream& out, const Step& step);
 
+/// The text of a history: "2026 11 20 714 Europe/Berlin", the day, the minute and the zone in which
+/// it begins, then a step a line: "Move 675 292 0". Lines that begin with "#" are remarks.
 struct History {
     int year = 2026;
     int month = 11;
     int day = 20;
     int minute = 0;  ///< of the day
+    Zone zone = Zone::Berlin;
     std::vector<Step> steps;
 };
 std::ostream& operator<<(std::ostream& out, const History& history);
+/// Throws `std::runtime_error` for a text that is none, naming the line.
+History readHistory(std::istream& text);
 
 /// The same seed gives the same history.
 History randomHistory(std::uint64_t seed);
@@ -59,8 +77,8 @@ struct Outcome {
     std::uint64_t acts = 0;
 };
 
-/// Lives through it in a folder of its own.
-Outcome live(const History& history);
+/// Lives through it in a folder of its own. With `trace` it says what it does.
+Outcome live(const History& history, std::ostream* trace = nullptr);
 
 /// The same failure with as few steps as leaving steps out can give.
 History shortened(History history);

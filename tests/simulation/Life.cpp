@@ -1,17 +1,26 @@
-// Lives through a history: host, program, user and oracle side by side.
-#include <algorithm>
+// A history, lived through by the program and followed by the oracle.
 #include <array>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
-#include <iterator>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "Calendar.h"
 #include "History.h"
+#include "Host.h"
 #include "Oracle.h"
 #include "Program.h"
+#include "base/ErrorState.h"
+#include "base/Variant.h"
+#include "db/jet/Database.h"
+#include "db/jet/Transaction.h"
 #include "support/EventFile.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl::simulation {
@@ -22,40 +31,70 @@ namespace fs = std::filesystem;
 
 constexpr int kInterval = 10;
 
-const std::array<std::vector<int>, 8> kReminders = {
-    {{15}, {10, 60}, {0}, {-20}, {5, 30, 1440}, {1, -10, -60}, {120}, {30, 0, -5, 600, 2}}};
+constexpr std::array kZones = {Zone::Berlin, Zone::NewYork, Zone::Kolkata};
 
-struct Kept {
-    std::string GUID;
-    std::string id;
-    Plan plan;
-    bool gone = false;
+void useZone(Zone zone) {
+    setenv("TZ", nameOf(zone), 1);
+    tzset();
+}
+
+/// Time stands still unless it is turned, but things can happen at a look at it.
+class WatchedClock final : public Clock {
+public:
+    DateTime now() const override {
+        if (looks > 0 && --looks == 0) {
+            atLook();
+        }
+        return time;
+    }
+    DateTime time;
+    mutable int looks = 0;  // until `atLook`; 0: it does not come
+    std::function<void()> atLook;
+};
+
+/// Somebody who is in the middle of a change.
+class Holder {
+public:
+    explicit Holder(const std::string& path)
+        : db_(jet::Database::open(path, jet::Access::ReadWrite)), change_(db_) {}
+
+private:
+    jet::Database db_;
+    jet::Transaction change_;
 };
 
 class Life {
 public:
-    explicit Life(const History& history)
-        : utc_(toUtc(kHere,
+    Life(const History& history, std::ostream* trace)
+        : trace_(trace),
+          here_(history.zone),
+          utc_(toUtc(here_,
                      dateOf(history.year, history.month, history.day) + history.minute * kMinute)),
-          clock_(dateTime(toWall(kHere, utc_))),
-          file_((folder_ / "Velmora.RemindDB").string()) {
+          file_((folder_ / "Velmora.RemindDB").string()),
+          oracle_(here_),
+          host_(file_, oracle_) {
+        useZone(here_);
+        pass(0);
         start();
     }
 
     Outcome run(const History& history) {
         for (const Step& step : history.steps) {
-            step_ = &step;
             take(step);
             if (!outcome_.wrong.empty()) {
                 break;
             }
         }
         outcome_.decisions = oracle_.decisions();
+        if (trace_ != nullptr) {
+            *trace_ << test::readFile(folder_ / "VLReminders.ledger");
+        }
         return outcome_;
     }
 
 private:
-    Seconds now() const { return toWall(kHere, utc_) + skew_; }
+    // The computer's clock is off by `skew_`.
+    Seconds now() const { return toWall(here_, utc_ + skew_); }
     void pass(Seconds seconds) {
         utc_ += seconds;
         clock_.time = dateTime(now());
@@ -69,16 +108,22 @@ private:
         check();
     }
 
-    void check() {
-        Check check{now(), now() + kInterval, !hidden_, {}};
-        oracle_.checking(check);
+    void check(bool disturbed = false) {
+        Check check{now(), now() + kInterval, !hidden_, disturbed, {}};
         program_->tick(kInterval * 1000);
         check.taken = program_->takeNew();
-        outcome_.wrong = oracle_.verdict(check, program_->listed());
+        if (trace_ != nullptr) {
+            for (const Listing& row : check.taken) {
+                *trace_ << "  " << formatDateTime(clock_.time) << " lists " << row.GUID << ' '
+                        << formatDateTime(dateTime(row.start)) << ", reminder "
+                        << formatDateTime(dateTime(row.reminder)) << '\n';
+            }
+        }
+        outcome_.wrong += oracle_.judge(check, program_->listed());
     }
 
     void wait(Seconds seconds) {
-        // Long waits are checked at random moments: the rule knows no interval.
+        // Long waits are checked now and then only: the rule knows no interval.
         const Seconds stride = std::max<Seconds>(kInterval, seconds / 8);
         for (Seconds left = seconds; left > 0 && outcome_.wrong.empty(); left -= stride) {
             pass(std::min(left, stride));
@@ -86,114 +131,123 @@ private:
         }
     }
 
-    Kept* chosen(int which, bool series) {
-        std::vector<Kept*> fitting;
-        for (Kept& kept : kept_) {
-            if (!kept.gone && (kept.plan.isSeries() || !series)) {
-                fitting.push_back(&kept);
-            }
+    // ---- the host
+
+    void hostWrites(const Step& step) {
+        if (isProtected_) {
+            protect(false);
         }
-        return fitting.empty() ? nullptr
-                               : fitting[static_cast<std::size_t>(which) % fitting.size()];
+        host_.take(step, now(), here_);
+        if (isProtected_) {
+            protect(true);
+        }
     }
 
-    void write(const Kept& kept) {
-        file_.put(*rowOf(kept.plan, kept.GUID, kept.id, now() + hostOff_));
-        oracle_.written(kept.GUID, kept.id, kept.plan);
-    }
-
-    Kept& add(Plan plan) {
-        const std::string number = std::to_string(100 + kept_.size());
-        kept_.push_back({"{A0000000-0000-0000-0000-000000000" + number + "}", "e" + number,
-                         std::move(plan), false});
-        write(kept_.back());
-        return kept_.back();
-    }
-
-    static std::vector<int> remindersOf(int which) {
-        return kReminders[static_cast<std::size_t>(which) % kReminders.size()];
-    }
-
-    void addSeries(const Step& step) {
-        Plan plan;
-        plan.zone = step.c % 3 == 0 ? Zone::NewYork : kHere;
-        plan.everyDays = std::array{1, 2, 7, 14}[static_cast<std::size_t>(step.c / 3) % 4];
-        plan.count = step.c / 12 % 3 == 0 ? 1 + step.c / 36 % 10 : 0;
-        const Seconds first = now() + step.a * kMinute - (step.c / 100) * plan.everyDays * kDay;
-        plan.start = toWall(plan.zone, toUtc(kHere, first));
-        plan.length = (step.b % 90) * kMinute;
-        plan.reminders = remindersOf(step.b);
-        add(std::move(plan));
-    }
-
-    std::optional<Occurrence> occurrenceOf(const Kept& series, int which) const {
-        const auto next = series.plan.occurrences(now() - kDay, now() + 20 * kDay);
-        return next.empty() ? std::nullopt
-                            : std::optional(next[static_cast<std::size_t>(which) %
-                                                 std::min<std::size_t>(next.size(), 4)]);
-    }
-
-    void except(const Step& step, bool cancelled) {
-        Kept* series = chosen(step.a, true);
-        const auto one = series ? occurrenceOf(*series, step.b) : std::nullopt;
-        const bool taken = !one || std::any_of(kept_.begin(), kept_.end(), [&](const Kept& other) {
-            return other.plan.master == series->id && other.plan.replaces == one->start;
-        });
-        if (taken) {
+    // While the host's file is not there, or somebody has it, it cannot be written.
+    void host(const Step& step) {
+        if (hidden_ || holder_) {
             return;
         }
-        Plan plan;
-        plan.start = one->start + step.c * kMinute;
-        plan.length = series->plan.length;
-        plan.reminders = series->plan.reminders;
-        plan.replaces = one->start;
-        plan.master = series->id;
-        plan.cancelled = cancelled;
-        add(std::move(plan));
+        if (!during_) {
+            hostWrites(step);
+            return;
+        }
+        bool isWritten = false;
+        clock_.atLook = [&] {
+            isWritten = attempt([&] { hostWrites(step); });
+            clock_.looks = isWritten ? 0 : 1;
+        };
+        clock_.looks = 1 + *std::exchange(during_, std::nullopt);
+        pass(kInterval);
+        check(true);
+        clock_.looks = 0;
+        ErrorState::clear();
+        if (!isWritten) {
+            hostWrites(step);
+        }
+        wait(kInterval);  // what of it was read, is seen now
     }
 
-    void exclude(const Step& step) {
-        Kept* series = chosen(step.a, true);
-        if (const auto one = series ? occurrenceOf(*series, step.b) : std::nullopt) {
-            series->plan.excluded.insert(one->key);
-            write(*series);
+    // ---- the file
+
+    void hide(bool hidden) {
+        if (hidden != hidden_ && !holder_) {
+            hidden_ = hidden;
+            const fs::path shown = file_.path();
+            const fs::path away = folder_ / "away";
+            fs::rename(hidden ? shown : away, hidden ? away : shown);
         }
     }
 
-    void move(const Step& step) {
-        Kept* kept = chosen(step.a, false);
-        // What replaced occurrences of a series at other times would mean, only the host knows.
-        const bool isAhead =
-            kept && kept->plan.start > now() && kept->plan.start + step.b * kMinute > now();
-        if (isAhead && !kept->plan.isSeries()) {
-            kept->plan.start += step.b * kMinute;
-            write(*kept);
+    void protect(bool on) {
+        fs::permissions(file_.path(), on ? fs::perms::owner_read
+                                         : fs::perms::owner_read | fs::perms::owner_write);
+    }
+
+    void setProtected(bool on) {
+        if (!hidden_ && !holder_) {
+            isProtected_ = on;
+            protect(on);
         }
     }
 
-    void remove(const Step& step) {
-        if (Kept* kept = chosen(step.a, false)) {
-            kept->gone = true;
-            file_.change(kept->GUID, {{"Deleted", true}});
-            oracle_.deleted(kept->GUID);
+    void hold(bool on) {
+        if (!on) {
+            holder_.reset();
+        } else if (!holder_ && !hidden_ && !isProtected_) {
+            holder_ = std::make_unique<Holder>(file_.path());
         }
     }
 
-    void act(const Step& step) {
+    void travel(const Step& step) {
+        if (hidden_ || holder_ || isProtected_) {
+            return;
+        }
+        here_ = kZones[static_cast<std::size_t>(step.a) % kZones.size()];
+        useZone(here_);
+        pass(0);
+        oracle_.travelled(here_);
+        host_.writeAnew(now(), here_);
+        check();  // nobody acts in that moment
+    }
+
+    // ---- the user
+
+    std::optional<Listing> listedRow(int which) const {
         std::vector<Listing> rows;
         for (const auto& [GUID, row] : program_->rows()) {
             if (program_->listed().contains(GUID)) {
                 rows.push_back(row);
             }
         }
-        if (rows.empty()) {
-            return;
+        return rows.empty() ? std::nullopt
+                            : std::optional(rows[static_cast<std::size_t>(which) % rows.size()]);
+    }
+
+    // An occurrence of these days, of an event that the views show.
+    std::optional<Listing> viewRow(int which, int occurrence) {
+        const Host::Kept* kept = host_.chosen(which);
+        if (kept == nullptr || !program_->shows(kept->GUID)) {
+            return std::nullopt;
         }
-        const Listing row = rows[static_cast<std::size_t>(step.a) % rows.size()];
-        ++outcome_.acts;
-        if (step.what == Do::Snooze) {
-            program_->snooze(row, step.b);
-            oracle_.acted(row, Act::Snooze, now(), now() + step.b * kMinute);
+        const auto all = kept->plan.occurrences(now() - 2 * kDay, now() + 4 * kDay, here_);
+        if (all.empty()) {
+            return std::nullopt;
+        }
+        const Occurrence& one = all[static_cast<std::size_t>(occurrence) % all.size()];
+        return Listing{kept->GUID, one.start, one.start - kept->plan.reminders.front() * kMinute};
+    }
+
+    void snooze(const std::optional<Listing>& row, int minutes) {
+        if (row) {
+            ++outcome_.acts;
+            program_->snooze(*row, minutes);
+            oracle_.acted(*row, Act::Snooze, now(), now() + minutes * kMinute);
+        }
+    }
+
+    void dismiss(const std::optional<Listing>& row, const Step& step) {
+        if (!row) {
             return;
         }
         static constexpr std::array kActs = {
@@ -202,112 +256,118 @@ private:
             std::pair{Act::DismissAll, DismissMode::All}};
         const auto& [act, mode] = kActs.at(static_cast<std::size_t>(step.b) % kActs.size());
         const bool done = step.c % 8 == 0;
-        program_->dismiss(row, mode, done);
-        oracle_.acted(row, act, now());
+        ++outcome_.acts;
+        program_->dismiss(*row, mode, done);
+        oracle_.acted(*row, act, now());
         if (done) {
-            oracle_.acted(row, Act::Done, now());
+            oracle_.acted(*row, Act::Done, now());
         }
     }
 
-    void hide(bool hidden) {
-        if (hidden != hidden_) {
-            hidden_ = hidden;
-            const fs::path shown = file_.path();
-            const fs::path away = folder_ / "away";
-            fs::rename(hidden ? shown : away, hidden ? away : shown);
+    // On the event as a whole.
+    void other(const Step& step) {
+        Host::Kept* kept = host_.chosen(step.a);
+        if (kept == nullptr || !program_->shows(kept->GUID)) {
+            return;
         }
+        const Listing row{kept->GUID, kept->plan.toLocal(kept->plan.start, here_), 0};
+        ++outcome_.acts;
+        if (step.what == Do::Reactivate) {
+            program_->reactivate(row);
+            oracle_.reactivated(kept->GUID, now());
+        } else if (step.what == Do::HideEvent) {
+            program_->hide(row);
+        } else if (program_->deleteItem(row)) {
+            kept->gone = true;
+            oracle_.itemDeleted(kept->GUID);
+        }
+    }
+
+    // Between ledger and row.
+    void kill(const Step& step) {
+        if (hidden_ || holder_ || isProtected_) {
+            return;
+        }
+        protect(true);
+        dismiss(listedRow(step.a), step);
+        program_.reset();
+        protect(false);
+        start();
     }
 
     void take(const Step& step) {
-        // While the host's file is not there it cannot be written either.
-        const bool writes = step.what >= Do::AddSingle && step.what <= Do::Delete;
-        const bool excepts = step.what == Do::Except || step.what == Do::Cancel;
-        if ((writes && hidden_) || (excepts && !Program::kRemembers)) {
-            return;
+        if (trace_ != nullptr) {
+            *trace_ << formatDateTime(clock_.time) << ' ' << step;
+        }
+        if (Host::takes(step.what)) {
+            return host(step);
         }
         switch (step.what) {
             case Do::Wait:
-                wait(step.a);
-                break;
+                return wait(step.a);
             case Do::Check:
-                wait(kInterval);
-                break;
+                return wait(kInterval);
             case Do::Sleep:
                 pass(step.a);
-                check();
-                break;
-            case Do::AddSingle: {
-                Plan plan;
-                plan.start = now() + step.a * kMinute;
-                plan.length = (step.c % 120) * kMinute;
-                plan.reminders = remindersOf(step.b);
-                add(std::move(plan));
-                break;
-            }
-            case Do::AddSeries:
-                addSeries(step);
-                break;
-            case Do::Move:
-                move(step);
-                break;
-            case Do::Touch:
-                if (Kept* kept = chosen(step.a, false)) {
-                    write(*kept);
-                }
-                break;
-            case Do::Except:
-                except(step, false);
-                break;
-            case Do::Cancel:
-                except(step, true);
-                break;
-            case Do::Exclude:
-                exclude(step);
-                break;
-            case Do::Delete:
-                remove(step);
-                break;
+                return check();
+            case Do::During:
+                during_ = step.a;
+                return;
             case Do::HostClock:
-                hostOff_ = step.a;
-                break;
+                host_.clockOff = step.a;
+                return;
             case Do::TurnClock:
                 skew_ += step.a;
-                pass(0);
-                break;
+                return pass(0);
+            case Do::Travel:
+                return travel(step);
             case Do::Restart:
-                start();
-                break;
-            case Do::Snooze:
-            case Do::Dismiss:
-                act(step);
-                break;
+                return start();
+            case Do::Kill:
+                return kill(step);
             case Do::HideFile:
-                hide(true);
-                break;
             case Do::ShowFile:
-                hide(false);
-                break;
+                return hide(step.what == Do::HideFile);
+            case Do::Protect:
+            case Do::Release:
+                return setProtected(step.what == Do::Protect);
+            case Do::Hold:
+            case Do::LetGo:
+                return hold(step.what == Do::Hold);
+            case Do::Snooze:
+                return snooze(listedRow(step.a), step.b);
+            case Do::Dismiss:
+                return dismiss(listedRow(step.a), step);
+            case Do::ViewSnooze:
+                return snooze(viewRow(step.a, step.c), step.b);
+            case Do::ViewDismiss:
+                return dismiss(viewRow(step.a, step.c), step);
             default:
-                break;
+                return other(step);
         }
     }
 
+    std::ostream* trace_;
     test::TempFolder folder_;
+    Zone here_;
     Seconds utc_;
-    Seconds skew_ = 0;     // the computer's clock is off by this
-    Seconds hostOff_ = 0;  // and the host's by this more
-    test::ManualClock clock_;
+    Seconds skew_ = 0;
+    WatchedClock clock_;
     test::EventFile file_;
     bool hidden_ = false;
-    std::vector<Kept> kept_;
-    Oracle oracle_{Program::kRemembers};
+    bool isProtected_ = false;
+    std::unique_ptr<Holder> holder_;
+    std::optional<int> during_;  // looks at the clock before the host's next step
+    Oracle oracle_;
+    Host host_;
     std::unique_ptr<Program> program_;
-    const Step* step_ = nullptr;
     Outcome outcome_;
 };
 
 }  // namespace
 
-Outcome live(const History& history) { return Life(history).run(history); }
+Outcome live(const History& history, std::ostream* trace) {
+    return Life(history, trace).run(history);
+}
 
 }  // namespace vl::simulation

@@ -1,352 +1,389 @@
 #include "Oracle.h"
 
 #include <algorithm>
-#include <sstream>
-
-#include "base/Variant.h"
 
 namespace vl::simulation {
 
 namespace {
 
-// Histories are shorter than this, and so are offsets.
-constexpr Seconds kFar = 60 * kDay;
+// No offset of a reminder, and no event, is longer than this.
+constexpr Seconds kReach = 3 * kDay;
+// Nor has one that goes on, or is of today, been reminded of longer ago.
+constexpr Seconds kLongest = 2 * kReach;
+constexpr Seconds kLongestOff = 30 * kDay;
 
-std::string text(Seconds time) { return formatDateTime(dateTime(time)); }
+bool sameDay(Seconds a, Seconds b) { return midnightOf(a) == midnightOf(b); }
+
+// What is met for the first time is also asked for reminders before that.
+bool countsWhenMet(const Occurrence& one, Seconds reminder, Seconds now) {
+    return sameDay(reminder, now) || one.end > now;
+}
 
 }  // namespace
 
-void Oracle::written(const std::string& GUID, const std::string& id, const Plan& plan) {
+// ---- what the host does
+
+void Oracle::written(const std::string& GUID, const std::string& id, const Plan& plan,
+                     Seconds modified) {
     Event& event = events_[GUID];
     if (event.gone) {
         return;
     }
-    const bool retimed = event.id.empty() || !event.plan.sameTimes(plan);
+    const bool isNew = event.id.empty();
+    const bool retimed = isNew || !event.plan.sameTimes(plan);
+    if (retimed) {
+        event.stamp = modified;
+    }
+    if (!isNew && !event.isSure) {
+        event.between.push_back(event.plan);
+    }
+    // Its status is the host's again.
+    event.isSure = event.isSure && !retimed && !event.isDone;
+    event.isDone = false;
+    event.mayBeDone = false;
     event.id = id;
     event.plan = plan;
-    if (!retimed) {
-        return;
-    }
-    event.changed = true;
-    event.done = false;
-    if (!plan.isSeries()) {
-        event.must.clear();
-    }
-}
-
-// What was dealt with was the event at the time that the program knew. A snooze stays.
-void Oracle::lapse(Event& event) {
-    if (!event.plan.isSeries() && !event.plan.sameTimes(event.known)) {
-        for (auto& [key, mark] : event.marks) {
-            mark = {kNone, kNone, mark.snoozed, false, false, false};
-        }
-    }
 }
 
 void Oracle::deleted(const std::string& GUID) {
-    Event& event = events_[GUID];
-    event.gone = true;
-    event.must.clear();
+    events_.at(GUID).gone = true;
+    events_.at(GUID).must.clear();
 }
+
+void Oracle::travelled(Zone here) {
+    here_ = here;
+    hasTravelled_ = true;
+    for (auto& [GUID, event] : events_) {
+        event.hasTravelled = event.plan.zone.has_value();
+    }
+}
+
+// ---- what the program knows
 
 void Oracle::started(Seconds now, bool readable) {
     for (auto& [GUID, event] : events_) {
-        event.changed |= !readable;
-        event.isKnown = readable;
-        if (readable && event.changed) {
-            lapse(event);
-            event.known = event.plan;
-            event.changed = false;
-        }
-        event.metAt = kNone;
+        event.isSure = readable;
+        event.held = readable ? std::vector{event.plan} : std::vector<Plan>();
+        event.isKnown |= readable;
+        event.between.clear();
+        // By its stamp the program tells what it has not met before.
+        const bool isNewer = event.stamp && lastRead_ && *event.stamp >= earlierOf(*lastRead_);
+        event.metAt = readable && isNewer ? std::optional(now) : std::nullopt;
+        event.stamp = isNewer ? event.stamp : std::nullopt;
     }
-    // What was added since the last run is no different from what was there before.
-    mayMeet_ = true;
-    from_ = midnightOf(now);
-    mayFrom_ = from_;
-    if (!remembers_) {
-        for (auto& [GUID, event] : events_) {
-            event.must.clear();
-            event.may.clear();
-            event.open.clear();
-        }
+    lastCheck_.reset();
+    unseenSince_.reset();
+    isFirst_ = true;
+}
+
+void Oracle::read(const Check& check) {
+    const Seconds from = askedFrom(check.now);
+    lastCheck_ = momentOf(check.now);
+    if (!check.readable) {
+        unseenSince_ = unseenSince_ ? unseenSince_ : momentOf(from);
         return;
     }
-    if (lastCheck_ != kNone && lastCheck_ < from_) {
-        from_ = std::max(lastCheck_, now - 30 * kDay);
-    }
-    if (lastCheck_ != kNone) {
-        // Which check of a day was the last is not always kept, only that there was one.
-        mayFrom_ = std::min(mayFrom_, midnightOf(lastCheck_));
+    lastRead_ = lastCheck_;
+    unseenSince_.reset();
+    isFirst_ = false;
+    hasTravelled_ = false;
+    for (auto& [GUID, event] : events_) {
+        if (check.disturbed) {
+            // Which of the two it has read, only the next check shows.
+            if (!event.isSure) {
+                event.held.push_back(event.plan);
+            }
+            continue;
+        }
+        event.goneIsKnown = event.gone;
+        event.hasTravelled = false;
+        if (event.isSure && !event.metAt) {
+            event.stamp.reset();
+        }
+        if (!event.isSure) {
+            event.held = {event.plan};
+            event.between.clear();
+            event.isSure = true;
+            event.isKnown = true;
+            event.metAt = event.stamp ? std::optional(check.now) : event.metAt;
+        }
     }
 }
 
-bool Oracle::isReplaced(const Event& event, const Occurrence& one, bool maybe) const {
-    return std::any_of(events_.begin(), events_.end(), [&](const auto& entry) {
-        const Event& other = entry.second;
-        // Before it is read nobody knows of it; then it stays known.
-        const bool knows = maybe ? other.isKnown && !other.changed : true;
-        return other.plan.replaces && other.plan.master == event.id && knows &&
-               *other.plan.replaces == one.start;
-    });
+// ---- times
+
+Seconds Oracle::earlierOf(const Moment& moment) const {
+    return std::min(moment.local, toWall(here_, moment.utc));
+}
+
+Seconds Oracle::askedFrom(Seconds now) const {
+    Seconds from = midnightOf(now);
+    if (lastCheck_) {
+        from = earlierOf(*lastCheck_);
+    } else if (lastRead_) {
+        from = std::min(from, std::max(earlierOf(*lastRead_), from - kLongestOff));
+    }
+    from = unseenSince_ ? std::min(from, earlierOf(*unseenSince_)) : from;
+    return std::min(from, now);
+}
+
+// Of the checks of a day only the first is kept over a restart, by the clock of that place.
+Seconds Oracle::mayAskFrom(Seconds now) const {
+    const Seconds from = askedFrom(now);
+    if (!isFirst_ || !lastRead_) {
+        return from;
+    }
+    return std::min(from, midnightOf(earlierOf(*lastRead_)) - (hasTravelled_ ? kDay : 0));
+}
+
+// ---- what is dealt with
+
+// `surely`: the program knows of it.
+bool Oracle::isReplaced(const Event& event, Seconds key, bool surely) const {
+    return event.plan.isSeries() &&
+           std::any_of(events_.begin(), events_.end(), [&](const auto& entry) {
+               const Event& other = entry.second;
+               return other.plan.replaces == key && other.plan.master == event.id &&
+                      (!surely || other.isKnown || other.goneIsKnown);
+           });
+}
+
+// Local. A single event has one snooze, wherever the host moves it.
+std::optional<Seconds> Oracle::snoozeOf(const Event& event, Seconds key) const {
+    Seconds snoozed = kNone;
+    for (const auto& [start, mark] : event.marks) {
+        if (start == key || !event.plan.isSeries()) {
+            snoozed = std::max(snoozed, mark.snoozed);
+        }
+    }
+    return snoozed == kNone ? std::nullopt : std::optional(toWall(here_, snoozed));
 }
 
 // `surely`: it must not be shown. Else: it need not be.
-bool Oracle::isSettled(const Event& event, const Occurrence& one, Seconds time, bool surely) const {
+bool Oracle::isSettled(const Event& event, const Plan& plan, const Occurrence& one, int minutes,
+                       bool surely) const {
+    const Seconds time = one.start - minutes * kMinute;
+    const auto snoozed = snoozeOf(event, one.key);
+    if (snoozed && time < *snoozed) {
+        return true;
+    }
+    if (one.key < event.endedBefore && !event.spared.contains(one.key)) {
+        return true;
+    }
     const auto found = event.marks.find(one.key);
     if (found == event.marks.end()) {
         return false;
     }
     const Mark& mark = found->second;
-    const Seconds handled = surely ? mark.handledAtLeast : mark.handled;
-    return mark.silent || mark.ended || (handled != kNone && time <= handled) ||
-           (mark.silentThroughStart && time <= one.start) ||
-           (mark.snoozed != kNone && time < mark.snoozed);
+    const Seconds handled = surely ? mark.handledLast : mark.handled;
+    return mark.silent || (handled != kNone && plan.toMoment(time, here_) <= handled) ||
+           (mark.silentThroughStart && time <= one.start);
 }
 
+// ---- what is asked for
+
 template <class Visit>
-void Oracle::forEachReminder(const Event& event, const Plan& plan, Scope scope, bool maybe,
+void Oracle::forEachReminder(const Event& event, const Plan& plan, Scope scope, bool surely,
                              Visit&& visit) const {
-    for (const Occurrence& one : plan.occurrences(scope.from - kFar, scope.to + kFar)) {
-        if (plan.isSeries() && isReplaced(event, one, maybe)) {
+    for (const Occurrence& one : plan.occurrences(scope.from - kReach, scope.to + kReach, here_)) {
+        if (isReplaced(event, one.key, surely)) {
             continue;
         }
         for (const int minutes : plan.reminders) {
             const Seconds time = one.start - minutes * kMinute;
-            if (time >= scope.from && time <= scope.to && !isSettled(event, one, time, maybe)) {
-                visit(one, time);
+            if (time >= scope.from && time <= scope.to &&
+                !isSettled(event, plan, one, minutes, surely)) {
+                visit(one, minutes, time);
             }
         }
     }
 }
 
-// What the check asks for, of what it knows.
-void Oracle::gather(Event& event, const Check& check) {
-    const Seconds from = std::min(from_, check.now);
-    const Seconds mayFrom = std::min(mayFrom_, check.now);
-    if (event.isKnown) {
-        forEachReminder(event, event.known, {mayFrom, check.upTo}, true,
-                        [&](const Occurrence& one, Seconds time) {
-                            event.may.insert({one.key, time});
-                        });
-    }
-    if (event.isKnown && !event.changed) {
-        forEachReminder(event, event.known, {from, check.upTo}, false,
-                        [&](const Occurrence& one, Seconds time) {
-                            event.must.insert({one.key, time});
-                        });
-    }
-    const auto isOfToday = [&](Seconds time, Seconds now) {
-        return midnightOf(time) == midnightOf(now);
-    };
-    if (remembers_ && event.isKnown && (event.metAt != kNone || mayMeet_)) {
-        const Scope scope{check.now - kFar, check.upTo};
-        forEachReminder(event, event.known, scope, true, [&](const Occurrence& one, Seconds time) {
-            if (isOfToday(time, check.now) || one.end > check.now || isOfToday(time, event.metAt) ||
-                one.end > event.metAt) {
-                event.may.insert({one.key, time});
-            }
-        });
-        if (!event.changed && event.metAt != kNone) {
-            forEachReminder(event, event.known, scope, false,
-                            [&](const Occurrence& one, Seconds time) {
-                                if ((isOfToday(time, check.now) || one.end > check.now) &&
-                                    (isOfToday(time, event.metAt) || one.end > event.metAt)) {
-                                    event.must.insert({one.key, time});
-                                }
-                            });
-        }
-        event.metAt = kNone;
-    }
-    if (event.changed && check.readable) {
-        Event fresh = event;
-        lapse(fresh);
-        forEachReminder(
-            fresh, fresh.plan, {check.now - kFar, check.upTo}, true,
-            [&](const Occurrence& one, Seconds time) {
-                if (isOfToday(time, check.now) || one.end > check.now || time >= mayFrom) {
-                    event.may.insert({one.key, time});
-                }
-            });
-    }
-}
-
-void Oracle::checking(const Check& check) {
-    for (auto& [GUID, event] : events_) {
-        if (!event.gone && !event.done) {
-            settle(event);
-            gather(event, check);
-            decisions_ += 1 + event.must.size();
-        }
-    }
-}
-
-bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
-    return std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
-        if (entry.second.snoozed == kNone || entry.second.snoozed > upTo) {
-            return false;
-        }
-        const auto all = event.plan.occurrences(from_ - 2 * kFar, from_ + 2 * kFar);
-        return std::any_of(all.begin(), all.end(), [&](const Occurrence& one) {
-            return one.key == entry.first &&
-                   !(event.plan.isSeries() && isReplaced(event, one, false));
-        });
-    });
-}
-
-// A single event has one, also where a row shows it as it was before the host moved it.
-std::optional<Occurrence> Oracle::occurrenceAt(const Event& event, Seconds start) const {
-    if (!event.plan.isSeries()) {
-        const auto one = event.plan.occurrences(0, kFar * 1000);
-        return one.empty() ? std::nullopt : std::optional(one.front());
-    }
-    for (const Plan* plan : {&event.plan, &event.known}) {
-        for (const Occurrence& one : plan->occurrences(start, start)) {
-            return one;
-        }
-    }
-    return std::nullopt;
-}
-
-bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const {
-    const auto one = occurrenceAt(event, row.start);
-    const auto mark = one ? event.marks.find(one->key) : event.marks.end();
-    if (mark != event.marks.end() && mark->second.snoozed != kNone &&
-        mark->second.snoozed <= upTo) {
-        return true;
-    }
-    if (!one) {
-        return false;
-    }
-    return event.may.contains({one->key, row.reminder}) || event.open.contains(one->key);
-}
-
-std::string Oracle::verdict(const Check& check, const std::set<std::string>& listed) {
-    std::ostringstream wrong;
-    for (const Listing& row : check.taken) {
-        ++decisions_;
-        Event& event = events_.at(row.GUID);
-        if (event.gone && !event.goneIsKnown && !check.readable) {
-            continue;  // deleted where the program could not look
-        }
-        if (event.gone || event.done || !mayShow(event, row, check.upTo)) {
-            wrong << "at " << text(check.now) << " " << event.id << " was listed for "
-                  << text(row.start) << ", reminder " << text(row.reminder)
-                  << (event.gone   ? ": it is deleted"
-                      : event.done ? ": it is done"
-                                   : ": that has been dealt with, or was never due")
-                  << '\n';
-        }
-        if (const auto one = occurrenceAt(event, row.start)) {
-            event.open.insert(one->key);
-        }
-    }
-    for (auto& [GUID, event] : events_) {
-        const bool due = !event.must.empty() ||
-                         (event.isKnown && !event.changed && isSnoozeDue(event, check.upTo));
-        if (!event.gone && !event.done && event.isKnown && due && !listed.contains(GUID)) {
-            wrong << "at " << text(check.now) << " " << event.id << " is not listed, but ";
-            if (event.must.empty()) {
-                wrong << "a snooze is due\n";
-            } else {
-                wrong << "has a reminder at " << text(event.must.begin()->second) << '\n';
-            }
-        }
-    }
-    read(check);
-    return wrong.str();
-}
-
-// By the end of a check the program knows what the host has.
-void Oracle::read(const Check& check) {
-    from_ = mayFrom_ = check.now;
-    mayMeet_ = false;
-    lastCheck_ = check.now;
-    if (!check.readable) {
+void Oracle::gatherMay(Event& event, const Plan& plan, const Check& check) const {
+    forEachReminder(event, plan, {mayAskFrom(check.now), check.upTo}, true,
+                    [&](const Occurrence& one, int minutes, Seconds) {
+                        event.may.insert({one.key, minutes});
+                    });
+    if (!event.stamp && !event.metAt && !event.hasTravelled && !isFirst_) {
         return;
     }
-    for (auto& [GUID, event] : events_) {
-        event.goneIsKnown = event.gone;
-        if (event.changed && !event.gone) {
-            lapse(event);
-            event.known = event.plan;
-            event.isKnown = true;
-            event.changed = false;
-            event.metAt = check.now;
-        }
-        settle(event);
+    forEachReminder(event, plan, {check.now - kLongest, check.upTo}, true,
+                    [&](const Occurrence& one, int minutes, Seconds time) {
+                        if (countsWhenMet(one, time, check.now) ||
+                            (event.metAt && countsWhenMet(one, time, *event.metAt))) {
+                            event.may.insert({one.key, minutes});
+                        }
+                    });
+}
+
+void Oracle::gatherMust(Event& event, const Check& check) const {
+    forEachReminder(event, event.plan, {askedFrom(check.now), check.upTo}, false,
+                    [&](const Occurrence& one, int minutes, Seconds) {
+                        event.must.insert({one.key, minutes});
+                    });
+    if (event.metAt) {
+        forEachReminder(
+            event, event.plan, {check.now - kLongest, check.upTo}, false,
+            [&](const Occurrence& one, int minutes, Seconds time) {
+                if (countsWhenMet(one, time, check.now) && countsWhenMet(one, time, *event.metAt)) {
+                    event.must.insert({one.key, minutes});
+                }
+            });
+        event.metAt.reset();
+        event.stamp.reset();
+        event.isReactivated = false;
     }
+}
+
+bool Oracle::isLeft(const Event& event, const Plan& plan, const Reminder& reminder,
+                    bool surely) const {
+    const auto& [key, minutes] = reminder;
+    const auto one = plan.occurrenceOf(key, here_);
+    return one && !isReplaced(event, key, surely) &&
+           std::find(plan.reminders.begin(), plan.reminders.end(), minutes) !=
+               plan.reminders.end() &&
+           !isSettled(event, plan, *one, minutes, surely);
 }
 
 // Takes out what no plan has any more, and what was dealt with or replaced.
-void Oracle::settle(Event& event) {
-    const auto clear = [&](std::set<Reminder>& reminders, bool surely) {
-        std::set<Reminder> left;
-        forEachReminder(event, event.plan, {from_ - kFar, from_ + kFar}, surely,
-                        [&](const Occurrence& one, Seconds time) {
-                            if (reminders.contains({one.key, time})) {
-                                left.insert({one.key, time});
-                            }
-                        });
-        reminders = std::move(left);
-    };
-    clear(event.must, false);
-    clear(event.may, true);
-    const auto all = event.plan.occurrences(from_ - 2 * kFar, from_ + 2 * kFar);
-    std::erase_if(event.marks, [&](const auto& entry) {
-        return std::none_of(all.begin(), all.end(), [&](const Occurrence& one) {
-            return one.key == entry.first &&
-                   !(event.plan.isSeries() && isReplaced(event, one, true));
-        });
+void Oracle::settle(Event& event) const {
+    std::erase_if(event.must, [&](const Reminder& reminder) {
+        return !isLeft(event, event.plan, reminder, false);
+    });
+    std::erase_if(event.may, [&](const Reminder& reminder) {
+        bool left = false;
+        event.forEachPlan(
+            [&](const Plan& plan) { left = left || isLeft(event, plan, reminder, true); });
+        return !left;
+    });
+}
+
+// ---- what the user does
+
+// Of what begins before it and is over, but is not snoozed, nothing comes any more.
+void Oracle::endEarlier(Event& event, Seconds key, Seconds now) const {
+    const Seconds over = event.plan.toOwn(now - event.plan.length, here_) + 1;
+    const Seconds limit = std::min(key, over);
+    for (const auto& [start, mark] : event.marks) {
+        if (start < limit) {
+            event.spared.erase(start);
+        }
+        if (start < limit && mark.snoozed != kNone) {
+            event.spared.insert(start);
+        }
+    }
+    event.endedBefore = std::max(event.endedBefore, limit);
+    std::erase_if(event.open, [&](const auto& entry) {
+        return entry.first < limit && !event.spared.contains(entry.first);
     });
 }
 
 void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     Event& event = events_.at(row.GUID);
-    if (act == Act::Reactivate) {
-        event.marks.clear();
-        event.must.clear();
-        event.open.clear();
-        event.done = false;
-        event.metAt = now;
-        return;
+    const Seconds key = keyAt(event, row.start);
+    Seconds handled = now;
+    if (const auto listed = event.open.find(key); listed != event.open.end()) {
+        handled = std::max(handled, row.start - listed->second * kMinute);
     }
-    const auto one = occurrenceAt(event, row.start);
-    if (!one) {
-        return;
-    }
-    Mark& mark = event.marks[one->key];
-    mark.snoozed = act == Act::Snooze ? until : kNone;
-    // A row may still show a single event as it was before it was moved: what is dealt with is
-    // that, and not what it is now.
-    if (event.plan.isSeries() || event.known.occurrences(row.start, row.start).size() == 1) {
-        const Seconds handled = std::max(now, row.reminder);
-        mark.handled = mark.handled == kNone ? handled : std::max(mark.handled, handled);
-        mark.handledAtLeast = handled;
-        mark.silentThroughStart |= act == Act::DismissAllButAfter;
-        mark.silent |= act == Act::DismissAll || act == Act::Done;
-    }
-    event.open.erase(one->key);
-    // Who deals with a moved event's old row has been told of it: what was due by then need not
-    // come.
-    std::erase_if(event.must, [&](const Reminder& reminder) {
-        return reminder.first == one->key && reminder.second <= now;
-    });
+    handled = event.plan.toMoment(handled, here_);
     if (event.plan.isSeries()) {
-        for (const Occurrence& earlier : event.plan.occurrences(now - kFar, one->start - 1)) {
-            if (earlier.end <= now && event.marks[earlier.key].snoozed == kNone) {
-                event.marks[earlier.key].ended = true;
-                event.open.erase(earlier.key);
-            }
+        endEarlier(event, key, now);
+    } else {
+        for (auto& [start, mark] : event.marks) {
+            mark.snoozed = kNone;
+        }
+        event.open.clear();
+    }
+    Mark& mark = event.marks[key];
+    mark.snoozed = act == Act::Snooze ? toUtc(here_, until) : kNone;
+    const Seconds own = event.plan.toMoment(now, here_);
+    const bool early = mark.handledLast > own && mark.handledLast <= own + kMinute;
+    mark.handledLast = early ? std::max(mark.handledLast, handled) : handled;
+    mark.handled = std::max(mark.handled, handled);
+    mark.silentThroughStart |= act == Act::DismissAllButAfter;
+    mark.silent |= act == Act::DismissAll || act == Act::Done;
+    event.open.erase(key);
+    settle(event);
+    if (event.isReactivated) {
+        event.stamp.reset();  // it is an event with acts again, for who starts now
+    }
+    event.mayBeDone = act == Act::Done && !event.isSure;
+    const bool isLast = event.plan.lastKey() == key;
+    const bool isSnoozed = std::any_of(event.marks.begin(), event.marks.end(),
+                                       [](const auto& one) { return one.second.snoozed != kNone; });
+    event.isDone =
+        act == Act::Done && isLast && event.must.empty() && event.open.empty() && !isSnoozed;
+}
+
+void Oracle::reactivated(const std::string& GUID, Seconds now) {
+    Event& event = events_.at(GUID);
+    event.marks.clear();
+    event.endedBefore = kNone;
+    event.spared.clear();
+    event.must.clear();
+    event.open.clear();
+    event.isDone = false;
+    event.mayBeDone = false;
+    event.isReactivated = true;
+    event.stamp = now;
+    event.metAt = now;
+}
+
+void Oracle::itemDeleted(const std::string& GUID) {
+    deleted(GUID);
+    events_.at(GUID).goneIsKnown = true;
+}
+
+// ---- which occurrence a row is on
+
+std::optional<Seconds> Oracle::keyIn(const Plan& plan, Seconds start) const {
+    const auto at = plan.occurrences(start, start, here_);
+    return at.empty() ? std::nullopt : std::optional(at.front().key);
+}
+
+Seconds Oracle::keyAt(const Event& event, Seconds start) const {
+    std::optional<Seconds> key = keyIn(event.plan, start);
+    event.forEachPlan([&](const Plan& plan) { key = key ? key : keyIn(plan, start); });
+    return key ? *key : event.plan.toOwn(start, here_);
+}
+
+// ---- the verdict
+
+// Of what must be listed; what is to come again, since a clock was turned back, comes then.
+const Oracle::Reminder* Oracle::firstDue(const Event& event, Seconds upTo) const {
+    for (const Reminder& reminder : event.must) {
+        const auto& [key, minutes] = reminder;
+        if (event.open.contains(key) ||
+            event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
+            return &reminder;
         }
     }
-    const Seconds before = from_;
-    settle(event);
-    from_ = before;
-    const auto last = event.plan.last();
-    const bool isLast = last && last->start == one->start;
-    event.done = act == Act::Done && isLast && event.must.empty() && event.open.empty() &&
-                 !isSnoozeDue(event, std::numeric_limits<Seconds>::max());
+    return nullptr;
+}
+
+bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
+    return std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
+        const auto& [key, mark] = entry;
+        return mark.snoozed != kNone && toWall(here_, mark.snoozed) <= upTo &&
+               (!event.plan.isSeries() ||
+                (!isReplaced(event, key, false) && !event.plan.excluded.contains(key)));
+    });
+}
+
+bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const {
+    bool may = false;
+    event.forEachPlan([&](const Plan& plan) {
+        const auto key = keyIn(plan, row.start);
+        if (!key || isReplaced(event, *key, true)) {
+            return;
+        }
+        const auto snoozed = snoozeOf(event, *key);
+        const auto minutes = static_cast<int>((row.start - row.reminder) / kMinute);
+        // What was listed is listed again after a restart, also when clocks were turned back.
+        may = may || event.open.contains(*key) || (snoozed && *snoozed <= upTo) ||
+              (row.reminder <= upTo && event.may.contains({*key, minutes}));
+    });
+    return may;
 }
 
 }  // namespace vl::simulation

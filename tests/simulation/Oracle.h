@@ -1,6 +1,7 @@
 // What must have been announced, and what must not: kept for each occurrence, from the rule alone.
 #pragma once
 
+#include <iosfwd>
 #include <limits>
 #include <map>
 #include <optional>
@@ -13,13 +14,13 @@
 
 namespace vl::simulation {
 
-enum class Act { Snooze, DismissThis, DismissAllButAfter, DismissAll, Done, Reactivate };
+enum class Act { Snooze, DismissThis, DismissAllButAfter, DismissAll, Done };
 
-/// A row that the program listed as new.
+/// A row that the program listed as new; local times.
 struct Listing {
     std::string GUID;
-    Seconds start = 0;     ///< of the occurrence, local
-    Seconds reminder = 0;  ///< local
+    Seconds start = 0;     ///< of the occurrence
+    Seconds reminder = 0;  ///< 0: the row shows none
 };
 
 /// One check as it was seen from outside.
@@ -27,6 +28,7 @@ struct Check {
     Seconds now = 0;
     Seconds upTo = 0;            ///< now and the interval
     bool readable = true;        ///< the file, all the while
+    bool disturbed = false;      ///< the host wrote while the check ran
     std::vector<Listing> taken;  ///< rows added to the new-reminders grid
 };
 
@@ -34,77 +36,120 @@ struct Check {
 /// read by this check or by the next): what must be listed, and what may be.
 class Oracle {
 public:
-    /// A program without a memory of what was dealt with only knows what falls due while it runs.
-    explicit Oracle(bool remembers) : remembers_(remembers) {}
+    explicit Oracle(Zone here) : here_(here) {}
 
-    // The host.
-    void written(const std::string& GUID, const std::string& id, const Plan& plan);
+    // The host. `modified` is what it stamps its row with.
+    void written(const std::string& GUID, const std::string& id, const Plan& plan,
+                 Seconds modified);
     void deleted(const std::string& GUID);
 
-    // The program.
-    void started(Seconds now, bool readable);
-    void checking(const Check& check);
-    /// What is wrong after the check with what is `listed` (GUIDs); empty: nothing.
-    std::string verdict(const Check& check, const std::set<std::string>& listed);
+    // The machine.
+    void travelled(Zone here);
 
-    // The user, on a row of the new-reminders grid.
+    // The program. What it is asked about a check is said after it.
+    void started(Seconds now, bool readable);
+    /// What is wrong after the check with what is `listed` (GUIDs); empty: nothing.
+    std::string judge(const Check& check, const std::set<std::string>& listed);
+
+    // The user, on a row of whichever grid.
     void acted(const Listing& row, Act act, Seconds now, Seconds until = 0);
+    void reactivated(const std::string& GUID, Seconds now);
+    void itemDeleted(const std::string& GUID);
 
     std::uint64_t decisions() const { return decisions_; }
 
 private:
     static constexpr Seconds kNone = std::numeric_limits<Seconds>::min();
 
-    /// What is known of one occurrence. Of two handled times the later one says what need not be
-    /// shown, the earlier one what may.
+    /// What is known of one occurrence; times as `Plan::toMoment`. Of two handled times the
+    /// later one says what need not be shown, the last one what may.
     struct Mark {
         Seconds handled = kNone;
-        Seconds handledAtLeast = kNone;
-        Seconds snoozed = kNone;
+        Seconds handledLast = kNone;
+        Seconds snoozed = kNone;  // in UTC
         bool silentThroughStart = false;
         bool silent = false;
         bool ended = false;
     };
-    using Reminder = std::pair<Seconds, Seconds>;  // key of the occurrence, time
+    /// Key of the occurrence, minutes before its start.
+    using Reminder = std::pair<Seconds, int>;
     struct Event {
         std::string id;
-        Plan plan;             // as the host has it
-        Plan known;            // as the last full read found it
-        bool changed = true;   // since then
-        bool isKnown = false;  // to the program
-        bool gone = false;
-        bool goneIsKnown = false;
-        bool done = false;      // all of it was marked as done
-        Seconds metAt = kNone;  // it was met, or re-timed, by the end of the check then
+        Plan plan;                     // as the host has it
+        std::vector<Plan> held;        // what the program may know: none of it, or one of these
+        std::vector<Plan> between;     // what it was meanwhile, before it was sure
+        bool isSure = false;           // it holds `plan`, and has held it since an earlier check
+        bool hasTravelled = false;     // its row has other local times, which is no matter
+        bool isKnown = false;          // it has been sure at some time
+        bool gone = false;             // by the host's will
+        bool goneIsKnown = false;      // the program must know it
+        bool isDone = false;           // all of it
+        bool mayBeDone = false;        // or not, as the host has written it in the same moment
+        bool isReactivated = false;    // and no check has asked for it since
+        std::optional<Seconds> stamp;  // written with this time, and not surely met since
+        std::optional<Seconds> metAt;  // in or before the check then
         std::map<Seconds, Mark> marks;
+        Seconds endedBefore = kNone;  // keys before it are ended, but for those in
+        std::set<Seconds> spared;
         std::set<Reminder> must;
         std::set<Reminder> may;
-        std::set<Seconds> open;  // occurrences listed and not acted upon
+        std::map<Seconds, int> open;  // listed and not acted upon: by key, with which reminder
+
+        template <class Visit>
+        void forEachPlan(Visit&& visit) const {
+            for (const Plan& one : held) {
+                visit(one);
+            }
+            for (const Plan& one : between) {
+                visit(one);
+            }
+            if (!isSure) {
+                visit(plan);
+            }
+        }
+    };
+    /// A local time, and the moment that it was.
+    struct Moment {
+        Seconds local;
+        Seconds utc;
     };
 
     struct Scope {
         Seconds from;
         Seconds to;
     };
-    bool isReplaced(const Event& event, const Occurrence& one, bool maybe) const;
-    bool isSettled(const Event& event, const Occurrence& one, Seconds time, bool surely) const;
+    Moment momentOf(Seconds local) const { return {local, toUtc(here_, local)}; }
+    Seconds earlierOf(const Moment& moment) const;
+    Seconds askedFrom(Seconds now) const;
+    Seconds mayAskFrom(Seconds now) const;
+    bool isReplaced(const Event& event, Seconds key, bool surely) const;
+    std::optional<Seconds> snoozeOf(const Event& event, Seconds key) const;
+    bool isSettled(const Event& event, const Plan& plan, const Occurrence& one, int minutes,
+                   bool surely) const;
     template <class Visit>
-    void forEachReminder(const Event& event, const Plan& plan, Scope scope, bool maybe,
+    void forEachReminder(const Event& event, const Plan& plan, Scope scope, bool surely,
                          Visit&& visit) const;
-    static void lapse(Event& event);
-    void gather(Event& event, const Check& check);
-    void settle(Event& event);
+    void gatherMay(Event& event, const Plan& plan, const Check& check) const;
+    void gatherMust(Event& event, const Check& check) const;
+    bool isLeft(const Event& event, const Plan& plan, const Reminder& reminder, bool surely) const;
+    void settle(Event& event) const;
     void read(const Check& check);
+    const Reminder* firstDue(const Event& event, Seconds upTo) const;
     bool isSnoozeDue(const Event& event, Seconds upTo) const;
+    std::optional<Seconds> keyIn(const Plan& plan, Seconds start) const;
+    Seconds keyAt(const Event& event, Seconds start) const;
     bool mayShow(const Event& event, const Listing& row, Seconds upTo) const;
-    std::optional<Occurrence> occurrenceAt(const Event& event, Seconds start) const;
+    void judgeTaken(const Check& check, const Listing& row, std::ostream& wrong);
+    void judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const;
+    void endEarlier(Event& event, Seconds key, Seconds now) const;
 
     std::map<std::string, Event> events_;
-    Seconds from_ = kNone;     // the next check asks from here
-    Seconds mayFrom_ = kNone;  // or from here
-    Seconds lastCheck_ = kNone;
-    bool remembers_;
-    bool mayMeet_ = true;  // every event counts as newly met where that helps the program
+    Zone here_;
+    std::optional<Moment> lastCheck_;    // of this run
+    std::optional<Moment> lastRead_;     // check that could read the file, of any run
+    std::optional<Moment> unseenSince_;  // no check of this run since then could
+    bool isFirst_ = true;                // none of this run could yet
+    bool hasTravelled_ = false;          // since the last that could
     std::uint64_t decisions_ = 0;
 };
 

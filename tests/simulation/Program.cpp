@@ -17,7 +17,12 @@ public:
             added.push_back(row);
         }
     }
-    void UpdateItemR(const std::shared_ptr<calEvent>&, int) override {}
+    void UpdateItemR(const std::shared_ptr<calEvent>& event, int grid) override {
+        if (grid == kNewRemindersGrid) {
+            rows[event->GUID] = {event->GUID, seconds(event->InstanceStart),
+                                 seconds(event->RecordedReminderD())};
+        }
+    }
     void RemoveGUID(std::string_view GUID, int grid) override {
         if (grid == kNewRemindersGrid) {
             std::erase_if(rows,
@@ -51,7 +56,7 @@ private:
     const Clock& clock_;
 };
 
-Program::Program(const std::string& database, const std::string& folder, test::ManualClock& clock)
+Program::Program(const std::string& database, const std::string& folder, const Clock& clock)
     : reminders_(db_, clock),
       period_(db_, clock),
       ledger_(clock, folder + "/VLReminders.ledger"),
@@ -59,6 +64,7 @@ Program::Program(const std::string& database, const std::string& folder, test::M
       screen_(std::make_unique<Screen>(period_, clock)),
       cycle_(reminders_, period_, db_, clock, state_, *screen_, ledger_, acts_) {
     db_.DBFullName = database;
+    db_.Patience = std::chrono::milliseconds(0);  // nobody lets go while it waits
     state_.sNotifType = "T";
 }
 
@@ -82,8 +88,13 @@ std::set<std::string> Program::listed() const {
 
 const std::map<std::string, Listing>& Program::rows() const { return screen_->rows; }
 
+bool Program::shows(const std::string& GUID) const {
+    return period_.mCol && period_.mCol->Exists(GUID);
+}
+
 ActRow Program::actRow(const Listing& row) const {
-    const auto event = objectAt<calEvent>(*state_.NewReminders, row.GUID);
+    auto event = objectAt<calEvent>(*state_.NewReminders, row.GUID);
+    event = event ? event : objectAt<calEvent>(*period_.mCol, row.GUID);
     return {event, dateTime(row.start), dateTime(row.reminder)};
 }
 
@@ -95,6 +106,18 @@ void Program::snooze(const Listing& row, int minutes) {
 void Program::dismiss(const Listing& row, DismissMode mode, bool markDone) {
     acts_.Dismiss(actRow(row), mode, markDone);
     screen_->RemoveGUID(row.GUID, kNewRemindersGrid);
+}
+
+void Program::reactivate(const Listing& row) { acts_.Reactivate(actRow(row)); }
+
+void Program::hide(const Listing& row) { acts_.Hide(actRow(row)); }
+
+bool Program::deleteItem(const Listing& row) {
+    const bool isOff = acts_.DeleteItem(actRow(row)) != calEvent::Deletion::Failed;
+    if (isOff) {
+        screen_->RemoveGUID(row.GUID, kNewRemindersGrid);
+    }
+    return isOff;
 }
 
 }  // namespace vl::simulation

@@ -9,17 +9,13 @@
 
 #include "Oracle.h"
 #include "notify/CheckCycle.h"
-#include "support/ManualClock.h"
 
 namespace vl::simulation {
 
 class Program {
 public:
-    /// Whether it keeps what was dealt with.
-    static constexpr bool kRemembers = true;
-
     /// `folder` holds what outlives a run.
-    Program(const std::string& database, const std::string& folder, test::ManualClock& clock);
+    Program(const std::string& database, const std::string& folder, const Clock& clock);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -34,9 +30,16 @@ public:
     /// The rows of the new-reminders grid as they were filled, by GUID.
     const std::map<std::string, Listing>& rows() const;
 
-    /// What the user does to one of them.
+    /// Whether the views show the event.
+    bool shows(const std::string& GUID) const;
+
+    /// What the user does to one of them, or to a row of a view.
     void snooze(const Listing& row, int minutes);
     void dismiss(const Listing& row, DismissMode mode, bool markDone);
+    void reactivate(const Listing& row);
+    void hide(const Listing& row);
+    /// Whether the event is off the list, and stays so.
+    bool deleteItem(const Listing& row);
 
 private:
     class Screen;

@@ -8,6 +8,7 @@ namespace {
 
 constexpr Seconds kBerlinWinter = kHour;
 constexpr Seconds kNewYorkWinter = -5 * kHour;
+constexpr Seconds kKolkata = 5 * kHour + 30 * kMinute;
 
 int yearOf(Seconds time) { return civilFromDays(midnightOf(time) / kDay).year; }
 
@@ -29,6 +30,9 @@ struct Summer {
 };
 
 Summer summerOf(Zone zone, int year) {
+    if (zone == Zone::Kolkata) {
+        return {0, 0};
+    }
     if (zone == Zone::Berlin) {
         return {lastSundayOf(year, 3) + kHour, lastSundayOf(year, 10) + kHour};
     }
@@ -36,9 +40,17 @@ Summer summerOf(Zone zone, int year) {
             sundayFrom(dateOf(year, 11, 1)) + 6 * kHour};
 }
 
-Seconds winterOffset(Zone zone) { return zone == Zone::Berlin ? kBerlinWinter : kNewYorkWinter; }
+Seconds winterOffset(Zone zone) {
+    return zone == Zone::Berlin ? kBerlinWinter : zone == Zone::NewYork ? kNewYorkWinter : kKolkata;
+}
 
 }  // namespace
+
+const char* nameOf(Zone zone) {
+    return zone == Zone::Berlin    ? "Europe/Berlin"
+           : zone == Zone::NewYork ? "America/New_York"
+                                   : "Asia/Kolkata";
+}
 
 Seconds dateOf(int year, int month, int day) { return daysFromCivil(year, month, day) * kDay; }
 

@@ -1,7 +1,8 @@
-// Two time zones by their rules, worked out here and not by the program.
+// Three time zones by their rules, worked out here and not by the program.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace vl::simulation {
 
@@ -12,7 +13,10 @@ constexpr Seconds kMinute = 60;
 constexpr Seconds kHour = 3600;
 constexpr Seconds kDay = 86400;
 
-enum class Zone { Berlin, NewYork };
+enum class Zone { Berlin, NewYork, Kolkata };
+
+/// As the system knows it: "Europe/Berlin".
+const char* nameOf(Zone zone);
 
 /// Midnight of a date.
 Seconds dateOf(int year, int month, int day);
@@ -21,5 +25,10 @@ Seconds midnightOf(Seconds time);
 Seconds toWall(Zone zone, Seconds utc);
 /// A time that comes twice means the first; one that is skipped is moved forward by the gap.
 Seconds toUtc(Zone zone, Seconds wall);
+
+/// From the clock of one zone to that of another.
+inline Seconds between(Zone from, Zone to, Seconds wall) {
+    return from == to ? wall : toWall(to, toUtc(from, wall));
+}
 
 }  // namespace vl::simulation

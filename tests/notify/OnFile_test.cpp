@@ -1,0 +1,178 @@
+// What falls due, where the file itself is the matter.
+#include <gtest/gtest.h>
+
+#include "../model/ZoneForTest.h"
+#include "FileDesk.h"
+
+namespace vl {
+namespace {
+
+using test::at;
+using test::FileDesk;
+using test::series;
+using test::single;
+
+class OnFile : public testing::Test {
+protected:
+    FileDesk desk;
+};
+
+// A start while the network is not up yet.
+TEST_F(OnFile, WhatFellDueWhileNobodyCouldReadIsShownWhenTheFileIsBack) {
+    desk.put(single("A", at(20, 0), {15}));
+    EXPECT_EQ(desk.check(at(12, 0)), "");
+    desk.program.reset();
+    desk.takeFileAway();
+    EXPECT_EQ(desk.check(at(8, 0, 0, 21)), "");
+    EXPECT_EQ(desk.check(at(8, 0, 10, 21)), "");
+    desk.start();  // a restart does not lose it either
+    EXPECT_EQ(desk.check(at(8, 0, 20, 21)), "");
+    desk.bringFileBack();
+    EXPECT_EQ(desk.check(at(8, 0, 30, 21)), "A 19:45");
+}
+
+TEST_F(OnFile, SoIsWhatTheHostEnteredMeanwhile) {
+    desk.check(at(12, 0));
+    desk.takeFileAway();
+    desk.check(at(12, 0, 10));
+    desk.check(at(12, 0, 0, 22));
+    desk.bringFileBack();
+    desk.put(single("A", at(20, 0, 0, 21), {15}));
+    EXPECT_EQ(desk.check(at(12, 1, 0, 22)), "A 19:45");
+}
+
+TEST_F(OnFile, AnExceptionThatAnotherProgramFinishedKeepsItsOldStart) {
+    const auto master = series("M", at(10, 0, 0, 21), "FREQ=DAILY;COUNT=1", {15});
+    const auto other = series("N", at(10, 0, 0, 21), "FREQ=DAILY;COUNT=1", {15});
+    desk.put(master);
+    desk.put(other);
+    for (const bool deleted : {false, true}) {
+        const auto& series = deleted ? other : master;
+        const auto exception = single("X" + series->GUID, at(11, 0), {15});
+        exception->RecurrenceState = 3;
+        exception->recurringEventId = series->id;
+        exception->RExceptionStartTimeOrig = series->StartDateTime;
+        exception->status = "AllDone";
+        exception->deleted = deleted;
+        desk.put(exception);
+    }
+    EXPECT_EQ(desk.check(at(9, 0)), "");
+    EXPECT_EQ(desk.check(at(10, 0, 0, 21)), "");
+    desk.start();
+    EXPECT_EQ(desk.check(at(10, 1, 0, 21)), "");
+}
+
+// Its row came to the ledger in one zone, and is asked for in another.
+TEST_F(OnFile, AStartThatAnExceptionHadReplacedStaysSoInAnotherZone) {
+    const auto master = [](int hour) {
+        auto e = series("M", at(hour, 0, 0, 19), "FREQ=DAILY", {15}, "America/New_York");
+        return e;
+    };
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(master(16));
+        const auto exception = single("X", at(16, 0), {15});
+        exception->RecurrenceState = 3;
+        exception->recurringEventId = "idM";
+        exception->RExceptionStartTimeOrig = at(16, 0, 0, 21);
+        exception->status = "AllDone";
+        desk.put(exception);
+        EXPECT_EQ(desk.check(at(12, 0)), "");
+        desk.file.remove("X");
+        EXPECT_EQ(desk.check(at(16, 0)), "M 15:45");
+        desk.program->acts.Dismiss(desk.listed.at("M"), DismissMode::This);
+    }
+    const test::ZoneForTest there("America/New_York");
+    desk.clock.time = at(10, 1);
+    desk.put(master(10));
+    EXPECT_EQ(desk.check(at(10, 1)), "");
+    EXPECT_EQ(desk.check(at(10, 0, 0, 21)), "");
+    EXPECT_EQ(desk.check(at(10, 0, 0, 22)), "M 09:45");
+}
+
+TEST_F(OnFile, WhoHasTravelledSeesWhatTheHostHasWrittenThere) {
+    const auto entry = [](int hour) {
+        return series("M", at(hour, 0), "FREQ=DAILY", {15}, "America/New_York");
+    };
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(entry(16));
+        EXPECT_EQ(desk.check(at(12, 0)), "");
+    }
+    const test::ZoneForTest there("Asia/Kolkata");
+    desk.clock.time = at(16, 31);
+    desk.file.put(*entry(20));  // 20:30, and not stamped at all
+    EXPECT_EQ(desk.check(at(16, 31)), "") << "it is no meeting at 16:00";
+    EXPECT_EQ(desk.check(at(19, 45)), "M 19:45");
+}
+
+std::shared_ptr<calEvent> exceptionTo(const calEvent& series, const char* GUID, DateTime start) {
+    auto e = single(GUID, start, {15});
+    e->RecurrenceState = 3;
+    e->recurringEventId = series.id;
+    e->RExceptionStartTimeOrig = series.StartDateTime;
+    return e;
+}
+
+TEST_F(OnFile, AnExceptionThatIsFinishedWhenItIsFirstReadKeepsItsOldStart) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=1", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", at(10, 0, 0, 18)));
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    EXPECT_EQ(desk.check(at(9, 51)), "");
+}
+
+TEST_F(OnFile, SoDoesOneThatWasWrittenAndDeletedBetweenTwoChecks) {
+    desk.check(at(9, 40));
+    const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=1", {15});
+    const auto gone = exceptionTo(*master, "X", at(12, 0));
+    gone->deleted = true;
+    desk.put(master);
+    desk.put(gone);
+    for (const int second : {10, 20, 30}) {
+        EXPECT_EQ(desk.check(at(9, 50, second)), "");
+    }
+}
+
+TEST_F(OnFile, WhatWasDoneAndThenMovedRingsAtItsNewTimeAlsoAfterARestart) {
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This, true);
+    desk.put(single("A", at(12, 0), {15}));  // with a status of its own
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 46)), "");
+    EXPECT_EQ(desk.check(at(11, 45)), "A 11:45");
+}
+
+TEST_F(OnFile, WhatTheHostMovesWhenTheDayChangesIsNotFinished) {
+    desk.put(single("A", at(0, 0, 0, 20), {-5}));
+    desk.check(at(9, 0));
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::All);
+    desk.check(at(0, 4, 59, 21));
+    desk.put(single("A", at(0, 10, 0, 21), {-5}));
+    EXPECT_EQ(desk.check(at(0, 5, 9, 21)), "");
+    EXPECT_EQ(desk.check(at(0, 15, 0, 21)), "A 00:15");
+}
+
+TEST_F(OnFile, ARowOfTheListShowsTheTimesOfWhereItsReaderIs) {
+    const auto entry = [](int hour) {
+        return series("M", at(hour, 0), "FREQ=DAILY", {15}, "America/New_York");
+    };
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(entry(16));
+        EXPECT_EQ(desk.check(at(15, 45)), "M 15:45");
+    }
+    const test::ZoneForTest there("America/New_York");
+    desk.clock.time = at(9, 50);
+    desk.put(entry(10));
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    EXPECT_EQ(desk.listed.at("M").InstanceStart, at(10, 0));
+    desk.program->acts.Dismiss(desk.listed.at("M"), DismissMode::This);
+    EXPECT_EQ(desk.check(at(9, 51)), "");
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 52)), "");
+}
+
+}  // namespace
+}  // namespace vl

@@ -1,0 +1,224 @@
+// What an act does to the reminders that are still to come.
+#include <gtest/gtest.h>
+
+#include "Desk.h"
+
+namespace vl {
+namespace {
+
+using test::at;
+using test::Desk;
+using test::series;
+using test::single;
+
+class PendingActs : public testing::Test {
+protected:
+    Desk desk;
+};
+
+TEST_F(PendingActs, ASnoozeComesWhenItsTimeHasComeAndOnce) {
+    for (const int minutes : {5, 60 * 24, 60 * 24 * 14}) {
+        SCOPED_TRACE(minutes);
+        Desk fresh;
+        fresh.put(single("A", at(10, 0), {15}));
+        fresh.run(at(9, 45));
+        fresh.snooze("A", minutes);
+        const DateTime until = at(9, 45).addMinutes(minutes);
+        const int step = minutes > 60 ? 600 : 10;
+        EXPECT_EQ(fresh.run(until.addSeconds(-step - 10), step), "");
+        fresh.start();
+        EXPECT_NE(fresh.run(until, step), "") << "over a restart, and long after the event";
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.run(until.addDays(1), 600), "");
+        fresh.start();
+        EXPECT_EQ(fresh.check(), "");
+    }
+}
+
+TEST_F(PendingActs, ScheduledRemindersBeforeTheSnoozeAreSupersededLaterOnesAreNot) {
+    desk.put(single("A", at(10, 0), {60, 30, 5}));
+    EXPECT_EQ(desk.run(at(9, 0, 10)), "A 20 10:00 (20 09:00)");
+    desk.snooze("A", 45);
+    EXPECT_EQ(desk.run(at(9, 45, 10)), "A 20 10:00 (20 09:45)") << "not at 9:30";
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(10, 30)), "A 20 10:00 (20 09:55)");
+}
+
+TEST_F(PendingActs, EachModeSilencesWhatItSays) {
+    struct Case {
+        const char* what;
+        DismissMode mode;
+        const char* later;
+    };
+    static constexpr Case cases[] = {
+        {"this", DismissMode::This, "A 20 10:00 (20 09:45), A 20 10:00 (20 10:20)"},
+        {"all but after", DismissMode::AllButAfter, "A 20 10:00 (20 10:20)"},
+        {"all", DismissMode::All, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Desk fresh;
+        fresh.put(single("A", at(10, 0), {30, 15, -20}));
+        fresh.run(at(9, 30));
+        fresh.dismiss("A", c.mode);
+        std::string later = fresh.run(at(10, 0));
+        if (!later.empty()) {
+            fresh.dismiss("A");
+        }
+        fresh.start();
+        const std::string last = fresh.run(at(11, 0));
+        later += (later.empty() || last.empty() ? "" : ", ") + last;
+        EXPECT_EQ(later, c.later);
+    }
+}
+
+TEST_F(PendingActs, NoActOnOneOccurrenceTouchesAnother) {
+    for (const DismissMode mode : {DismissMode::This, DismissMode::AllButAfter, DismissMode::All}) {
+        Desk fresh;
+        fresh.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+        EXPECT_EQ(fresh.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+        fresh.dismiss("A", mode, mode == DismissMode::All);
+        EXPECT_EQ(fresh.run(at(9, 45, 0, 21), 60), "A 21 10:00 (21 09:45)");
+        fresh.snooze("A", 60 * 48);
+        EXPECT_EQ(fresh.run(at(9, 45, 0, 22), 60), "A 22 10:00 (22 09:45)")
+            << "that one was snoozed, this one is not";
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.run(at(9, 44, 0, 23), 60), "");
+        fresh.start();
+        EXPECT_EQ(fresh.run(at(9, 46, 0, 23), 60), "A 23 10:00 (23 09:45)")
+            << "of two that are pending at the same moment";
+    }
+}
+
+TEST_F(PendingActs, ARowLeftListedForAWeekHidesNoLaterOccurrence) {
+    desk.put(series("A", at(10, 0, 0, 2), "FREQ=WEEKLY;BYDAY=FR", {15}));
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    EXPECT_EQ(desk.run(at(9, 50, 0, 27), 60), "") << "still listed";
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(9, 51, 0, 27)), "A 27 10:00 (27 09:45)") << "that one was never acted on";
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(23, 0, 0, 27), 60), "");
+}
+
+TEST_F(PendingActs, OfManyThatWereMissedWhileOneWasListedTheLatestIsShown) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    desk.run(at(9, 0, 0, 26), 300);
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 0, 10, 26)), "A 25 10:00 (25 09:45)") << "the others are over, too";
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 0, 20, 26)), "") << "and end with it";
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 0, 30, 26)), "");
+    EXPECT_EQ(desk.run(at(9, 46, 0, 26)), "A 26 10:00 (26 09:45)");
+}
+
+TEST_F(PendingActs, OccurrencesThatOverlapAreEachDealtWithByThemselves) {
+    // Each lasts a day and a half.
+    const auto e = series("A", at(10, 0), "FREQ=DAILY", {15});
+    e->EndDateTime = at(22, 0, 0, 21);
+    desk.put(e);
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    desk.run(at(12, 0, 0, 21), 60);
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(12, 0, 10, 21)), "A 21 10:00 (21 09:45)");
+    desk.dismiss("A", DismissMode::All);
+    EXPECT_EQ(desk.run(at(9, 44, 0, 22), 60), "");
+}
+
+TEST_F(PendingActs, AListedEventCountsAsDueAgain) {
+    desk.put(single("A", at(10, 0), {30, 15}));
+    desk.run(at(9, 31));
+    desk.check(at(9, 40));
+    EXPECT_FALSE(desk.rang());
+    EXPECT_EQ(desk.check(at(9, 45)), "") << "no second row";
+    EXPECT_TRUE(desk.rang());
+}
+
+TEST_F(PendingActs, DoneIsDone) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY", {30, -30}));
+    desk.run(at(9, 30));
+    desk.dismiss("A", DismissMode::This, true);
+    EXPECT_EQ(desk.run(at(9, 29, 0, 21), 60), "");
+    EXPECT_EQ(desk.run(at(9, 30, 0, 21)), "A 21 10:00 (21 09:30)");
+}
+
+TEST_F(PendingActs, ReactivatedItCountsAsNewlyMet) {
+    desk.put(single("A", at(10, 0), {30, 15}));
+    desk.run(at(9, 30));
+    desk.dismiss("A", DismissMode::All);
+    EXPECT_EQ(desk.run(at(9, 50)), "");
+    desk.reactivate("A");
+    EXPECT_EQ(desk.check(at(9, 51)), "A 20 10:00 (20 09:30)");
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 52)), "A 20 10:00 (20 09:30)");
+}
+
+TEST_F(PendingActs, AnOccurrenceThatWasSnoozedWhenOthersEndedStillHasItsLaterReminders) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY;COUNT=2", {15, -4320}));
+    desk.run(at(9, 45));
+    desk.snooze("A", 60 * 24 + 5);
+    EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "A 21 10:00 (21 09:45)");
+    desk.run(at(10, 40, 0, 21), 60);
+    desk.dismiss("A");  // the first is over, and snoozed
+    EXPECT_EQ(desk.check(at(10, 41, 0, 21)), "A 20 10:00 (21 09:50)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(10, 0, 0, 23), 60), "A 20 10:00 (23 10:00)");
+}
+
+TEST_F(PendingActs, OfOccurrencesThatWereMetTogetherEachIsListed) {
+    // Each lasts thirty hours; of two that go on both reminders were before it was entered.
+    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
+    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
+    desk.check(at(9, 0));
+    desk.put(e);
+    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 3)), "A 20 08:00 (20 07:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(12, 0), 60), "");
+}
+
+TEST_F(PendingActs, WhatIsSnoozedIsNotDone) {
+    desk.rowsAreWritten = false;  // a view may show for a while what was marked as done
+    desk.put(single("A", at(10, 0), {15}));
+    desk.run(at(9, 45));
+    desk.dismiss("A", DismissMode::This, true);
+    ASSERT_EQ(objectAt<calEvent>(*desk.program->period.mCol, "A")->status, "AllDone");
+    desk.snooze("A", 30);
+    EXPECT_EQ(objectAt<calEvent>(*desk.program->period.mCol, "A")->status, "");
+    EXPECT_EQ(desk.run(at(10, 15)), "A 20 10:00 (20 10:15)");
+    desk.dismiss("A", DismissMode::All, true);
+    desk.reactivate("A");
+    EXPECT_EQ(desk.check(at(10, 16)), "A 20 10:00 (20 09:45)");
+}
+
+TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetAlsoByTheNextRun) {
+    desk.put(single("A", at(10, 0, 0, 22), {60 * 24 * 5}));  // its reminder was days ago
+    desk.clock.time = at(9, 0, 0, 17);
+    EXPECT_EQ(desk.run(at(10, 0, 0, 17), 60), "A 22 10:00 (17 10:00)");
+    desk.dismiss("A");
+    desk.run(at(10, 10, 0, 20), 600);
+    desk.reactivate("A");
+    desk.start();
+    EXPECT_EQ(desk.check(), "A 22 10:00 (17 10:00)");
+}
+
+TEST_F(PendingActs, DoneOnARowFromBeforeAMoveIsOfWhatItShows) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.run(at(9, 45));
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(12, 0);
+        e.EndDateTime = at(12, 30);
+    });
+    desk.run(at(9, 50));
+    desk.dismiss("A", DismissMode::This, true);
+    EXPECT_EQ(desk.run(at(12, 0), 60), "A 20 12:00 (20 11:45)");
+    desk.dismiss("A", DismissMode::This, true);
+    EXPECT_EQ(desk.rows.at("A")->status, "AllDone");
+}
+
+}  // namespace
+}  // namespace vl

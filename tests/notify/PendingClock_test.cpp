@@ -1,0 +1,135 @@
+// Clocks that are wrong, zones that change.
+#include <gtest/gtest.h>
+
+#include "../model/ZoneForTest.h"
+#include "Desk.h"
+
+namespace vl {
+namespace {
+
+using test::at;
+using test::Desk;
+using test::series;
+using test::single;
+
+class PendingClock : public testing::Test {
+protected:
+    Desk desk;
+};
+
+TEST_F(PendingClock, AWrongClockCorrectedLosesNothingThatIsToCome) {
+    desk.put(single("A", at(10, 0, 0, 22), {1440, 15}));
+    desk.put(single("B", at(15, 0), {15}));
+    desk.check(at(12, 0, 0, 21));  // a day ahead
+    ASSERT_TRUE(desk.listed.contains("A"));
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(12, 0)), "") << "corrected";
+    EXPECT_EQ(desk.run(at(15, 0)), "B 20 15:00 (20 14:45)");
+    EXPECT_EQ(desk.run(at(10, 0, 0, 22), 60), "A 22 10:00 (22 09:45)");
+}
+
+TEST_F(PendingClock, AClockTurnedBackBringsNothingBack) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.run(at(9, 45));
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 40)), "");
+    EXPECT_EQ(desk.run(at(11, 0)), "");
+}
+
+TEST_F(PendingClock, AnOccurrenceIsTheSameInAnotherZone) {
+    for (const char* zone : {"", "America/New_York"}) {
+        SCOPED_TRACE(zone);
+        Desk fresh;
+        {
+            const test::ZoneForTest berlin("Europe/Berlin");
+            fresh.put(series("A", at(16, 0), "FREQ=DAILY", {15}, zone));
+            EXPECT_EQ(fresh.run(at(15, 45), 60), "A 20 16:00 (20 15:45)");
+            fresh.dismiss("A");
+        }
+        const test::ZoneForTest tokyo("Asia/Tokyo");
+        // The host writes local times: a call made in New York is eight hours later here.
+        fresh.change("A", [&](calEvent& e) {
+            e.StartDateTime = *zone != '\0' ? at(0, 0, 0, 21) : at(16, 0);
+        });
+        fresh.start();
+        EXPECT_EQ(fresh.check(*zone != '\0' ? at(23, 45) : at(15, 46)), "");
+        EXPECT_EQ(fresh.run(at(23, 50, 0, 21), 60),
+                  *zone != '\0' ? "A 22 00:00 (21 23:45)" : "A 21 16:00 (21 15:45)");
+    }
+}
+
+TEST_F(PendingClock, ASnoozeIsAMoment) {
+    Desk fresh;
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        fresh.put(single("A", at(10, 0), {15}));
+        fresh.run(at(9, 45));
+        fresh.snooze("A", 60);  // 9:45 UTC
+    }
+    const test::ZoneForTest tokyo("Asia/Tokyo");
+    fresh.start();
+    EXPECT_EQ(fresh.check(at(18, 44)), "");
+    EXPECT_EQ(fresh.check(at(18, 45)), "A 20 10:00 (20 18:45)");
+}
+
+TEST_F(PendingClock, WhatFellDueOnTheWayIntoAnotherZoneIsShown) {
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(series("A", at(16, 0), "FREQ=DAILY", {15}, "America/New_York"));
+        desk.check(at(15, 40));  // 9:40 in New York
+    }
+    const test::ZoneForTest there("America/New_York");
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(10, 0);
+        e.EndDateTime = at(10, 30);
+    });
+    EXPECT_EQ(desk.check(at(9, 50)), "A 20 10:00 (20 09:45)") << "the clock was not turned back";
+}
+
+TEST_F(PendingClock, ASnoozeIsAMomentAlsoForWhoTravelsMeanwhile) {
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(single("A", at(10, 0), {15}));
+        desk.run(at(9, 45));
+        desk.snooze("A", 435);  // until 17:00
+        desk.check(at(9, 46));
+    }
+    const test::ZoneForTest there("America/New_York");
+    EXPECT_EQ(desk.check(at(10, 50)), "");
+    EXPECT_EQ(desk.check(at(11, 0)), "A 20 10:00 (20 11:00)");
+}
+
+TEST_F(PendingClock, ASingleEventWithAZoneIsTheSameInAnotherZone) {
+    const auto e = single("A", at(16, 0), {15});
+    e->JSON = R"({"start":{"timeZone":"America/New_York"}})";
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(e);
+        EXPECT_EQ(desk.run(at(15, 45), 60), "A 20 16:00 (20 15:45)");
+        desk.dismiss("A");
+    }
+    const test::ZoneForTest there("America/New_York");
+    desk.change("A", [](calEvent& moved) {
+        moved.StartDateTime = at(10, 0);
+        moved.EndDateTime = at(10, 30);
+    });
+    EXPECT_EQ(desk.check(at(9, 50)), "") << "it was dealt with";
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 51)), "");
+}
+
+TEST_F(PendingClock, AnHourThatComesTwiceElsewhereSilencesNothing) {
+    const test::ZoneForTest berlin("Europe/Berlin");
+    const auto on = [](int hour, int minute) {
+        return DateTime::fromCivil(2026, 11, 1, hour, minute, 0);
+    };
+    desk.put(series("A", on(8, 0), "FREQ=DAILY", {110, 50}, "America/New_York"));  // there at 2:00
+    desk.clock.time = on(6, 0);
+    EXPECT_EQ(desk.run(on(6, 10), 60), "A 01 08:00 (01 06:10)");
+    desk.run(on(6, 50), 60);
+    desk.dismiss("A");  // there it is 1:50 for the first time
+    EXPECT_EQ(desk.run(on(7, 10), 60), "A 01 08:00 (01 07:10)") << "and 1:10 for the second";
+}
+
+}  // namespace
+}  // namespace vl

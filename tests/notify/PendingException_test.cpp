@@ -1,0 +1,100 @@
+// Exceptions to a series.
+#include <gtest/gtest.h>
+
+#include "Desk.h"
+
+namespace vl {
+namespace {
+
+using test::at;
+using test::Desk;
+using test::series;
+using test::single;
+
+class PendingException : public testing::Test {
+protected:
+    Desk desk;
+};
+
+std::shared_ptr<calEvent> exceptionTo(const calEvent& master, const char* GUID, DateTime replaced,
+                                      DateTime start) {
+    auto e = single(GUID, start, {15});
+    e->RecurrenceState = 3;
+    e->recurringEventId = master.id;
+    e->RExceptionStartTimeOrig = replaced;
+    return e;
+}
+
+TEST_F(PendingException, TheStartThatAnExceptionReplacesIsNoOccurrenceAnyMore) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", at(10, 0, 0, 21), at(16, 0, 0, 21)));
+    EXPECT_EQ(desk.run(at(12, 0)), "M 20 10:00 (20 09:45)");
+    desk.dismiss("M");
+    EXPECT_EQ(desk.run(at(17, 0, 0, 21), 60), "X 21 16:00 (21 15:45)");
+    desk.dismiss("X");
+    EXPECT_EQ(desk.run(at(9, 45, 0, 22), 60), "M 22 10:00 (22 09:45)");
+}
+
+TEST_F(PendingException, AnExceptionBroughtForwardAndFinishedDoesNotLetTheOldTimeRing) {
+    const auto master = series("M", at(10, 0, 0, 13), "FREQ=WEEKLY", {15});  // Fridays
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", at(10, 0, 0, 27), at(10, 0, 0, 24)));
+    desk.check(at(23, 0));
+    for (const auto& [GUID, row] : desk.listed) {
+        desk.dismiss(GUID);
+    }
+    desk.clock.time = at(9, 0, 0, 24);
+    EXPECT_EQ(desk.run(at(9, 45, 0, 24)), "X 24 10:00 (24 09:45)");
+    desk.dismiss("X", DismissMode::This, true);
+    EXPECT_EQ(desk.program->state.NewReminders->Count(), 0U);
+    desk.rows.erase("X");  // finished events are read no more
+    desk.start();
+    EXPECT_EQ(desk.run(at(12, 0, 0, 27), 60), "");
+}
+
+TEST_F(PendingException, ADeletedExceptionHasNoOccurrenceAndReplacesItsStart) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
+    const auto gone = exceptionTo(*master, "X", at(10, 0, 0, 21), at(10, 0, 0, 21));
+    gone->ISRecurrenceExceptionDeleted = 1;
+    desk.put(master);
+    desk.put(gone);
+    EXPECT_EQ(desk.run(at(12, 0)), "M 20 10:00 (20 09:45)");
+    desk.dismiss("M");
+    desk.remove("X");  // its row is purged
+    EXPECT_EQ(desk.run(at(12, 0, 0, 21), 60), "");
+    desk.start();
+    EXPECT_EQ(desk.check(), "");
+}
+
+TEST_F(PendingException, ASnoozeEndsWhenItsOccurrenceIsTakenAway) {
+    for (const bool byExdate : {false, true}) {
+        Desk fresh;
+        const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
+        fresh.put(master);
+        fresh.run(at(9, 45));
+        fresh.snooze("M", 60);
+        if (byExdate) {
+            fresh.change("M", [](calEvent& e) {
+                e.recurrence = R"(["RRULE:FREQ=DAILY;COUNT=2","EXDATE:20261120T100000"])";
+            });
+        } else {
+            fresh.put(exceptionTo(*master, "X", at(10, 0), at(18, 0, 0, 25)));
+        }
+        EXPECT_EQ(fresh.run(at(11, 0)), "") << byExdate;
+    }
+}
+
+TEST_F(PendingException, ASnoozeOutlivesAReTimedSeries) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+    desk.run(at(9, 45));
+    desk.snooze("A", 60);
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(18, 0);
+        e.EndDateTime = at(18, 30);
+    });
+    EXPECT_EQ(desk.run(at(10, 45)), "A 20 10:00 (20 10:45)");
+}
+
+}  // namespace
+}  // namespace vl
