@@ -98,7 +98,8 @@ TEST_F(LedgerFile, WhatIsForgottenIsForgottenOverARestart) {
     const Ledger again(clock, path.string());
     ASSERT_TRUE(again.find(kDb, "{A}"));
     EXPECT_TRUE(again.find(kDb, "{A}")->occurrences.empty());
-    EXPECT_TRUE(again.find(kDb, "{A}")->note("NextReminder")) << "the row still shows what we wrote";
+    EXPECT_TRUE(again.find(kDb, "{A}")->note("NextReminder"))
+        << "the row still shows what we wrote";
 }
 
 // However the last line was cut off, all before it stand, and what comes after stands, too.

@@ -6,6 +6,7 @@
 namespace vl {
 namespace {
 
+using test::allDay;
 using test::at;
 using test::Desk;
 using test::series;
@@ -218,6 +219,72 @@ TEST_F(PendingActs, DoneOnARowFromBeforeAMoveIsOfWhatItShows) {
     EXPECT_EQ(desk.run(at(12, 0), 60), "A 20 12:00 (20 11:45)");
     desk.dismiss("A", DismissMode::This, true);
     EXPECT_EQ(desk.rows.at("A")->status, "AllDone");
+}
+
+// By the minutes before the start at which the event is listed after the act, each time dismissed.
+TEST_F(PendingActs, EachActOnEachKindOfEvent) {
+    struct Kind {
+        const char* what;
+        DateTime start;
+        std::shared_ptr<calEvent> (*make)(DateTime start);
+    };
+    const Kind kinds[] = {
+        {"single", at(12, 0),
+         [](DateTime start) {
+             return single("A", start, {30, 15, -20});
+         }},
+        {"moved", at(12, 0),
+         [](DateTime) {
+             return single("A", at(16, 0), {30, 15, -20});
+         }},
+        {"repeating", at(12, 0),
+         [](DateTime start) {
+             return series("A", start, "FREQ=DAILY", {30, 15, -20});
+         }},
+        {"all day", at(0, 0, 0, 21),
+         [](DateTime start) {
+             return allDay("A", start, {30, 15, -20});
+         }},
+    };
+    struct Case {
+        const char* act;
+        void (*apply)(Desk& desk);
+        std::vector<int> later;
+    };
+    const Case cases[] = {
+        {"snooze", [](Desk& d) { d.snooze("A", 20); }, {10, -20}},
+        {"snooze over all", [](Desk& d) { d.snooze("A", 90); }, {-60}},
+        {"this", [](Desk& d) { d.dismiss("A"); }, {15, -20}},
+        {"all but after", [](Desk& d) { d.dismiss("A", DismissMode::AllButAfter); }, {-20}},
+        {"all", [](Desk& d) { d.dismiss("A", DismissMode::All); }, {}},
+        {"done", [](Desk& d) { d.dismiss("A", DismissMode::This, true); }, {}},
+        {"reactivate", [](Desk& d) { d.reactivate("A"); }, {30, 15, -20}},
+    };
+    for (const Kind& kind : kinds) {
+        for (const Case& c : cases) {
+            SCOPED_TRACE(std::string(c.act) + " on " + kind.what);
+            Desk fresh;
+            fresh.put(kind.make(kind.start));
+            fresh.check(at(9, 0));
+            fresh.change("A", [&](calEvent& e) {
+                const std::int64_t length =
+                    e.EndDateTime.milliseconds() - e.StartDateTime.milliseconds();
+                e.StartDateTime = kind.start;
+                e.EndDateTime = DateTime::fromMilliseconds(kind.start.milliseconds() + length);
+            });
+            ASSERT_NE(fresh.check(kind.start.addMinutes(-30)), "");
+            c.apply(fresh);
+            std::vector<int> later;
+            while (fresh.clock.time < kind.start.addMinutes(180)) {
+                if (!fresh.check(fresh.clock.time.addMinutes(1)).empty()) {
+                    const ActRow& row = fresh.listed.at("A");
+                    later.push_back(static_cast<int>(minutesBetween(row.reminder, kind.start)));
+                    fresh.dismiss("A");
+                }
+            }
+            EXPECT_EQ(later, c.later);
+        }
+    }
 }
 
 }  // namespace
