@@ -222,7 +222,7 @@ public:
     enum class Deletion {
         Gone,   ///< or there is no such file, or it is no database: nothing is left to delete
         Waits,  ///< others hold the file, or it cannot be read or written now
-        Failed  ///< for good: the host's file cannot be changed in this way
+        Failed  ///< for good: the host's file cannot be changed in this way, or not be opened
     };
     /// Removes the event's row and its item's from the host's database, which `VLBase` names.
     Deletion DeleteItem() const;

@@ -1,4 +1,7 @@
 // The event's item in the host's own database.
+#include <filesystem>
+#include <fstream>
+
 #include "app/Files.h"
 #include "db/DBRemindUtils.h"
 #include "model/calEvent.h"
@@ -22,7 +25,21 @@ std::string literalOf(std::string_view value) {
 
 bool passes(ErrNo error) { return error == ErrNo::Locked || error == ErrNo::Io; }
 
-bool isNoDatabase(ErrNo error) { return error == ErrNo::Format || error == ErrNo::NotFound; }
+// Of another generation, or encrypted: the item is in there all the same.
+bool isForeignDatabase(const std::string& path) {
+    constexpr std::size_t kNameAt = 4;
+    std::ifstream file(std::filesystem::path(std::u8string(path.begin(), path.end())),
+                       std::ios::binary);
+    std::string start(kNameAt + 15, '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    const std::string name = start.substr(kNameAt);
+    return name == "Standard Jet DB" || name == "Standard ACE DB";
+}
+
+// Nothing is left to delete where the file is no database, or none of the host's.
+bool holdsNoItem(ErrNo error, const std::string& path) {
+    return error == ErrNo::NotFound || (error == ErrNo::Format && !isForeignDatabase(path));
+}
 
 // Of the rows that the statement gives, none when it fails.
 std::vector<std::int32_t> itemsOf(DBRemindUtils& host, const std::string& where) {
@@ -46,9 +63,9 @@ calEvent::Deletion calEvent::DeleteItem() const {
     const std::string where = " WHERE GUID=" + literalOf(GUID);
     const std::vector<std::int32_t> items = itemsOf(host, where);
     if (host.LastError() != ErrNo::None) {
-        return passes(host.LastError())         ? Deletion::Waits
-               : isNoDatabase(host.LastError()) ? Deletion::Gone
-                                                : Deletion::Failed;
+        return passes(host.LastError())                ? Deletion::Waits
+               : holdsNoItem(host.LastError(), VLBase) ? Deletion::Gone
+                                                       : Deletion::Failed;
     }
     // The item first: as long as the event's row is there, it can be found again.
     for (const std::int32_t item : items) {

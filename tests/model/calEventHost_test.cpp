@@ -94,6 +94,44 @@ TEST_F(HostTest, WithoutAHostNothingIsLeftToDelete) {
     }
 }
 
+// The host would make the row anew: a database of another kind still has the item.
+TEST_F(HostTest, ADatabaseThatCannotBeOpenedStillHoldsTheItem) {
+    const struct {
+        const char* name;
+        std::size_t at;
+        char byte;
+        calEvent::Deletion outcome;
+    } cases[] = {
+        {"a later generation", 0x14, 2, calEvent::Deletion::Failed},
+        {"an earlier generation", 0x14, 0, calEvent::Deletion::Failed},
+        {"encrypted", 0x3E, 0, calEvent::Deletion::Failed},
+        {"another program's file", 4, 'X', calEvent::Deletion::Gone},
+    };
+    const std::string sound = test::readFile(event.VLBase);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string changed = sound;
+        ASSERT_NE(changed.at(c.at), c.byte);
+        changed.at(c.at) = c.byte;
+        test::writeFile(event.VLBase, changed);
+        EXPECT_EQ(event.DeleteItem(), c.outcome);
+        EXPECT_EQ(test::readFile(event.VLBase), changed);
+    }
+}
+
+TEST_F(HostTest, KeepsPendingError) {
+    ErrorState::set(ErrNo::Overflow);
+    event.GetFieldName();
+    event.VLBase.clear();
+    event.GetFieldName();
+    event.DeleteItem();
+    event.VLBase = folder.path().string();
+    event.GetFieldName();
+    event.DeleteItem();
+    EXPECT_EQ(ErrorState::number(), ErrNo::Overflow);
+    ErrorState::clear();
+}
+
 TEST_F(HostTest, KnowsTheNameOfAField) {
     EXPECT_EQ(event.FieldName, "");
     EXPECT_EQ(event.GetFieldName(), "Birthdays");
