@@ -176,16 +176,19 @@ std::uint16_t reachableMonths(const Rule& rule) {
     return static_cast<std::uint16_t>(rule.months & reached);
 }
 
-/// The times of day that a rule by the hour, minute or second meets repeat every day with a common
-/// step; at least one of them lies within the limits.
+/// The times of day (with BYDAY, of the week) that a rule by the hour, minute or second meets
+/// repeat with a common step; at least one of them lies within the limits.
 bool timesReachable(const Rule& rule, const RuleExtras& extras) {
     const std::int64_t unit = rule.unit();
-    const std::int64_t step = std::gcd(rule.interval * unit, kDaySeconds);
+    const std::int64_t span = rule.hasWeekdays ? 7 * kDaySeconds : kDaySeconds;
+    const std::int64_t step = std::gcd(rule.interval * unit, span);
     const std::int64_t rest = floorMod(floorDiv(rule.start, unit) * unit, step);
     // From every allowed minute (hour) the next moment of the raster must lie inside it.
     const std::int64_t slot = std::max<std::int64_t>(unit, 60);
-    for (std::int64_t at = 0; at < kDaySeconds; at += slot) {
-        if ((extras.hours >> (at / 3600) & 1) == 0 || (extras.minutes >> (at / 60 % 60) & 1) == 0) {
+    for (std::int64_t at = 0; at < span; at += slot) {
+        if ((rule.hasWeekdays && (rule.weekdays >> weekdayOf(at / kDaySeconds) & 1) == 0) ||
+            (extras.hours >> (at / 3600 % 24) & 1) == 0 ||
+            (extras.minutes >> (at / 60 % 60) & 1) == 0) {
             continue;
         }
         for (std::int64_t s = floorMod(rest - at, step); s < slot; s += step) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include "MonthDays.h"
@@ -409,13 +410,23 @@ private:
         return at;
     }
 
+    /// After how many seconds a raster meets the same days and times again: no match in so long
+    /// means none ever.
+    static std::int64_t rasterCycle(std::int64_t each) {
+        constexpr std::int64_t kCalendar = std::int64_t{146'097} * kDaySeconds;
+        constexpr std::int64_t kAll = 26;  // more of them than there are years
+        return std::min(each / std::gcd(each, kCalendar), kAll) * kCalendar;
+    }
+
     void raster() {
         const std::int64_t unit = rule_.unit();
         const std::int64_t each = unit * rule_.interval;
         const std::int64_t origin = floorDiv(rule_.start, unit) * unit;
         DayFilter filter(rule_);
         std::int64_t at = origin + firstPeriod(lower_ - unit + 1, origin, each) * each;
-        while (at <= upper_) {
+        const std::int64_t cycle = rasterCycle(each);
+        std::int64_t giveUp = at + cycle;
+        while (at <= std::min(upper_, giveUp)) {
             ++steps;
             const std::int64_t allowed = nextAllowed(at, filter);
             if (allowed > at) {
@@ -426,6 +437,7 @@ private:
                 break;
             }
             at += each;
+            giveUp = at + cycle;
         }
         steps += filter.steps;
     }
