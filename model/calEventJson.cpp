@@ -1,5 +1,6 @@
 // An event as the calendar service's event resource, both ways.
 #include <algorithm>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -15,8 +16,32 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kDateLength = 10;  // "2024-05-01"
 
+// Writing needs stack for every array in an array: nobody's event has so many.
+bool isTooDeep(const Json& js) {
+    constexpr int kDeepest = 500;
+    std::vector<const Json*> level = {&js};
+    for (int depth = 0; depth < kDeepest; ++depth) {
+        std::vector<const Json*> below;
+        for (const Json* one : level) {
+            for (const Json& member : *one) {
+                if (member.is_structured()) {
+                    below.push_back(&member);
+                }
+            }
+        }
+        if (below.empty()) {
+            return false;
+        }
+        level = std::move(below);
+    }
+    return true;
+}
+
 // Damaged text becomes U+FFFD, so that one bad byte does not cost the whole.
 std::string compact(const Json& js) {
+    if (js.is_structured() && isTooDeep(js)) {
+        throw Error(ErrNo::Overflow, "JSON of an event: nested too deep");
+    }
     return js.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 

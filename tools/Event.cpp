@@ -5,6 +5,7 @@
 #include "Format.h"
 #include "Input.h"
 #include "base/ErrorState.h"
+#include "base/Text.h"
 #include "events/GenCollection.h"
 #include "model/calEvent.h"
 #include "model/clsReminder.h"
@@ -15,12 +16,25 @@ namespace {
 
 Json propertyJson(const Variant& value);
 
+// As a user types it. The short form of an offset that no unit says whole means another one:
+// such an offset is given in minutes.
+std::string typed(const clsReminder& reminder) {
+    std::string text = reminder.ToText(true, true);
+    clsReminder read;
+    read.FromText(text);
+    if (read.Minutes != reminder.Minutes) {
+        const bool mail = text::equalsNoCase(reminder.Method, "email");
+        text = std::to_string(reminder.Minutes) + (mail ? "m (e)" : "m");
+    }
+    return text;
+}
+
 // Reminders as a user types them, dates as they are.
 Json collectionJson(const GenCollection& collection) {
     Json items = Json::array();
     for (const Variant& item : collection) {
         const auto reminder = objectIn<clsReminder>(item);
-        items.push_back(reminder ? Json(reminder->ToText(true, true)) : propertyJson(item));
+        items.push_back(reminder ? Json(typed(*reminder)) : propertyJson(item));
     }
     return items;
 }

@@ -219,6 +219,19 @@ TEST(LoadJSON, SurvivesTextThatIsNotUtf8) {
     EXPECT_EQ(event.JSON, "{\"summary\":\"a\xEF\xBF\xBDz\"}");
 }
 
+TEST(LoadJSON, LeavesOutWhatIsNestedWithoutEnd) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    calEvent event;
+    event.LoadJSON(Json::parse(R"({"summary":"S","reminders":{"x":)" + deep + R"(},"recurrence":)" +
+                               deep + "}"));
+    EXPECT_EQ(event.Subject, "S");
+    EXPECT_EQ(event.JSON, "");
+    EXPECT_EQ(event.reminders, "");
+    EXPECT_EQ(event.recurrence, "");
+    const std::string sound = R"({"x":)" + std::string(400, '[') + std::string(400, ']') + "}";
+    EXPECT_EQ(loaded(sound).JSON, sound);
+}
+
 // ---- SaveJSON
 
 calEvent timedEvent() {

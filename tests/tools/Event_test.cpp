@@ -38,6 +38,36 @@ TEST(RemindbEvent, GivesAllProperties) {
     EXPECT_EQ(event.at("RepDates"), nullptr);
 }
 
+TEST(RemindbEvent, RemindersAreGivenAsTheyAreTyped) {
+    const struct {
+        const char* given;
+        const char* typed;
+    } cases[] = {
+        {R"("method":"popup","minutes":0)", "0m"},
+        {R"("method":"popup","minutes":45)", "45m"},
+        {R"("method":"email","minutes":75)", "75m (e)"},
+        {R"("method":"popup","minutes":1440)", "1d"},
+        {R"("method":"email","minutes":1620)", "27h (e)"},
+        {R"("method":"popup","minutes":5100)", "5100m"},
+        {R"("method":"popup","minutes":-10)", "-10m"},
+        {R"("method":"email","minutes":-60)", "-1h (e)"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.given);
+        const auto run =
+            remindb({"event"}, std::string(R"({"reminders":{"overrides":[{)") + c.given + "}]}}");
+        EXPECT_EQ(run.code, 0);
+        EXPECT_EQ(linesOf(run.out).at(0).at("RemindersCol"), Json::array({c.typed}));
+    }
+}
+
+TEST(RemindbEvent, SurvivesEndlessNesting) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    const auto run = remindb({"event"}, R"({"summary":"S","x":)" + deep + "}");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(linesOf(run.out).at(0).at("Subject"), "S");
+}
+
 TEST(RemindbEvent, SavedAndReadAgainItIsTheSame) {
     const auto saved = remindb({"event", "--save"}, kWeekly);
     EXPECT_EQ(saved.code, 0);
