@@ -65,6 +65,24 @@ TEST_F(FillRS, AnEventWithoutALengthIsMadeAnHourLong) {
     EXPECT_EQ(event.EndDateTime, at(9, 1));
 }
 
+TEST_F(FillRS, AnAllDayEventIsLengthenedToo) {
+    event.IsAllDayEvent = true;
+    event.StartDateTime = event.EndDateTime = at(0);
+    event.FillRS(*row);
+    EXPECT_EQ(event.EndDateTime, at(1));
+    EXPECT_EQ(row->value("EndDateTime"), Variant(at(1)));
+}
+
+TEST_F(FillRS, KeepsPendingError) {
+    ErrorState::set(ErrNo::Locked);
+    event.Location = std::string(300, 'x');
+    event.FillRS(*row);
+    RecordSet none;
+    event.FillRS(none);
+    EXPECT_EQ(ErrorState::number(), ErrNo::Locked);
+    ErrorState::clear();
+}
+
 TEST_F(FillRS, AnotherEventMayBeTheSource) {
     calEvent other;
     other.GUID = "{other}";

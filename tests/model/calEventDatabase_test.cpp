@@ -99,6 +99,10 @@ TEST_F(calEventDatabase, WritesTheOneColumnOfItsRow) {
     EXPECT_EQ(event.SaveHiddenDB(db), 1);
     EXPECT_EQ(stored("Hidden"), Variant(false));
     EXPECT_EQ(stored("NextReminder"), Variant(event.NextReminder)) << "left alone by the others";
+    event.status = "put off";
+    EXPECT_EQ(event.SaveStatusDB(db), 1);
+    EXPECT_EQ(stored("status"), Variant("put off"));
+    EXPECT_EQ(db.OpenRS("SELECT * FROM Reminders WHERE status=\"put off\"")->RecordCount(), 1U);
     const auto others = db.OpenRS("SELECT * FROM Reminders WHERE Hidden=True");
     EXPECT_TRUE(others->EOF_());
 }
