@@ -165,6 +165,19 @@ TEST_F(Pending, AllDayEventsCountFromMidnightAndLastTheirDay) {
     EXPECT_EQ(desk.run(at(18, 3)), "") << "it was over at midnight";
 }
 
+TEST_F(Pending, ASeriesOfAddedDatesAloneIsAskedForThemToo) {
+    const auto e = single("A", at(10, 0), {15});
+    e->recurrence = R"(["RDATE:20261121T120000,20261122T140000"])";
+    e->RecurrenceState = 1;
+    e->LoadRecurrence();
+    desk.put(e);
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(13, 0, 0, 21), 60), "A 21 12:00 (21 11:45)");
+    desk.dismiss("A", DismissMode::All);
+    EXPECT_EQ(desk.run(at(15, 0, 0, 22), 60), "A 22 14:00 (22 13:45)");
+}
+
 TEST_F(Pending, TwoDueAtTheSameMomentAreTwoRows) {
     desk.put(single("A", at(10, 0), {15}));
     desk.put(single("B", at(10, 30), {45}));
