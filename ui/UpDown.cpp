@@ -12,6 +12,11 @@ UpDown::UpDown(QWidget* parent) : QAbstractSpinBox(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
+void UpDown::stepBy(int steps) {
+    value_ += steps;
+    emit stepped(steps);
+}
+
 QSize UpDown::sizeHint() const {
     QStyleOptionSpinBox option;
     initStyleOption(&option);

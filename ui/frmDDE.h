@@ -143,7 +143,7 @@ private:
     void TimerFlash_Tick();
     void TimerActions_Tick();
     void cboPeriod_Changed(int index);
-    void DoUD(int steps);
+    void DoUD();
     void tabs_Changed();
     void txtSearch_Changed(const QString& search);
     void currentRowChanged();

@@ -22,14 +22,15 @@ bool frmDDE::isPeriod(std::string_view code) const {
 }
 
 void frmDDE::cboPeriod_Changed(int index) {
+    UpDown1->setValue(index + 1);
     if (!loading_ && index >= 0) {
         ShowPeriod();
     }
 }
 
-void frmDDE::DoUD(int steps) {
-    cboPeriod->setCurrentIndex(wrapped(cboPeriod->currentIndex() + 1 + steps, cboPeriod->count()) -
-                               1);
+void frmDDE::DoUD() {
+    UpDown1->setValue(wrapped(UpDown1->value(), cboPeriod->count()));
+    cboPeriod->setCurrentIndex(UpDown1->value() - 1);
 }
 
 void frmDDE::ShowPeriod() {

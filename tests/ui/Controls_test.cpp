@@ -20,6 +20,17 @@ TEST(UpDown, TellsEveryStep) {
     EXPECT_EQ(stepped.at(1).at(0).toInt(), -1);
 }
 
+TEST(UpDown, KeepsTheValueThatItIsSetTo) {
+    UpDown updown;
+    updown.setValue(17);
+    QObject::connect(&updown, &UpDown::stepped, &updown,
+                     [&] { updown.setValue(wrapped(updown.value(), 17)); });
+    updown.stepBy(1);
+    EXPECT_EQ(updown.value(), 1);
+    updown.stepBy(-1);
+    EXPECT_EQ(updown.property("value").toInt(), 17) << "as screen readers ask for it";
+}
+
 TEST(UpDown, WrapsAtBothEnds) {
     EXPECT_EQ(wrapped(0, 17), 17);
     EXPECT_EQ(wrapped(1, 17), 1);

@@ -12,7 +12,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 #include "WindowTest.h"
 
@@ -72,13 +71,14 @@ protected:
     void whileMenuIsOpen(int tab, const QContextMenuEvent::Reason by,
                          const std::function<void(QMenu&)>& look) const {
         bool looked = false;
-        QTimer::singleShot(0, window.get(), [&] {
+        const auto whenOpen = [&] {
             auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
             ASSERT_NE(menu, nullptr);
             looked = true;
             look(*menu);
             menu->close();
-        });
+        };
+        QMetaObject::invokeMethod(window.get(), whenOpen, Qt::QueuedConnection);
         QWidget& rows = *grid(tab).viewport();
         QContextMenuEvent asked(by, rowAt(tab, 0), rows.mapToGlobal(rowAt(tab, 0)));
         QApplication::sendEvent(&rows, &asked);

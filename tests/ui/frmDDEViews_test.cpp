@@ -41,7 +41,7 @@ protected:
     }
     /// A repeating event that started at that moment.
     std::shared_ptr<calEvent> series(const char* GUID, DateTime start, const char* rule) {
-        const auto e = event(GUID, "Series", start, 15);
+        auto e = event(GUID, "Series", start, 15);
         e->recurrence = std::string("[\"") + rule + "\"]";
         e->LoadRecurrence();
         e->RecurrenceState = 1;
@@ -193,12 +193,14 @@ TEST_F(frmDDEViews, SteppingGoesByTheListAndOnToTheGrid) {
     showActive();
     UpDown& arrows = child<UpDown>("UpDown1");
     list().setCurrentText("Today");
+    EXPECT_EQ(arrows.value(), 8);
     const std::pair<int, const char*> steps[] = {
         {1, "D+1"}, {1, "T+D1"}, {-1, "D+1"}, {-1, "T"}, {-1, "N"}};
     for (const auto& [by, code] : steps) {
         search().setFocus();
         arrows.stepBy(by);
         EXPECT_EQ(state.sPeriod, code);
+        EXPECT_EQ(arrows.value(), list().currentIndex() + 1);
         EXPECT_TRUE(grid(kNewRemindersGrid).hasFocus()) << code;
     }
     // All the way round, either way.
