@@ -1,11 +1,14 @@
 #include "events/CalEvents.h"
 
+#include "AnswerMemo.h"
+#include "DonePass.h"
 #include "DueBook.h"
 #include "FullRead.h"
 #include "RowReader.h"
 #include "SharedReminders.h"
 #include "app/TimeZone.h"
 #include "base/ErrorState.h"
+#include "events/EventIndex.h"
 
 namespace vl {
 
@@ -22,6 +25,10 @@ CalEvents::CalEvents(DBRemindUtils& db, const Clock& clock, std::string defaultR
       noLedger_(std::make_unique<Ledger>(clock)),
       ledger_(noLedger_.get()),
       book_(std::make_unique<DueBook>()),
+      index_(std::make_unique<EventIndex>()),
+      done_(std::make_unique<DonePass>()),
+      reminded_(std::make_unique<AnswerMemo>()),
+      started_(std::make_unique<AnswerMemo>()),
       fullRead_(std::make_unique<FullRead>()),
       reminders_(std::make_unique<SharedReminders>()) {}
 
@@ -42,11 +49,12 @@ bool CalEvents::isUnchanged(const Source& now) const {
 
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
     const ErrScope scope;
+    remindedNow_ = 0;
     // Looked at first: what is written while the rows are read counts as changed since.
     Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}};
     if (isUnchanged(now)) {
         if (Reload) {
-            forgetQueries();
+            index_->forgetQueries(*mCol);
         }
         db_.CloseDB();
         dLastRead = clock_.now();
@@ -73,16 +81,16 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
     const GenCollection before = mCol ? *mCol : GenCollection();
     mCol = std::make_shared<GenCollection>();
     const auto make = [this](const RowReader& reader, sql::RowStream& row) {
-        return readEvent([&](calEvent& event) {
-            reader.fill(event, [&row](std::size_t field) { return row.value(field); });
-        });
+        return readEvent([&](calEvent& event) { reader.fill(event, row); });
     };
     const auto all = fullRead_->read(db_, statement, before, make);
     keepPassedOver();
     if (!all) {
         return false;
     }
+    index_->forgetQueries(before);
     mCol = all;
+    adopted_ = false;
     source.result = all->Count() > 0 ? 1 : 0;
     return true;
 }
@@ -100,6 +108,9 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
             auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
             if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
                 event = stillValid(known, event);
+                if (event == known && !adopted_) {
+                    forgetQuery(*event);
+                }
             }
             mCol->Remove(event->GUID);
             Add(event, event->GUID);
@@ -110,17 +121,59 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
     return complete;
 }
 
-void CalEvents::forgetQueries() const {
-    for (const auto& [event, position] : held_.of(*mCol)) {
-        forgetQuery(*event);
+// What one set leaves in its events is nothing to the other.
+void CalEvents::separate() {
+    if (!adopted_ || !mCol) {
+        return;
+    }
+    auto own = std::make_shared<GenCollection>(*mCol);
+    for (const Variant& item : *mCol) {
+        if (const auto event = objectIn<calEvent>(item)) {
+            own->UpdateItem(event->GUID, Variant(std::make_shared<calEvent>(*event)));
+        }
+    }
+    *mCol = *own;
+    adopted_ = false;
+}
+
+// Most events are the same objects in both. Of a list from which one was taken, or into which one
+// was put, the others follow one place on.
+void CalEvents::carryLastReminders(const GenCollection& full) const {
+    auto other = full.begin();
+    const auto at = [&] { return other == full.end() ? nullptr : other->get<ObjectRef>(); };
+    for (const Variant& item : *mCol) {
+        const auto* mine = item.get<ObjectRef>();
+        if (mine == nullptr) {
+            continue;
+        }
+        if (const auto* there = at(); there != nullptr && *there != *mine) {
+            auto next = other;
+            ++next;
+            if (next != full.end() && next->get<ObjectRef>() != nullptr &&
+                *next->get<ObjectRef>() == *mine) {
+                other = next;
+            }
+        }
+        if (const auto* there = at(); there != nullptr && *there == *mine) {
+            ++other;
+            continue;
+        }
+        const auto* event = dynamic_cast<const calEvent*>(mine->get());
+        if (event != nullptr && !event->dLastReminder.isZero()) {
+            if (const auto adopted = objectAt<calEvent>(full, event->GUID)) {
+                adopted->dLastReminder = event->dLastReminder;
+            }
+        }
     }
 }
 
 void CalEvents::TakeZone(const TimeZone& here) {
     const ErrScope scope;
-    for (const auto& [event, position] : held_.of(mCol ? *mCol : GenCollection())) {
-        if (!event->recurrence.empty()) {
-            attempt([&, e = event] { e->LoadRecurrence(here); });
+    index_->bring(mCol ? *mCol : GenCollection());
+    for (calEvent* event : index_->events()) {
+        if (event != nullptr && !event->recurrence.empty()) {
+            attempt([&] { event->LoadRecurrence(here); });
+            index_->look(event->GUID);
         }
     }
 }
@@ -131,18 +184,13 @@ void CalEvents::Adopt(const CalEvents& full) {
         return;
     }
     if (mCol) {
-        for (const auto& [event, position] : held_.of(*mCol)) {
-            if (!event->dLastReminder.isZero()) {
-                if (const auto adopted = objectAt<calEvent>(*full.mCol, event->GUID)) {
-                    adopted->dLastReminder = event->dLastReminder;
-                }
-            }
-        }
+        carryLastReminders(*full.mCol);
         *mCol = *full.mCol;
     } else {
         mCol = std::make_shared<GenCollection>(*full.mCol);
         dLastRead = full.dLastRead;
     }
+    adopted_ = true;
     source_ = full.source_;
     source_.filled = mCol;
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,13 +12,14 @@
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/GenCollection.h"
-#include "events/HeldEvents.h"
 #include "model/calEvent.h"
 
 namespace vl {
 
+class AnswerMemo;
 class DueBook;
 class EventHistory;
+class EventIndex;
 class FullRead;
 class Ledger;
 class SharedReminders;
@@ -25,7 +27,11 @@ class SharedReminders;
 /// The set of events behind checks and views. Two of these live: one for the checks, one behind
 /// the period views. Events are shared with who asks for them, and both queries write
 /// `InstanceStart`, `iRemMinutes` and `iRemMinutesNext` into them, so these hold what the last
-/// query left.
+/// query left. Who changes an event of the set in place tells it by `LookAgain`.
+///
+/// The two sets hold the same events for the price of one (`Adopt`), and what either leaves in an
+/// event is never seen in the other: the check's question gives copies, and a set that has adopted
+/// its events makes them its own before it writes into them.
 /// No method throws: each carries on after a failing step and leaves the pending error as it was.
 class CalEvents {
 public:
@@ -90,8 +96,9 @@ public:
     /// Cost: events plus occurrences inside the window, not those before it. Never null.
     ///
     /// `bPending` is the check's question: what is to be taken into the list of new reminders, and
-    /// which of the listed events are due again, less what the user has dealt with. By time. Where
-    /// nothing has happened since the last such question no event is looked at (see `DueBook`).
+    /// which of the listed events are due again, less what the user has dealt with. By time, in
+    /// copies of the set's events. Where nothing has happened since the last such question no event
+    /// is looked at (see `DueBook`).
     std::shared_ptr<GenCollection> RemindCol(DateTime FromTime, DateTime ToTime,
                                              bool bPending = false);
 
@@ -106,14 +113,14 @@ public:
     /// Works out anew which occurrences series have, for a computer whose zone has changed.
     void TakeZone(const TimeZone& here);
 
-    /// The next check looks at the event again: for who changes a schedule, or `NextReminder` and
-    /// `Dismissed`, in an object of the set. An object that takes another one's place in `mCol` is
-    /// looked at anyway.
+    /// For who changes an event of the set in place, whatever of it: the next check and the next
+    /// views look at it again, and the next full read takes its row's word. An object that takes
+    /// another one's place in `mCol` is looked at anyway.
     void LookAgain(std::string_view GUID);
 
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.
-    std::shared_ptr<GenCollection> EventCol(DateTime FromDate, DateTime ToDate) const;
+    std::shared_ptr<GenCollection> EventCol(DateTime FromDate, DateTime ToDate);
 
     /// The event read afresh from the database, or null. The text is not escaped.
     std::shared_ptr<calEvent> EventByID(std::string_view id) const;
@@ -133,6 +140,8 @@ private:
         std::weak_ptr<GenCollection> filled;  // the collection it filled
     };
 
+    struct DonePass;  // what the last look for finished events has found
+
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
     void keepLeft();
     void noteMoved();
@@ -141,7 +150,10 @@ private:
     bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
     bool readAll(const std::string& statement, Source& source);
     bool readChanged(const std::string& statement, Source& source);
-    void forgetQueries() const;
+    void separate();
+    void carryLastReminders(const GenCollection& full) const;
+    void lookForPast(DateTime now);
+    void finish(std::span<calEvent* const> finished, EventHistory* history);
     std::shared_ptr<calEvent> readEvent(const std::function<void(calEvent&)>& fill) const;
     std::shared_ptr<calEvent> firstOf(const std::string& statement) const;
     DBRemindUtils& db_;
@@ -151,8 +163,13 @@ private:
     Ledger* ledger_;
     std::function<bool(std::string_view)> isListed_;
     std::unique_ptr<DueBook> book_;
-    Source source_;            // of the last read that succeeded
-    mutable HeldEvents held_;  // the events of `mCol`
+    Source source_;         // of the last read that succeeded
+    bool adopted_ = false;  // another set may hold the events of `mCol`, too
+    std::unique_ptr<EventIndex> index_;
+    std::unique_ptr<DonePass> done_;
+    std::unique_ptr<AnswerMemo> reminded_;
+    std::unique_ptr<AnswerMemo> started_;
+    std::uint64_t remindedNow_ = 0;  // the answer that the events show; 0: another one, or none
     std::unique_ptr<FullRead> fullRead_;
     std::unique_ptr<SharedReminders> reminders_;
 };

@@ -3,11 +3,12 @@
 #include <span>
 #include <vector>
 
-#include "EventQuiet.h"
+#include "DonePass.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
 #include "events/EventHistory.h"
+#include "events/EventIndex.h"
 
 namespace vl {
 
@@ -31,10 +32,12 @@ bool isOpen(const calEvent& event, DateTime lastReminder, const EventHistory* hi
     return event.NextReminder > event.Dismissed;
 }
 
+// A full day after its last reminder.
+bool isPast(DateTime last, DateTime now) { return last > DateTime() && last < now.addDays(-1); }
+
 bool isFinished(const calEvent& event, DateTime now, const EventHistory* history) {
     const DateTime last = lastReminderOf(event);
-    return last > DateTime() && last < now.addDays(-1) && !replacesWhatIsAhead(event, now) &&
-           !isOpen(event, last, history);
+    return isPast(last, now) && !replacesWhatIsAhead(event, now) && !isOpen(event, last, history);
 }
 
 std::string allDoneStatement(std::span<const std::string> GUIDs) {
@@ -65,23 +68,41 @@ void writeAllDone(DBRemindUtils& db, std::span<const std::string> GUIDs) {
 
 void CalEvents::UpdateAllDone(EventHistory* history) {
     const ErrScope scope;
+    if (!mCol) {
+        return;
+    }
+    const GenCollection held = *mCol;
     const DateTime now = clock_.now();
-    const GenCollection held = mCol ? *mCol : GenCollection();
-    std::vector<std::string> GUIDs;
-    std::vector<EventHistory::Replaced> replaced;
-    for (const auto& [event, position] : held_.of(held)) {
-        attempt([&, e = event] {
-            if (!isAllDone(*e) && isFinished(*e, now, history)) {
-                e->status = kAllDone;
-                if (!e->GUID.empty()) {
-                    GUIDs.push_back(e->GUID);
-                }
-                // It is read no more, and still stands for an occurrence of its series.
-                if (e->IsException() && !e->RExceptionStartTimeOrig.isZero()) {
-                    replaced.push_back({e->recurringEventId, e->RExceptionStartTimeOrig});
-                }
+    index_->bring(held);
+    const auto events = index_->events();
+    DonePass& pass = *done_;
+    if (pass.version != index_->version() || isPast(pass.nextLast, now)) {
+        lookForPast(now);
+    }
+    std::vector<calEvent*> finished;
+    for (const std::size_t i : pass.past) {
+        attempt([&] {
+            if (!isAllDone(*events[i]) && isFinished(*events[i], now, history)) {
+                finished.push_back(events[i]);
             }
         });
+    }
+    finish(finished, history);
+}
+
+void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* history) {
+    std::vector<std::string> GUIDs;
+    std::vector<EventHistory::Replaced> replaced;
+    for (calEvent* event : finished) {
+        event->status = kAllDone;
+        index_->look(event->GUID);
+        if (!event->GUID.empty()) {
+            GUIDs.push_back(event->GUID);
+        }
+        // It is read no more, and still stands for an occurrence of its series.
+        if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
+            replaced.push_back({event->recurringEventId, event->RExceptionStartTimeOrig});
+        }
     }
     if (history != nullptr) {
         history->keepReplaced(replaced);
@@ -89,15 +110,38 @@ void CalEvents::UpdateAllDone(EventHistory* history) {
     writeAllDone(db_, GUIDs);
 }
 
+// Which events have nothing more to come, and when that will be true of the next one.
+void CalEvents::lookForPast(DateTime now) {
+    DonePass& pass = *done_;
+    pass.version = index_->version();
+    pass.nextLast = DateTime();
+    pass.past.clear();
+    for (std::size_t i = 0; i < index_->events().size(); ++i) {
+        const calEvent* event = index_->events()[i];
+        if (event == nullptr || isAllDone(*event)) {
+            continue;
+        }
+        attempt([&] {
+            const DateTime last = lastReminderOf(*event);
+            if (isPast(last, now)) {
+                pass.past.push_back(i);
+            } else if (last > DateTime() && (pass.nextLast.isZero() || last < pass.nextLast)) {
+                pass.nextLast = last;
+            }
+        });
+    }
+}
+
 void CalEvents::RemoveAllDone() {
     const ErrScope scope;
     if (!mCol) {
         return;
     }
-    const auto& held = held_.of(*mCol);
-    for (std::size_t i = held.size(); i > 0; --i) {
-        if (isAllDone(*held[i - 1].event)) {
-            mCol->Remove(held[i - 1].position);
+    index_->bring(*mCol);
+    const auto events = index_->events();
+    for (std::size_t i = events.size(); i > 0; --i) {
+        if (events[i - 1] != nullptr && isAllDone(*events[i - 1])) {
+            mCol->Remove(i);
         }
     }
 }
@@ -107,11 +151,18 @@ void CalEvents::RemoveAllDoneOf(const CalEvents& other) {
     if (!mCol || !other.mCol) {
         return;
     }
-    for (const auto& [event, position] : other.held_.of(*other.mCol)) {
-        if (isAllDone(*event)) {
+    EventIndex& index = *other.index_;
+    index.bring(*other.mCol);
+    if (done_->otherVersion == index.version() && done_->ownStamp == mCol->Stamp()) {
+        return;
+    }
+    for (const calEvent* event : index.events()) {
+        if (event != nullptr && isAllDone(*event)) {
             mCol->Remove(event->GUID);
         }
     }
+    done_->otherVersion = index.version();
+    done_->ownStamp = mCol->Stamp();
 }
 
 void CalEvents::RemoveAllDoneStatus() {

@@ -7,6 +7,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
+#include "events/EventIndex.h"
 
 namespace vl {
 
@@ -41,8 +42,10 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
     noteMoved();
     std::unordered_map<std::string, const DueBook::Found*> series;  // by id
     for (const DueBook::Found& one : found) {
-        recordDue(*one.event, one.due);
-        answer->Add(Variant(one.event), one.event->GUID);
+        // In a copy: what the views' questions leave in the set's own is none of the list's.
+        const auto copy = std::make_shared<calEvent>(*one.event);
+        recordDue(*copy, one.due);
+        answer->Add(Variant(copy), copy->GUID);
         if (!one.event->id.empty()) {
             series.emplace(text::foldCase(one.event->id), &one);
         }
@@ -109,6 +112,9 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
                                entry.listed = event->ToMoment(time);
                                state.openSince = since;
                            }});
+        if (const auto own = mCol ? objectAt<calEvent>(*mCol, event->GUID) : nullptr) {
+            own->dLastReminder = time;
+        }
     }
     if (!changes.empty()) {
         ledger_->change(db_.DBFullName, "listed", changes);
@@ -129,6 +135,9 @@ bool CalEvents::RecordListed(calEvent& event) const {
     return true;
 }
 
-void CalEvents::LookAgain(std::string_view GUID) { book_->look(GUID, false); }
+void CalEvents::LookAgain(std::string_view GUID) {
+    book_->look(GUID, false);
+    index_->look(GUID);
+}
 
 }  // namespace vl

@@ -1,13 +1,15 @@
 // The set's two questions: which reminders fall due in a window, which events occur in a period.
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "AnswerMemo.h"
 #include "DueRule.h"
-#include "EventQuiet.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
+#include "events/EventIndex.h"
 #include "model/clsReminder.h"
 
 namespace vl {
@@ -16,9 +18,6 @@ namespace {
 
 constexpr std::int32_t kNoReminder = calEvent::kNoReminder;
 constexpr int kException = 3;
-
-/// An exception that the host marked as deleted stands for an occurrence that is not held.
-bool takesPlace(const calEvent& event) { return event.ISRecurrenceExceptionDeleted == 0; }
 
 // The window in which an instance can have a reminder inside `window`: offsets count before the
 // start, so both ends move by adding.
@@ -98,18 +97,6 @@ std::optional<Due> dueIn(const calEvent& event, Window window,
     return std::nullopt;
 }
 
-bool isForgotten(const calEvent& event) {
-    return event.InstanceStart.isZero() && event.iRemMinutes == kNoReminder &&
-           event.iRemMinutesNext == kNoReminder;
-}
-
-void forget(calEvent& event) {
-    event.InstanceStart = DateTime();
-    event.iRemMinutes = kNoReminder;
-    event.iRemMinutesNext = kNoReminder;
-    event.dReminder = DateTime();
-}
-
 /// The events a query found. A changed occurrence among them stands in the place of its series.
 class Answer {
 public:
@@ -161,38 +148,50 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
     if (bPending) {
         return pendingCol(FromTime, ToTime);
     }
+    separate();
     const Window window{FromTime, ToTime};
     const GenCollection held = mCol ? *mCol : GenCollection();
     Answer answer;
-    const auto look = [&](const HeldEvents::Held& one) {
-        calEvent& event = *one.event;
+    const auto look = [&](calEvent& event, std::size_t i) {
         const DateTime left = event.InstanceStart;
-        forget(event);
+        forgetQuery(event);
         const auto starts = instancesForReminders(event, window, left);
         if (const auto due = dueIn(event, window, starts)) {
             recordDue(event, *due);
-            const auto found = objectAt<calEvent>(held, one.position);
+            const auto found = objectAt<calEvent>(held, i + 1);
             answer.take(found);
             answer.noteException(found);
         }
     };
-    for (const HeldEvents::Held& one : held_.of(held)) {
-        if (isForgotten(*one.event) && surelySilent(*one.event, window)) {
-            continue;
-        }
+    index_->bring(held);
+    const bool clean = index_->left().empty();
+    remindedNow_ = 0;
+    if (auto known = clean ? reminded_->recall(*index_, window, 0) : nullptr) {
+        remindedNow_ = reminded_->id();
+        return known;
+    }
+    for (std::size_t i = 0; i < index_->events().size(); ++i) {
         // Each event is a step of its own: one that fails does not keep the others from being
         // found.
         attempt([&] {
-            if (takesPlace(*one.event)) {
-                look(one);
+            if (index_->mayRemind(i, window)) {
+                calEvent& event = *index_->events()[i];
+                look(event, i);
+                index_->noteLeft(i, !isForgotten(event));
             }
         });
     }
-    return answer.finish();
+    auto found = answer.finish();
+    if (clean) {
+        reminded_->keep(*index_, window, 0, *found);
+        remindedNow_ = reminded_->id();
+    }
+    return found;
 }
 
-std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime ToDate) const {
+std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime ToDate) {
     const ErrScope scope;
+    separate();
     const Window period{FromDate, ToDate};
     const GenCollection held = mCol ? *mCol : GenCollection();
     Answer answer;
@@ -209,17 +208,24 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
             }
         }
     };
-    for (const HeldEvents::Held& one : held_.of(held)) {
-        if (surelyAbsent(*one.event, period)) {
-            continue;
-        }
+    index_->bring(held);
+    const std::uint64_t before = std::exchange(remindedNow_, 0);
+    if (auto known = before != 0 ? started_->recall(*index_, period, before) : nullptr) {
+        return known;
+    }
+    for (std::size_t i = 0; i < index_->events().size(); ++i) {
         attempt([&] {
-            if (takesPlace(*one.event)) {
-                look(objectAt<calEvent>(held, one.position));
+            if (index_->mayStart(i, period)) {
+                index_->noteLeft(i, true);
+                look(objectAt<calEvent>(held, i + 1));
             }
         });
     }
-    return answer.finish();
+    auto found = answer.finish();
+    if (before != 0) {
+        started_->keep(*index_, period, before, *found);
+    }
+    return found;
 }
 
 }  // namespace vl

@@ -46,19 +46,22 @@ bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "Al
 
 }  // namespace
 
-bool DueBook::same(const GenCollection& events) const {
-    if (events.Count() != slots_.size()) {
-        return false;
-    }
-    auto slot = slots_.begin();
-    for (const Variant& item : events) {
-        const auto* object = item.get<ObjectRef>();
-        if (object == nullptr || object->get() != slot->event.get()) {
-            return false;
+bool DueBook::isSame(const GenCollection& events) const {
+    return events.Stamp() == stamp_ && events.Count() == slots_.size();
+}
+
+// Where the object stands in `slots` from `at` on, or their number: looked for a few places ahead,
+// since where one was taken out or put in the others follow.
+template <class Slots>
+static std::size_t placeIn(const Slots& slots, std::size_t at, const Object* wanted) {
+    constexpr std::size_t kAhead = 4;
+    const std::size_t end = std::min(slots.size(), at + kAhead);
+    for (std::size_t i = at; wanted != nullptr && i < end; ++i) {
+        if (slots[i].event.get() == wanted) {
+            return i;
         }
-        ++slot;
     }
-    return true;
+    return slots.size();
 }
 
 // Takes over what is in the list now, with what is known of the events that were there before.
@@ -68,31 +71,50 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
     const bool starting = lastNow_.isZero();
     const DateTime checked = asked.ledger.lastCheck(asked.database);
 
-    std::unordered_map<std::uint64_t, Slot> before;
-    before.reserve(slots_.size());
-    for (Slot& slot : slots_) {
-        before.emplace(slot.hash, std::move(slot));
-    }
-    slots_.clear();
+    std::vector<Slot> old;
+    old.swap(slots_);
     slots_.reserve(events.Count());
+    // Most stand where they stood, or next to it; only the others are looked up.
+    std::unordered_map<std::uint64_t, Slot> before;
+    std::vector<std::size_t> strangers;
+    std::size_t at = 0;
     for (const Variant& item : events) {
-        auto event = objectIn<calEvent>(item);
+        const auto* object = item.get<ObjectRef>();
+        const Object* wanted = object != nullptr ? object->get() : nullptr;
+        const std::size_t known = placeIn(old, at, wanted);
+        if (known < old.size()) {
+            for (; at < known; ++at) {
+                before.emplace(old[at].hash, std::move(old[at]));
+            }
+            slots_.push_back(std::move(old[at++]));
+            continue;
+        }
+        strangers.push_back(slots_.size());
+        slots_.emplace_back();
+        slots_.back().event = objectIn<calEvent>(item);
+    }
+    for (; at < old.size(); ++at) {
+        before.emplace(old[at].hash, std::move(old[at]));
+    }
+    old = {};
+    for (const std::size_t i : strangers) {
+        auto event = std::move(slots_[i].event);
         Slot slot;
         // What is no event has a place, too, so that both lists run side by side.
         slot.hash = event ? guidHash(event->GUID) : 0;
         slot.firstMet = !starting || (event && !checked.isZero() && event->Modified >= checked);
         const auto known = before.find(slot.hash);
         if (event && known != before.end() && known->second.event) {
-            const auto old = known->second.event;
+            const auto was = known->second.event;
             slot = std::move(known->second);
             before.erase(known);
-            if (old != event) {
+            if (was != event) {
                 slot.look = true;
-                slot.firstMet = slot.firstMet || reTimed(*old, *event);
-                if (!event->IsRepeating() && old->StartDateTime != event->StartDateTime) {
+                slot.firstMet = slot.firstMet || reTimed(*was, *event);
+                if (!event->IsRepeating() && was->StartDateTime != event->StartDateTime) {
                     slot.since = DateTime();  // that was of the times it had
                 }
-                exceptionsChanged_ = exceptionsChanged_ || replacesOne(*old);
+                exceptionsChanged_ = exceptionsChanged_ || replacesOne(*was);
             }
         }
         if (event && slot.event != event) {
@@ -100,7 +122,7 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
             exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
         }
         slot.event = std::move(event);
-        slots_.push_back(std::move(slot));
+        slots_[i] = std::move(slot);
     }
     for (const auto& [hash, slot] : before) {
         if (slot.event && replacesOne(*slot.event)) {
@@ -108,6 +130,7 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
             left_.push_back({slot.event->recurringEventId, slot.event->RExceptionStartTimeOrig});
         }
     }
+    stamp_ = events.Stamp();
 }
 
 void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
@@ -211,7 +234,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     const bool pending = answer.taken.has_value();
     slot.since = pending ? answer.since : DateTime();
     slot.next = answer.next;
-    slot.look = pending;
+    slot.look = false;
     slot.firstMet = false;
     slot.asked = true;
     const bool listed = pending && asked.isListed && asked.isListed(event.GUID);
@@ -219,6 +242,8 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
         moved_.push_back({slot.event, *answer.taken});
     }
     const auto& due = listed ? answer.again : answer.taken;
+    slot.pending = pending;
+    slot.quiet = listed && !due;
     if (due) {
         found.push_back({slot.event, *due});
     }
@@ -235,8 +260,22 @@ void DueBook::takeZone(const TimeZone& zone) {
     zone_ = zone;
 }
 
+// A listed event of which nothing was due in an earlier window has nothing in this one either, as
+// long as it stays listed and its next time has not come.
+bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
+    const bool itsTime = !slot.next.isZero() && slot.next <= asked.to;
+    if (!slot.look && !slot.pending && !itsTime) {
+        return false;
+    }
+    if (!slot.event || slot.event->ISRecurrenceExceptionDeleted != 0 || isDone(*slot.event)) {
+        return false;
+    }
+    return slot.look || itsTime || !slot.quiet || !asked.isListed ||
+           !asked.isListed(slot.event->GUID);
+}
+
 std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Asked& asked) {
-    if (!same(events)) {
+    if (!isSame(events)) {
         bring(events, asked);
     }
     takeZone(TimeZone::local());
@@ -248,13 +287,20 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
     markChanged(asked);
     ledgerVersion_ = asked.ledger.version();
     lastNow_ = asked.now;
+    const bool wentBack = asked.from < lastFrom_;
+    lastFrom_ = asked.from;
     std::vector<Found> found;
+    found_.clear();
     moved_.clear();
-    for (Slot& slot : slots_) {
-        const bool itsTime = !slot.next.isZero() && slot.next <= asked.to;
-        if ((slot.look || itsTime) && slot.event && slot.event->ISRecurrenceExceptionDeleted == 0 &&
-            !isDone(*slot.event)) {
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        Slot& slot = slots_[i];
+        slot.quiet = slot.quiet && !wentBack;
+        if (isToBeAsked(slot, asked)) {
+            const std::size_t before = found.size();
             attempt([&] { askOne(slot, asked, found); });
+            if (found.size() > before) {
+                found_[slot.hash] = i;
+            }
         }
     }
     std::stable_sort(found.begin(), found.end(),
@@ -273,9 +319,8 @@ void DueBook::look(std::string_view GUID, bool firstMet) {
 }
 
 DateTime DueBook::openSince(const calEvent& event) const {
-    const auto slot = std::find_if(slots_.begin(), slots_.end(),
-                                   [&](const Slot& one) { return one.event.get() == &event; });
-    return slot != slots_.end() ? event.ToMoment(slot->since) : DateTime();
+    const auto found = found_.find(guidHash(event.GUID));
+    return found != found_.end() ? event.ToMoment(slots_[found->second].since) : DateTime();
 }
 
 const std::vector<DateTime>& DueBook::replaced(const calEvent& event) const {

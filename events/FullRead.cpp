@@ -66,24 +66,12 @@ private:
 
 }  // namespace
 
-void forgetQuery(calEvent& event) {
-    if (event.InstanceStart.isZero() && event.iRemMinutes == calEvent::kNoReminder &&
-        event.iRemMinutesNext == calEvent::kNoReminder) {
-        return;  // as are most: looking is cheaper than writing
-    }
-    event.InstanceStart = DateTime();
-    event.iRemMinutes = calEvent::kNoReminder;
-    event.iRemMinutesNext = calEvent::kNoReminder;
-    event.dReminder = DateTime();
-}
-
 std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
                                      const std::shared_ptr<calEvent>& fresh) {
     if (!known->sameRow(*fresh)) {
         fresh->dLastReminder = known->dLastReminder;
         return fresh;
     }
-    forgetQuery(*known);
     return known;
 }
 
@@ -110,9 +98,6 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
         if (isKnown && (!known->event || known->state == stateOf(*known->event))) {
             row.event = known->event;
             row.state = known->state;
-            if (row.event) {
-                forgetQuery(*row.event);
-            }
         } else if (stream.matches()) {
             row.event = make(reader, stream);
             if (const auto held = objectAt<calEvent>(before, row.event->GUID)) {

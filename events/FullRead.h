@@ -61,9 +61,6 @@ private:
     std::uint64_t stamp_ = 0;  // of the collection that they filled
 };
 
-/// Takes out of an event what queries have left in it.
-void forgetQuery(calEvent& event);
-
 /// Of an event that was read again the object that is known, as long as its row says the same.
 std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
                                      const std::shared_ptr<calEvent>& fresh);

@@ -11,12 +11,11 @@ namespace vl {
 
 namespace {
 
-constexpr const char* kNoKey = "z";
 // From so many items on `Exists` looks the key up instead of walking the key list.
 constexpr std::size_t kLookUpFrom = 30;
 
 KeyedSlots::Item itemFor(const Variant& member, std::string_view key) {
-    return {member, std::string(key.empty() ? kNoKey : key), !key.empty()};
+    return {member, KeyText(key), !key.empty()};
 }
 
 // Whole numbers stay whole; those that fit are kept in 32 bits, as counters begin.
@@ -41,7 +40,13 @@ Variant plusOne(const Variant& value) {
 
 }  // namespace
 
-GenCollection::GenCollection() : items_(std::make_shared<KeyedSlots>()) {}
+// Many collections stay empty: they share one list, which is never changed.
+const std::shared_ptr<KeyedSlots>& GenCollection::nothing() {
+    static const auto slots = std::make_shared<KeyedSlots>();
+    return slots;
+}
+
+GenCollection::GenCollection() : items_(nothing()) {}
 
 KeyedSlots& GenCollection::own() {
     static std::atomic<std::uint64_t> changes = 0;
@@ -108,7 +113,7 @@ bool GenCollection::Exists(std::string_view key, bool CaseSensitive) const {
         return items.slotOf(key) != KeyedSlots::kNone;
     }
     for (std::size_t i = 0; i < items.count(); ++i) {
-        const std::string& present = items.at(i).key;
+        const std::string_view present = items.at(i).shownKey();
         if (CaseSensitive ? present == key : text::equalsNoCase(present, key)) {
             return true;
         }
@@ -142,7 +147,7 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
         own().setValue(slot, NewItem);
         return;
     }
-    const std::string spelled = (*items_)[slot].key;
+    const std::string spelled((*items_)[slot].shownKey());
     own().remove(slot);
     append(NewItem, spelled);
 }
@@ -157,13 +162,13 @@ void GenCollection::Remove(IndexKey Index) {
 }
 
 void GenCollection::Clear() {
-    items_ = std::make_shared<KeyedSlots>();
+    items_ = nothing();
     stamp_ = 0;
 }
 
 std::string GenCollection::Key(std::int64_t position) const {
     const auto slot = items_->slotAt(position);
-    return slot == KeyedSlots::kNone ? std::string() : (*items_)[slot].key;
+    return slot == KeyedSlots::kNone ? std::string() : std::string((*items_)[slot].shownKey());
 }
 
 std::size_t GenCollection::Position(std::string_view key) const {

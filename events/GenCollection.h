@@ -57,14 +57,15 @@ private:
 ///
 /// Cost: look-ups by key and by position O(1), in whatever order they mix with changes; adding at
 /// the end and removing at both ends O(1) amortised; adding and removing elsewhere O(sqrt n), about
-/// a microsecond at 100,000 items (bench/CollectionBench.cpp). An item takes about 110 bytes
-/// beside its texts; room once taken serves later items. A copy is O(1) until one of the two is
-/// changed.
+/// a microsecond at 100,000 items (bench/CollectionBench.cpp). An item takes about 85 bytes
+/// beside its texts; room once taken serves later items. A copy is O(1), and the first change of
+/// one of the two copies some 20 bytes an item.
 ///
 /// A walk (`for (const Variant& v : col)`) shows what the list held when the walk began, each
 /// value kept alive until the walk is over: items may be added, removed or replaced meanwhile,
-/// and the list may be cleared or destroyed. (The first change during a walk copies the list,
-/// O(n); later ones do not.) A walk by position that removes goes from the end to the front.
+/// and the list may be cleared or destroyed. (The first change during a walk copies the order of
+/// the list, O(n); later ones do not.) A walk by position that removes goes from the end to the
+/// front.
 class GenCollection : public Object {
 public:
     GenCollection();
@@ -199,6 +200,7 @@ public:
     static std::default_sentinel_t end() { return {}; }
 
 private:
+    static const std::shared_ptr<KeyedSlots>& nothing();
     KeyedSlots& own();  // the list for changing: a copy of its own if a walk or a copy shares it
     std::uint32_t find(IndexKey index) const;
     Variant itemOr(IndexKey index, bool AutoAdd, const Variant& Default);

@@ -77,7 +77,7 @@ std::string GenCollection::SaveAsList(std::string_view Delimiter, int Index, boo
         attempt([&] {
             const std::string value = listText(items.at(i).value, Index);
             if (SaveKeyValPair) {
-                list.append(items.at(i).key).append(Delimiter);
+                list.append(items.at(i).shownKey()).append(Delimiter);
             }
             list.append(value).append(Delimiter);
         });
@@ -108,10 +108,10 @@ std::vector<std::vector<Variant>> GenCollection::SaveAs2DArray(bool Transposed) 
     std::vector<std::vector<Variant>> table(Transposed ? 2 : 0);
     for (std::size_t i = 0; i < items.count(); ++i) {
         if (Transposed) {
-            table[0].emplace_back(items.at(i).key);
+            table[0].emplace_back(items.at(i).shownKey());
             table[1].push_back(items.at(i).value);
         } else {
-            table.push_back({items.at(i).key, items.at(i).value});
+            table.push_back({items.at(i).shownKey(), items.at(i).value});
         }
     }
     return table;

@@ -85,7 +85,7 @@ void GenCollection::SortByItem(std::string_view DataType, std::string_view sOrde
     rows.reserve(items.count());
     for (std::size_t i = 0; i < items.count(); ++i) {
         Row& row = rows.emplace_back();
-        row.id = text::leftUtf16(items.at(i).key, kFieldUnits);
+        row.id = text::leftUtf16(items.at(i).shownKey(), kFieldUnits);
         if (bIgnoreEmpty && isEmptyValue(items.at(i).value)) {
             continue;
         }

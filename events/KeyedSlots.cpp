@@ -1,11 +1,36 @@
 #include "KeyedSlots.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
 #include "base/Text.h"
 
 namespace vl {
+
+KeyText::KeyText(std::string_view text)
+    : text_(text.empty() ? nullptr : std::make_unique<char[]>(text.size())),
+      length_(static_cast<std::uint32_t>(text.size())) {
+    std::copy(text.begin(), text.end(), text_.get());
+}
+
+KeyedSlots::Item& KeyedSlots::own(Slot slot) {
+    std::shared_ptr<Block>& block = blocks_[slot / kBlock];
+    if (block.use_count() > 1) {
+        block = std::make_shared<Block>(*block);
+    }
+    return (*block)[slot % kBlock];
+}
+
+KeyedSlots::Slot KeyedSlots::addSlot() {
+    if (blocks_.empty() || blocks_.back()->size() == kBlock) {
+        blocks_.push_back(std::make_shared<Block>());
+    } else if (blocks_.back().use_count() > 1) {
+        blocks_.back() = std::make_shared<Block>(*blocks_.back());
+    }
+    blocks_.back()->emplace_back();
+    return static_cast<Slot>((blocks_.size() - 1) * kBlock + blocks_.back()->size() - 1);
+}
 
 KeyedSlots::Slot KeyedSlots::slotAt(std::int64_t position) const noexcept {
     if (position < 1 || static_cast<std::uint64_t>(position) > count()) {
@@ -16,34 +41,36 @@ KeyedSlots::Slot KeyedSlots::slotAt(std::int64_t position) const noexcept {
 
 KeyedSlots::Slot KeyedSlots::slotOf(std::string_view key) const noexcept {
     return byKey_.find(hashNoCase(key), [&](Slot slot) {
-        return items_[slot].key == key || text::equalsNoCase(items_[slot].key, key);
+        const std::string_view present = (*this)[slot].key.view();
+        return present == key || text::equalsNoCase(present, key);
     });
 }
 
 void KeyedSlots::insert(std::size_t position, Item item) {
     assert(position >= 1 && position <= count() + 1);
-    assert(!item.keyed || slotOf(item.key) == kNone);
-    auto slot = static_cast<Slot>(items_.size());
+    assert(!item.keyed || slotOf(item.key.view()) == kNone);
+    Slot slot = kNone;
     if (free_.empty()) {
-        items_.emplace_back();
+        slot = addSlot();
     } else {
         slot = free_.back();
         free_.pop_back();
     }
     if (item.keyed) {
-        item.hash = hashNoCase(item.key);
+        item.hash = hashNoCase(item.key.view());
         byKey_.add(item.hash, slot);
     }
-    items_[slot] = std::move(item);
+    own(slot) = std::move(item);
     order_.insert(position - 1, slot);
 }
 
 void KeyedSlots::remove(Slot slot) {
     order_.removeAt(order_.indexOf(slot));
-    if (items_[slot].keyed) {
-        byKey_.remove(items_[slot].hash, slot);
+    Item& item = own(slot);
+    if (item.keyed) {
+        byKey_.remove(item.hash, slot);
     }
-    items_[slot] = Item();
+    item = Item();
     free_.push_back(slot);
 }
 

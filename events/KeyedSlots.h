@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +13,24 @@
 
 namespace vl {
 
+/// A text that is never changed, in as few bytes as it takes: a collection has one for each item.
+class KeyText {
+public:
+    KeyText() = default;
+    explicit KeyText(std::string_view text);
+    KeyText(const KeyText& other) : KeyText(other.view()) {}
+    KeyText(KeyText&&) noexcept = default;
+    KeyText& operator=(const KeyText& other) { return *this = KeyText(other); }
+    KeyText& operator=(KeyText&&) noexcept = default;
+    ~KeyText() = default;
+
+    std::string_view view() const noexcept { return {text_.get(), length_}; }
+
+private:
+    std::unique_ptr<char[]> text_;
+    std::uint32_t length_ = 0;
+};
+
 /// Items in slots that never move: an item keeps its slot until it is removed, and the slot then
 /// serves the next item. The order of the slots is a matter of its own (`SlotOrder`), and so are
 /// the keys (`KeyIndex`).
@@ -21,15 +39,18 @@ namespace vl {
 /// keyed items.
 ///
 /// Cost: by key and by position O(1), append and remove at both ends O(1) amortised, insert and
-/// remove elsewhere O(sqrt n).
+/// remove elsewhere O(sqrt n). A copy shares the items, a block of them until one of the two
+/// changes something in it: what it copies is some 20 bytes an item.
 class KeyedSlots {
 public:
     using Slot = SlotOrder::Slot;
     struct Item {
         Variant value;
-        std::string key;  // as written; of an item without a key the placeholder
+        KeyText key;  // as written
         bool keyed = false;
         std::uint32_t hash = 0;  // of the key, filled in here
+        /// Of an item without a key the placeholder.
+        std::string_view shownKey() const noexcept { return keyed ? key.view() : "z"; }
     };
     static constexpr Slot kNone = KeyIndex::kNone;
 
@@ -41,18 +62,26 @@ public:
     /// Position, from 1, of the item in a slot.
     std::size_t positionOf(Slot slot) const noexcept { return order_.indexOf(slot) + 1; }
 
-    const Item& operator[](Slot slot) const noexcept { return items_[slot]; }
+    const Item& operator[](Slot slot) const noexcept {
+        return (*blocks_[slot / kBlock])[slot % kBlock];
+    }
     /// The item at an index, counted from 0 and less than `count()`.
-    const Item& at(std::size_t index) const noexcept { return items_[order_.at(index)]; }
+    const Item& at(std::size_t index) const noexcept { return (*this)[order_.at(index)]; }
 
-    void setValue(Slot slot, Variant value) { items_[slot].value = std::move(value); }
+    void setValue(Slot slot, Variant value) { own(slot).value = std::move(value); }
     /// Puts an item before the one at `position` (1 .. count() + 1). The key of a keyed item must
     /// not be taken.
     void insert(std::size_t position, Item item);
     void remove(Slot slot);
 
 private:
-    std::vector<Item> items_;  // by slot
+    static constexpr Slot kBlock = 128;
+    using Block = std::vector<Item>;
+
+    Item& own(Slot slot);  // for changing
+    Slot addSlot();
+
+    std::vector<std::shared_ptr<Block>> blocks_;  // by slot; all full but the last
     std::vector<Slot> free_;
     SlotOrder order_;
     KeyIndex byKey_;

@@ -1,5 +1,8 @@
 #include "RowReader.h"
 
+#include <type_traits>
+#include <variant>
+
 #include "base/ErrorState.h"
 #include "base/Text.h"
 
@@ -40,15 +43,54 @@ void RowReader::fill(calEvent& event, const RecordSet& row) const {
 }
 
 void RowReader::fill(calEvent& event, const ValueOf& valueOf) const {
+    for (const Column& column : columns_) {
+        set(event, column, valueOf(column.field));  // a row that cannot be read is none
+    }
+    finish(event);
+}
+
+void RowReader::fill(calEvent& event, const sql::RowStream& row) const {
+    using Read = jet::RowCursor::Read;
+    for (const Column& column : columns_) {
+        const auto read = [&](auto member) {
+            if constexpr (std::is_same_v<decltype(member),
+                                         std::shared_ptr<GenCollection> calEvent::*>) {
+                return Read::Other;
+            } else {
+                auto& to = event.*member;
+                const Read result = row.read(column.field, to);
+                constexpr bool isText = std::is_same_v<decltype(member), std::string calEvent::*>;
+                if (result == Read::Null && isText != column.nullIsZero) {
+                    to = {};
+                    return Read::Value;
+                }
+                return result;
+            }
+        };
+        switch (std::visit(read, column.property->member)) {
+            case Read::Value:
+                break;
+            case Read::Null:
+                set(event, column, Null{});
+                break;
+            case Read::Other:
+                set(event, column, row.value(column.field));
+                break;
+        }
+    }
+    finish(event);
+}
+
+void RowReader::set(calEvent& event, const Column& column, const Variant& value) const {
     static const Variant kZero(0);
     static const Variant kNoText("");
-    for (const Column& column : columns_) {
-        const Variant value = valueOf(column.field);  // a row that cannot be read is none
-        attempt([&] {
-            const Variant& substitute = column.nullIsZero ? kZero : kNoText;
-            event.setProperty(*column.property, value.isNull() ? substitute : value);
-        });
-    }
+    attempt([&] {
+        const Variant& substitute = column.nullIsZero ? kZero : kNoText;
+        event.setProperty(*column.property, value.isNull() ? substitute : value);
+    });
+}
+
+void RowReader::finish(calEvent& event) const {
     if (!event.recurrence.empty()) {
         attempt([&] { event.LoadRecurrence(local_); });
         event.RecurrenceState = kMaster;

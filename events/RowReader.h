@@ -7,6 +7,7 @@
 
 #include "app/TimeZone.h"
 #include "db/RecordSet.h"
+#include "db/sql/RowStream.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -25,6 +26,8 @@ public:
     /// recurrence is loaded.
     void fill(calEvent& event, const ValueOf& valueOf) const;
     void fill(calEvent& event, const RecordSet& row) const;
+    /// The same without a `Variant` for each field.
+    void fill(calEvent& event, const sql::RowStream& row) const;
 
 private:
     struct Column {
@@ -32,6 +35,9 @@ private:
         const EventProperty* property;
         bool nullIsZero;  // else null reads as an empty text
     };
+
+    void set(calEvent& event, const Column& column, const Variant& value) const;
+    void finish(calEvent& event) const;
 
     const TimeZone& local_;
     std::vector<Column> columns_;

@@ -34,22 +34,6 @@ struct DateWords {
     std::function<std::string(DateTime)> time;  ///< the time of day, without its day
 };
 
-/// What was found out about an event when it was asked for its reminders and occurrences, so that
-/// the next question need not look again. Holds as long as `reminders` are the event's and its
-/// recurrence was not loaded anew; times are days. Only says where nothing is: who asks about
-/// another time looks himself.
-struct EventMemo {
-    const GenCollection* reminders = nullptr;  ///< whose limits these are
-    std::int32_t least = 0;                    ///< `Minutes` of the latest reminder
-    std::int32_t most = 0;                     ///< and of the earliest; less than that: none
-    // A series has no reminder at or after the first and before the second time, and no occurrence.
-    double noReminderFrom = 0;
-    double noReminderBefore = 0;
-    double noStartFrom = 0;
-    double noStartBefore = 0;
-    double last = -1;  ///< its last occurrence, 0: none or endless; less than 0: not known
-};
-
 /// A row of `Reminders` and what the program knows of it beyond the row.
 ///
 /// The 63 properties are public, in the order of their numbers, and are reached by name through one
@@ -131,9 +115,6 @@ public:
     /// Beside the properties: the time of the reminder that a query recorded, to the second. It is
     /// heeded while it agrees with `InstanceStart` and `iRemMinutes`.
     DateTime dReminder;
-
-    /// Beside the properties, too: a copy may keep it.
-    mutable EventMemo memo;
 
     // ---- by name (calEventProperties.cpp)
 

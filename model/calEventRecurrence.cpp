@@ -117,7 +117,6 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
     ExDates.reset();
     RDates.reset();
     compiled_.reset();
-    memo = EventMemo();
     if (!recurrence.empty()) {
         // The column holds a JSON array, or nothing that is a recurrence.
         const std::size_t first = recurrence.find_first_not_of(" \t\r\n");

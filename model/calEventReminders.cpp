@@ -154,7 +154,6 @@ void calEvent::SetRemindersCol(std::string_view defaultReminders) {
     RemindersMinOffsetMin = list.empty() ? 0 : list.front()->Minutes;
     RemindersMaxOffsetMin = list.empty() ? 0 : list.back()->Minutes;
     RemindersCol = std::move(collection);
-    memo = EventMemo();
 }
 
 std::int32_t calEvent::FirstReminder() const {

@@ -133,7 +133,14 @@ std::shared_ptr<calEvent> Acts::EventOf(const ActRow& row) {
                 ? calEvent::kNoReminder
                 : static_cast<std::int32_t>(minutesBetween(row.reminder, row.InstanceStart));
     }
+    noteChange(row.event->GUID);
     return objects.front();
+}
+
+void Acts::noteChange(const std::string& GUID) {
+    for (CalEvents* set : {&period_, &reminders_}) {
+        set->LookAgain(GUID);
+    }
 }
 
 ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
@@ -318,6 +325,7 @@ void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
             object->setProperty(column, wanted.property(column));
         }
     }
+    noteChange(event->GUID);
     for (const std::string_view column : kStateColumns) {
         if (std::find(columns.begin(), columns.end(), column) != columns.end()) {
             enqueue({event->GUID, std::string(column), columnText(wanted, column)});
@@ -428,6 +436,7 @@ void Acts::RestoreWaiting() {
                 attempt([&] { event->setProperty(write.column, Variant(write.text)); });
             }
         }
+        noteChange(write.GUID);
     }
     state_.waitingWrites = static_cast<int>(waiting_.size());
 }

@@ -173,6 +173,10 @@ DateTime CheckCycle::lastAsked() const {
 
 // What another copy of the program, or a command, has dealt with leaves the list here, too.
 void CheckCycle::removeDealtWith() {
+    if (dealtVersion_ == ledger_.version() && dealtList_ == state_.NewReminders->Stamp()) {
+        return;
+    }
+    dealtVersion_ = ledger_.version();
     for (const Variant& item : *state_.NewReminders) {
         const auto event = objectIn<calEvent>(item);
         const EventState* known = event ? ledger_.find(db_.DBFullName, event->GUID) : nullptr;
@@ -185,6 +189,7 @@ void CheckCycle::removeDealtWith() {
             acts_.LeaveNewList(event->GUID);
         }
     }
+    dealtList_ = state_.NewReminders->Stamp();
 }
 
 std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {

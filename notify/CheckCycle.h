@@ -92,6 +92,8 @@ private:
     std::optional<Noted> asked_;    // the end of the last check
     std::optional<Noted> unseen_;   // no check since then could read the file
     bool purgeWaits_ = false;
+    std::uint64_t dealtVersion_ = 0;   // of the ledger, when the list was held against it
+    std::uint64_t dealtList_ = 0;      // the stamp of the list then
     DBRemindUtils::Look deletedLook_;  // when the deleted rows were asked for
     DBRemindUtils::Look statusLook_;   // when the rows without a status were counted
     GenCollection lines_;  // by GUID, the `ValueList` each listed event was taken in with

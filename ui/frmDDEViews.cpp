@@ -86,6 +86,7 @@ void frmDDE::DoShowHidden() {
         const auto event = objectAt<calEvent>(*all, i);
         if (event && event->Hidden) {
             const RowOccurrence nearest = nearestOccurrence(*event, parts_.clock.now());
+            parts_.period.LookAgain(event->GUID);
             if (!nearest.reminder.isZero()) {
                 reminders.push_back(rowOf(event, nearest, kAllRemindersGrid, timeText_));
             }

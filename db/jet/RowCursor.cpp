@@ -7,6 +7,7 @@
 
 #include "LongValue.h"
 #include "RowPlace.h"
+#include "TextCode.h"
 #include "UsageMap.h"
 #include "Value.h"
 #include "base/ErrorState.h"
@@ -207,6 +208,63 @@ Variant RowCursor::value(std::size_t column) const {
         return decodeValue(c, value.bytes(), origin);
     }
     return decodeValue(c, *field, origin);
+}
+
+RowCursor::Read RowCursor::read(std::size_t column, bool& to) const {
+    const State& s = *state_;
+    const Column& c = s.table->columns[column];
+    if (c.type != ColumnType::Boolean) {
+        return Read::Other;
+    }
+    to = s.row.bit(c);
+    return Read::Value;
+}
+
+RowCursor::Read RowCursor::read(std::size_t column, std::int32_t& to) const {
+    const State& s = *state_;
+    const Column& c = s.table->columns[column];
+    if (c.type != ColumnType::Long) {
+        return Read::Other;
+    }
+    const std::optional<ByteView> field = s.row.field(c);
+    if (!field) {
+        return Read::Null;
+    }
+    to = longFrom(c, *field, s.place.page.origin());
+    return Read::Value;
+}
+
+RowCursor::Read RowCursor::read(std::size_t column, DateTime& to) const {
+    const State& s = *state_;
+    const Column& c = s.table->columns[column];
+    if (c.type != ColumnType::Date) {
+        return Read::Other;
+    }
+    const std::optional<ByteView> field = s.row.field(c);
+    if (!field) {
+        return Read::Null;
+    }
+    to = dateFrom(c, *field, s.place.page.origin());
+    return Read::Value;
+}
+
+RowCursor::Read RowCursor::read(std::size_t column, std::string& to) const {
+    const State& s = *state_;
+    const Column& c = s.table->columns[column];
+    if (c.type != ColumnType::Text && c.type != ColumnType::Memo) {
+        return Read::Other;
+    }
+    const std::optional<ByteView> field = s.row.field(c);
+    if (!field) {
+        return Read::Null;
+    }
+    const Origin& origin = s.place.page.origin();
+    if (c.type == ColumnType::Memo) {
+        to = decodeText(LongValue(s.file, *field, origin).bytes(), origin);
+    } else {
+        to = decodeText(*field, origin);
+    }
+    return Read::Value;
 }
 
 }  // namespace vl::jet

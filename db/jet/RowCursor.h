@@ -51,6 +51,18 @@ public:
     /// Decodes that column of the row and nothing else; `column` counts `Table::columns()`. A memo
     /// or OLE value costs reading its pages.
     Variant value(std::size_t column) const;
+    /// What `read` has found.
+    enum class Read {
+        Value,  ///< it is in the variable
+        Null,   ///< the variable is as it was
+        Other,  ///< the same, since the column's values are of another type: `value` gives them
+    };
+    /// The same as `value`, into a variable of the value's own type: nothing is made that is not
+    /// kept.
+    Read read(std::size_t column, bool& to) const;
+    Read read(std::size_t column, std::int32_t& to) const;
+    Read read(std::size_t column, DateTime& to) const;
+    Read read(std::size_t column, std::string& to) const;
     /// A number that depends on every byte of the row, long values included, and on nothing else:
     /// as long as it is the same, so is the row. Decodes nothing; costs reading what it depends on.
     std::uint64_t fingerprint() const;

@@ -1,6 +1,7 @@
 #include "TextCode.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "Bytes.h"
 #include "base/ErrorState.h"
@@ -77,7 +78,7 @@ std::string fromWide(ByteView bytes) {
 std::string decodeText(ByteView bytes, const Origin& origin) {
     if (isCompressed(bytes)) {
         const ByteView rest = bytes.subspan(2);
-        const bool mixed = std::find(rest.begin(), rest.end(), std::byte{0}) != rest.end();
+        const bool mixed = !rest.empty() && std::memchr(rest.data(), 0, rest.size()) != nullptr;
         return mixed ? fromMixed(rest) : fromNarrow(rest);
     }
     if (bytes.size() % 2 != 0) {

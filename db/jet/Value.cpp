@@ -49,12 +49,12 @@ Variant numericFrom(ByteView bytes, unsigned scale) {
     return formatDecimal(value, scale);
 }
 
-Variant dateFrom(const Column& column, ByteView bytes, const Origin& origin) {
-    const double days = f64(bytes, 0);
-    if (!std::isfinite(days)) {
-        origin.corrupt("a date of column \"" + column.name + "\" is no number");
+void checkSize(const Column& column, ByteView bytes, const Origin& origin) {
+    const std::size_t size = sizeOf(column.type);
+    if (size != 0 && bytes.size() != size) {
+        origin.corrupt("the value of column \"" + column.name + "\" has " +
+                       std::to_string(bytes.size()) + " bytes");
     }
-    return DateTime(days);
 }
 
 }  // namespace
@@ -101,12 +101,22 @@ std::array<std::byte, 16> parseGuid(std::string_view text) {
     return bytes;
 }
 
-Variant decodeValue(const Column& column, ByteView bytes, const Origin& origin) {
-    const std::size_t size = sizeOf(column.type);
-    if (size != 0 && bytes.size() != size) {
-        origin.corrupt("the value of column \"" + column.name + "\" has " +
-                       std::to_string(bytes.size()) + " bytes");
+std::int32_t longFrom(const Column& column, ByteView bytes, const Origin& origin) {
+    checkSize(column, bytes, origin);
+    return static_cast<std::int32_t>(u32(bytes, 0));
+}
+
+DateTime dateFrom(const Column& column, ByteView bytes, const Origin& origin) {
+    checkSize(column, bytes, origin);
+    const double days = f64(bytes, 0);
+    if (!std::isfinite(days)) {
+        origin.corrupt("a date of column \"" + column.name + "\" is no number");
     }
+    return DateTime(days);
+}
+
+Variant decodeValue(const Column& column, ByteView bytes, const Origin& origin) {
+    checkSize(column, bytes, origin);
     switch (column.type) {
         case ColumnType::Byte:
             return std::int32_t{u8(bytes, 0)};

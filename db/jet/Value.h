@@ -14,6 +14,10 @@ namespace vl::jet {
 /// Source: docs/jet4.md, "Values".
 Variant decodeValue(const Column& column, ByteView bytes, const Origin& origin);
 
+/// The value of a column of longs, and of dates. Throw as `decodeValue`.
+std::int32_t longFrom(const Column& column, ByteView bytes, const Origin& origin);
+DateTime dateFrom(const Column& column, ByteView bytes, const Origin& origin);
+
 /// "{E9EDD90C-CE55-4151-ABE1-A1ACE1007515}".
 std::string formatGuid(ByteView bytes);
 

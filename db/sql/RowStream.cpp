@@ -62,6 +62,7 @@ const std::vector<Field>& RowStream::fields() const noexcept { return state_->fi
 bool RowStream::next() { return state_->row.next(); }
 bool RowStream::matches() const { return keeps(state_->statement.where.get(), state_->row); }
 Variant RowStream::value(std::size_t field) const { return state_->row.value(field); }
+const jet::RowCursor& RowStream::cursor() const { return state_->row.cursor; }
 jet::RowId RowStream::id() const { return state_->row.id(); }
 std::uint64_t RowStream::fingerprint() const { return state_->row.cursor.fingerprint(); }
 

@@ -33,11 +33,18 @@ public:
     bool matches() const;
     /// A field of the current row, by its place from 0. Decoded when asked for.
     Variant value(std::size_t field) const;
+    /// As `jet::RowCursor::read`, with the row's field in a variable of a type of its kind.
+    template <class T>
+    jet::RowCursor::Read read(std::size_t field, T& to) const {
+        return cursor().read(field, to);
+    }
     jet::RowId id() const;
     /// As `jet::RowCursor::fingerprint`.
     std::uint64_t fingerprint() const;
 
 private:
+    const jet::RowCursor& cursor() const;
+
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -97,6 +97,7 @@ TEST_P(PlainTwin, AnswersAlike) {
                 event->LoadRecurrence();
             }
         }
+        both.set.LookAgain(both.inSet(i).GUID);
     }
     EXPECT_GT(found, 0U);
 }

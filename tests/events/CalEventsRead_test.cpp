@@ -3,6 +3,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "base/ErrorState.h"
 #include "events/CalEvents.h"
@@ -163,6 +167,70 @@ TEST_F(ReadAgain, ASetThatWasNeverReadAdoptsAllAndReadsOnFromThere) {
     EXPECT_EQ(fresh.dLastRead, set.dLastRead);
     fresh.Adopt(CalEvents(db, clock));
     EXPECT_EQ(fresh.mCol->Count(), 9U) << "what was never read is no news";
+}
+
+/// What queries leave in an event.
+using Left = std::tuple<DateTime, DateTime, std::int32_t, std::int32_t>;
+Left leftIn(const calEvent& event) {
+    return {event.InstanceStart, event.dReminder, event.iRemMinutes, event.iRemMinutesNext};
+}
+
+TEST_F(ReadAgain, TheChecksQuestionAndTheViewsLeaveNothingInEachOthersEvents) {
+    other.Adopt(set);
+    ASSERT_EQ(in(other, kStandUp), in(set, kStandUp)) << "held once";
+    const Left before = leftIn(*in(set, kStandUp));
+    const auto due = other.RemindCol(at(0, 0), at(23, 59), true);
+    const auto listed = objectAt<calEvent>(*due, kStandUp);
+    ASSERT_NE(listed, nullptr);
+    ASSERT_FALSE(listed->InstanceStart.isZero());
+    EXPECT_EQ(leftIn(*in(set, kStandUp)), before);
+    const Left ofTheCheck = leftIn(*listed);
+    set.RemindCol(at(0, 0), at(23, 59));
+    set.EventCol(at(0, 0), at(23, 59));
+    ASSERT_FALSE(in(set, kStandUp)->InstanceStart.isZero());
+    set.ReadDB(true, false);
+    ASSERT_TRUE(in(set, kStandUp)->InstanceStart.isZero());
+    EXPECT_EQ(leftIn(*listed), ofTheCheck);
+    set.RemindCol(at(0, 0), at(23, 59));
+    const Left ofTheViews = leftIn(*in(set, kStandUp));
+    other.RemindCol(at(0, 0), at(23, 59), true);
+    EXPECT_EQ(leftIn(*in(set, kStandUp)), ofTheViews);
+}
+
+TEST_F(ReadAgain, ASetThatHasAdoptedItsEventsAsksTheViewsQuestionsOfItsOwn) {
+    other.Adopt(set);
+    const Left before = leftIn(*in(set, kStandUp));
+    EXPECT_GT(other.RemindCol(at(0, 0), at(23, 59))->Count(), 0U);
+    EXPECT_GT(other.EventCol(at(0, 0), at(23, 59))->Count(), 0U);
+    EXPECT_NE(in(other, kStandUp), in(set, kStandUp));
+    EXPECT_FALSE(in(other, kStandUp)->InstanceStart.isZero());
+    EXPECT_EQ(leftIn(*in(set, kStandUp)), before);
+}
+
+TEST_F(ReadAgain, TheSameQuestionOfTheSameEventsLeavesTheSame) {
+    const auto ask = [&](int hour) {
+        set.ReadDB(true, false);
+        std::vector<std::pair<std::string, Left>> found;
+        for (const auto& col :
+             {set.RemindCol(at(0, 0), at(hour, 59)), set.EventCol(at(0, 0), at(hour, 59))}) {
+            for (const Variant& item : *col) {
+                const auto event = objectIn<calEvent>(item);
+                found.emplace_back(event->GUID, leftIn(*event));
+            }
+        }
+        return found;
+    };
+    const auto first = ask(23);
+    EXPECT_FALSE(first.empty());
+    EXPECT_EQ(ask(23), first);
+    EXPECT_EQ(ask(23), first) << "from memory";
+    EXPECT_NE(ask(9), first);
+    EXPECT_EQ(ask(23), first);
+    const auto standUp = in(set, kStandUp);
+    standUp->StartDateTime = standUp->StartDateTime.addDays(-1);
+    standUp->NextReminder = at(15, 0);
+    set.LookAgain(kStandUp);
+    EXPECT_NE(ask(23), first);
 }
 
 TEST_F(ReadAgain, KeepsPendingError) {

@@ -98,6 +98,7 @@ TEST_F(Queries, AnEventWithoutRemindersIsNeverDueUnlessItWasSnoozed) {
     const auto e = put(event("A", at(10, 0), ""));
     EXPECT_EQ(due(at(0, 0), at(23, 0)), "");
     e->NextReminder = at(11, 5);
+    set.LookAgain("A");
     EXPECT_EQ(due(at(11, 0), at(11, 10)), "A");
     EXPECT_EQ(e->iRemMinutes, -65) << "65 minutes after the start";
     EXPECT_EQ(e->iRemMinutesNext, -100000);
@@ -125,6 +126,7 @@ TEST_F(Queries, AStoredNextReminderStandsForItsEventsReminder) {
     EXPECT_EQ(e->dReminder, at(12, 0, 30, 16)) << "to the second";
     EXPECT_EQ(e->iRemMinutesNext, -100000);
     e->NextReminder = at(9, 45, 0, 23);
+    set.LookAgain("A");
     EXPECT_EQ(due(at(9, 0, 0, 23), at(10, 0, 0, 23)), "A");
     EXPECT_EQ(e->InstanceStart, at(10, 0, 0, 23)) << "that is the scheduled one";
     EXPECT_EQ(e->iRemMinutes, 15);
@@ -140,6 +142,7 @@ TEST_F(Queries, AnExceptionInTheWindowTakesItsSeriesAway) {
     EXPECT_EQ(held(at(0, 0), at(23, 0)), "X");
     EXPECT_EQ(held(at(0, 0), at(12, 0)), "M");
     exception->ISRecurrenceExceptionDeleted = 1;
+    set.LookAgain("X");
     EXPECT_EQ(due(at(0, 0), at(23, 0)), "M") << "a deleted exception has no occurrence";
     EXPECT_EQ(held(at(0, 0), at(23, 0)), "M");
 }
