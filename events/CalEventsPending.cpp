@@ -140,4 +140,9 @@ void CalEvents::LookAgain(std::string_view GUID) {
     index_->look(GUID);
 }
 
+void CalEvents::MeetAgain(std::string_view GUID) {
+    book_->look(GUID, true);
+    index_->look(GUID);
+}
+
 }  // namespace vl

@@ -314,6 +314,7 @@ void DueBook::look(std::string_view GUID, bool firstMet) {
         if (slot.hash == hash) {
             slot.look = true;
             slot.firstMet = slot.firstMet || firstMet;
+            slot.since = firstMet ? DateTime() : slot.since;
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "JsonDepth.h"
 #include "app/Timestamps.h"
 #include "base/Text.h"
 #include "model/calEvent.h"
@@ -96,6 +97,7 @@ void putMoment(Json& js, const std::string& name, DateTime d) {
 // The texts of a JSON array, as an array. Throws when `array` is none.
 Json textsOf(const std::string& array) {
     Json texts = Json::array();
+    refuseDeepJson(array);
     const Json parsed = Json::parse(array);
     if (!parsed.is_array()) {
         throw Error(ErrNo::TypeMismatch, "\"recurrence\" is no array");
@@ -109,6 +111,7 @@ Json textsOf(const std::string& array) {
 }
 
 Json objectOf(const std::string& text) {
+    refuseDeepJson(text);
     Json object = Json::parse(text);
     if (!object.is_object()) {
         throw Error(ErrNo::TypeMismatch, "\"reminders\" is no object");

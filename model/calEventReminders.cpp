@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "JsonDepth.h"
 #include "base/Clock.h"
 #include "base/Text.h"
 #include "events/GenCollection.h"
@@ -137,7 +138,10 @@ void calEvent::SetRemindersCol(std::string_view defaultReminders) {
     const ErrScope scope;
     Json settings;
     if (!reminders.empty()) {
-        attempt([&] { settings = Json::parse(reminders); });
+        attempt([&] {
+            refuseDeepJson(reminders);
+            settings = Json::parse(reminders);
+        });
     }
     const auto useDefault = settings.find("useDefault");
     const bool isDefault =

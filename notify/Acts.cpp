@@ -233,6 +233,7 @@ void Acts::Reactivate(const ActRow& row) {
         apply(
             row, "reactivate", wanted, columns, [&](EventState& state) { state.acted = now; },
             true);
+        reminders_.MeetAgain(event->GUID);  // the ledger tells only of the last act before a check
     });
 }
 

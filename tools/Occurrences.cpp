@@ -7,6 +7,7 @@
 #include "Input.h"
 #include "app/TimeZone.h"
 #include "base/ErrorState.h"
+#include "model/JsonDepth.h"
 #include "model/Recurrence.h"
 
 namespace vl::tools {
@@ -91,6 +92,7 @@ void answer(const Json& object, Json& out) {
 std::string answerLine(const std::string& line) {
     Json out;
     try {
+        refuseDeepJson(line);
         const Json object = Json::parse(line);
         if (!object.is_object()) {
             throw Error(ErrNo::TypeMismatch, "the line holds no JSON object");

@@ -290,6 +290,36 @@ TEST(ZoneOfSeries, TakesTheSystemsZoneForTheLocalOne) {
     EXPECT_EQ(event.NextInstance(at(3, 9)), at(3, 9, 14));
 }
 
+TEST(ZoneOfSeries, WallTimesAndMomentsLeadBackToTheLocalTime) {
+    const ZoneForTest here("Europe/Berlin");
+    calEvent single;
+    single.StartDateTime = at(3, 2, 15);
+    single.JSON = resource("America/New_York");
+    // A day after New York has changed its clocks.
+    const DateTime local = at(3, 9, 14);
+    for (const calEvent& event : {call(single.JSON), single}) {
+        SCOPED_TRACE(event.IsRepeating());
+        EXPECT_TRUE(event.HasOwnZone());
+        EXPECT_EQ(event.ToWall(local), at(3, 9, 9));
+        EXPECT_EQ(event.FromWall(at(3, 9, 9)), local);
+        EXPECT_EQ(event.ToMoment(local), at(3, 9, 13));
+        EXPECT_EQ(event.FromMoment(at(3, 9, 13)), local);
+        EXPECT_TRUE(event.ToWall(DateTime()).isZero());
+        EXPECT_TRUE(event.FromWall(DateTime()).isZero());
+        EXPECT_TRUE(event.ToMoment(DateTime()).isZero());
+        EXPECT_TRUE(event.FromMoment(DateTime()).isZero());
+    }
+    calEvent allDay = single;
+    allDay.IsAllDayEvent = true;
+    for (const calEvent& event : {call("{}"), call(resource("GMT+05:00")), calEvent(), allDay}) {
+        EXPECT_FALSE(event.HasOwnZone());
+        EXPECT_EQ(event.ToWall(local), local);
+        EXPECT_EQ(event.FromWall(local), local);
+        EXPECT_EQ(event.ToMoment(local), local);
+        EXPECT_EQ(event.FromMoment(local), local);
+    }
+}
+
 TEST(calEventRecurrence, KeepsPendingError) {
     ErrorState::set(ErrNo::Locked);
     calEvent event = series("not JSON");

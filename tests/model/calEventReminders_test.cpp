@@ -132,6 +132,14 @@ TEST(SetRemindersCol, ReadsWhatItCanOfTheText) {
     }
 }
 
+TEST(SetRemindersCol, SurvivesEndlessNesting) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    calEvent event;
+    event.reminders = R"({"x":)" + deep + R"(,"y":)" + deep + "}";
+    event.SetRemindersCol();
+    EXPECT_EQ(event.RemindersCol->Count(), 0U);
+}
+
 TEST(SetRemindersCol, TakesTheEventsOwnMinutesForTheDefault) {
     calEvent event;
     event.reminders = R"({"useDefault":true,"overrides":[{"method":"email","minutes":5}]})";

@@ -155,6 +155,23 @@ TEST_F(PendingActs, ReactivatedItCountsAsNewlyMet) {
     EXPECT_EQ(desk.check(at(9, 52)), "A 20 10:00 (20 09:30)");
 }
 
+TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetWhateverIsDoneToOneOccurrenceBeforeTheCheck) {
+    // Each lasts thirty hours: two go on.
+    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
+    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
+    desk.check(at(9, 0));
+    desk.put(e);
+    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    desk.dismiss("A");
+    desk.reactivate("A");
+    desk.snooze("A", 60);
+    EXPECT_EQ(desk.check(at(9, 3)), "A 19 08:00 (19 07:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(10, 3), 60), "A 20 08:00 (20 10:02)");
+}
+
 TEST_F(PendingActs, AnOccurrenceThatWasSnoozedWhenOthersEndedStillHasItsLaterReminders) {
     desk.put(series("A", at(10, 0), "FREQ=DAILY;COUNT=2", {15, -4320}));
     desk.run(at(9, 45));

@@ -91,6 +91,18 @@ TEST(RemindbOccurrences, ALineThatCannotBeAnsweredSaysWhyAndTheNextOnesFollow) {
     }
 }
 
+TEST(RemindbOccurrences, SurvivesEndlessNesting) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    const auto run =
+        remindb({"occurrences"}, R"({"id":)" + deep + "}\n" + R"({"lines":)" + deep + "}");
+    EXPECT_EQ(run.code, 0);
+    const auto lines = linesOf(run.out);
+    ASSERT_EQ(lines.size(), 2U);
+    for (const Json& line : lines) {
+        EXPECT_THAT(line.at("error").get<std::string>(), HasSubstr("nested too deep"));
+    }
+}
+
 TEST(RemindbOccurrences, AFileThatIsNotThereIsAnError) {
     const auto run = remindb({"occurrences", "/nowhere/cases.jsonl"});
     EXPECT_EQ(run.code, 1);
