@@ -251,6 +251,11 @@ calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
     auto result = calEvent::Deletion::Failed;
     attempt([&] {
         const calEvent& event = *row.event;
+        if (event.IsException() && !event.RExceptionStartTimeOrig.isZero()) {
+            // No check may have seen it yet, and its row is the last that knows.
+            ledger_.keepReplaced(db_.DBFullName, event.recurringEventId,
+                                 event.RExceptionStartTimeOrig);
+        }
         ledger_.change(db_.DBFullName, event.GUID, "delete", [&](EventState& state) {
             state.deleting = true;
             state.acted = clock_.now();

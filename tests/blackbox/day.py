@@ -5,7 +5,7 @@ import time
 from stage import EARLIER, LATER, OneDay, check
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.reminders import ALL, EVENTS, NEW
-from uidrive.waiting import run, wait_for, wait_gone
+from uidrive.waiting import NotThere, run, wait_for, wait_gone
 
 SNOOZE, DISMISS = "Snooze reminder for", "Dismiss Reminder"  # how the dialogs' captions begin
 HOUR = 3600
@@ -117,9 +117,19 @@ class Keys:
 
     def period(self, text):
         act.key("alt+p", "alt+Down")
-        wait_for(lambda: tree.open_list(tree.find("combo box", None, reminders.TITLE)), 5,
-                 "the list of the periods")
-        type_text(text)
+        listed = wait_for(lambda: tree.open_list(tree.find("combo box", None, reminders.TITLE)), 5,
+                          "the list of the periods")
+
+        def chosen():
+            return any(tree.name(item) == text and "selected" in tree.states(item)
+                       for item in tree.children(listed))
+        for _ in range(3):  # the first letter may come before the list takes keys
+            type_text(text)
+            try:
+                wait_for(chosen, 2, f"{text!r} chosen")
+                break
+            except NotThere:
+                continue
         act.key("Return")
         wait_period(text)
 

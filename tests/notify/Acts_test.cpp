@@ -511,6 +511,17 @@ TEST_F(Deleting, TheRowGoesAlsoWhereThereIsNoHostsFileOrItIsNoDatabase) {
     EXPECT_EQ(acts.DeleteItem({standUp, at(9, 30), at(9, 25)}), calEvent::Deletion::Gone);
 }
 
+TEST_F(Deleting, OfAnExceptionTheStartThatItReplacedStaysReplaced) {
+    const ActRow row = itemOf((folder / "nowhere.vldb").string());
+    row.event->RecurrenceState = 3;
+    row.event->recurringEventId = "master";
+    row.event->RExceptionStartTimeOrig = at(10, 0);
+    EXPECT_EQ(acts.DeleteItem(row), calEvent::Deletion::Gone);
+    const auto replaced = ledger.replaced(db.DBFullName, "master");
+    ASSERT_EQ(replaced.size(), 1U);
+    EXPECT_EQ(replaced.front().local, at(10, 0));
+}
+
 TEST_F(Deleting, WaitsWhileTheHostsFileCannotBeReadAlsoOverARestart) {
     const std::string path = host.DBFullName;
     fs::rename(path, folder / "held");
