@@ -45,14 +45,29 @@ void takeOverRow(EventState& state, const ActOn& act) {
     state.word = word;
 }
 
-// A single event's occurrence is one, also under a start that it had before the host moved it.
+// A single event's occurrence is one, also under a start that it had before the host moved it. Who
+// acts on a row from before a move has not seen what is scheduled since; a snooze was the row's
+// own.
 void endOldEntries(EventState& state, const ActOn& act) {
     if (act.event.IsRepeating()) {
         return;
     }
+    const bool isOldRow = act.start != act.event.StartDateTime;
+    const DateTime moved = act.event.ToWall(act.event.StartDateTime);
+    const auto snoozedUntil = [&](DateTime time) {
+        return std::any_of(
+            state.occurrences.begin(), state.occurrences.end(), [&](const OccurrenceState& one) {
+                return !one.snoozed.isZero() && act.zone.fromUtc(one.snoozed) == time;
+            });
+    };
+    for (OccurrenceState& one : state.occurrences) {
+        const bool isUnseen = isOldRow && one.start == moved;
+        if (!isUnseen || snoozedUntil(act.event.FromMoment(one.listed))) {
+            one.listed = DateTime();
+        }
+    }
     for (OccurrenceState& one : state.occurrences) {
         one.snoozed = DateTime();
-        one.listed = DateTime();
     }
 }
 

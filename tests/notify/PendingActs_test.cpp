@@ -224,6 +224,22 @@ TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetAlsoByTheNextRun) {
     EXPECT_EQ(desk.check(), "A 22 10:00 (17 10:00)");
 }
 
+TEST_F(PendingActs, AnActOnARowFromBeforeAMoveLeavesWhatIsPendingSinceAlsoToTheNextRun) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.run(at(9, 45));
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(12, 0);
+        e.EndDateTime = at(12, 30);
+    });
+    EXPECT_EQ(desk.run(at(11, 50), 60), "") << "it is listed still, as it was";
+    desk.dismiss("A");
+    desk.start();
+    EXPECT_EQ(desk.check(at(11, 51)), "A 20 12:00 (20 11:45)");
+    desk.dismiss("A");
+    desk.start();
+    EXPECT_EQ(desk.run(at(12, 30), 60), "");
+}
+
 TEST_F(PendingActs, DoneOnARowFromBeforeAMoveIsOfWhatItShows) {
     desk.put(single("A", at(10, 0), {15}));
     desk.run(at(9, 45));
