@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "events/GenCollection.h"
+#include "model/clsReminder.h"
+
 namespace vl {
 
 namespace {
@@ -45,6 +48,18 @@ void takeOverRow(EventState& state, const ActOn& act) {
     state.word = word;
 }
 
+// Whether a reminder of the single event comes at that moment by its schedule.
+bool isScheduled(const calEvent& event, DateTime moment) {
+    const DateTime time = event.FromMoment(moment);
+    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
+        const auto reminder = objectIn<clsReminder>(item);
+        if (reminder && event.StartDateTime.addMinutes(-reminder->Minutes) == time) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // A single event's occurrence is one, also under a start that it had before the host moved it. Who
 // acts on a row from before a move has not seen what is scheduled since; a snooze was the row's
 // own.
@@ -54,20 +69,11 @@ void endOldEntries(EventState& state, const ActOn& act) {
     }
     const bool isOldRow = act.start != act.event.StartDateTime;
     const DateTime moved = act.event.ToWall(act.event.StartDateTime);
-    const auto snoozedUntil = [&](DateTime time) {
-        return std::any_of(
-            state.occurrences.begin(), state.occurrences.end(), [&](const OccurrenceState& one) {
-                return !one.snoozed.isZero() && act.zone.fromUtc(one.snoozed) == time;
-            });
-    };
-    for (OccurrenceState& one : state.occurrences) {
-        const bool isUnseen = isOldRow && one.start == moved;
-        if (!isUnseen || snoozedUntil(act.event.FromMoment(one.listed))) {
-            one.listed = DateTime();
-        }
-    }
     for (OccurrenceState& one : state.occurrences) {
         one.snoozed = DateTime();
+        if (!isOldRow || one.start != moved || !isScheduled(act.event, one.listed)) {
+            one.listed = DateTime();
+        }
     }
 }
 

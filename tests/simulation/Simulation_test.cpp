@@ -41,10 +41,14 @@ struct Limits {
 
     Limits() {
         constexpr std::uint64_t kSeconds = 50;
+        constexpr std::uint64_t kHistories = 2000;
         constexpr std::uint64_t kYear = 31'536'000;
         const bool limited = histories != UINT64_MAX || decisions != UINT64_MAX;
         end = std::chrono::steady_clock::now() +
               std::chrono::seconds(number("VL_SIM_SECONDS", limited ? kYear : kSeconds));
+        if (!limited && std::getenv("VL_SIM_SECONDS") == nullptr) {
+            histories = kHistories;  // the same ones wherever the time suffices
+        }
     }
     bool allow(std::uint64_t tried, std::uint64_t decided) const {
         return tried < histories && decided < decisions && std::chrono::steady_clock::now() < end;
