@@ -171,7 +171,10 @@ static std::uint64_t mixedInto(std::uint64_t hash, ByteView bytes) {
     while (bytes.size() - at >= sizeof(std::uint64_t)) {
         take(sizeof(std::uint64_t));
     }
-    take(bytes.size() - at);
+    // Of no bytes there need not even be a place to copy them from.
+    if (at < bytes.size()) {
+        take(bytes.size() - at);
+    }
     return (hash ^ bytes.size()) * kOdd;
 }
 
