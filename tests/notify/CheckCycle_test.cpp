@@ -4,9 +4,8 @@
 
 #include <functional>
 
-#include "RecordingScreen.h"
+#include "CheckParts.h"
 #include "base/ErrorState.h"
-#include "support/ManualClock.h"
 
 namespace vl {
 namespace {
@@ -33,19 +32,10 @@ constexpr const char* kQuarter = R"({"method":"popup","minutes":15})";
 
 /// A check over events put into the reminders set by hand; the database is not there, so that
 /// reads leave the set as it is.
-class Check : public testing::Test {
+class Check : public test::CheckTest {
 protected:
+    Check() : CheckTest(at(14, 0)) {}
     void tick(int interval = 10000) { cycle.Tick(interval); }
-
-    ManualClock clock{at(14, 0)};
-    DBRemindUtils db;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    RecordingScreen screen;
-    Ledger ledger{clock};
-    Acts acts{reminders, period, db, clock, ledger, state};
-    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(Check, TheFirstOneTakesWhatWasDueSinceMidnight) {

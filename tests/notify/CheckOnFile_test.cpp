@@ -3,12 +3,11 @@
 
 #include <filesystem>
 
-#include "RecordingScreen.h"
+#include "CheckParts.h"
 #include "db/jet/Database.h"
 #include "db/jet/Transaction.h"
 #include "notify/CheckCycle.h"
 #include "notify/UpdateCycle.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -21,8 +20,9 @@ DateTime at(int hour, int minute, int second = 0, int day = 20) {
 constexpr const char* kStandUp = "{956ABE94-E18E-437E-878F-EF5EC79876F1}";
 constexpr const char* kDentist = "{437FED06-B0D4-4C70-8AC9-99114CC7B46A}";
 
-class CheckOnFile : public testing::Test {
+class CheckOnFile : public test::CheckTest {
 protected:
+    CheckOnFile() : CheckTest(at(13, 45)) {}
     void SetUp() override { takeFresh("Velmora.RemindDB"); }
     void takeFresh(const char* name) {
         db.DBFullName = (folder / name).string();
@@ -31,15 +31,6 @@ protected:
     void tick() { cycle.Tick(10000); }
 
     test::TempFolder folder;
-    test::ManualClock clock{at(13, 45)};
-    DBRemindUtils db;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    test::RecordingScreen screen;
-    Ledger ledger{clock};
-    Acts acts{reminders, period, db, clock, ledger, state};
-    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(CheckOnFile, GoesFromTheFileToTheScreenStepByStep) {

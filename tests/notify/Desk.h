@@ -7,11 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "RecordingScreen.h"
-#include "notify/Acts.h"
-#include "notify/CheckCycle.h"
+#include "CheckParts.h"
 #include "support/Events.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl::test {
@@ -27,22 +24,7 @@ public:
     bool rowsAreWritten = true;
 
     /// The program and all that it forgets when it ends.
-    struct Program {
-        Program(const ManualClock& clock, const std::string& ledgerPath)
-            : reminders(db, clock),
-              period(db, clock),
-              ledger(clock, ledgerPath),
-              acts(reminders, period, db, clock, ledger, state),
-              cycle(reminders, period, db, clock, state, screen, ledger, acts) {}
-        DBRemindUtils db;
-        CalEvents reminders;
-        CalEvents period;
-        ReminderState state;
-        RecordingScreen screen;
-        Ledger ledger;
-        Acts acts;
-        CheckCycle cycle;
-    };
+    using Program = CheckParts<>;
     std::unique_ptr<Program> program;
 
     /// The host writes a row, a new one or over the old one.

@@ -6,12 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "RecordingScreen.h"
-#include "notify/Acts.h"
-#include "notify/CheckCycle.h"
+#include "CheckParts.h"
 #include "support/EventFile.h"
 #include "support/Events.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl::test {
@@ -46,25 +43,12 @@ public:
     };
 
     /// The program and all that it forgets when it ends.
-    struct Program {
+    struct Program : CheckParts<Screen> {
         Program(FileDesk& desk, const ManualClock& clock, const std::string& ledgerPath)
-            : reminders(db, clock),
-              period(db, clock),
-              screen(desk),
-              ledger(clock, ledgerPath),
-              acts(reminders, period, db, clock, ledger, state),
-              cycle(reminders, period, db, clock, state, screen, ledger, acts) {
+            : CheckParts(clock, ledgerPath, desk) {
             db.DBFullName = desk.file.path();
             db.Patience = std::chrono::milliseconds(0);
         }
-        DBRemindUtils db;
-        CalEvents reminders;
-        CalEvents period;
-        ReminderState state;
-        Screen screen;
-        Ledger ledger;
-        Acts acts;
-        CheckCycle cycle;
     };
     std::unique_ptr<Program> program;
 

@@ -4,9 +4,8 @@
 #include <deque>
 #include <filesystem>
 
-#include "RecordingScreen.h"
+#include "CheckParts.h"
 #include "notify/Maintenance.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -32,8 +31,9 @@ public:
     std::vector<BoxRequest> asked;
 };
 
-class MaintenanceTest : public testing::Test {
+class MaintenanceTest : public test::CheckTest {
 protected:
+    MaintenanceTest() : CheckTest(DateTime::fromCivil(2026, 11, 20, 13, 45)) {}
     void SetUp() override {
         db.DBFullName = (folder / "Velmora.RemindDB").string();
         std::filesystem::copy_file(test::repoFile("data/first-light.RemindDB"), db.DBFullName);
@@ -59,17 +59,8 @@ protected:
     }
 
     test::TempFolder folder;
-    test::ManualClock clock{DateTime::fromCivil(2026, 11, 20, 13, 45)};
-    DBRemindUtils db;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    test::RecordingScreen screen;
-    Ledger ledger{clock};
-    Acts acts{reminders, period, db, clock, ledger, state};
-    CheckCycle check{reminders, period, db, clock, state, screen, ledger, acts};
     AnsweringScreen boxes;
-    Maintenance maintenance{db, reminders, period, check, state, screen, boxes};
+    Maintenance maintenance{db, reminders, period, cycle, state, screen, boxes};
 };
 
 TEST_F(MaintenanceTest, RemovesTheRowsMarkedAsDeleted) {
@@ -171,7 +162,7 @@ TEST_F(MaintenanceTest, WhatIsNotAnsweredWithYesChangesNothing) {
 }
 
 TEST_F(MaintenanceTest, DeletingAllEmptiesTheTableAndTheLists) {
-    check.Tick(10000);
+    cycle.Tick(10000);
     ASSERT_GT(state.NewReminders->Count(), 0U);
     screen.forget();
     boxes.answers = {BoxAnswer::Yes};
@@ -190,7 +181,7 @@ TEST_F(MaintenanceTest, DeletingAllEmptiesTheTableAndTheLists) {
 // What cannot be removed stays listed, and the closing message still comes.
 TEST_F(MaintenanceTest, AFileThatCannotBeWrittenKeepsItsRows) {
     move(3, "/gone/a.vldb");
-    check.Tick(10000);
+    cycle.Tick(10000);
     const std::size_t listed = state.NewReminders->Count();
     ASSERT_GT(listed, 0U);
     const std::int64_t before = rows();
@@ -206,7 +197,7 @@ TEST_F(MaintenanceTest, AFileThatCannotBeWrittenKeepsItsRows) {
     } moving;
     moving.file = file;
     moving.answers = {BoxAnswer::Yes};
-    Maintenance(db, reminders, period, check, state, screen, moving).CleanUp();
+    Maintenance(db, reminders, period, cycle, state, screen, moving).CleanUp();
     ASSERT_EQ(moving.asked.size(), 2U);
     EXPECT_EQ(moving.asked[1].text, "0 events were removed");
     EXPECT_EQ(state.NewReminders->Count(), listed);

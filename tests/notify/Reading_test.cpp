@@ -4,10 +4,9 @@
 #include <chrono>
 #include <filesystem>
 
-#include "RecordingScreen.h"
+#include "CheckParts.h"
 #include "notify/CheckCycle.h"
 #include "notify/ReadAgain.h"
-#include "support/ManualClock.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -15,9 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Reading : public testing::Test {
+class Reading : public test::CheckTest {
 protected:
-    Reading() {
+    Reading() : CheckTest(DateTime::fromCivil(2026, 11, 20, 14, 0)) {
         put();
         db.DBFullName = path.string();
     }
@@ -37,15 +36,6 @@ protected:
     fs::path path = folder / "Velmora.RemindDB";
     std::string sample = test::readFile(test::repoFile("data/first-light.RemindDB"));
     fs::file_time_type written = fs::file_time_type::clock::now();
-    test::ManualClock clock{DateTime::fromCivil(2026, 11, 20, 14, 0)};
-    DBRemindUtils db;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    test::RecordingScreen screen;
-    Ledger ledger{clock};
-    Acts acts{reminders, period, db, clock, ledger, state};
-    CheckCycle cycle{reminders, period, db, clock, state, screen, ledger, acts};
 };
 
 TEST_F(Reading, LooksForDeletedRowsOnlyWhenTheFileHasChanged) {

@@ -2,25 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "RecordingScreen.h"
+#include "CheckParts.h"
 #include "base/ErrorState.h"
-#include "support/ManualClock.h"
 
 namespace vl {
 namespace {
 
-class Update : public testing::Test {
+class Update : public test::CheckTest {
 protected:
-    test::ManualClock clock{DateTime::fromCivil(2026, 11, 20, 23, 59, 50)};
-    DBRemindUtils db;
-    CalEvents reminders{db, clock};
-    CalEvents period{db, clock};
-    ReminderState state;
-    test::RecordingScreen screen;
-    Ledger ledger{clock};
-    Acts acts{reminders, period, db, clock, ledger, state};
-    CheckCycle check{reminders, period, db, clock, state, screen, ledger, acts};
-    UpdateCycle update{check, clock, state, screen, false};
+    Update() : CheckTest(DateTime::fromCivil(2026, 11, 20, 23, 59, 50)) {}
+    UpdateCycle update{cycle, clock, state, screen, false};
 };
 
 TEST_F(Update, RenewsTheViewsWhenTheDayChanges) {
@@ -44,7 +35,7 @@ TEST_F(Update, RetunesTheChecksOnlyToAnotherInterval) {
     update.Tick();
     EXPECT_EQ(screen.interval, 10000);
     EXPECT_EQ(screen.count("SetCheckInterval"), 2U);
-    UpdateCycle(check, clock, state, screen, true).Tick();
+    UpdateCycle(cycle, clock, state, screen, true).Tick();
     EXPECT_EQ(screen.interval, 2000);
 }
 
