@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -179,16 +180,26 @@ TimeZone TimeZone::utc() {
 std::optional<TimeZone> TimeZone::named(std::string_view ianaName) {
     static std::mutex mutex;
     static std::map<std::string, std::shared_ptr<const ZoneTable>, std::less<>> known;
+    static std::set<std::string, std::less<>> unknown;
     const std::lock_guard lock(mutex);
     const auto found = known.find(ianaName);
     if (found != known.end()) {
         return TimeZone(found->second);
     }
+    if (unknown.contains(ianaName)) {
+        return std::nullopt;
+    }
     try {
         const date::time_zone* zone = date::locate_zone(ianaName);
         return TimeZone(known.emplace(std::string(ianaName), readZone(*zone)).first->second);
     } catch (const std::runtime_error&) {
-        return std::nullopt;  // the only way to be told that a name is unknown
+        // The only way to be told that a name is unknown, and a dear one: every event of a calendar
+        // may name its zone by the same label.
+        constexpr std::size_t kMostUnknown = 100;
+        if (unknown.size() < kMostUnknown) {
+            unknown.emplace(ianaName);
+        }
+        return std::nullopt;
     }
 }
 

@@ -147,8 +147,12 @@ std::shared_ptr<GenCollection> FullRead::collected(const Rows& rows) {
     auto collection = std::make_shared<GenCollection>();
     for (const Row& row : rows) {
         if (row.event) {
-            collection->Remove(row.event->GUID);
+            const std::size_t count = collection->Count();
             collection->Add(Variant(row.event), row.event->GUID);
+            if (collection->Count() == count) {
+                collection->Remove(row.event->GUID);
+                collection->Add(Variant(row.event), row.event->GUID);
+            }
         }
     }
     return collection;

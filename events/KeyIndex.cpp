@@ -1,23 +1,79 @@
 #include "KeyIndex.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
 #include "base/Text.h"
 
 namespace vl {
 
-std::uint32_t hashNoCase(std::string_view key) noexcept {
-    // FNV-1a over folded characters instead of bytes.
-    std::uint64_t hash = 0xCBF29CE484222325U;
+namespace {
+
+constexpr std::size_t kBlock = 8;  // characters
+
+// One-to-one in each of both: two texts that differ in one block never meet.
+std::uint64_t mixed(std::uint64_t hash, std::uint64_t block) noexcept {
+    hash = (hash ^ block) * 0x9E3779B97F4A7C15U;
+    return hash ^ (hash >> 32);
+}
+
+std::uint32_t folded(std::uint64_t hash, std::size_t characters) noexcept {
+    return static_cast<std::uint32_t>(mixed(hash, characters));
+}
+
+// Eight characters below 0x80 with their letters in lower case.
+std::uint64_t lower(std::uint64_t block) noexcept {
+    constexpr std::uint64_t kEach = 0x0101010101010101U;
+    const std::uint64_t fromA = block + (0x80 - 'A') * kEach;
+    const std::uint64_t beyondZ = block + (0x80 - 'Z' - 1) * kEach;
+    return block | ((fromA & ~beyondZ & (0x80 * kEach)) >> 2);
+}
+
+// Any characters. What is all below 0x80 gets the number that it gets in blocks.
+std::uint32_t hashOfAny(std::string_view key) noexcept {
+    std::uint64_t hash = 0;
+    std::uint64_t block = 0;
+    std::size_t characters = 0;
     for (std::size_t at = 0; at < key.size();) {
-        char32_t c = static_cast<unsigned char>(key[at]);
-        if (c >= 0x80) {
-            c = text::foldCase(text::nextCharacter(key, at));
-        } else {
-            c += c >= 'A' && c <= 'Z' ? U'a' - U'A' : 0;
-            ++at;
+        const std::uint64_t c = text::foldCase(text::nextCharacter(key, at));
+        block ^= std::rotl(c, static_cast<int>(characters % kBlock * 8));
+        if (++characters % kBlock == 0) {
+            hash = mixed(hash, block);
+            block = 0;
         }
-        hash = (hash ^ c) * 0x100000001B3U;
     }
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+    return folded(mixed(hash, block), characters);
+}
+
+// The first character in the lowest byte.
+std::uint64_t blockAt(std::string_view key, std::size_t at) noexcept {
+    std::uint64_t block = 0;
+    const std::size_t size = std::min(kBlock, key.size() - at);
+    if (std::endian::native == std::endian::little && size > 0) {
+        std::memcpy(&block, key.data() + at, size);
+    } else {
+        for (std::size_t i = size; i > 0; --i) {
+            block = block << 8 | static_cast<unsigned char>(key[at + i - 1]);
+        }
+    }
+    return block;
+}
+
+}  // namespace
+
+std::uint32_t hashNoCase(std::string_view key) noexcept {
+    std::uint64_t hash = 0;
+    for (std::size_t at = 0;; at += kBlock) {
+        const std::uint64_t block = blockAt(key, at);
+        if ((block & 0x8080808080808080U) != 0) {
+            return hashOfAny(key);
+        }
+        hash = mixed(hash, lower(block));
+        if (key.size() - at < kBlock) {
+            return folded(hash, key.size());
+        }
+    }
 }
 
 void KeyIndex::put(Entry entry) noexcept {

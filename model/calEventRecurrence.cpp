@@ -97,10 +97,10 @@ DateTime utcOfStart(const std::string& json, const TimeZone& zone) {
 
 std::string calEvent::zoneName() const {
     StartMember zone("timeZone");
-    if (!IsAllDayEvent) {
+    if (!IsAllDayEvent && !JSON.empty()) {
         nlohmann::json::sax_parse(JSON, &zone);
     }
-    return TimeZone::named(zone.text) ? zone.text : std::string();
+    return !zone.text.empty() && TimeZone::named(zone.text) ? zone.text : std::string();
 }
 
 void calEvent::LoadRecurrence() {

@@ -31,6 +31,27 @@ TEST(GenCollectionAdd, KeepsTheFirstUnderAKeyWithoutRegardToCase) {
               Variant("umlaut"));
 }
 
+// Letters whose other case takes more bytes, wherever in a key they stand.
+TEST(GenCollectionAdd, TakesKeysForTheSameWhereverTheirLettersDiffer) {
+    const std::string kelvin = "\xE2\x84\xAA";  // lower case: "k"
+    for (std::size_t length = 1; length <= 20; ++length) {
+        for (std::size_t at = 0; at < length; ++at) {
+            const std::string before = std::string("abcdefghij-{}@[`z_90").substr(0, at);
+            const std::string after = std::string(length - at - 1, 'y');
+            GenCollection col;
+            col.Add("first", before + "K" + after);
+            EXPECT_EQ(col.Item(before + "k" + after), Variant("first")) << length << ' ' << at;
+            EXPECT_EQ(col.Item(before + kelvin + after), Variant("first")) << length << ' ' << at;
+            EXPECT_EQ(col.Item(before + "K" + after + "y"), Variant());
+            col.Add("second", before + "\xC3\x84" + after);
+            EXPECT_EQ(col.Item(before + "\xC3\xA4" + after), Variant("second"));
+            col.Add("third", before + "+" + after);
+            EXPECT_EQ(col.Item(before + "\x0B" + after), Variant());
+            EXPECT_EQ(col.Count(), 3U);
+        }
+    }
+}
+
 TEST(GenCollectionAdd, PutsAnItemWhereItIsAskedFor) {
     GenCollection col = filled("a,b,c");
     col.Add("x", "x", 1);
