@@ -7,7 +7,6 @@ namespace vl::jet {
 namespace {
 
 constexpr std::size_t kSlotTable = 14;
-constexpr std::uint16_t kStartBits = 0x1FFF;
 
 }  // namespace
 
@@ -38,16 +37,7 @@ DataPage::DataPage(const Page& page) : bytes_(page.bytes()) {
 std::uint32_t DataPage::owner() const noexcept { return u32(bytes_, 4); }
 
 DataPage::Slot DataPage::slot(std::uint16_t index) const noexcept {
-    switch (rawSlot(index) & 0xC000) {
-        case 0x4000:
-            return Slot::Moved;
-        case 0x8000:
-            return Slot::Body;
-        case 0xC000:
-            return Slot::Deleted;
-        default:
-            return Slot::Row;
-    }
+    return static_cast<Slot>(rawSlot(index) & kStateBits);
 }
 
 ByteView DataPage::row(std::uint16_t index) const noexcept {

@@ -28,12 +28,15 @@ struct RowPointer {
 /// Source: docs/jet4.md, "Data page".
 class DataPage {
 public:
-    enum class Slot {
-        Row,
-        Moved,    ///< a pointer to the row stands here
-        Body,     ///< a row moved to here, reached through its pointer only
-        Deleted,  ///< its bytes may be gone
+    /// The high bits of a slot.
+    enum class Slot : std::uint16_t {
+        Row = 0,
+        Moved = 0x4000,    ///< a pointer to the row stands here
+        Body = 0x8000,     ///< a row moved to here, reached through its pointer only
+        Deleted = 0xC000,  ///< its bytes may be gone
     };
+    static constexpr std::uint16_t kStateBits = 0xC000;
+    static constexpr std::uint16_t kStartBits = 0x1FFF;
     static constexpr std::uint32_t kLongValues = 0x4C41564C;  // "LVAL"
     static constexpr std::size_t kMostSlots = 256;            // a row number is one byte
 

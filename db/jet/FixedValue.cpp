@@ -68,10 +68,8 @@ void putNumeric(const Column& column, const Variant& value, std::span<std::byte>
 
 // The same instant must always give the same bits: indexes and comparisons go by them.
 double dateBits(const Variant& value) {
-    static const DateTime kFirst = DateTime::fromCivil(100, 1, 1);
-    static const DateTime kBehindLast = DateTime::fromCivil(10000, 1, 1);
     const DateTime date = value.toDateTime();
-    if (!std::isfinite(date.days()) || date < kFirst || date >= kBehindLast) {
+    if (!isStorable(date)) {
         tooLarge("a date of " + text::fromNumber(date.days()) + " days");
     }
     return date.wholeSeconds().days();
@@ -89,6 +87,12 @@ void putText(const Variant& value, std::span<std::byte> field) {
 }
 
 }  // namespace
+
+bool isStorable(DateTime date) noexcept {
+    static const DateTime kFirst = DateTime::fromCivil(100, 1, 1);
+    static const DateTime kBehindLast = DateTime::fromCivil(10000, 1, 1);
+    return std::isfinite(date.days()) && !(date < kFirst) && date < kBehindLast;
+}
 
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field) {
     switch (column.type) {

@@ -1,6 +1,7 @@
 // A value as the bytes of a fixed-size field.
 #pragma once
 
+#include "base/DateTime.h"
 #include "base/Variant.h"
 #include "db/jet/Types.h"
 
@@ -13,5 +14,8 @@ namespace vl::jet {
 /// `column` is a number, money, a date, a GUID, or a text of fixed length. Source: docs/jet4.md,
 /// "Values".
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field);
+
+/// Whether a date lies in the years that are stored, 100 to 9999. Damaged files hold others.
+bool isStorable(DateTime date) noexcept;
 
 }  // namespace vl::jet

@@ -21,8 +21,8 @@ constexpr std::size_t kEncryptionKeyAt = 0x3E;
 constexpr std::uint32_t kEncryptionMask = 0x4EBC8AFB;
 
 // With the zero byte that ends them.
-constexpr std::string_view kJet("Standard Jet DB", 16);
-constexpr std::string_view kAce("Standard ACE DB", 16);
+constexpr std::string_view kJet("Standard Jet DB\0", 16);
+constexpr std::string_view kAce("Standard ACE DB\0", 16);
 
 constexpr std::size_t kMaskedAt = 0x18;
 constexpr std::size_t kMaskedSize = 128;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Bytes.h"
+#include "FixedValue.h"
 #include "LongValue.h"
 #include "RowPlace.h"
 #include "UsageMap.h"
@@ -184,6 +185,11 @@ void TableCheck::checkRow(const RowView& row, RowId id, const Origin& origin) {
             checkLongValue(i, fields[i].bytes, origin);
         }
         values.push_back(valueOf(file_, column, fields[i], origin));
+        if (const auto* date = values.back().get<DateTime>(); date && !isStorable(*date)) {
+            findings_.add(id.page, rowText(id.row) +
+                                       " has a date of no year from 100 to 9999 in column \"" +
+                                       column.name + "\" of " + label());
+        }
     }
     for (std::size_t i = 0; i < table_.trees.size(); ++i) {
         std::vector<Variant> parts;

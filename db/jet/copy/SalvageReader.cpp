@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Bytes.h"
+#include "FixedValue.h"
 #include "RowPlace.h"
 #include "UsageMap.h"
 #include "write/Field.h"
@@ -169,6 +170,10 @@ std::vector<Variant> SalvageReader::valuesOf(const RowView& row, const TableDefi
             } else if (const auto bytes = row.field(column)) {
                 value =
                     valueOf(file_, column, {true, {bytes->begin(), bytes->end()}, false}, origin);
+            }
+            if (const auto* date = value.get<DateTime>(); date && !isStorable(*date)) {
+                value = Null{};
+                origin.corrupt("a date of no year from 100 to 9999");
             }
         } catch (const Error& e) {
             if (e.number() != ErrNo::Corrupt) {

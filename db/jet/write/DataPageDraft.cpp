@@ -14,21 +14,8 @@ constexpr std::size_t kFreeAt = 2;
 constexpr std::size_t kOwnerAt = 4;
 constexpr std::size_t kCountAt = 12;
 constexpr std::size_t kSlotTable = 14;
-constexpr std::uint16_t kStartBits = 0x1FFF;
+constexpr std::uint16_t kStartBits = DataPage::kStartBits;
 constexpr std::size_t kPointer = 4;
-
-std::uint16_t bitsOf(DataPage::Slot state) {
-    switch (state) {
-        case DataPage::Slot::Moved:
-            return 0x4000;
-        case DataPage::Slot::Body:
-            return 0x8000;
-        case DataPage::Slot::Deleted:
-            return 0xC000;
-        default:
-            return 0;
-    }
-}
 
 }  // namespace
 
@@ -60,16 +47,8 @@ std::uint32_t DataPageDraft::owner() const noexcept { return u32(bytes_, kOwnerA
 std::uint16_t DataPageDraft::slotCount() const noexcept { return u16(bytes_, kCountAt); }
 
 DataPage::Slot DataPageDraft::slot(std::uint16_t index) const noexcept {
-    switch (u16(bytes_, kSlotTable + std::size_t{2} * index) & 0xC000) {
-        case 0x4000:
-            return Slot::Moved;
-        case 0x8000:
-            return Slot::Body;
-        case 0xC000:
-            return Slot::Deleted;
-        default:
-            return Slot::Row;
-    }
+    return static_cast<Slot>(u16(bytes_, kSlotTable + std::size_t{2} * index) &
+                             DataPage::kStateBits);
 }
 
 ByteView DataPageDraft::row(std::uint16_t index) const noexcept {
@@ -167,7 +146,7 @@ void DataPageDraft::resize(std::uint16_t index, std::size_t length) {
 
 void DataPageDraft::setSlot(std::uint16_t index, std::size_t start, Slot state) {
     store(std::span<std::byte>(bytes_), kSlotTable + std::size_t{2} * index,
-          static_cast<std::uint16_t>(start | bitsOf(state)));
+          static_cast<std::uint16_t>(start | static_cast<std::uint16_t>(state)));
 }
 
 void DataPageDraft::noteFree() {

@@ -2,8 +2,11 @@
 #include "db/jet/copy/Copy.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cstring>
 #include <iostream>
+#include <limits>
 
 #include <gmock/gmock.h>
 
@@ -20,6 +23,7 @@ namespace fs = std::filesystem;
 using jet::Access;
 using jet::Database;
 using jet::Table;
+using test::Disk;
 
 std::string whatIsWrong(Database& db) {
     std::string text;
@@ -161,6 +165,45 @@ TEST(JetCopy, EveryFileThatIsNotRefusedHasTheSameRows) {
               << " salvaged without a loss; " << related << " sides of relationships\n";
     EXPECT_GE(copied, 2);
     EXPECT_GE(salvaged, 2);
+}
+
+// A copy would have to change it, so that only what saves the rest goes on.
+TEST(JetCopy, ADateThatCannotBeStoredIsLostAloneWhereRowsAreSaved) {
+    const std::string whole = test::firstLight();
+    Disk disk(whole);
+    const test::Rows before = test::rowsOf(test::openMemory(disk).table("Reminders"));
+    const std::size_t end =
+        test::position(test::openMemory(disk).table("Reminders"), "EndDateTime");
+    const auto bits = std::bit_cast<std::array<char, 8>>(before.values[0][end].toDateTime().days());
+    const std::size_t at = whole.find(std::string_view(bits.data(), bits.size()));
+    ASSERT_NE(at, std::string::npos);
+    struct Case {
+        double days;
+        ErrNo copying;
+    };
+    for (const Case& c : {Case{-5.5e303, ErrNo::Overflow}, Case{2958466, ErrNo::Overflow},
+                          Case{-657435, ErrNo::Overflow},
+                          Case{std::numeric_limits<double>::quiet_NaN(), ErrNo::Corrupt},
+                          Case{std::numeric_limits<double>::infinity(), ErrNo::Corrupt}}) {
+        SCOPED_TRACE(c.days);
+        Disk damaged(whole);
+        std::memcpy(damaged.bytes.data() + at, &c.days, sizeof c.days);
+        auto source = test::openMemory(damaged);
+        EXPECT_NE(whatIsWrong(source).find("EndDateTime"), std::string::npos);
+        const test::TempFolder folder;
+        auto copy = Database::create((folder / "copy.mdb").string());
+        EXPECT_EQ(test::errorOf([&] { copyTables(source, copy); }), c.copying);
+
+        auto saved = Database::create((folder / "saved.mdb").string());
+        const jet::CopyReport report =
+            jet::salvage(std::make_unique<test::MemoryFile>(damaged), "memory", saved);
+        ASSERT_EQ(report.lost.size(), 1U);
+        EXPECT_THAT(report.lost[0].what, testing::HasSubstr("loses column \"EndDateTime\""));
+        EXPECT_EQ(whatIsWrong(saved), "");
+        test::Rows expected = before;
+        expected.values[0][end] = Null{};
+        EXPECT_EQ(test::rowsOf(saved.table("Reminders")).values, expected.values);
+    }
 }
 
 // What the original refuses to lose, the copy refuses to lose.
