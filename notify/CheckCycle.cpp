@@ -56,8 +56,10 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
 }
 
 void CheckCycle::ReadAtStart() {
-    history_.uncheckedSince = UncheckedSince();
+    // However long ago the last check was: so far ahead the clock may be wrong for once, and what
+    // is finished is read no more.
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
+    history_.uncheckedSince = last.isZero() ? UncheckedSince() : std::min(UncheckedSince(), last);
     history_.isMet = [last](const calEvent& event) {
         return last.isZero() || event.Modified < last;
     };
