@@ -27,6 +27,20 @@ FileTable open(jet::Database& db, const TableRef& ref) {
     }
 }
 
+// The engine keeps its own tables in step with the file; a statement would not.
+void requireUserTable(const jet::Database& db, const TableRef& ref) {
+    constexpr std::string_view kPrefix = "MSys";
+    const auto tables = db.tables();
+    const auto hit = std::find_if(tables.begin(), tables.end(), [&](const jet::TableInfo& info) {
+        return text::equalsNoCase(info.name, ref.name);
+    });
+    if ((hit != tables.end() && hit->system) ||
+        text::equalsNoCase(std::string_view(ref.name).substr(0, kPrefix.size()), kPrefix)) {
+        fail(ErrNo::ReadOnly, ref.at,
+             "table " + ref.name + " belongs to the engine and is not changed by statements");
+    }
+}
+
 /// One statement on a file.
 class Run {
 public:
@@ -48,7 +62,7 @@ public:
     }
 
     Result operator()(Insert& statement) const {
-        return changing([&] {
+        return changing(statement.table, [&] {
             FileTable table = open(db_, statement.table);
             Result rows = statement.rows ? rowsOf(*statement.rows) : Result();
             return insertRows(statement, table, std::move(rows), parameters_);
@@ -56,14 +70,14 @@ public:
     }
 
     Result operator()(Update& statement) const {
-        return changing([&] {
+        return changing(statement.table, [&] {
             FileTable table = open(db_, statement.table);
             return updateRows(statement, table, parameters_);
         });
     }
 
     Result operator()(Delete& statement) const {
-        return changing([&] {
+        return changing(statement.table, [&] {
             FileTable table = open(db_, statement.table);
             return deleteRows(statement, table, parameters_);
         });
@@ -71,7 +85,7 @@ public:
 
     template <class Definition>
     Result operator()(Definition& statement) const {
-        return changing([&] {
+        return changing(statement.table, [&] {
             define(statement, db_);
             return 0;
         });
@@ -85,8 +99,9 @@ private:
 
     // The table is looked up inside: what others write meanwhile must not be undone.
     template <class Step>
-    Result changing(Step&& step) const {
+    Result changing(const TableRef& table, Step&& step) const {
         jet::Transaction transaction(db_);
+        requireUserTable(db_, table);
         Result result;
         result.affected = std::forward<Step>(step)();
         transaction.commit();

@@ -5,6 +5,7 @@
 
 #include "Memory.h"
 #include "db/jet/MemoryFile.h"
+#include "db/jet/Transaction.h"
 #include "db/sql/Sql.h"
 #include "support/Support.h"
 
@@ -299,6 +300,63 @@ TEST(SqlExecute, NamesTheTableThatIsNotThere) {
     EXPECT_THAT(error.text, StartsWith("line 2, column 6: "));
     EXPECT_EQ(sample.run("SELECT COUNT(*) FROM reminders").rows[0][0], Variant(12));
     EXPECT_GT(sample.run("SELECT COUNT(*) FROM MSysObjects").rows[0][0].toInt32(), 5);
+}
+
+TEST(SqlExecute, TheEnginesOwnTablesAreReadAndNeverChanged) {
+    Sample sample;
+    const auto before = sample.disk.bytes;
+    struct Case {
+        const char* statement;
+        const char* place;
+    };
+    static constexpr Case cases[] = {
+        {"DELETE FROM MSysObjects", "line 1, column 13: "},
+        {"DELETE * FROM msysobjects WHERE Name = 'Reminders'", "line 1, column 15: "},
+        {"UPDATE MSysObjects SET Name = 'x' WHERE Id = 16", "line 1, column 8: "},
+        {"UPDATE [MSysACEs] SET ACM = 0", "line 1, column 8: "},
+        {"INSERT INTO MSysObjects (Id, Name) VALUES (5000, 'ghost')", "line 1, column 13: "},
+        {"INSERT INTO MSysQueries SELECT * FROM MSysQueries", "line 1, column 13: "},
+        {"DROP TABLE MSysObjects", "line 1, column 12: "},
+        {"DROP TABLE MSysRelationships", "line 1, column 12: "},
+        {"ALTER TABLE MSysObjects ADD COLUMN more TEXT", "line 1, column 13: "},
+        {"ALTER TABLE MSysObjects ADD CONSTRAINT c UNIQUE (Name)", "line 1, column 13: "},
+        {"CREATE INDEX more ON MSysObjects (Name)", "line 1, column 22: "},
+        {"DROP INDEX Id ON MSysObjects", "line 1, column 18: "},
+        {"CREATE TABLE MSysMine (a LONG)", "line 1, column 14: "},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.statement);
+        const auto error = caught([&] { sample.run(c.statement); });
+        EXPECT_EQ(error.number, ErrNo::ReadOnly);
+        EXPECT_THAT(error.text, StartsWith(c.place));
+        EXPECT_THAT(error.text, testing::HasSubstr("belongs to the engine"));
+        EXPECT_EQ(sample.disk.bytes, before);
+    }
+    sample.run("CREATE TABLE MSy (a LONG)");
+    EXPECT_EQ(
+        sample.run("INSERT INTO MSy SELECT Id FROM MSysObjects WHERE Name = 'Reminders'").affected,
+        1);
+}
+
+// Not every table that a product keeps for itself is called so: the catalog says which they are.
+TEST(SqlExecute, ATableIsTheEnginesOwnByItsFlagToo) {
+    Sample sample;
+    {
+        jet::Transaction change(sample.db());
+        jet::Table catalog = sample.db().table("MSysObjects");
+        const auto& columns = catalog.columns();
+        const auto flags = static_cast<std::size_t>(
+            std::find_if(columns.begin(), columns.end(),
+                         [](const jet::Column& c) { return c.name == "Flags"; }) -
+            columns.begin());
+        jet::RowCursor row = catalog.scan();
+        while (row.next() && row.value(0) != Variant(16)) {
+        }
+        catalog.update(row.id(), std::vector<jet::Table::Change>{{flags, 2}});
+        change.commit();
+    }
+    EXPECT_EQ(caught([&] { sample.run("DELETE FROM Reminders"); }).number, ErrNo::ReadOnly);
+    EXPECT_EQ(sample.events("").size(), 12U);
 }
 
 TEST(SqlIsQuery, GoesByTheFirstWord) {
