@@ -2,6 +2,7 @@
 
 #include "Bytes.h"
 #include "Catalog.h"
+#include "CatalogCheck.h"
 #include "TableCheck.h"
 #include "UsageMap.h"
 #include "db/jet/ReadGuard.h"
@@ -51,6 +52,7 @@ std::vector<Finding> checkDatabase(PageFile& file) {
         });
     }
     checkFreePages(file, claims, findings);
+    checkCatalog(file, tables, claims, findings);
     return findings.take();
 }
 

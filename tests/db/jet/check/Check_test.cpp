@@ -147,6 +147,52 @@ TEST(JetCheck, FindsEachKindOfDamage) {
     }
 }
 
+// What the catalog does not name is lost to all who go by names.
+TEST(JetCheck, FindsEveryRowThatTheCatalogHasLost) {
+    Disk whole(test::firstLight());
+    std::size_t rows = 0;
+    {
+        const auto db = test::openMemory(whole);
+        rows = test::rowsOf(db.table("MSysObjects")).ids.size();
+    }
+    ASSERT_GT(rows, 8U);
+    for (std::size_t i = 0; i < rows; ++i) {
+        Disk disk(test::firstLight());
+        auto db = test::openMemory(disk, jet::Access::ReadWrite);
+        jet::Table catalog = db.table("MSysObjects");
+        const test::Rows all = test::rowsOf(catalog);
+        const std::string name = all.values[i][test::position(catalog, "Name")].toText();
+        SCOPED_TRACE(name);
+        jet::Transaction change(db);
+        catalog.remove(all.ids[i]);
+        change.commit();
+        const std::string found = textOf(checkDatabase(db));
+        if (name == "Reminders") {
+            EXPECT_EQ(found,
+                      "page 16: is the definition of a table that the catalog does not name\n");
+        }
+        EXPECT_NE(found, "");
+    }
+}
+
+TEST(JetCheck, FindsACatalogThatNamesWhatIsNotThere) {
+    for (const std::int32_t page : {5000, 17}) {
+        SCOPED_TRACE(page);
+        Disk disk(test::firstLight());
+        auto db = test::openMemory(disk, jet::Access::ReadWrite);
+        jet::Table catalog = db.table("MSysObjects");
+        jet::Transaction change(db);
+        catalog.insert(
+            std::vector<jet::Table::Change>{{test::position(catalog, "Id"), page},
+                                            {test::position(catalog, "ParentId"), 0x0F000001},
+                                            {test::position(catalog, "Name"), "Ghost"},
+                                            {test::position(catalog, "Type"), 1},
+                                            {test::position(catalog, "Flags"), 0}});
+        change.commit();
+        EXPECT_NE(textOf(checkDatabase(db)), "");
+    }
+}
+
 TEST(JetCheck, GivesUpCountingAtSomePoint) {
     jet::Findings findings("file");
     for (std::size_t i = 0; i < jet::Findings::kMost + 7; ++i) {
