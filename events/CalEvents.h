@@ -117,8 +117,6 @@ public:
     /// views look at it again, and the next full read takes its row's word. An object that takes
     /// another one's place in `mCol` is looked at anyway.
     void LookAgain(std::string_view GUID);
-    /// As `LookAgain`, and the event counts as newly met, whatever is done to it before the check.
-    void MeetAgain(std::string_view GUID);
 
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.

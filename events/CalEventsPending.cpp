@@ -83,6 +83,7 @@ void CalEvents::noteMoved() {
                                entry.end = event->ToWall(event->EndOf(due.instance));
                                entry.listed = event->ToMoment(due.time);
                                state.openSince = since;
+                               state.newlyMet = false;
                            }});
     }
     if (!changes.empty()) {
@@ -111,6 +112,7 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
                                entry.end = event->ToWall(event->EndOf(start));
                                entry.listed = event->ToMoment(time);
                                state.openSince = since;
+                               state.newlyMet = false;
                            }});
         if (const auto own = mCol ? objectAt<calEvent>(*mCol, event->GUID) : nullptr) {
             own->dLastReminder = time;
@@ -136,12 +138,7 @@ bool CalEvents::RecordListed(calEvent& event) const {
 }
 
 void CalEvents::LookAgain(std::string_view GUID) {
-    book_->look(GUID, false);
-    index_->look(GUID);
-}
-
-void CalEvents::MeetAgain(std::string_view GUID) {
-    book_->look(GUID, true);
+    book_->look(GUID);
     index_->look(GUID);
 }
 

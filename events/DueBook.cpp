@@ -37,10 +37,7 @@ bool isListedElsewhere(const calEvent& event, const EventState* state) {
 }
 
 // Its user wants it to count as newly met, and it has not been listed since.
-bool isReactivated(const EventState* state) {
-    return state != nullptr && !state->acted.isZero() && state->occurrences.empty() &&
-           state->endedBefore.isZero();
-}
+bool isReactivated(const EventState* state) { return state != nullptr && state->newlyMet; }
 
 bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
 
@@ -308,13 +305,11 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
     return found;
 }
 
-void DueBook::look(std::string_view GUID, bool firstMet) {
+void DueBook::look(std::string_view GUID) {
     const std::uint64_t hash = guidHash(GUID);
     for (Slot& slot : slots_) {
         if (slot.hash == hash) {
             slot.look = true;
-            slot.firstMet = slot.firstMet || firstMet;
-            slot.since = firstMet ? DateTime() : slot.since;
         }
     }
 }

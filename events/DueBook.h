@@ -45,8 +45,8 @@ public:
     /// them, with what is pending of them now. What is listed is this from now on.
     const std::vector<Found>& moved() const { return moved_; }
 
-    /// The event is looked at in the next check. `firstMet`: as if it had not been there before.
-    void look(std::string_view GUID, bool firstMet);
+    /// The event is looked at in the next check.
+    void look(std::string_view GUID);
 
     /// From when on reminders of the event may have been missed because of those that are pending:
     /// for `EventState::openSince`.

@@ -145,10 +145,8 @@ public:
                 continue;
             }
             const DateTime start = startOf(one);
-            const bool there = repeats_ ? !event_.ICalRecEvents(start, start, 1).empty()
-                                        : one.start == event_.ToWall(start);
             const DateTime time = event_.FromMoment(one.listed);
-            if (there && isOpen(start, time)) {
+            if (isThere(one) && isOpen(start, time)) {
                 visit(start, time);
             }
         }
@@ -156,6 +154,13 @@ public:
 
     DateTime startOf(const OccurrenceState& one) const {
         return repeats_ ? event_.FromWall(one.start) : event_.StartDateTime;
+    }
+
+    /// Whether the event still has that occurrence: the host may have moved or excluded it since.
+    bool isThere(const OccurrenceState& one) const {
+        const DateTime start = startOf(one);
+        return repeats_ ? !event_.ICalRecEvents(start, start, 1).empty()
+                        : one.start == event_.ToWall(start);
     }
 
 private:
@@ -319,7 +324,8 @@ private:
     void ofSpared(DateTime earliest) {
         for (const OccurrenceState& one : view_.state().occurrences) {
             const DateTime start = view_.startOf(one);
-            if ((one.snoozed.isZero() && !one.spared) || start >= firstOpenStart_) {
+            if ((one.snoozed.isZero() && !one.spared) || start >= firstOpenStart_ ||
+                !view_.isThere(one)) {
                 continue;
             }
             for (const Offset& offset : offsets_) {

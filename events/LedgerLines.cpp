@@ -106,6 +106,7 @@ void takeEvent(Content& content, const Json& json) {
     state.acted = time(json, "acted");
     const Json said = json.value("said", Json::object());
     state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
+    state.newlyMet = json.value("newlyMet", false);
     state.deleting = json.value("deleting", false);
     state.row = rowOf(json.value("row", Json::object()));
     state.tidy();
@@ -172,6 +173,9 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     if (state.word.saysAnything()) {
         put(json["said"], "NextReminder", state.word.NextReminder);
         put(json["said"], "Dismissed", state.word.Dismissed);
+    }
+    if (state.newlyMet) {
+        json["newlyMet"] = true;
     }
     if (state.deleting) {
         json["deleting"] = true;

@@ -75,6 +75,9 @@ struct EventState {
     /// event stood in the list.
     DateTime openSince;
     DateTime acted;  ///< local; when the last act was
+    /// It counts as newly met until it is listed: what came before its user reactivated it is
+    /// asked for again, also by the next run.
+    bool newlyMet = false;
     RowWord word;    ///< what the row said before the first act took the word from it
     std::map<std::string, ColumnNote, std::less<>> row;
     /// The user has deleted the item, and the host's file could not be written yet.

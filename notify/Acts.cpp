@@ -230,10 +230,11 @@ void Acts::Reactivate(const ActRow& row) {
         std::vector<std::string> columns{kNextReminder, kDismissed};
         bringBack(event, wanted, columns);
         const DateTime now = clock_.now();
-        apply(
-            row, "reactivate", wanted, columns, [&](EventState& state) { state.acted = now; },
-            true);
-        reminders_.MeetAgain(event->GUID);  // the ledger tells only of the last act before a check
+        const auto meetAgain = [&](EventState& state) {
+            state.acted = now;
+            state.newlyMet = true;
+        };
+        apply(row, "reactivate", wanted, columns, meetAgain, true);
     });
 }
 

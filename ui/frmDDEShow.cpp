@@ -217,6 +217,9 @@ void frmDDE::mnuRefresh_Click() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, parts_.db, true, true);
     }
+    // Rows do not have yet what waits to be written.
+    acts_.RestoreWaiting();
+    acts_.WriteWaiting();
     showPeriodAnew();
 }
 

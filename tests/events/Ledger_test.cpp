@@ -58,6 +58,7 @@ TEST_F(LedgerFile, KeepsEveryPartOverARestart) {
     all.at(at(12, 0)).muted = Muted::ForEver;
     all.endedBefore = at(9, 0);
     all.openSince = at(8, 0);
+    all.newlyMet = true;
     all.word = {at(7, 0), at(6, 0)};
     all.row["status"] = {{"", "a \"b\""}, "AllDone"};
     {

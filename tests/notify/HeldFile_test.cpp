@@ -1,53 +1,18 @@
 // Acts while another process is in the middle of a change of the file.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <string>
 
 #include "FileDesk.h"
-#include "db/jet/Database.h"
-#include "db/jet/Transaction.h"
+#include "support/HoldingProcess.h"
 
 namespace vl {
 namespace {
 
 using test::at;
 using test::FileDesk;
+using test::HoldingProcess;
 using test::single;
-
-/// A process that has begun to change the file, until it is killed.
-class HoldingProcess {
-public:
-    explicit HoldingProcess(const std::string& path) {
-        int ready[2];
-        EXPECT_EQ(pipe(ready), 0);
-        process_ = fork();
-        if (process_ == 0) {
-            auto db = jet::Database::open(path, jet::Access::ReadWrite);
-            const jet::Transaction change(db);
-            const bool told = write(ready[1], "x", 1) == 1;
-            while (told) {
-                pause();
-            }
-            _exit(1);
-        }
-        char byte = 0;
-        EXPECT_EQ(read(ready[0], &byte, 1), 1);
-        close(ready[0]);
-        close(ready[1]);
-    }
-    ~HoldingProcess() {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-    }
-    HoldingProcess(const HoldingProcess&) = delete;
-    HoldingProcess& operator=(const HoldingProcess&) = delete;
-
-private:
-    pid_t process_ = -1;
-};
 
 class HeldFile : public testing::Test {
 protected:

@@ -224,6 +224,25 @@ TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetAlsoByTheNextRun) {
     EXPECT_EQ(desk.check(), "A 22 10:00 (17 10:00)");
 }
 
+TEST_F(PendingActs, SoItDoesWhereThatRunHasLeftTheActOnOneOccurrence) {
+    // Each lasts thirty hours: two go on.
+    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
+    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
+    desk.check(at(9, 0));
+    desk.put(e);
+    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    desk.dismiss("A");
+    desk.reactivate("A");
+    desk.snooze("A", 60);
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 3)), "A 19 08:00 (19 07:45)");
+    desk.dismiss("A");
+    desk.start();
+    EXPECT_EQ(desk.run(at(10, 3), 60), "A 20 08:00 (20 10:02)") << "once listed it is met";
+}
+
 TEST_F(PendingActs, AnActOnARowFromBeforeAMoveLeavesWhatIsPendingSinceAlsoToTheNextRun) {
     desk.put(single("A", at(10, 0), {15}));
     desk.run(at(9, 45));

@@ -85,6 +85,20 @@ TEST_F(PendingException, ASnoozeEndsWhenItsOccurrenceIsTakenAway) {
     }
 }
 
+TEST_F(PendingException, NothingIsLeftOfASnoozedOccurrenceThatIsTakenAwayAfterALaterOneWasDismissed) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY;COUNT=2", {15, -4320}));
+    desk.run(at(9, 45));
+    desk.snooze("A", 60 * 24 + 5);
+    EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "A 21 10:00 (21 09:45)");
+    desk.change("A", [](calEvent& e) {
+        e.recurrence = R"(["RRULE:FREQ=DAILY;COUNT=2","EXDATE:20261120T100000"])";
+    });
+    desk.run(at(10, 40, 0, 21), 60);
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(11, 0, 0, 23), 60), "");
+    EXPECT_EQ(desk.run(at(10, 0, 0, 24), 60), "A 21 10:00 (24 10:00)");
+}
+
 TEST_F(PendingException, ASnoozeOutlivesAReTimedSeries) {
     desk.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
     desk.run(at(9, 45));

@@ -52,6 +52,17 @@ bool Plan::sameTimes(const Plan& other) const {
            cancelled == other.cancelled;
 }
 
+Plan Plan::asWrittenIn(Zone there, Zone here) const {
+    Plan said = *this;
+    if (zone) {
+        said.start = toOwn(toLocal(start, there), here);
+        if (replaces) {
+            said.replaces = toOwn(toLocal(*replaces, there), here);
+        }
+    }
+    return said;
+}
+
 std::vector<Occurrence> Plan::occurrences(Seconds from, Seconds to, Zone here) const {
     std::vector<Occurrence> found;
     const auto add = [&](Seconds key) {

@@ -48,6 +48,8 @@ struct Plan {
     }
     /// The same for times of reminders: in UTC where it has a zone.
     Seconds toMoment(Seconds local, Zone here) const { return zone ? toUtc(here, local) : local; }
+    /// What its row says on a computer in `here` that was written in `there`.
+    Plan asWrittenIn(Zone there, Zone here) const;
     /// All that start in [`from`, `to`], local times.
     std::vector<Occurrence> occurrences(Seconds from, Seconds to, Zone here) const;
     std::optional<Occurrence> occurrenceOf(Seconds key, Zone here) const;

@@ -26,7 +26,8 @@ enum class Do {
                 ///< clock
     HostClock,  ///< a: seconds that the host's clock is off
     TurnClock,  ///< a: seconds
-    Travel,     ///< a: to which zone; the host writes local times anew
+    Travel,     ///< a: to which zone; the host writes local times anew, or with some c leaves its
+                ///< rows as they are
     Restart,    ///< the program ends and starts
     Kill,       ///< a, b: an act as in `Dismiss` whose row is not written any more
     HideFile,   ///< it is not there

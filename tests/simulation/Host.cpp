@@ -41,6 +41,12 @@ void Host::writeAnew(Seconds now, Zone here) {
     }
 }
 
+void Host::keepAsWritten(Zone there, Zone here) {
+    for (Kept& kept : kept_) {
+        kept.plan = kept.gone ? kept.plan : kept.plan.asWrittenIn(there, here);
+    }
+}
+
 void Host::add(const Plan& plan, const At& at) {
     const std::string number = std::to_string(100 + kept_.size());
     Kept kept{"{A0000000-0000-0000-0000-000000000" + number + "}", "e" + number, {}, false};

@@ -32,6 +32,8 @@ public:
     void take(const Step& step, Seconds now, Zone here);
     /// On a computer that has come to `here` some events have other local times.
     void writeAnew(Seconds now, Zone here);
+    /// It leaves its rows as it has written them in `there`, and takes them for what they say.
+    void keepAsWritten(Zone there, Zone here);
 
     /// One of those that are there; of series only, if wanted. Null when there is none.
     Kept* chosen(int which, bool series = false);

@@ -203,11 +203,17 @@ private:
         if (hidden_ || holder_ || isProtected_) {
             return;
         }
+        const Zone there = here_;
         here_ = kZones[static_cast<std::size_t>(step.a) % kZones.size()];
         useZone(here_);
         pass(0);
         oracle_.travelled(here_);
-        host_.writeAnew(now(), here_);
+        if (step.c % 4 == 0) {
+            host_.keepAsWritten(there, here_);
+            oracle_.keptAsWritten(there);
+        } else {
+            host_.writeAnew(now(), here_);
+        }
         check();  // nobody acts in that moment
     }
 

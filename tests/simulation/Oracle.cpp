@@ -33,6 +33,7 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
     const bool retimed = isNew || !event.plan.sameTimes(plan);
     if (retimed) {
         event.stamp = modified;
+        event.metBelow = kNone;
     }
     if (!isNew && !event.isSure) {
         event.between.push_back(event.plan);
@@ -55,6 +56,28 @@ void Oracle::travelled(Zone here) {
     hasTravelled_ = true;
     for (auto& [GUID, event] : events_) {
         event.hasTravelled = event.plan.zone.has_value();
+    }
+}
+
+void Oracle::keptAsWritten(Zone there) {
+    for (auto& [GUID, event] : events_) {
+        if (event.goneIsKnown) {
+            continue;  // what it replaced was noted there
+        }
+        event.plan = event.plan.asWrittenIn(there, here_);
+        for (std::vector<Plan>* plans : {&event.held, &event.between}) {
+            for (Plan& one : *plans) {
+                one = one.asWrittenIn(there, here_);
+            }
+        }
+        // Its row stands in the list for what it is now, and hides what fell due since.
+        for (const auto& [key, minutes] : event.open) {
+            const Seconds due = toUtc(there, event.plan.toLocal(key, there) - minutes * kMinute);
+            event.openSince = event.openSince == kNone ? due : std::min(event.openSince, due);
+            if (!event.plan.isSeries()) {
+                event.may.insert({event.plan.start, minutes});
+            }
+        }
     }
 }
 
@@ -200,7 +223,11 @@ void Oracle::forEachReminder(const Event& event, const Plan& plan, Scope scope, 
 }
 
 void Oracle::gatherMay(Event& event, const Plan& plan, const Check& check) const {
-    forEachReminder(event, plan, {mayAskFrom(check.now), check.upTo}, true,
+    Seconds from = mayAskFrom(check.now);
+    if (event.openSince != kNone) {
+        from = std::min(from, toWall(here_, event.openSince));
+    }
+    forEachReminder(event, plan, {from, check.upTo}, true,
                     [&](const Occurrence& one, int minutes, Seconds) {
                         event.may.insert({one.key, minutes});
                     });
@@ -222,16 +249,17 @@ void Oracle::gatherMust(Event& event, const Check& check) const {
                         event.must.insert({one.key, minutes});
                     });
     if (event.metAt) {
-        forEachReminder(
-            event, event.plan, {check.now - kLongest, check.upTo}, false,
-            [&](const Occurrence& one, int minutes, Seconds time) {
-                if (countsWhenMet(one, time, check.now) && countsWhenMet(one, time, *event.metAt)) {
-                    event.must.insert({one.key, minutes});
-                }
-            });
+        forEachReminder(event, event.plan, {check.now - kLongest, check.upTo}, false,
+                        [&](const Occurrence& one, int minutes, Seconds time) {
+                            // What was silent when it was met is not asked for later.
+                            if (countsWhenMet(one, time, check.now) &&
+                                countsWhenMet(one, time, *event.metAt) &&
+                                toUtc(here_, time) >= event.metBelow) {
+                                event.must.insert({one.key, minutes});
+                            }
+                        });
         event.metAt.reset();
         event.stamp.reset();
-        event.isReactivated = false;
     }
 }
 
@@ -290,6 +318,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
         endEarlier(event, key, now);
     } else {
         for (auto& [start, mark] : event.marks) {
+            event.metBelow = std::max(event.metBelow, mark.snoozed);
             mark.snoozed = kNone;
         }
         event.open.clear();
@@ -304,9 +333,6 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     mark.silent |= act == Act::DismissAll || act == Act::Done;
     event.open.erase(key);
     settle(event);
-    if (event.isReactivated) {
-        event.stamp.reset();  // it is an event with acts again, for who starts now
-    }
     event.mayBeDone = act == Act::Done && !event.isSure;
     const bool isLast = event.plan.lastKey() == key;
     const bool isSnoozed = std::any_of(event.marks.begin(), event.marks.end(),
@@ -318,13 +344,13 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
 void Oracle::reactivated(const std::string& GUID, Seconds now) {
     Event& event = events_.at(GUID);
     event.marks.clear();
+    event.metBelow = kNone;
     event.endedBefore = kNone;
     event.spared.clear();
     event.must.clear();
     event.open.clear();
     event.isDone = false;
     event.mayBeDone = false;
-    event.isReactivated = true;
     event.stamp = now;
     event.metAt = now;
 }
@@ -371,7 +397,14 @@ bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
 }
 
 bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const {
-    bool may = false;
+    // Also of a series that has no such occurrence any more.
+    bool may = event.plan.isSeries() &&
+               std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
+                   return entry.second.snoozed != kNone &&
+                          toWall(here_, entry.second.snoozed) <= upTo &&
+                          event.plan.toLocal(entry.first, here_) == row.start &&
+                          !isReplaced(event, entry.first, true);
+               });
     event.forEachPlan([&](const Plan& plan) {
         const auto key = keyIn(plan, row.start);
         if (!key || isReplaced(event, *key, true)) {

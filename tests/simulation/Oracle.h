@@ -45,6 +45,12 @@ public:
 
     // The machine.
     void travelled(Zone here);
+    /// Said after it: the host's rows are as they were in `there`. A row holds local times, and
+    /// nobody but the host could tell of which place: it means the same times of the clock here,
+    /// and so the event is at another moment, as if the host had moved it. What is known of an
+    /// occurrence goes by the clock of the event's own zone, so of such a one it is known no more;
+    /// but a snooze stays. Nothing is newly met: the host has said nothing.
+    void keptAsWritten(Zone there);
 
     // The program. What it is asked about a check is said after it.
     void started(Seconds now, bool readable);
@@ -80,14 +86,15 @@ private:
         std::vector<Plan> between;     // what it was meanwhile, before it was sure
         bool isSure = false;           // it holds `plan`, and has held it since an earlier check
         bool hasTravelled = false;     // its row has other local times, which is no matter
+        Seconds openSince = kNone;     // UTC: see `keptAsWritten`
         bool isKnown = false;          // it has been sure at some time
         bool gone = false;             // by the host's will
         bool goneIsKnown = false;      // the program must know it
         bool isDone = false;           // all of it
         bool mayBeDone = false;        // or not, as the host has written it in the same moment
-        bool isReactivated = false;    // and no check has asked for it since
         std::optional<Seconds> stamp;  // written with this time, and not surely met since
         std::optional<Seconds> metAt;  // in or before the check then
+        Seconds metBelow = kNone;  // UTC: a snooze that an act has ended silenced what is earlier
         std::map<Seconds, Mark> marks;
         Seconds endedBefore = kNone;  // keys before it are ended, but for those in
         std::set<Seconds> spared;
