@@ -31,6 +31,32 @@ TEST_F(OnFile, WhatFellDueWhileNobodyCouldReadIsShownWhenTheFileIsBack) {
     EXPECT_EQ(desk.check(at(8, 0, 30, 21)), "A 19:45");
 }
 
+TEST_F(OnFile, ASnoozeLongerThanTheGraceOfItsEventComesOverDaysAndRestarts) {
+    const auto status = [this] {
+        DBRemindUtils other;
+        other.DBFullName = desk.file.path();
+        return CalEvents(other, desk.clock).EventByGUID("A")->status;
+    };
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.program->acts.Snooze(desk.listed.at("A"), 7 * 24 * 60);
+    for (int day = 21; day <= 26; ++day) {
+        EXPECT_EQ(desk.check(at(12, 0, 0, day)), "");
+        EXPECT_EQ(status(), "") << "a day of grace is over, the snooze is not";
+        if (day % 2 == 0) {
+            desk.start();
+        }
+    }
+    EXPECT_EQ(desk.check(at(9, 44, 0, 27)), "");
+    EXPECT_EQ(desk.check(at(9, 45, 0, 27)), "A 09:45");
+    desk.check(at(9, 45, 10, 28));
+    EXPECT_EQ(status(), "") << "it stands in the list";
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    desk.check(at(9, 45, 20, 28));
+    EXPECT_EQ(status(), "AllDone");
+    EXPECT_EQ(desk.check(at(9, 46, 0, 28)), "");
+}
+
 TEST_F(OnFile, SoIsWhatTheHostEnteredMeanwhile) {
     desk.check(at(12, 0));
     desk.takeFileAway();

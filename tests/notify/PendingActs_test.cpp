@@ -127,6 +127,25 @@ TEST_F(PendingActs, OccurrencesThatOverlapAreEachDealtWithByThemselves) {
     EXPECT_EQ(desk.run(at(9, 44, 0, 22), 60), "");
 }
 
+TEST_F(PendingActs, RemindersOfOneOccurrenceBetweenThoseOfAnotherAreEachShown) {
+    // The day after tomorrow's rings tonight, before tomorrow's last.
+    desk.put(series("A", at(10, 0, 0, 21), "FREQ=DAILY;COUNT=3", {36 * 60, 15}));
+    desk.clock.time = at(21, 0, 0, 19);
+    EXPECT_EQ(desk.run(at(22, 0, 0, 19), 60), "A 21 10:00 (19 22:00)");
+    desk.snooze("A", 60 * 25);  // until 23:00 of the 20th
+    EXPECT_EQ(desk.run(at(22, 0), 60), "A 22 10:00 (20 22:00)");
+    desk.dismiss("A", DismissMode::All);
+    EXPECT_EQ(desk.run(at(23, 0), 60), "A 21 10:00 (20 23:00)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "A 21 10:00 (21 09:45)");
+    desk.run(at(22, 0, 0, 21), 60);  // it stands in the list while the third's falls due
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(22, 1, 0, 21), 60), "A 23 10:00 (21 22:00)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(9, 44, 0, 23), 60), "") << "all of the second was dismissed";
+    EXPECT_EQ(desk.run(at(12, 0, 0, 23), 60), "A 23 10:00 (23 09:45)");
+}
+
 TEST_F(PendingActs, AListedEventCountsAsDueAgain) {
     desk.put(single("A", at(10, 0), {30, 15}));
     desk.run(at(9, 31));

@@ -118,6 +118,30 @@ TEST_F(PendingClock, ASingleEventWithAZoneIsTheSameInAnotherZone) {
     EXPECT_EQ(desk.check(at(9, 51)), "");
 }
 
+// A row holds local times, and does not say of which place.
+TEST_F(PendingClock, ARowThatTheHostHasNotWrittenAnewMeansItsTimesHere) {
+    const auto snoozed = single("B", at(16, 0), {20});
+    snoozed->JSON = R"({"start":{"timeZone":"America/New_York"}})";
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(series("A", at(16, 0), "FREQ=DAILY;COUNT=1", {15}, "America/New_York"));
+        desk.put(snoozed);
+        desk.clock.time = at(15, 30);
+        EXPECT_EQ(desk.run(at(15, 45), 60), "B 20 16:00 (20 15:40), A 20 16:00 (20 15:45)");
+        desk.dismiss("A");
+        desk.snooze("B", 60);  // until 16:45, there 10:45
+    }
+    const test::ZoneForTest there("America/New_York");
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    EXPECT_EQ(desk.run(at(10, 45)), "B 20 16:00 (20 10:45)") << "a snooze is a moment";
+    desk.start();
+    EXPECT_EQ(desk.check(at(10, 46)), "B 20 16:00 (20 10:45)");
+    desk.dismiss("B");
+    EXPECT_EQ(desk.run(at(15, 44), 60), "B 20 16:00 (20 15:40)");
+    EXPECT_EQ(desk.run(at(15, 45)), "A 20 16:00 (20 15:45)")
+        << "it is six hours later than what was dismissed";
+}
+
 TEST_F(PendingClock, AnHourThatComesTwiceElsewhereSilencesNothing) {
     const test::ZoneForTest berlin("Europe/Berlin");
     const auto on = [](int hour, int minute) {

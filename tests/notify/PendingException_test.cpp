@@ -53,6 +53,17 @@ TEST_F(PendingException, AnExceptionBroughtForwardAndFinishedDoesNotLetTheOldTim
     EXPECT_EQ(desk.run(at(12, 0, 0, 27), 60), "");
 }
 
+TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesTakesTheOccurrenceThatFallsDueWithIt) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", DateTime(), at(10, 0)));
+    EXPECT_EQ(desk.run(at(9, 45)), "X 20 10:00 (20 09:45)");
+    desk.dismiss("X");
+    EXPECT_EQ(desk.run(at(9, 44, 0, 21), 60), "") << "nor does the series ring in its place";
+    desk.start();
+    EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "M 21 10:00 (21 09:45)");
+}
+
 TEST_F(PendingException, ADeletedExceptionHasNoOccurrenceAndReplacesItsStart) {
     const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
     const auto gone = exceptionTo(*master, "X", at(10, 0, 0, 21), at(10, 0, 0, 21));
@@ -85,7 +96,8 @@ TEST_F(PendingException, ASnoozeEndsWhenItsOccurrenceIsTakenAway) {
     }
 }
 
-TEST_F(PendingException, NothingIsLeftOfASnoozedOccurrenceThatIsTakenAwayAfterALaterOneWasDismissed) {
+TEST_F(PendingException,
+       NothingIsLeftOfASnoozedOccurrenceThatIsTakenAwayAfterALaterOneWasDismissed) {
     desk.put(series("A", at(10, 0), "FREQ=DAILY;COUNT=2", {15, -4320}));
     desk.run(at(9, 45));
     desk.snooze("A", 60 * 24 + 5);

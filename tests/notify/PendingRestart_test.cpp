@@ -71,6 +71,28 @@ TEST_F(PendingRestart, WithoutItsLedgerTheProgramGoesByTheRows) {
     EXPECT_EQ(desk.run(at(10, 15)), "B 20 10:00 (20 10:15)");
 }
 
+TEST_F(PendingRestart, WhatWasDealtWithStaysSoWhileItsRowIsAway) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.put(series("B", at(10, 0), "FREQ=DAILY", {15}));
+    desk.run(at(9, 45));
+    desk.rowsAreWritten = false;  // the ledger alone knows
+    desk.dismiss("A");
+    desk.snooze("B", 30);
+    const auto rows = desk.rows;
+    desk.remove("A");
+    desk.remove("B");
+    for (int i = 0; i < 3; ++i) {
+        desk.start();
+        EXPECT_EQ(desk.check(at(9, 46 + i)), "");
+    }
+    for (const auto& [GUID, row] : rows) {
+        row->Modified = at(9, 49);  // the host has written them anew
+        desk.put(row);
+    }
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    EXPECT_EQ(desk.run(at(10, 30)), "B 20 10:00 (20 10:15)");
+}
+
 TEST_F(PendingRestart, WithoutAPlaceForItTheLedgerLivesInMemory) {
     desk.ledgerPath = (desk.folder / "no" / "folder").string();
     desk.put(single("A", at(10, 0), {30, 15}));

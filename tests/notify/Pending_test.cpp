@@ -31,6 +31,20 @@ TEST_F(Pending, EachReminderIsTakenOnce) {
     EXPECT_EQ(desk.check(at(8, 0, 0, 21)), "") << "nor on the next day";
 }
 
+TEST_F(Pending, WhatIsTakenSaysHowLongBeforeTheStartAndWhatComesNext) {
+    desk.put(single("A", at(10, 0), {30, 15}));
+    desk.run(at(9, 30));
+    const auto row = [this] { return desk.listed.at("A").event; };
+    EXPECT_EQ(row()->iRemMinutes, 30);
+    EXPECT_EQ(row()->iRemMinutesNext, 15);
+    EXPECT_EQ(row()->dLastReminder, at(9, 30));
+    desk.snooze("A", 40);
+    desk.run(at(10, 10));
+    EXPECT_EQ(row()->iRemMinutes, -10);
+    EXPECT_EQ(row()->iRemMinutesNext, -100000) << "it was snoozed";
+    EXPECT_EQ(row()->dLastReminder, at(10, 10));
+}
+
 TEST_F(Pending, TheFirstCheckOfARunShowsWhatFellDueWhileTheProgramWasOff) {
     struct Case {
         const char* what;

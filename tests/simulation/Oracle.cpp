@@ -61,6 +61,11 @@ void Oracle::travelled(Zone here) {
 
 void Oracle::keptAsWritten(Zone there) {
     for (auto& [GUID, event] : events_) {
+        for (auto& [key, mark] : event.marks) {
+            mark.wasTaken = mark.wasTaken || isReplaced(event, key, false);
+        }
+    }
+    for (auto& [GUID, event] : events_) {
         if (event.goneIsKnown) {
             continue;  // what it replaced was noted there
         }
@@ -70,10 +75,9 @@ void Oracle::keptAsWritten(Zone there) {
                 one = one.asWrittenIn(there, here_);
             }
         }
-        // Its row stands in the list for what it is now, and hides what fell due since.
+        event.openSince = event.listedSince;
+        // A single event's row stands in the list for what it is now.
         for (const auto& [key, minutes] : event.open) {
-            const Seconds due = toUtc(there, event.plan.toLocal(key, there) - minutes * kMinute);
-            event.openSince = event.openSince == kNone ? due : std::min(event.openSince, due);
             if (!event.plan.isSeries()) {
                 event.may.insert({event.plan.start, minutes});
             }
@@ -224,8 +228,8 @@ void Oracle::forEachReminder(const Event& event, const Plan& plan, Scope scope, 
 
 void Oracle::gatherMay(Event& event, const Plan& plan, const Check& check) const {
     Seconds from = mayAskFrom(check.now);
-    if (event.openSince != kNone) {
-        from = std::min(from, toWall(here_, event.openSince));
+    if (event.openSince) {
+        from = std::min(from, earlierOf(*event.openSince));
     }
     forEachReminder(event, plan, {from, check.upTo}, true,
                     [&](const Occurrence& one, int minutes, Seconds) {
@@ -390,7 +394,7 @@ const Oracle::Reminder* Oracle::firstDue(const Event& event, Seconds upTo) const
 bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
     return std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
         const auto& [key, mark] = entry;
-        return mark.snoozed != kNone && toWall(here_, mark.snoozed) <= upTo &&
+        return mark.snoozed != kNone && !mark.wasTaken && toWall(here_, mark.snoozed) <= upTo &&
                (!event.plan.isSeries() ||
                 (!isReplaced(event, key, false) && !event.plan.excluded.contains(key)));
     });

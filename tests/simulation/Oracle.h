@@ -49,7 +49,8 @@ public:
     /// nobody but the host could tell of which place: it means the same times of the clock here,
     /// and so the event is at another moment, as if the host had moved it. What is known of an
     /// occurrence goes by the clock of the event's own zone, so of such a one it is known no more;
-    /// but a snooze stays. Nothing is newly met: the host has said nothing.
+    /// but a snooze stays. Nothing is newly met: the host has said nothing. What has fallen due
+    /// since it was listed may be shown at its new time, although it was at another then.
     void keptAsWritten(Zone there);
 
     // The program. What it is asked about a check is said after it.
@@ -73,27 +74,34 @@ private:
         Seconds handled = kNone;
         Seconds handledLast = kNone;
         Seconds snoozed = kNone;  // in UTC
+        bool wasTaken = false;    // by an exception that now is at another moment
         bool silentThroughStart = false;
         bool silent = false;
         bool ended = false;
+    };
+    /// A local time, and the moment that it was.
+    struct Moment {
+        Seconds local;
+        Seconds utc;
     };
     /// Key of the occurrence, minutes before its start.
     using Reminder = std::pair<Seconds, int>;
     struct Event {
         std::string id;
-        Plan plan;                     // as the host has it
-        std::vector<Plan> held;        // what the program may know: none of it, or one of these
-        std::vector<Plan> between;     // what it was meanwhile, before it was sure
-        bool isSure = false;           // it holds `plan`, and has held it since an earlier check
-        bool hasTravelled = false;     // its row has other local times, which is no matter
-        Seconds openSince = kNone;     // UTC: see `keptAsWritten`
-        bool isKnown = false;          // it has been sure at some time
-        bool gone = false;             // by the host's will
-        bool goneIsKnown = false;      // the program must know it
-        bool isDone = false;           // all of it
-        bool mayBeDone = false;        // or not, as the host has written it in the same moment
-        std::optional<Seconds> stamp;  // written with this time, and not surely met since
-        std::optional<Seconds> metAt;  // in or before the check then
+        Plan plan;                  // as the host has it
+        std::vector<Plan> held;     // what the program may know: none of it, or one of these
+        std::vector<Plan> between;  // what it was meanwhile, before it was sure
+        bool isSure = false;        // it holds `plan`, and has held it since an earlier check
+        bool hasTravelled = false;  // its row has other local times, which is no matter
+        std::optional<Moment> listedSince;  // when it was first listed, asked from
+        std::optional<Moment> openSince;    // the same, once it is at another moment
+        bool isKnown = false;               // it has been sure at some time
+        bool gone = false;                  // by the host's will
+        bool goneIsKnown = false;           // the program must know it
+        bool isDone = false;                // all of it
+        bool mayBeDone = false;             // or not, as the host has written it in the same moment
+        std::optional<Seconds> stamp;       // written with this time, and not surely met since
+        std::optional<Seconds> metAt;       // in or before the check then
         Seconds metBelow = kNone;  // UTC: a snooze that an act has ended silenced what is earlier
         std::map<Seconds, Mark> marks;
         Seconds endedBefore = kNone;  // keys before it are ended, but for those in
@@ -114,11 +122,6 @@ private:
                 visit(plan);
             }
         }
-    };
-    /// A local time, and the moment that it was.
-    struct Moment {
-        Seconds local;
-        Seconds utc;
     };
 
     struct Scope {

@@ -32,6 +32,9 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
     const Seconds key = keyAt(event, row.start);
     const auto minutes = static_cast<int>((row.start - row.reminder) / kMinute);
     event.open[key] = minutes;
+    if (!event.listedSince) {
+        event.listedSince = momentOf(std::min(mayAskFrom(check.now), row.reminder));
+    }
     if (isLeft(event, event.plan, {key, minutes}, false)) {
         event.must.insert({key, minutes});
     }
