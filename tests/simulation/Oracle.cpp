@@ -329,6 +329,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     }
     Mark& mark = event.marks[key];
     mark.snoozed = act == Act::Snooze ? toUtc(here_, until) : kNone;
+    mark.wasTaken = false;
     const Seconds own = event.plan.toMoment(now, here_);
     const bool early = mark.handledLast > own && mark.handledLast <= own + kMinute;
     mark.handledLast = early ? std::max(mark.handledLast, handled) : handled;
