@@ -78,7 +78,7 @@ struct EventState {
     /// It counts as newly met until it is listed: what came before its user reactivated it is
     /// asked for again, also by the next run.
     bool newlyMet = false;
-    RowWord word;    ///< what the row said before the first act took the word from it
+    RowWord word;  ///< what the row said before the first act took the word from it
     std::map<std::string, ColumnNote, std::less<>> row;
     /// The user has deleted the item, and the host's file could not be written yet.
     bool deleting = false;
