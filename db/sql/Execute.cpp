@@ -6,6 +6,7 @@
 #include "FileTable.h"
 #include "Lexer.h"
 #include "Parser.h"
+#include "RowSpool.h"
 #include "SelectRows.h"
 #include "Sql.h"
 #include "base/Text.h"
@@ -51,13 +52,20 @@ public:
         if (take_ == nullptr) {
             return rowsOf(statement);
         }
-        // What was given cannot be taken back and read again.
-        const jet::ReadGuard guard(db_);
-        Result result = select(statement, open(db_, statement.table), parameters_, take_);
-        if (guard.disturbed()) {
-            throw Error(ErrNo::Locked,
-                        db_.name() + ": was written by another program while it was read");
+        // Nobody may have to wait until somebody has looked at the rows.
+        RowSpool spool;
+        const RowTaker keep = [&](const std::vector<Field>&, const std::vector<Variant>& row) {
+            spool.add(row);
+        };
+        Result result = jet::readWhole(db_, [&] {
+            spool.clear();
+            return select(statement, open(db_, statement.table), parameters_, &keep);
+        });
+        spool.forEach([&](const std::vector<Variant>& row) { (*take_)(result.fields, row); });
+        for (const std::vector<Variant>& row : result.rows) {
+            (*take_)(result.fields, row);
         }
+        result.rows.clear();
         return result;
     }
 

@@ -302,15 +302,8 @@ Result select(Select& statement, const StoredTable& table, std::span<const Param
     scope.bind(statement.where.get());
     const bool aggregates =
         std::any_of(statement.items.begin(), statement.items.end(), isAggregate);
-    Result result = aggregates ? selectAggregates(statement, table, scope)
-                               : selectColumns(statement, table, scope, take);
-    if (take) {
-        for (const Row& row : result.rows) {
-            (*take)(result.fields, row);
-        }
-        result.rows.clear();
-    }
-    return result;
+    return aggregates ? selectAggregates(statement, table, scope)
+                      : selectColumns(statement, table, scope, take);
 }
 
 }  // namespace vl::sql

@@ -6,8 +6,8 @@
 namespace vl::sql {
 
 /// Binds `statement` to the table and reads its rows to their end (or to the TOP row where no order
-/// is asked for). With `take` the rows go there and not into the result, one by one where no order
-/// is asked for. Throws as `execute`.
+/// is asked for). With `take` rows go there one by one, and not into the result, where they need
+/// not be known all before the first can be given. Throws as `execute`.
 Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters,
               const RowTaker* take = nullptr);
 

@@ -76,10 +76,11 @@ Result execute(jet::Database& db, std::string_view statement,
 using RowTaker =
     std::function<void(const std::vector<Field>& fields, const std::vector<Variant>& row)>;
 
-/// The same, but the rows of a query go to `take` as they are found and are not kept: one is in
-/// memory at a time, except with ORDER BY, which has to know them all, and DISTINCT, which has to
-/// know those it gave. Throws `ErrNo::Locked` behind the last row when another engine wrote
-/// meanwhile, so that the rows may not belong together; what `take` throws ends the statement.
+/// The same, but the rows of a query go to `take` and are not in the result. They are those of one
+/// state of the file, found as a whole before the first is given; while `take` looks at them others
+/// may write. Beyond a few MiB they wait in a temporary file, except with ORDER BY, which keeps
+/// them in memory, as DISTINCT keeps what it tells rows apart by. Throws `ErrNo::Io` also for that
+/// file; what `take` throws ends the statement.
 Result execute(jet::Database& db, std::string_view statement, const RowTaker& take,
                std::span<const Parameter> parameters = {});
 
