@@ -1,5 +1,7 @@
 #include "Evaluate.h"
 
+#include <algorithm>
+
 #include "Like.h"
 #include "Value.h"
 
@@ -133,6 +135,12 @@ Variant evaluate(const Expr& expr, const RowSource& row) {
 
 Variant exactValue(const Expr& expr, const RowSource& row) {
     return expr.op == Op::Column ? row.value(expr.ordinal) : evaluate(expr, row);
+}
+
+bool hasColumns(const Expr& expr) {
+    return expr.op == Op::Column ||
+           std::any_of(expr.operands.begin(), expr.operands.end(),
+                       [](const ExprPtr& operand) { return hasColumns(*operand); });
 }
 
 bool keeps(const Expr* where, const RowSource& row) {

@@ -14,6 +14,9 @@ Variant evaluate(const Expr& expr, const RowSource& row);
 /// As `evaluate`, but what a money or numeric column holds stays the exact decimal text.
 Variant exactValue(const Expr& expr, const RowSource& row);
 
+/// Whether its value can differ from row to row; `expr` is bound.
+bool hasColumns(const Expr& expr);
+
 /// Whether WHERE keeps the current row: unknown is not kept. A null `where` keeps every row.
 bool keeps(const Expr* where, const RowSource& row);
 

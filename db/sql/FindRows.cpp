@@ -21,12 +21,6 @@ struct Limits {
     std::optional<Variant> high;
 };
 
-bool hasColumns(const Expr& expr) {
-    return expr.op == Op::Column ||
-           std::any_of(expr.operands.begin(), expr.operands.end(),
-                       [](const ExprPtr& operand) { return hasColumns(*operand); });
-}
-
 // The value of an expression that is the same for all rows and not null.
 std::optional<Variant> constantOf(const Expr& expr) {
     if (hasColumns(expr)) {
@@ -169,6 +163,22 @@ std::size_t placeOf(const std::string& column, const TableShape& shape) {
 
 bool isExact(const Bounds& bounds) { return bounds.low == bounds.high; }
 
+// Then the rows themselves may well be read; a search goes on without the index. Damage is told: a
+// check of the file says more.
+bool isOfTheIndex(const Error& error) {
+    switch (error.number()) {
+        case ErrNo::Corrupt:
+            trace(std::string("an index that is damaged is passed over: ") + error.what());
+            return true;
+        case ErrNo::TypeMismatch:
+        case ErrNo::Overflow:
+        case ErrNo::Unsupported:
+            return true;  // no such key can be made
+        default:
+            return false;
+    }
+}
+
 // What one index can do for the condition: `score` tells how much of it.
 struct Plan {
     std::vector<IndexRange> ranges;
@@ -285,7 +295,10 @@ std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where)
             const std::vector<jet::RowId> part = table.find(range);
             found.insert(found.end(), part.begin(), part.end());
         }
-    } catch (const Error&) {
+    } catch (const Error& e) {
+        if (!isOfTheIndex(e)) {
+            throw;
+        }
         return table.scan();
     }
     std::sort(found.begin(), found.end(), [](const jet::RowId& a, const jet::RowId& b) {

@@ -13,7 +13,9 @@ namespace vl::sql {
 std::optional<std::vector<IndexRange>> planRanges(const Expr* where, const TableShape& shape);
 
 /// All rows for which `where` can be true, and perhaps others, in the order of a scan. Goes by an
-/// index where one helps; one that cannot be read is passed over.
+/// index where one helps. One whose pages contradict themselves is passed over, which the trace
+/// tells: the rows are then those of a scan. That an otherwise sound index lacks entries is not
+/// found out here, but by a check of the file. Throws `Error` where the system refuses.
 std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where);
 
 }  // namespace vl::sql

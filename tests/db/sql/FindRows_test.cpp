@@ -133,6 +133,57 @@ TEST(SqlPlan, ListsMayGiveNoRangeAtAllOrTooMany) {
     EXPECT_EQ(planOf(many + ")"), "scan");
 }
 
+// A table of one row whose index fails.
+class BadIndex final : public StoredTable {
+public:
+    explicit BadIndex(ErrNo number) : number_(number) {}
+
+    const TableShape& shape() const override { return shape_; }
+    std::unique_ptr<RowSource> scan() const override {
+        return std::make_unique<test::MemoryRows>(rows_, std::vector<jet::RowId>{{0, 0}});
+    }
+    std::unique_ptr<RowSource> rows(std::vector<jet::RowId> ids) const override {
+        return std::make_unique<test::MemoryRows>(rows_, std::move(ids));
+    }
+    std::vector<jet::RowId> find(const IndexRange&) const override {
+        throw Error(number_, "page 7: is bad");
+    }
+    void insert(const Changes&) override { FAIL(); }
+    void update(jet::RowId, const Changes&) override { FAIL(); }
+    void remove(jet::RowId) override { FAIL(); }
+
+private:
+    ErrNo number_;
+    TableShape shape_ = indexed();
+    test::Rows rows_{test::Row{5, "b", Null{}, Null{}, Null{}, Null{}, Null{}}};
+};
+
+TEST(SqlFindRows, ADamagedIndexIsPassedOverAndTheTraceTellsIt) {
+    const vl::test::TempFolder folder;
+    const std::string trace = (folder / "trace").string();
+    Statement parsed = parse("SELECT * FROM T WHERE a = 5");
+    auto& select = std::get<Select>(parsed);
+    const auto find = [&](ErrNo number) {
+        const BadIndex table(number);
+        Scope(table.shape(), select.table, {}).bind(select.where.get());
+        const auto rows = findRows(table, select.where.get());
+        return rows->next() && !rows->next();
+    };
+    openTrace(trace);
+    EXPECT_TRUE(find(ErrNo::Unsupported));  // no key of that kind: nothing is wrong
+    openTrace("");
+    EXPECT_EQ(vl::test::readFile(trace), "");
+    openTrace(trace);
+    EXPECT_TRUE(find(ErrNo::Corrupt));
+    openTrace("");
+    EXPECT_THAT(vl::test::readFile(trace),
+                testing::HasSubstr("an index that is damaged is passed over: page 7: is bad"));
+    // These would not spare the rows either.
+    for (const ErrNo number : {ErrNo::Io, ErrNo::Locked, ErrNo::NotFound}) {
+        EXPECT_EQ(test::caught([&] { find(number); }).number, number);
+    }
+}
+
 // Conditions on the indexed columns of a table, with values from its rows and from near them.
 class Conditions {
 public:
