@@ -36,6 +36,9 @@ enum class Op : std::uint8_t {
     Subtract,
     Multiply,
     Divide,
+    IntegerDivide,
+    Modulo,
+    Power,
     Negate,
 };
 
@@ -73,7 +76,8 @@ struct SelectItem {
     std::string alias;  ///< the name behind AS, or empty
 };
 
-/// A whole number as `value` is a place in the SELECT list, from 1.
+/// A whole number as `value` is a place in the SELECT list, from 1; a name that is none of the
+/// table's is one of the list.
 struct OrderItem {
     ExprPtr value;
     bool descending = false;
@@ -90,6 +94,7 @@ struct TableRef {
 struct Select {
     bool distinct = false;
     std::optional<std::int32_t> top;
+    bool percent = false;  ///< `top` is of a hundred
     std::vector<SelectItem> items;
     TableRef table;
     ExprPtr where;  ///< null: every row

@@ -126,6 +126,12 @@ Variant evaluate(const Expr& expr, const RowSource& row) {
             return arithmetic(Arithmetic::Multiply, expr, row);
         case Op::Divide:
             return arithmetic(Arithmetic::Divide, expr, row);
+        case Op::IntegerDivide:
+            return arithmetic(Arithmetic::IntegerDivide, expr, row);
+        case Op::Modulo:
+            return arithmetic(Arithmetic::Modulo, expr, row);
+        case Op::Power:
+            return arithmetic(Arithmetic::Power, expr, row);
         case Op::Negate:
             return negate(evaluate(*expr.operands[0], row), expr.at);
         default:

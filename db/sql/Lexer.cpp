@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 
+#include "DateLiteral.h"
 #include "base/Text.h"
 
 namespace vl::sql {
@@ -18,6 +19,19 @@ constexpr bool startsName(char c) noexcept {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
+// Its value, or -1.
+constexpr int hexDigit(char c) noexcept {
+    return isDigit(c)             ? c - '0'
+           : c >= 'a' && c <= 'f' ? c - 'a' + 10
+           : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                  : -1;
+}
+
+std::string hexText(unsigned char byte) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    return {'0', 'x', kDigits[byte >> 4U], kDigits[byte & 15U]};
+}
+
 constexpr bool isSpace(char c) noexcept {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v';
 }
@@ -27,6 +41,7 @@ public:
     explicit Lexer(std::string_view text) : text_(text) {}
 
     std::vector<Token> run() {
+        requireCharacters();
         while (skipSpace()) {
             tokens_.push_back(next());
         }
@@ -35,6 +50,21 @@ public:
     }
 
 private:
+    // What is no text would be stored as another one.
+    void requireCharacters() {
+        for (; !atEnd(); advance()) {
+            std::size_t next = index_;
+            const char32_t c = text::nextCharacter(text_, next);
+            if (next == index_ + 1 && c >= 0x80) {
+                fail(ErrNo::Syntax, at_,
+                     "expected a text in UTF-8, found the byte " +
+                         hexText(static_cast<unsigned char>(peek())));
+            }
+        }
+        index_ = 0;
+        at_ = {};
+    }
+
     char peek(std::size_t ahead = 0) const noexcept {
         return index_ + ahead < text_.size() ? text_[index_ + ahead] : '\0';
     }
@@ -71,6 +101,9 @@ private:
         const char c = peek();
         if (startsName(c) || (c == '@' && startsName(peek(1)))) {
             return name();
+        }
+        if (c == '0' && (peek(1) == 'x' || peek(1) == 'X')) {
+            return bytes();
         }
         if (startsNumber()) {
             return number();
@@ -145,12 +178,13 @@ private:
         const std::string inner =
             upTo('#', token.at, "expected \"#\" behind the date that begins here");
         token.text = '#' + inner + '#';
-        try {
-            token.literal = parseDateTime(text::trimBlanks(inner));
-        } catch (const Error&) {
+        const auto value = dateLiteral(inner);
+        if (!value) {
             fail(ErrNo::Syntax, token.at,
-                 "expected a date as #2026-11-15# or #2026-11-15 14:30:00#, found " + token.text);
+                 "expected a date as #2026-11-15#, #11/15/2026# or #2026-11-15 14:30:00#, found " +
+                     token.text);
         }
+        token.literal = *value;
         return token;
     }
 
@@ -158,6 +192,25 @@ private:
         while (isDigit(peek())) {
             advance();
         }
+    }
+
+    Token bytes() {
+        Token token{TokenKind::Bytes, at_, {}, {}};
+        const std::size_t start = index_;
+        advance();
+        advance();
+        Bytes value;
+        while (hexDigit(peek()) >= 0 && hexDigit(peek(1)) >= 0) {
+            value.push_back(static_cast<std::byte>(hexDigit(peek()) * 16 + hexDigit(peek(1))));
+            advance();
+            advance();
+        }
+        if (!atEnd() && continuesName(peek())) {
+            fail(ErrNo::Syntax, token.at, "expected bytes as 0x0A1B, two digits each");
+        }
+        token.text = text_.substr(start, index_ - start);
+        token.literal = std::move(value);
+        return token;
     }
 
     Token number() {
@@ -197,7 +250,7 @@ private:
         if (std::find(kDouble.begin(), kDouble.end(), two) != kDouble.end()) {
             token.text = two;
             advance();
-        } else if (std::string_view("=<>+-*/&(),.;?").find(peek()) != std::string_view::npos) {
+        } else if (std::string_view("=<>+-*/\\^&(),.;?").find(peek()) != std::string_view::npos) {
             token.text = peek();
         } else {
             const auto code = static_cast<unsigned char>(peek());

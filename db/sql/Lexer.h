@@ -27,7 +27,8 @@ enum class TokenKind {
     Bracketed,  ///< [a name], which is never a keyword
     Text,       ///< "text" or 'text'; `literal` without quotes, doubled ones halved
     Number,     ///< `literal` is an int32, or a double when it has a fraction or does not fit
-    Date,       ///< #2026-11-15 14:30:00#; `literal` is the date-time
+    Date,       ///< #2026-11-15 14:30:00#, see `dateLiteral`; `literal` is the date-time
+    Bytes,      ///< 0x0A1B, two digits a byte
     Symbol,
     End,
 };
@@ -46,7 +47,8 @@ struct Token {
 };
 
 /// All tokens, the last of kind `End`. One pass over the text. Throws `Error` (`ErrNo::Syntax`)
-/// where a character begins no token or a literal is not closed or not what its signs promise.
+/// where a character begins no token or a literal is not closed or not what its signs promise, and
+/// for bytes that are no UTF-8.
 std::vector<Token> tokenize(std::string_view statement);
 
 }  // namespace vl::sql

@@ -1,4 +1,5 @@
-// Operator precedence, weakest first: OR, AND, NOT, comparisons, &, + -, * /, unary minus.
+// Operator precedence, weakest first: OR, AND, NOT, comparisons, &, + -, MOD, integer division,
+// * /, unary minus, ^.
 #include <algorithm>
 #include <array>
 
@@ -14,8 +15,11 @@ constexpr int kNot = 3;
 constexpr int kComparison = 4;
 constexpr int kConcatenate = 5;
 constexpr int kAdditive = 6;
-constexpr int kMultiplicative = 7;
-constexpr int kSign = 8;
+constexpr int kModulo = 7;
+constexpr int kIntegerDivision = 8;
+constexpr int kMultiplicative = 9;
+constexpr int kSign = 10;
+constexpr int kPower = 11;
 
 struct Operator {
     std::string_view text;
@@ -23,7 +27,7 @@ struct Operator {
     int level;
 };
 
-constexpr std::array<Operator, 13> kOperators = {{
+constexpr std::array<Operator, 16> kOperators = {{
     {"OR", Op::Or, kOr},
     {"AND", Op::And, kAnd},
     {"=", Op::Equal, kComparison},
@@ -37,6 +41,9 @@ constexpr std::array<Operator, 13> kOperators = {{
     {"-", Op::Subtract, kAdditive},
     {"*", Op::Multiply, kMultiplicative},
     {"/", Op::Divide, kMultiplicative},
+    {"\\", Op::IntegerDivide, kIntegerDivision},
+    {"MOD", Op::Modulo, kModulo},
+    {"^", Op::Power, kPower},
 }};
 
 const Operator* operatorAt(const Token& token) noexcept {
@@ -149,7 +156,7 @@ private:
             return inner;
         }
         if (token.kind == TokenKind::Text || token.kind == TokenKind::Number ||
-            token.kind == TokenKind::Date) {
+            token.kind == TokenKind::Date || token.kind == TokenKind::Bytes) {
             return literal(tokens_.take().literal, at);
         }
         if (tokens_.takeSymbol("?")) {

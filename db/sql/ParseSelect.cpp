@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "ParseParts.h"
@@ -6,14 +7,61 @@ namespace vl::sql {
 
 namespace {
 
-std::int32_t top(TokenStream& tokens) {
+// Words that begin no item of the list.
+bool endsItem(const Token& token) {
+    static constexpr std::array<const char*, 4> kWords = {"FROM", "WHERE", "AS", "ORDER"};
+    return token.kind == TokenKind::End || token.isSymbol(",") ||
+           std::any_of(kWords.begin(), kWords.end(),
+                       [&](const char* word) { return token.isWord(word); });
+}
+
+// A column may be called as one of these words is: then something else follows it.
+bool isModifier(const TokenStream& tokens, std::string_view word) {
+    const Token& next = tokens.following();
+    return tokens.current().isWord(word) && !endsItem(next) && !next.isSymbol(".");
+}
+
+void allRows(TokenStream& tokens) {
+    // With one table no row comes twice because of another.
+    if (isModifier(tokens, "ALL") || isModifier(tokens, "DISTINCTROW")) {
+        tokens.take();
+    }
+}
+
+[[noreturn]] void failTop(const Token& token, const std::string& found, const char* range) {
+    fail(ErrNo::Syntax, token.at,
+         std::string("expected a whole number from 1") + range + " behind TOP, found " + found);
+}
+
+// [TOP n [PERCENT]]; a column called Top is one where no number follows.
+void top(TokenStream& tokens, Select& statement) {
+    if (!tokens.current().isWord("TOP")) {
+        return;
+    }
+    const Token& sign = tokens.following();
+    const Token& behind = tokens.following(3);
+    if (sign.isSymbol("-") && tokens.following(2).kind == TokenKind::Number && !endsItem(behind) &&
+        (behind.kind != TokenKind::Symbol || endsItem(tokens.following(4)))) {
+        failTop(sign, "-" + tokens.following(2).text, "");
+    }
+    if (sign.kind != TokenKind::Number) {
+        return;
+    }
+    tokens.take();
     const Token token = tokens.take();
     const auto* count = token.literal.get<std::int32_t>();
     if (count == nullptr || *count < 1) {
-        fail(ErrNo::Syntax, token.at,
-             "expected a whole number from 1 behind TOP, found " + token.text);
+        failTop(token, token.text, "");
     }
-    return *count;
+    statement.top = *count;
+    if (isModifier(tokens, "PERCENT")) {
+        tokens.take();
+        statement.percent = true;
+        constexpr std::int32_t kAll = 100;
+        if (*count > kAll) {
+            failTop(token, token.text, " to 100");
+        }
+    }
 }
 
 std::optional<ItemKind> aggregate(const Token& token) {
@@ -64,13 +112,7 @@ std::optional<SelectItem> all(TokenStream& tokens) {
 }
 
 void expectItem(const TokenStream& tokens) {
-    static constexpr std::array<const char*, 4> kNever = {"FROM", "WHERE", "AS", "ORDER"};
-    const Token& token = tokens.current();
-    bool never = token.kind == TokenKind::End || token.isSymbol(",");
-    for (const char* word : kNever) {
-        never = never || token.isWord(word);
-    }
-    if (never) {
+    if (endsItem(tokens.current())) {
         tokens.failExpected("a column or \"*\"");
     }
 }
@@ -122,6 +164,9 @@ void refuseMoreClauses(const TokenStream& tokens) {
             failUnsupported(token, "WHERE, ORDER BY or the end of the statement");
         }
     }
+    if (token.isWord("LIMIT")) {
+        failUnsupported(token, "TOP and the number behind SELECT");
+    }
 }
 
 }  // namespace
@@ -129,10 +174,10 @@ void refuseMoreClauses(const TokenStream& tokens) {
 Select parseSelect(TokenStream& tokens) {
     Select statement;
     statement.distinct = tokens.takeWord("DISTINCT");
-    if (tokens.current().isWord("TOP") && tokens.following().kind == TokenKind::Number) {
-        tokens.take();
-        statement.top = top(tokens);
+    if (!statement.distinct) {
+        allRows(tokens);
     }
+    top(tokens, statement);
     do {
         statement.items.push_back(selectItem(tokens));
     } while (tokens.takeSymbol(","));
@@ -143,6 +188,7 @@ Select parseSelect(TokenStream& tokens) {
     statement.where = parseWhere(tokens);
     refuseMoreClauses(tokens);
     statement.order = orderBy(tokens);
+    refuseMoreClauses(tokens);
     return statement;
 }
 

@@ -112,6 +112,8 @@ TableRef parseTable(TokenStream& tokens, Alias alias) {
     refuseMoreTables(tokens);
     if (alias != Alias::None && tokens.takeWord("AS")) {
         table.alias = tokens.expectName("a name behind AS").text;
+    } else if (tokens.current().isWord("LIMIT") && tokens.following().kind == TokenKind::Number) {
+        failUnsupported(tokens.current(), "TOP and the number behind SELECT");
     } else if (alias == Alias::Bare && tokens.atName()) {
         table.alias = tokens.take().text;
     }

@@ -68,8 +68,9 @@ ColumnType typeOfArithmetic(const Expr& expr) noexcept {
         (expr.op == Op::Subtract && a == ColumnType::Date && dates == 1)) {
         return ColumnType::Date;
     }
-    return expr.op != Op::Divide && isWhole(a) && isWhole(b) ? ColumnType::Long
-                                                             : ColumnType::Double;
+    return expr.op != Op::Divide && expr.op != Op::Power && isWhole(a) && isWhole(b)
+               ? ColumnType::Long
+               : ColumnType::Double;
 }
 
 ColumnType typeOf(const Expr& expr) noexcept {
@@ -84,8 +85,12 @@ ColumnType typeOf(const Expr& expr) noexcept {
         case Op::Subtract:
         case Op::Multiply:
         case Op::Divide:
+        case Op::Power:
         case Op::Negate:
             return typeOfArithmetic(expr);
+        case Op::IntegerDivide:
+        case Op::Modulo:
+            return ColumnType::Long;
         default:
             return ColumnType::Boolean;
     }

@@ -20,6 +20,9 @@ public:
     /// the table) when there is none of that name, or the reference names another table.
     std::size_t column(const ColumnRef& ref) const;
 
+    /// Whether there is such a column; what table it is said to be of does not count.
+    bool has(const ColumnRef& ref) const { return find(ref).has_value(); }
+
     /// Makes `expr` the column at that place of the shape.
     void bindTo(Expr& expr, std::size_t place) const;
 

@@ -6,6 +6,7 @@
 
 #include "Evaluate.h"
 #include "FindRows.h"
+#include "base/Text.h"
 
 namespace vl::sql {
 
@@ -17,6 +18,8 @@ bool isAggregate(const SelectItem& item) noexcept {
     return item.kind != ItemKind::All && item.kind != ItemKind::Value;
 }
 
+std::string madeUpName(std::size_t place) { return "Expr" + std::to_string(1000 + place); }
+
 std::string nameOf(const SelectItem& item, const TableShape& shape, std::size_t place) {
     if (!item.alias.empty()) {
         return item.alias;
@@ -24,7 +27,20 @@ std::string nameOf(const SelectItem& item, const TableShape& shape, std::size_t 
     if (item.kind == ItemKind::Value && item.value->op == Op::Column) {
         return shape.columns[item.value->ordinal].name;
     }
-    return "Expr" + std::to_string(1000 + place);
+    return madeUpName(place);
+}
+
+// A name that a column of the result has already says nothing: then the made-up one.
+std::string unusedName(std::string name, const std::vector<Field>& fields) {
+    const auto taken = [&] {
+        return std::any_of(fields.begin(), fields.end(), [&](const Field& field) {
+            return text::equalsNoCase(field.name, name);
+        });
+    };
+    for (std::size_t place = fields.size(); taken(); ++place) {
+        name = madeUpName(place);
+    }
+    return name;
 }
 
 // The columns of a result and what gives their values. Of `*` too, which stands for columns.
@@ -39,12 +55,14 @@ void addAll(Output& output, const SelectItem& item, const Scope& scope) {
     if (!columns.empty()) {  // checks the table's name
         scope.column({item.at, item.table, columns.front().name});
     }
+    const bool alone = output.fields.empty();  // a table's columns differ in their names
     for (std::size_t place = 0; place < columns.size(); ++place) {
         const jet::Column& column = columns[place];
         auto value = std::make_unique<Expr>();
         value->column = {item.at, item.table, column.name};
         scope.bindTo(*value, place);
-        output.fields.push_back({column.name, column.type, column.length});
+        output.fields.push_back({alone ? column.name : unusedName(column.name, output.fields),
+                                 column.type, column.length});
         output.values.push_back(value.get());
         output.own.push_back(std::move(value));
     }
@@ -62,7 +80,8 @@ Output outputOf(const Select& statement, const Scope& scope) {
         const std::uint16_t length =
             value.op == Op::Column ? scope.shape().columns[value.ordinal].length : std::uint16_t{0};
         output.fields.push_back(
-            {nameOf(item, scope.shape(), output.fields.size()), value.type, length});
+            {unusedName(nameOf(item, scope.shape(), output.fields.size()), output.fields),
+             value.type, length});
         output.values.push_back(item.value.get());
     }
     return output;
@@ -73,7 +92,23 @@ struct OrderBy {
     bool descending;
 };
 
-const Expr* listed(const Expr& value, const Output& output) {
+// What an alias of the list stands for; columns of the table go before it.
+const Expr* aliased(const Expr& value, const Scope& scope, const Output& output) {
+    if (value.op != Op::Column || !value.column.table.empty() || scope.has(value.column)) {
+        return nullptr;
+    }
+    for (std::size_t i = 0; i < output.fields.size(); ++i) {
+        if (text::equalsNoCase(output.fields[i].name, value.column.name)) {
+            return output.values[i];
+        }
+    }
+    return nullptr;
+}
+
+const Expr* listed(const Expr& value, const Scope& scope, const Output& output) {
+    if (const Expr* named = aliased(value, scope, output)) {
+        return named;
+    }
     const auto* number = value.op == Op::Literal ? value.literal.get<std::int32_t>() : nullptr;
     if (number == nullptr) {
         return nullptr;
@@ -103,10 +138,15 @@ void requireListed(const Expr& value, const Output& output) {
 std::vector<OrderBy> orderOf(const Select& statement, const Scope& scope, const Output& output) {
     std::vector<OrderBy> order;
     for (const OrderItem& item : statement.order) {
-        const Expr* value = listed(*item.value, output);
+        const Expr* value = listed(*item.value, scope, output);
         if (value == nullptr) {
             scope.bind(item.value.get());
             value = item.value.get();
+            if (!hasColumns(*value)) {
+                fail(ErrNo::Syntax, value->at,
+                     "expected a column or a place in the list, found what is the same for all "
+                     "rows");
+            }
         }
         if (statement.distinct) {
             requireListed(*value, output);
@@ -142,14 +182,14 @@ struct DistinctLess {
 
 // Moves the rows into the order of their keys and cuts behind TOP, but not between equal rows.
 void arrange(std::vector<Row>& rows, const std::vector<Row>& keys, const std::vector<OrderBy>& by,
-             std::optional<std::int32_t> top) {
+             std::optional<std::size_t> top) {
     std::vector<std::size_t> places(rows.size());
     std::iota(places.begin(), places.end(), std::size_t{0});
     std::stable_sort(places.begin(), places.end(), [&](std::size_t a, std::size_t b) {
         return sortsBefore(keys[a], keys[b], by);
     });
-    if (top && static_cast<std::size_t>(*top) < places.size()) {
-        auto end = static_cast<std::size_t>(*top);
+    if (top && *top < places.size()) {
+        auto end = *top;
         while (end < places.size() && !sortsBefore(keys[places[end - 1]], keys[places[end]], by)) {
             ++end;
         }
@@ -161,6 +201,16 @@ void arrange(std::vector<Row>& rows, const std::vector<Row>& keys, const std::ve
         sorted.push_back(std::move(rows[place]));
     }
     rows = std::move(sorted);
+}
+
+// So many rows TOP gives of all that were found; a part of one counts as one.
+std::optional<std::size_t> rowsOnTop(const Select& statement, std::size_t all) {
+    if (!statement.top) {
+        return std::nullopt;
+    }
+    constexpr std::size_t kPercent = 100;
+    const auto top = static_cast<std::size_t>(*statement.top);
+    return statement.percent ? (all * top + kPercent - 1) / kPercent : top;
 }
 
 Row valuesOf(const std::vector<const Expr*>& columns, const RowSource& row) {
@@ -191,7 +241,7 @@ Result selectColumns(Select& statement, const StoredTable& table, const Scope& s
     }
     std::size_t found = 0;
     const auto full = [&] {
-        return by.empty() && statement.top && found == static_cast<std::size_t>(*statement.top);
+        return by.empty() && !statement.percent && found == rowsOnTop(statement, found);
     };
     Result result;
     result.isQuery = true;
@@ -204,7 +254,7 @@ Result selectColumns(Select& statement, const StoredTable& table, const Scope& s
             continue;
         }
         ++found;
-        if (take && by.empty()) {
+        if (take && by.empty() && !statement.percent) {
             (*take)(output.fields, valuesOf(output.values, *rows));
             continue;
         }
@@ -214,7 +264,9 @@ Result selectColumns(Select& statement, const StoredTable& table, const Scope& s
         }
     }
     if (!by.empty()) {
-        arrange(result.rows, keys, by, statement.top);
+        arrange(result.rows, keys, by, rowsOnTop(statement, found));
+    } else if (statement.percent) {
+        result.rows.resize(*rowsOnTop(statement, found));
     }
     result.fields = std::move(output.fields);
     return result;
@@ -277,7 +329,8 @@ Result selectAggregates(const Select& statement, const StoredTable& table, const
         scope.bind(item.value.get());
         aggregates.emplace_back(item);
         result.fields.push_back(
-            {nameOf(item, scope.shape(), result.fields.size()), aggregates.back().type(), 0});
+            {unusedName(nameOf(item, scope.shape(), result.fields.size()), result.fields),
+             aggregates.back().type(), 0});
     }
     const auto rows = findRows(table, statement.where.get());
     while (rows->next()) {

@@ -149,7 +149,7 @@ std::optional<Variant> calculateWhole(Arithmetic op, std::int64_t a, std::int64_
         case Arithmetic::Multiply:
             result = a * b;
             break;
-        case Arithmetic::Divide:
+        default:
             return std::nullopt;
     }
     if (result < std::numeric_limits<std::int32_t>::min() ||
@@ -157,6 +157,38 @@ std::optional<Variant> calculateWhole(Arithmetic op, std::int64_t a, std::int64_
         return std::nullopt;
     }
     return static_cast<std::int32_t>(result);
+}
+
+[[noreturn]] void failDivision(Position at) { fail(ErrNo::Overflow, at, "division by zero"); }
+
+std::int64_t rounded(const Variant& value, Position at) {
+    const double number = text::roundHalfEven(numberOf(value, at, "number"));
+    if (!(number >= std::numeric_limits<std::int32_t>::min() &&
+          number <= std::numeric_limits<std::int32_t>::max())) {
+        fail(ErrNo::Overflow, at, text::fromNumber(number) + " is too large for a whole number");
+    }
+    return static_cast<std::int64_t>(number);
+}
+
+Variant divideWhole(Arithmetic op, const Variant& a, const Variant& b, Position at) {
+    const std::int64_t left = rounded(a, at);
+    const std::int64_t right = rounded(b, at);
+    if (right == 0) {
+        failDivision(at);
+    }
+    const std::int64_t result = op == Arithmetic::Modulo ? left % right : left / right;
+    if (result > std::numeric_limits<std::int32_t>::max()) {
+        fail(ErrNo::Overflow, at, "the result is too large for a whole number");
+    }
+    return static_cast<std::int32_t>(result);
+}
+
+Variant power(double base, double exponent, Position at) {
+    const double result = std::pow(base, exponent);
+    if (std::isnan(result)) {
+        fail(ErrNo::Overflow, at, "a root of a negative number is no number");
+    }
+    return checked(result, at);
 }
 
 }  // namespace
@@ -248,6 +280,9 @@ Variant calculate(Arithmetic op, const Variant& a, const Variant& b, Position at
     if (const auto dates = calculateDates(op, a, b, at)) {
         return *dates;
     }
+    if (op == Arithmetic::IntegerDivide || op == Arithmetic::Modulo) {
+        return divideWhole(op, a, b, at);
+    }
     if (isWhole(a) && isWhole(b)) {
         if (const auto result = calculateWhole(op, whole(a), whole(b))) {
             return *result;
@@ -262,11 +297,13 @@ Variant calculate(Arithmetic op, const Variant& a, const Variant& b, Position at
             return checked(left - right, at);
         case Arithmetic::Multiply:
             return checked(left * right, at);
-        case Arithmetic::Divide:
+        case Arithmetic::Power:
+            return power(left, right, at);
+        default:
             break;
     }
     if (right == 0.0) {
-        fail(ErrNo::Overflow, at, "division by zero");
+        failDivision(at);
     }
     return checked(left / right, at);
 }

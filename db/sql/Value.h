@@ -48,11 +48,20 @@ std::string textOf(const Variant& value, Position at);
 /// `a` and `b` may be null; two nulls give null, one counts as the empty text.
 Variant concatenate(const Variant& a, const Variant& b, Position at);
 
-enum class Arithmetic : char { Add = '+', Subtract = '-', Multiply = '*', Divide = '/' };
+enum class Arithmetic : char {
+    Add = '+',
+    Subtract = '-',
+    Multiply = '*',
+    Divide = '/',
+    IntegerDivide = '\\',
+    Modulo = '%',
+    Power = '^'
+};
 
 /// Whole numbers stay whole (except in a division) while they fit into 32 bits. Two texts are
 /// joined by `Add`; a text beside a number is read as one. A date plus or minus days is a date, a
-/// date minus a date a number of days.
+/// date minus a date a number of days. Integer division and remainder round both sides first
+/// (halves to even) and give whole numbers; the remainder has the sign of the left side.
 /// Throws `Error`: `ErrNo::TypeMismatch`, or `ErrNo::Overflow` for a division by zero and results
 /// that no double or date can hold.
 Variant calculate(Arithmetic op, const Variant& a, const Variant& b, Position at);

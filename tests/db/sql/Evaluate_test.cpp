@@ -63,6 +63,56 @@ void expectValues(std::initializer_list<Case> cases) {
     }
 }
 
+TEST(SqlArithmetic, DividesWholeNumbersAndRaisesThem) {
+    expectValues({{"7 \\ 2", 3},
+                  {"-7 \\ 2", -3},
+                  {"7 MOD 3", 1},
+                  {"-7 MOD 3", -1},
+                  {"7 mod -3", 1},
+                  {"7.5 \\ 2.5", 4},  // 8 and 2: halves go to the even neighbour
+                  {"6.5 MOD 4", 2},
+                  {"n \\ \"2\"", 3},
+                  {"-2147483648 MOD -1", 0},
+                  {"True \\ 1", -1},
+                  {"2 ^ 10", 1024.0},
+                  {"2 ^ -1", 0.5},
+                  {"-2 ^ 2", -4.0},
+                  {"(-2) ^ 2", 4.0},
+                  {"2 ^ 3 ^ 2", 64.0},
+                  {"4 ^ 0.5", 2.0},
+                  {"nothing ^ 2", Null{}},
+                  {"7 MOD nothing", Null{}},
+                  {"nothing \\ 0", Null{}}});
+}
+
+TEST(SqlArithmetic, BindsAsTheDialectSays) {
+    expectValues({{"2 * 3 ^ 2", 18.0},
+                  {"12 \\ 2 * 3", 2},    // 12 \ 6
+                  {"13 MOD 7 \\ 2", 1},  // 13 MOD 3
+                  {"1 + 7 MOD 4", 4},
+                  {"10 - 2 MOD 2 & \"\"", "10"},
+                  {"7 MOD 4 = 3", true}});
+}
+
+TEST(SqlArithmetic, RefusesWhatHasNoResult) {
+    for (const char* expression : {"1 \\ 0", "1 MOD 0", "1 MOD 0.4", "3e9 \\ 1", "1 MOD 3e9",
+                                   "-2147483648 \\ -1", "10 ^ 400", "(-8) ^ 0.5", "0 ^ -1"}) {
+        SCOPED_TRACE(expression);
+        const auto error = caught([&] { valueOf(expression); });
+        EXPECT_EQ(error.number, ErrNo::Overflow);
+        EXPECT_THAT(error.text, testing::StartsWith("line 1, column "));
+    }
+    EXPECT_EQ(caught([] { valueOf("t MOD 2"); }).number, ErrNo::TypeMismatch);
+    EXPECT_EQ(caught([] { valueOf("raw ^ 2"); }).number, ErrNo::TypeMismatch);
+}
+
+TEST(SqlComparison, BytesCompareWithBytes) {
+    expectValues({{"raw = 0x0102", true},
+                  {"raw < 0x0103", true},
+                  {"raw > 0x01", true},
+                  {"raw IN (0x, 0x0102)", true}});
+}
+
 TEST(SqlComparison, ComparesNumbersAndYesNoWithEachOther) {
     expectValues({{"flag = True", true},
                   {"flag = -1", true},

@@ -12,8 +12,8 @@ using test::caught;
 // An expression with all its brackets, to see what binds how.
 std::string shown(const Expr& e) {
     static constexpr const char* kNames[] = {
-        "",   "",        "?",    "AND", "OR",      "NOT", "=", "<>", "<", "<=", ">",
-        ">=", "IS NULL", "LIKE", "IN",  "BETWEEN", "&",   "+", "-",  "*", "/",  "-"};
+        "",     "",   "?",       "AND", "OR", "NOT", "=", "<>", "<",  "<=",  ">", ">=", "IS NULL",
+        "LIKE", "IN", "BETWEEN", "&",   "+",  "-",   "*", "/",  "\\", "MOD", "^", "-"};
     if (e.op == Op::Literal) {
         return e.literal.isNull() ? "Null" : e.literal.toText();
     }
@@ -48,6 +48,9 @@ TEST(SqlParser, BindsOperatorsByTheirPrecedence) {
         {"a+b*c-d/e=f", "(= (- (+ a (* b c)) (/ d e)) f)"},
         {"a-b-c", "(- (- a b) c)"},
         {"-a*b", "(* (- a) b)"},
+        {"a\\b*c MOD d + e", "(+ (MOD (\\ a (* b c)) d) e)"},
+        {"-a^-b^c", "(- (^ a (- (^ b c))))"},
+        {"a^b*c", "(* (^ a b) c)"},
         {"- -a", "(- (- a))"},
         {"+a", "a"},
         {"a & b + c = d", "(= (& a (+ b c)) d)"},
@@ -212,6 +215,43 @@ TEST(SqlParser, ReadsOtherDefinitions) {
     EXPECT_EQ(std::get<DropIndex>(drop).table.name, "T");
 }
 
+TEST(SqlParser, ReadsWhatMayStandBehindSelect) {
+    struct Case {
+        const char* text;
+        bool distinct;
+        int top;
+        bool percent;
+        ItemKind first;
+    };
+    static constexpr Case cases[] = {
+        {"SELECT ALL * FROM T", false, 0, false, ItemKind::All},
+        {"SELECT DISTINCTROW a FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT DISTINCTROW TOP 5 a FROM T", false, 5, false, ItemKind::Value},
+        {"SELECT DISTINCT TOP 5 PERCENT a FROM T", true, 5, true, ItemKind::Value},
+        {"SELECT TOP 100 percent * FROM T", false, 100, true, ItemKind::All},
+        // Columns that are called so.
+        {"SELECT All FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT All, a FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT All.a FROM [All]", false, 0, false, ItemKind::Value},
+        {"SELECT Top FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT Top - 1 FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT Top - 1 AS x FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT Top - 1 * 2 FROM T", false, 0, false, ItemKind::Value},
+        {"SELECT TOP 5 Percent FROM T", false, 5, false, ItemKind::Value},
+        {"SELECT TOP 5 Percent AS p FROM T", false, 5, false, ItemKind::Value},
+        {"SELECT Mod MOD 2 FROM T Limit", false, 0, false, ItemKind::Value},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        const Statement parsed = parse(c.text);
+        const auto& select = std::get<Select>(parsed);
+        EXPECT_EQ(select.distinct, c.distinct);
+        EXPECT_EQ(select.top.value_or(0), c.top);
+        EXPECT_EQ(select.percent, c.percent);
+        EXPECT_EQ(select.items.at(0).kind, c.first);
+    }
+}
+
 struct Refusal {
     const char* text;
     ErrNo number;
@@ -256,6 +296,17 @@ TEST(SqlParser, NamesThePlaceAndWhatWasExpected) {
         {"SELECT * FROM T;;", S, "line 1, column 17: expected nothing behind the semicolon"},
         {"SELECT TOP 0 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
         {"SELECT TOP 1.5 * FROM T", S, "line 1, column 12: expected a whole number from 1"},
+        {"SELECT TOP -1 * FROM T", S,
+         "line 1, column 12: expected a whole number from 1 behind TOP, found -1"},
+        {"SELECT TOP -1 a FROM T", S, "line 1, column 12: expected a whole number from 1"},
+        {"SELECT TOP 101 PERCENT a FROM T", S,
+         "line 1, column 12: expected a whole number from 1 to 100 behind TOP, found 101"},
+        {"SELECT * FROM T LIMIT 5", U,
+         "line 1, column 17: LIMIT is not supported, expected TOP and the number behind SELECT"},
+        {"SELECT * FROM T WHERE a LIMIT 5", U, "line 1, column 25: LIMIT is not supported"},
+        {"SELECT * FROM T ORDER BY a LIMIT 5", U, "line 1, column 28: LIMIT is not supported"},
+        {"SELECT a ^ FROM T", S, "line 1, column 12: expected a column, a literal"},
+        {"SELECT a MOD FROM T", S, "line 1, column 14: expected a column, a literal"},
         {"SELECT COUNT( FROM T", S, "line 1, column 15: expected a column, a literal"},
         {"SELECT MIN(*) FROM T", S, "line 1, column 12: expected a column, a literal"},
         {"SELECT a AS FROM T", S, "line 1, column 13: expected a name behind AS, found FROM"},

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
+
 #include "Tables.h"
 
 namespace vl::sql {
@@ -28,7 +30,7 @@ TEST(SqlSelect, GivesTheAskedColumns) {
     for (const Field& field : result.fields) {
         names.push_back(field.name);
     }
-    EXPECT_THAT(names, ElementsAre("Age", "Who", "Name", "Age", "Town", "Pay"));
+    EXPECT_THAT(names, ElementsAre("Age", "Who", "Name", "Expr1003", "Town", "Pay"));
     EXPECT_EQ(result.fields[0].type, ColumnType::Long);
     EXPECT_EQ(result.fields[5].type, ColumnType::Money);
     ASSERT_EQ(result.rows.size(), 5U);
@@ -62,6 +64,40 @@ TEST(SqlSelect, OrdersRows) {
     EXPECT_THAT(namesBy("ORDER BY Pay"), ElementsAre("Cid", "Eve", "Ann", "bob", "Dora"));
 }
 
+TEST(SqlSelect, OrdersByANameOrPlaceOfTheList) {
+    EXPECT_THAT(firstColumn(people().select("SELECT Name, -Age AS Youth FROM People WHERE Age "
+                                            "ORDER BY Youth, 1 DESC")),
+                ElementsAre("Eve", "Dora", "Ann", "bob"));
+    EXPECT_THAT(firstColumn(people().select("SELECT DISTINCT -Age AS a FROM People ORDER BY a")),
+                firstColumn(people().select("SELECT DISTINCT -Age FROM People ORDER BY 1")));
+    // A column of the table goes before a name of the list.
+    EXPECT_THAT(firstColumn(people().select("SELECT Name, -Age AS Age FROM People WHERE Age > 0 "
+                                            "ORDER BY Age, Name")),
+                ElementsAre("bob", "Ann", "Dora", "Eve"));
+    EXPECT_EQ(caught([] { people().select("SELECT Name AS n FROM People WHERE n = 'x'"); }).number,
+              ErrNo::NotFound);
+}
+
+TEST(SqlSelect, EveryColumnOfAResultHasANameOfItsOwn) {
+    const auto namesOf = [](const char* statement) {
+        std::vector<std::string> names;
+        for (const Field& field : people().select(statement).fields) {
+            names.push_back(field.name);
+        }
+        return names;
+    };
+    EXPECT_THAT(namesOf("SELECT Name AS a, Age AS A, Town AS b FROM People"),
+                ElementsAre("a", "Expr1001", "b"));
+    EXPECT_THAT(namesOf("SELECT Name, Age, name FROM People"),
+                ElementsAre("Name", "Age", "Expr1002"));
+    EXPECT_THAT(namesOf("SELECT Age AS Expr1001, Age + 1 FROM People"),
+                ElementsAre("Expr1001", "Expr1002"));
+    EXPECT_THAT(namesOf("SELECT COUNT(*) AS n, MAX(Age) AS n FROM People"),
+                ElementsAre("n", "Expr1001"));
+    const auto twice = namesOf("SELECT *, * FROM People");
+    EXPECT_EQ(std::set<std::string>(twice.begin(), twice.end()).size(), twice.size());
+}
+
 TEST(SqlSelect, NotANumberHasAPlaceInTheOrder) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const MemoryTable table{{"T", {column("x", ColumnType::Double, 8)}},
@@ -81,6 +117,19 @@ TEST(SqlSelect, TopCutsButNotBetweenEquals) {
                 ElementsAre("Eve"));
     EXPECT_THAT(firstColumn(people().select("SELECT TOP 2 Name FROM People ORDER BY Age DESC")),
                 ElementsAre("Eve", "Ann", "Dora"));
+}
+
+TEST(SqlSelect, TopOfAHundredCountsPartsOfARowAsOne) {
+    const auto rows = [](const char* rest) {
+        return people().select(std::string("SELECT TOP ") + rest).rows.size();
+    };
+    EXPECT_EQ(rows("1 PERCENT * FROM People"), 1U);
+    EXPECT_EQ(rows("20 PERCENT * FROM People"), 1U);
+    EXPECT_EQ(rows("21 PERCENT * FROM People"), 2U);
+    EXPECT_EQ(rows("100 PERCENT * FROM People"), 5U);
+    EXPECT_EQ(rows("50 PERCENT * FROM People WHERE False"), 0U);
+    EXPECT_EQ(rows("40 PERCENT Name FROM People ORDER BY Age DESC"), 3U) << "two of one age";
+    EXPECT_EQ(rows("20 PERCENT Name FROM People ORDER BY Age DESC"), 1U);
 }
 
 TEST(SqlSelect, DistinctComparesAsComparisonsDo) {
@@ -124,6 +173,11 @@ TEST(SqlSelect, RefusesWhatHasNoMeaning) {
         {"SELECT MAX(x) FROM People", ErrNo::NotFound, "line 1, column 12: no column x"},
         {"SELECT Name, COUNT(*) FROM People", ErrNo::Syntax, "line 1, column 8: expected COUNT"},
         {"SELECT COUNT(*), * FROM People", ErrNo::Syntax, "line 1, column 18: expected COUNT"},
+        {"SELECT Name FROM People ORDER BY -1", ErrNo::Syntax,
+         "line 1, column 34: expected a column or a place in the list"},
+        {"SELECT Name FROM People ORDER BY Age, 'x'", ErrNo::Syntax, "line 1, column 39: expected"},
+        {"SELECT Name FROM People ORDER BY 2", ErrNo::Syntax,
+         "line 1, column 34: expected a place in the list from 1 to 1, found 2"},
         {"SELECT COUNT(*) FROM People ORDER BY Age", ErrNo::Syntax,
          "line 1, column 38: expected no ORDER BY"},
         {"SELECT Name FROM People WHERE Name > 5", ErrNo::TypeMismatch,

@@ -1,0 +1,1 @@
+SELECT ALL Top - 1, All FROM Reminders AS R;

@@ -1,0 +1,1 @@
+SELECT EventID MOD 7, EventID \ 3, -2 ^ -EventID ^ 0.5 AS p FROM Reminders WHERE (EventID + 1) MOD -2 = 1 ORDER BY p, 1 DESC

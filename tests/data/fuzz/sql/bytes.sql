@@ -1,0 +1,1 @@
+SELECT * FROM Reminders WHERE 0x0A1B = 0x OR Body LIKE '*'

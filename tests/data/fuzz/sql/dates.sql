@@ -1,0 +1,1 @@
+SELECT EventID FROM Reminders WHERE StartDateTime > #11/20/2026 2:30 PM# OR Modified <= #2026-1-2 14:30:05# OR NextReminder = #2:30 am#

@@ -1,0 +1,1 @@
+INSERT INTO Reminders (GUID, Subject) VALUES ('n', "aÿbÃ");
