@@ -1,5 +1,7 @@
 #include "db/sql/Sql.h"
 
+#include <istream>
+#include <iterator>
 #include <ostream>
 #include <utility>
 
@@ -43,8 +45,23 @@ void writeAffected(std::int64_t rows, bool json, std::ostream& out) {
     }
 }
 
+void writeDone(const std::string& what, bool json, std::ostream& out) {
+    if (json) {
+        out << lineOf({{"done", what}}) << '\n';
+    } else {
+        out << what << '\n';
+    }
+}
+
+std::string statementOf(const Arguments& arguments, const Streams& streams) {
+    if (arguments.words[1] != "-") {
+        return arguments.words[1];
+    }
+    return {std::istreambuf_iterator<char>(streams.in), {}};
+}
+
 int run(const Arguments& arguments, const Streams& streams) {
-    const std::string& statement = arguments.words[1];
+    const std::string statement = statementOf(arguments, streams);
     const bool json = arguments.flag("--json");
     const auto access = sql::isQuery(statement) ? jet::Access::Read : jet::Access::ReadWrite;
     auto db = jet::Database::open(arguments.words[0], access);
@@ -56,7 +73,9 @@ int run(const Arguments& arguments, const Streams& streams) {
             }
             (json ? writeJson : writeText)(fields, row, streams.out);
         });
-    if (!result.isQuery) {
+    if (!result.done.empty()) {
+        writeDone(result.done, json, streams.out);
+    } else if (!result.isQuery) {
         writeAffected(result.affected, json, streams.out);
     } else if (!named) {
         writeNames(result.fields, streams.out);
@@ -68,10 +87,11 @@ int run(const Arguments& arguments, const Streams& streams) {
 
 Command sqlCommand() {
     return {.name = "sql",
-            .synopsis = "FILE STATEMENT [--json]",
+            .synopsis = "FILE STATEMENT|- [--json]",
             .description =
-                "runs one statement on FILE: prints the rows that a SELECT finds, or how\n"
-                "many rows were inserted, changed or removed (docs/sql.md)",
+                "runs one statement on FILE, with \"-\" the one on the standard input: prints\n"
+                "the rows that a SELECT finds, or how many rows were inserted, changed or\n"
+                "removed, or what was made or dropped (docs/sql.md)",
             .fewestWords = 2,
             .mostWords = 2,
             .words = "a file and one statement (in quotes)",

@@ -89,6 +89,25 @@ Changes changesOf(const Update& statement, const std::vector<std::size_t>& colum
     return changes;
 }
 
+// Keys that are taken and nulls that may not be are found out by the table: they get the place of
+// what gives the values.
+template <class Step>
+void placed(Position at, Step&& step) {
+    try {
+        std::forward<Step>(step)();
+    } catch (const Error& e) {
+        switch (e.number()) {
+            case ErrNo::Exists:
+            case ErrNo::TypeMismatch:
+            case ErrNo::Overflow:
+            case ErrNo::Unsupported:
+                fail(e.number(), at, std::string(e.what()));
+            default:
+                throw;
+        }
+    }
+}
+
 }  // namespace
 
 std::int64_t insertRows(Insert& statement, StoredTable& table, Result rows,
@@ -114,7 +133,7 @@ std::int64_t insertRows(Insert& statement, StoredTable& table, Result rows,
         values = {};
     }
     for (const Changes& row : converted) {
-        table.insert(row);
+        placed(statement.at, [&] { table.insert(row); });
     }
     return static_cast<std::int64_t>(converted.size());
 }
@@ -140,7 +159,9 @@ std::int64_t updateRows(Update& statement, StoredTable& table,
     const auto count = static_cast<std::int64_t>(found.size());
     const auto again = table.rows(std::move(found));
     while (again->next()) {
-        table.update(again->id(), changesOf(statement, columns, shape, *again));
+        const Changes changes = changesOf(statement, columns, shape, *again);
+        placed(statement.assignments.front().column.at,
+               [&] { table.update(again->id(), changes); });
     }
     return count;
 }
@@ -161,7 +182,7 @@ std::int64_t deleteRows(Delete& statement, StoredTable& table,
         }
     }
     for (const jet::RowId row : found) {
-        table.remove(row);
+        placed(statement.table.at, [&] { table.remove(row); });
     }
     return static_cast<std::int64_t>(found.size());
 }

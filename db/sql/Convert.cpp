@@ -6,6 +6,7 @@
 
 #include "Value.h"
 #include "base/Text.h"
+#include "db/jet/FixedValue.h"
 
 namespace vl::sql {
 
@@ -103,8 +104,25 @@ Variant decimal(const jet::Column& column, const Variant& value, Position at) {
 }
 
 Variant bytes(const jet::Column& column, const Variant& value, Position at) {
-    if (!value.is<Bytes>()) {
+    const auto* given = value.get<Bytes>();
+    if (given == nullptr) {
         failFor(ErrNo::TypeMismatch, column, at, "expected bytes");
+    }
+    if (column.type == ColumnType::Binary && given->size() > column.length) {
+        failFor(ErrNo::Overflow, column, at,
+                std::to_string(given->size()) + " bytes, expected at most " +
+                    std::to_string(column.length));
+    }
+    return value;
+}
+
+// What only the file's own form of it tells: whether all digits fit, and whether it is a GUID.
+Variant storable(const jet::Column& column, Variant value, Position at) {
+    std::array<std::byte, 17> field{};  // the longest of them, a numeric's
+    try {
+        jet::encodeFixed(column, value, field);
+    } catch (const Error& e) {
+        failFor(e.number(), column, at, e.what());
     }
     return value;
 }
@@ -133,10 +151,11 @@ Variant convertFor(const jet::Column& column, const Variant& value, Position at)
             return date(column, value, at);
         case ColumnType::Money:
         case ColumnType::Numeric:
-            return decimal(column, value, at);
+            return storable(column, decimal(column, value, at), at);
+        case ColumnType::Guid:
+            return storable(column, text(column, value, at), at);
         case ColumnType::Text:
         case ColumnType::Memo:
-        case ColumnType::Guid:
             return text(column, value, at);
         case ColumnType::Binary:
         case ColumnType::Ole:

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "db/jet/define/TableRules.h"
 
 namespace vl::sql {
 
@@ -75,23 +76,47 @@ void requireColumns(const IndexSpec& index, const TableRef& table, HasColumn&& h
     }
 }
 
-// An error about the table itself gets the place where it is named.
+// What is wrong with a thing gets the place where the statement names it; errors of the file, and
+// such as have a place, stay as they are.
 template <class Step>
-void at(const TableRef& table, Step&& step) {
+void at(Position place, Step&& step) {
     try {
         std::forward<Step>(step)();
     } catch (const Error& e) {
-        if (e.number() == ErrNo::NotFound || e.number() == ErrNo::Exists ||
-            e.number() == ErrNo::Syntax) {
-            fail(e.number(), table.at, std::string(e.what()));
+        switch (e.number()) {
+            case ErrNo::NotFound:
+            case ErrNo::Exists:
+            case ErrNo::Syntax:
+            case ErrNo::Overflow:
+            case ErrNo::TypeMismatch:
+            case ErrNo::Unsupported:
+                fail(e.number(), place, std::string(e.what()));
+            default:
+                throw;
         }
-        throw;
     }
+}
+
+// Column by column and index by index: the first that is too much is the one to name.
+void checkEach(const CreateTable& statement, std::span<const jet::NewColumn> columns,
+               std::span<const jet::NewIndex> indexes) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        at(statement.columns[i].name.at,
+           [&] { jet::checkNewTable("x", columns.first(i + 1), {}); });
+    }
+    for (std::size_t i = 0; i < indexes.size(); ++i) {
+        at(statement.indexes[i].at,
+           [&] { jet::checkNewTable("x", columns, indexes.first(i + 1)); });
+    }
+}
+
+std::string indexText(const std::string& index, const TableRef& table) {
+    return "index " + index + " of table " + table.name;
 }
 
 }  // namespace
 
-void define(const CreateTable& statement, jet::Database& db) {
+std::string define(const CreateTable& statement, jet::Database& db) {
     requireOnce(statement.columns);
     std::vector<jet::NewColumn> columns;
     for (const ColumnSpec& spec : statement.columns) {
@@ -106,37 +131,43 @@ void define(const CreateTable& statement, jet::Database& db) {
         });
         indexes.push_back(indexOf(spec));
     }
-    at(statement.table, [&] { db.createTable(statement.table.name, columns, indexes); });
+    checkEach(statement, columns, indexes);
+    at(statement.table.at, [&] { db.createTable(statement.table.name, columns, indexes); });
+    return "table " + statement.table.name + " was made";
 }
 
-void define(const AddColumn& statement, jet::Database& db) {
-    at(statement.table, [&] {
-        db.addColumn(statement.table.name, columnOf(statement.column));
-        for (const IndexSpec& spec : statement.indexes) {
-            db.createIndex(statement.table.name, indexOf(spec));
-        }
-    });
+std::string define(const AddColumn& statement, jet::Database& db) {
+    const std::string& table = statement.table.name;
+    at(statement.table.at, [&] { db.table(table); });
+    at(statement.column.name.at, [&] { db.addColumn(table, columnOf(statement.column)); });
+    for (const IndexSpec& spec : statement.indexes) {
+        at(spec.at, [&] { db.createIndex(table, indexOf(spec)); });
+    }
+    return "column " + statement.column.name.name + " was added to table " + table;
 }
 
-void define(const CreateIndex& statement, jet::Database& db) {
+std::string define(const CreateIndex& statement, jet::Database& db) {
     std::vector<jet::Column> columns;
-    at(statement.table, [&] { columns = db.table(statement.table.name).columns(); });
+    at(statement.table.at, [&] { columns = db.table(statement.table.name).columns(); });
     requireColumns(statement.index, statement.table, [&](const std::string& name) {
         return std::any_of(columns.begin(), columns.end(), [&](const jet::Column& column) {
             return text::equalsNoCase(column.name, name);
         });
     });
-    at(statement.table, [&] { db.createIndex(statement.table.name, indexOf(statement.index)); });
+    const jet::NewIndex index = indexOf(statement.index);
+    at(statement.index.at, [&] { db.createIndex(statement.table.name, index); });
+    return indexText(index.name, statement.table) + " was made";
 }
 
-void define(const DropTable& statement, jet::Database& db) {
-    at(statement.table, [&] { db.dropTable(statement.table.name); });
+std::string define(const DropTable& statement, jet::Database& db) {
+    at(statement.table.at, [&] { db.dropTable(statement.table.name); });
+    return "table " + statement.table.name + " was dropped";
 }
 
-void define(const DropIndex& statement, jet::Database& db) {
-    at(statement.table, [&] { db.table(statement.table.name); });
-    at({statement.at, statement.name, {}},
-       [&] { db.dropIndex(statement.table.name, statement.name); });
+std::string define(const DropIndex& statement, jet::Database& db) {
+    at(statement.table.at, [&] { db.table(statement.table.name); });
+    at(statement.at, [&] { db.dropIndex(statement.table.name, statement.name); });
+    return indexText(statement.name, statement.table) + " was dropped";
 }
 
 }  // namespace vl::sql

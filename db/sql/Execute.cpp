@@ -93,10 +93,13 @@ public:
 
     template <class Definition>
     Result operator()(Definition& statement) const {
-        return changing(statement.table, [&] {
-            define(statement, db_);
+        std::string done;
+        Result result = changing(statement.table, [&] {
+            done = define(statement, db_);
             return 0;
         });
+        result.done = std::move(done);
+        return result;
     }
 
 private:

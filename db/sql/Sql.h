@@ -52,6 +52,7 @@ struct Result {
     std::vector<Field> fields;
     std::vector<std::vector<Variant>> rows;  ///< as wide as `fields`
     std::int64_t affected = 0;  ///< rows that were inserted, changed or removed; 0 for a query
+    std::string done;           ///< what CREATE, ALTER and DROP did, in words; else empty
 };
 
 /// A value from the program instead of one written into the statement. In the statement stands its

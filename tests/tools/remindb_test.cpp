@@ -81,6 +81,51 @@ TEST(Remindb, SqlChangesTheFile) {
               "{\"GUID\":\"new\",\"twice\":null}\n");
 }
 
+TEST(Remindb, SqlSaysWhatWasMadeAndDropped) {
+    const test::TempFolder folder;
+    const std::string file = (folder / "new.RemindDB").string();
+    ASSERT_EQ(remindb({"new", file}).code, 0);
+    EXPECT_EQ(remindb({"sql", file, "CREATE TABLE T (a LONG, b BINARY(4))"}).out,
+              "table T was made\n");
+    EXPECT_EQ(remindb({"sql", file, "CREATE INDEX i ON T (a)", "--json"}).out,
+              "{\"done\":\"index i of table T was made\"}\n");
+    EXPECT_EQ(remindb({"sql", file, "INSERT INTO T VALUES (7 MOD 4, 0x0aFF)"}).out,
+              "1 row changed\n");
+    EXPECT_EQ(remindb({"sql", file, "SELECT * FROM T WHERE b = 0x0AFF"}).out,
+              "a\tb\n3\thex:0aff\n");
+    const auto system = remindb({"sql", file, "DROP TABLE MSysObjects"});
+    EXPECT_EQ(system.code, 1);
+    EXPECT_THAT(system.err,
+                HasSubstr("line 1, column 12: table MSysObjects belongs to the engine"));
+    EXPECT_EQ(remindb({"sql", file, "DROP TABLE T"}).out, "table T was dropped\n");
+}
+
+// So long a one fits into no argument.
+TEST(Remindb, SqlReadsTheStatementFromItsInput) {
+    const test::TempFolder folder;
+    const std::string file = (folder / "new.RemindDB").string();
+    ASSERT_EQ(remindb({"new", file}).code, 0);
+    const std::string body(300'000, 'x');
+    EXPECT_EQ(remindb({"sql", file, "-"},
+                      "INSERT INTO Reminders (GUID, Body)\nVALUES ('a', '" + body + "');\n")
+                  .out,
+              "1 row changed\n");
+    EXPECT_EQ(remindb({"sql", file, "-", "--json"}, "SELECT Body FROM Reminders\n").out,
+              "{\"Body\":\"" + body + "\"}\n");
+    const auto wrong = remindb({"sql", file, "-"}, "SELECT *\nFRO Reminders");
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_THAT(wrong.err, HasSubstr("line 2, column 1: expected \",\" or FROM, found FRO"));
+    EXPECT_EQ(remindb({"sql", file, "-"}).code, 1);
+}
+
+TEST(Remindb, SqlLosesNoColumnOfTheSameName) {
+    EXPECT_EQ(remindb({"sql", firstLight(),
+                       "SELECT EventID AS a, EventID + 1 AS a FROM Reminders WHERE EventID = 1001",
+                       "--json"})
+                  .out,
+              "{\"a\":1001,\"Expr1001\":1002}\n");
+}
+
 TEST(Remindb, NewMakesADatabaseThatTheProgramCanUse) {
     const test::TempFolder folder;
     const std::string file = (folder / "new.RemindDB").string();

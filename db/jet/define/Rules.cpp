@@ -81,12 +81,17 @@ void add(Sizes& sizes, const NewColumn& column) {
     }
 }
 
+std::string withArticle(std::string_view what) {
+    const bool vowel = std::string_view("aeiou").find(what.front()) != std::string_view::npos;
+    return (vowel ? "an " : "a ") + std::string(what);
+}
+
 template <class Items>
 void checkTaken(std::string_view what, const Items& items, std::string_view name) {
     for (const auto& item : items) {
         if (text::equalsNoCase(item.name, name)) {
             refuse(ErrNo::Exists,
-                   "there is a " + std::string(what) + " " + quoted(name) + " already");
+                   "there is " + withArticle(what) + " " + quoted(name) + " already");
         }
     }
 }
@@ -126,7 +131,7 @@ void checkName(std::string_view what, std::string_view name) {
     const bool isText = text::fromUtf16(text::toUtf16(name)) == name;
     if (name.empty() || name.front() == ' ' || !isText ||
         !std::all_of(name.begin(), name.end(), allowed)) {
-        refuse(ErrNo::Syntax, quoted(name) + " is no name of a " + std::string(what));
+        refuse(ErrNo::Syntax, quoted(name) + " is no name of " + withArticle(what));
     }
     if (text::utf16Length(name) > kLongestName) {
         refuse(ErrNo::Overflow, "the name of " + std::string(what) + " " + quoted(name) +

@@ -4,8 +4,8 @@
 #include <span>
 #include <string_view>
 
-#include "NewTable.h"
 #include "TableDefinition.h"
+#include "db/jet/define/TableRules.h"
 
 namespace vl::jet {
 
@@ -16,10 +16,6 @@ namespace vl::jet {
 
 /// 1 to 64 UTF-16 units without . ! ` [ ] and control characters, not beginning with a blank.
 void checkName(std::string_view what, std::string_view name);
-
-/// All of a new table.
-void checkNewTable(std::string_view name, std::span<const NewColumn> columns,
-                   std::span<const NewIndex> indexes);
 
 /// One more column of `table`.
 void checkNewColumn(const TableDefinition& table, const NewColumn& column);

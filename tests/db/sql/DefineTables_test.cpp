@@ -58,19 +58,33 @@ TEST_F(SqlDefine, KeepsWhatWasAskedForOrRefuses) {
         const char* message;
     };
     static constexpr Case cases[] = {
-        {"INSERT INTO T VALUES (1, 'y', 8)", ErrNo::Exists, ""},
-        {"INSERT INTO T VALUES (Null, 'y', 8)", ErrNo::TypeMismatch, ""},
-        {"INSERT INTO T VALUES (2, Null, 8)", ErrNo::TypeMismatch, ""},
+        {"INSERT INTO T VALUES (1, 'y', 8)", ErrNo::Exists, "line 1, column 15: memory: table"},
+        {"INSERT INTO T VALUES (Null, 'y', 8)", ErrNo::TypeMismatch, "line 1, column 15: "},
+        {"INSERT INTO T VALUES (2, Null, 8)", ErrNo::TypeMismatch, "line 1, column 15: "},
+        {"INSERT INTO T SELECT a, b, c FROM T", ErrNo::Exists, "line 1, column 15: "},
         {"INSERT INTO T VALUES (2, 'too long', 8)", ErrNo::Overflow, "line 1, column 26: column b"},
-        {"UPDATE T SET b = Null", ErrNo::TypeMismatch, ""},
+        {"UPDATE T SET b = Null", ErrNo::TypeMismatch, "line 1, column 14: "},
         {"CREATE TABLE t (a LONG)", ErrNo::Exists, "line 1, column 14: "},
         {"CREATE TABLE U (a LONG, A TEXT)", ErrNo::Exists, "line 1, column 25: expected each"},
         {"CREATE TABLE U (a LONG, UNIQUE (b))", ErrNo::NotFound, "line 1, column 33: no column b"},
         {"CREATE INDEX j ON T (z)", ErrNo::NotFound, "line 1, column 22: no column z"},
         {"CREATE INDEX j ON T (U.a)", ErrNo::NotFound, "line 1, column 22: no table U"},
         {"CREATE INDEX j ON U (a)", ErrNo::NotFound, "line 1, column 19: "},
-        {"CREATE INDEX i ON T (c)", ErrNo::Exists, "line 1, column 19: "},
-        {"ALTER TABLE T ADD b LONG", ErrNo::Exists, "line 1, column 13: "},
+        {"CREATE INDEX i ON T (c)", ErrNo::Exists,
+         "line 1, column 14: there is an index \"i\" already"},
+        {"CREATE TABLE U (a LONG, [b.c] LONG)", ErrNo::Syntax,
+         "line 1, column 25: \"b.c\" is no name of a column"},
+        {"CREATE TABLE U (a COUNTER, b COUNTER)", ErrNo::Exists, "line 1, column 28: column"},
+        {"CREATE TABLE U (a LONG, b IMAGE, UNIQUE (b))", ErrNo::Unsupported,
+         "line 1, column 34: index"},
+        {"CREATE TABLE U (a LONG PRIMARY KEY, b LONG CONSTRAINT two PRIMARY KEY)", ErrNo::Exists,
+         "line 1, column 44: "},
+        {"CREATE INDEX [i.j] ON T (c)", ErrNo::Syntax,
+         "line 1, column 14: \"i.j\" is no name of an index"},
+        {"ALTER TABLE T ADD b LONG", ErrNo::Exists,
+         "line 1, column 19: there is a column \"b\" already"},
+        {"ALTER TABLE T ADD [d!] LONG", ErrNo::Syntax, "line 1, column 19: "},
+        {"ALTER TABLE T ADD d COUNTER", ErrNo::Unsupported, "line 1, column 19: "},
         {"ALTER TABLE U ADD b LONG", ErrNo::NotFound, "line 1, column 13: "},
         {"DROP TABLE U", ErrNo::NotFound, "line 1, column 12: "},
         {"DROP INDEX j ON T", ErrNo::NotFound, "line 1, column 12: "},
@@ -83,6 +97,17 @@ TEST_F(SqlDefine, KeepsWhatWasAskedForOrRefuses) {
         EXPECT_THAT(error.text, testing::StartsWith(c.message));
         EXPECT_TRUE(disk_.bytes == before);
     }
+}
+
+TEST_F(SqlDefine, SaysWhatWasDone) {
+    EXPECT_EQ(run("CREATE TABLE T (a LONG)").done, "table T was made");
+    EXPECT_EQ(run("ALTER TABLE T ADD COLUMN [b c] TEXT").done, "column b c was added to table T");
+    EXPECT_EQ(run("CREATE INDEX i ON T (a)").done, "index i of table T was made");
+    EXPECT_EQ(run("ALTER TABLE T ADD PRIMARY KEY (a)").done,
+              "index PrimaryKey of table T was made");
+    EXPECT_EQ(run("INSERT INTO T (a) VALUES (1)").done, "");
+    EXPECT_EQ(run("DROP INDEX i ON T").done, "index i of table T was dropped");
+    EXPECT_EQ(run("DROP TABLE T").done, "table T was dropped");
 }
 
 // The column is added, the index on it is not: neither may stay.
