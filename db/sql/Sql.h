@@ -1,7 +1,7 @@
 // Statements of the database's SQL dialect, run on an open file. For users: docs/sql.md.
 //
-//   SELECT [DISTINCT] [TOP n] items FROM table [[AS] name] [WHERE condition]
-//       [ORDER BY expression | place [ASC | DESC], ...]
+//   SELECT [ALL | DISTINCT | DISTINCTROW] [TOP n [PERCENT]] items FROM table [[AS] name]
+//       [WHERE condition] [ORDER BY expression | place | alias [ASC | DESC], ...]
 //   INSERT INTO table [(columns)] VALUES (expressions) | SELECT ...
 //   UPDATE table [AS name] SET column = expression, ... [WHERE condition]
 //   DELETE [* | table.*] FROM table [AS name] [WHERE condition]
@@ -13,13 +13,13 @@
 //   DROP TABLE table | DROP INDEX name ON table
 //
 // Items are `*`, `Table.*`, expressions with an optional AS; or all are COUNT(*), COUNT, MIN, MAX
-// of an expression. A column is `Name`, `Table.Name` or `[any name]`. Expressions have, weakest
-// first: OR, AND, NOT, comparisons with [NOT] LIKE, IN, BETWEEN and IS [NOT] NULL, &, + -, * /.
-// Texts stand in double or single quotes, a doubled quote inside is one; dates are #2026-11-15
-// 14:30:00#. Keywords and names are taken without regard to case. What a statement needs to know
-// of a row is all that is decoded of it; an index serves for equality, ranges, IN and IS NULL. Rows
-// that an index passes over are not looked at: what a condition could not compute of them is no
-// error then.
+// of one. A column is `Name`, `Table.Name` or `[any name]`. Expressions have, weakest first: OR,
+// AND, NOT, comparisons, [NOT] LIKE, IN, BETWEEN, IS [NOT] NULL, &, + -, MOD, \ (whole numbers),
+// * /, sign, ^. Texts stand in double or single quotes, a doubled quote inside is one; dates are
+// #2026-11-15 14:30:00# or #11/15/2026 2:30 PM#, bytes 0x0A1B. Names are taken without regard to
+// case. What a statement needs to know of a row is all that is decoded of it; an index serves for
+// equality, ranges, IN and IS NULL. Rows that an index passes over are not looked at: what could
+// not be computed of them is no error then. The engine's own tables are not changed.
 //
 // Errors: `Error` with line, column and what was expected. `ErrNo::Syntax` for what follows no
 // rule; `ErrNo::Unsupported` for joins, other functions, and clauses named there;
