@@ -121,7 +121,7 @@ std::size_t textsOf(const CalEvents& set) {
     for (const vl::Variant& item : *set.mCol) {
         const auto event = vl::objectIn<calEvent>(item);
         for (const auto& property : calEvent::properties()) {
-            if (const auto* member = std::get_if<std::string calEvent::*>(&property.member)) {
+            if (const auto* member = std::get_if<vl::SharedText calEvent::*>(&property.member)) {
                 bytes += ((*event).*(*member)).size();
             }
         }

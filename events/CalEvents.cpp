@@ -102,7 +102,7 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
     }
     bool complete = true;
     const TimeZone local = TimeZone::local();
-    const RowReader reader(rows->fields(), local);
+    const RowReader reader(rows->fields(), local, fullRead_->pool());
     for (; !rows->EOF_(); rows->MoveNext()) {
         complete &= attempt([&] {
             auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
@@ -220,7 +220,8 @@ std::shared_ptr<calEvent> CalEvents::readEvent(const std::function<void(calEvent
 void CalEvents::FillEvent(const RecordSet& row, calEvent& event) {
     const ErrScope scope;
     const TimeZone local = TimeZone::local();
-    RowReader(row.fields(), local).fill(event, row);
+    TextPool pool;
+    RowReader(row.fields(), local, pool).fill(event, row);
 }
 
 std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const {
@@ -230,7 +231,7 @@ std::shared_ptr<calEvent> CalEvents::firstOf(const std::string& statement) const
         const auto rows = db_.OpenRS(statement);
         if (rows && rows->isOpen() && !rows->EOF_()) {
             const TimeZone local = TimeZone::local();
-            const RowReader reader(rows->fields(), local);
+            const RowReader reader(rows->fields(), local, fullRead_->pool());
             event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
             rows->Close();
         }

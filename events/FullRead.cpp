@@ -83,7 +83,7 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
         fields.push_back(RecordSet::fieldOf(field));
     }
     const TimeZone local = TimeZone::local();
-    const RowReader reader(fields, local);
+    const RowReader reader(fields, local, pool_);
     const ReplacedIn exceptions(stream.fields());
     Rows rows;
     rows.reserve(rows_.size());

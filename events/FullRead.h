@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "TextPool.h"
 #include "app/TimeZone.h"
 #include "db/DBRemindUtils.h"
 #include "events/GenCollection.h"
@@ -42,6 +43,9 @@ public:
     /// The next read decodes every row.
     void forget() { rows_.clear(); }
 
+    /// Where the events' equal texts meet.
+    TextPool& pool() noexcept { return pool_; }
+
 private:
     struct Row {
         std::uint64_t place = 0;
@@ -55,6 +59,7 @@ private:
     std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
     static std::shared_ptr<GenCollection> collected(const Rows& rows);
 
+    TextPool pool_;
     std::string statement_;
     Rows rows_;
     std::vector<PassedOver> passedOver_;

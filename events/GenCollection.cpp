@@ -14,8 +14,8 @@ namespace {
 // From so many items on `Exists` looks the key up instead of walking the key list.
 constexpr std::size_t kLookUpFrom = 30;
 
-KeyedSlots::Item itemFor(const Variant& member, std::string_view key) {
-    return {member, KeyText(key), !key.empty()};
+KeyedSlots::Item itemFor(const Variant& member, const SharedText& key) {
+    return {member, key, !key.empty()};
 }
 
 // Whole numbers stay whole; those that fit are kept in 32 bits, as counters begin.
@@ -61,7 +61,7 @@ std::uint32_t GenCollection::find(IndexKey index) const {
     return index.isKey() ? items_->slotOf(index.key()) : items_->slotAt(index.position());
 }
 
-void GenCollection::append(const Variant& member, std::string_view key) {
+void GenCollection::append(const Variant& member, const SharedText& key) {
     KeyedSlots& items = own();
     items.insert(items.count() + 1, itemFor(member, key));
 }
@@ -71,8 +71,8 @@ bool GenCollection::isReplacedInPlace(const Variant& member) {
     return object != nullptr && dynamic_cast<const ValueList*>(object->get()) == nullptr;
 }
 
-Variant GenCollection::Add(const Variant& member, std::string_view sKey, std::int64_t Before,
-                           std::int64_t After, bool bReplace) {
+Variant GenCollection::addText(const Variant& member, const SharedText& sKey, std::int64_t Before,
+                               std::int64_t After, bool bReplace) {
     const auto taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
     if (taken != KeyedSlots::kNone) {
         if (bReplace && isReplacedInPlace(member)) {
@@ -147,7 +147,7 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
         own().setValue(slot, NewItem);
         return;
     }
-    const std::string spelled((*items_)[slot].shownKey());
+    const SharedText spelled = (*items_)[slot].key;
     own().remove(slot);
     append(NewItem, spelled);
 }

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/SharedText.h"
 #include "base/Variant.h"
 
 namespace vl {
@@ -36,6 +37,7 @@ public:
     IndexKey(I position) : position_(static_cast<std::int64_t>(position)) {}
     IndexKey(std::string_view key) : key_(key), isKey_(true) {}
     IndexKey(const std::string& key) : key_(key), isKey_(true) {}
+    IndexKey(const SharedText& key) : key_(key), isKey_(true) {}
     IndexKey(const char* key) : key_(key), isKey_(true) {}
 
     bool isKey() const noexcept { return isKey_; }
@@ -80,7 +82,14 @@ public:
     /// goes to the end, under `sKey` as it is given now.
     /// Returns `member` in every case.
     Variant Add(const Variant& member, std::string_view sKey = {}, std::int64_t Before = 0,
-                std::int64_t After = 0, bool bReplace = false);
+                std::int64_t After = 0, bool bReplace = false) {
+        return addText(member, sKey, Before, After, bReplace);
+    }
+    /// The same; the item shares the key's text.
+    Variant Add(const Variant& member, const std::same_as<SharedText> auto& sKey,
+                std::int64_t Before = 0, std::int64_t After = 0, bool bReplace = false) {
+        return addText(member, sKey, Before, After, bReplace);
+    }
 
     /// Adds the number 1 under `sKey`, or 1 to the value that is there, which keeps its place.
     /// Returns the value that then stands under the key; one that is no number stays as it is.
@@ -204,7 +213,9 @@ private:
     KeyedSlots& own();  // the list for changing: a copy of its own if a walk or a copy shares it
     std::uint32_t find(IndexKey index) const;
     Variant itemOr(IndexKey index, bool AutoAdd, const Variant& Default);
-    void append(const Variant& member, std::string_view key);
+    Variant addText(const Variant& member, const SharedText& sKey, std::int64_t Before,
+                    std::int64_t After, bool bReplace);
+    void append(const Variant& member, const SharedText& key);
     static bool isReplacedInPlace(const Variant& member);
 
     std::shared_ptr<KeyedSlots> items_;  // never null

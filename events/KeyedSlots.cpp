@@ -1,18 +1,11 @@
 #include "KeyedSlots.h"
 
-#include <algorithm>
 #include <cassert>
 #include <utility>
 
 #include "base/Text.h"
 
 namespace vl {
-
-KeyText::KeyText(std::string_view text)
-    : text_(text.empty() ? nullptr : std::make_unique<char[]>(text.size())),
-      length_(static_cast<std::uint32_t>(text.size())) {
-    std::copy(text.begin(), text.end(), text_.get());
-}
 
 KeyedSlots::Item& KeyedSlots::own(Slot slot) {
     std::shared_ptr<Block>& block = blocks_[slot / kBlock];
@@ -25,6 +18,9 @@ KeyedSlots::Item& KeyedSlots::own(Slot slot) {
 KeyedSlots::Slot KeyedSlots::addSlot() {
     if (blocks_.empty() || blocks_.back()->size() == kBlock) {
         blocks_.push_back(std::make_shared<Block>());
+        if (blocks_.size() > 1) {
+            blocks_.back()->reserve(kBlock);
+        }
     } else if (blocks_.back().use_count() > 1) {
         blocks_.back() = std::make_shared<Block>(*blocks_.back());
     }

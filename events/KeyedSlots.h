@@ -9,27 +9,10 @@
 
 #include "KeyIndex.h"
 #include "SlotOrder.h"
+#include "base/SharedText.h"
 #include "base/Variant.h"
 
 namespace vl {
-
-/// A text that is never changed, in as few bytes as it takes: a collection has one for each item.
-class KeyText {
-public:
-    KeyText() = default;
-    explicit KeyText(std::string_view text);
-    KeyText(const KeyText& other) : KeyText(other.view()) {}
-    KeyText(KeyText&&) noexcept = default;
-    KeyText& operator=(const KeyText& other) { return *this = KeyText(other); }
-    KeyText& operator=(KeyText&&) noexcept = default;
-    ~KeyText() = default;
-
-    std::string_view view() const noexcept { return {text_.get(), length_}; }
-
-private:
-    std::unique_ptr<char[]> text_;
-    std::uint32_t length_ = 0;
-};
 
 /// Items in slots that never move: an item keeps its slot until it is removed, and the slot then
 /// serves the next item. The order of the slots is a matter of its own (`SlotOrder`), and so are
@@ -46,7 +29,7 @@ public:
     using Slot = SlotOrder::Slot;
     struct Item {
         Variant value;
-        KeyText key;  // as written
+        SharedText key;  // as written
         bool keyed = false;
         std::uint32_t hash = 0;  // of the key, filled in here
         /// Of an item without a key the placeholder.

@@ -1,5 +1,7 @@
 #include "RowReader.h"
 
+#include <algorithm>
+#include <array>
 #include <type_traits>
 #include <variant>
 
@@ -17,6 +19,12 @@ constexpr int kTypeDate = 7;
 constexpr std::size_t kSubjectUnits = 50;
 constexpr int kMaster = 1;
 
+// Texts that tell one event from another.
+bool isOwn(std::string_view name) {
+    static constexpr std::array<std::string_view, 4> kNames = {"GUID", "id", "etag", "iCalUID"};
+    return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
+}
+
 void clearExceptionFields(calEvent& master) {
     master.RExceptionStartTimeOrig = DateTime();
     master.RExceptionEndTimeOrig = DateTime();
@@ -27,13 +35,14 @@ void clearExceptionFields(calEvent& master) {
 
 }  // namespace
 
-RowReader::RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local)
-    : local_(local) {
+RowReader::RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local,
+                     TextPool& pool)
+    : local_(local), pool_(pool) {
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const auto& field = fields[i];
         if (const EventProperty* property = calEvent::findProperty(field.name)) {
             const bool zero = field.type == kTypeInteger || field.type == kTypeDate;
-            columns_.push_back({i, property, zero});
+            columns_.push_back({i, property, zero, !isOwn(property->name)});
         }
     }
 }
@@ -51,15 +60,24 @@ void RowReader::fill(calEvent& event, const ValueOf& valueOf) const {
 
 void RowReader::fill(calEvent& event, const sql::RowStream& row) const {
     using Read = jet::RowCursor::Read;
+    std::string text;
     for (const Column& column : columns_) {
         const auto read = [&](auto member) {
-            if constexpr (std::is_same_v<decltype(member),
-                                         std::shared_ptr<GenCollection> calEvent::*>) {
+            using Type = std::remove_reference_t<decltype(event.*member)>;
+            constexpr bool isText = std::is_same_v<Type, SharedText>;
+            if constexpr (std::is_same_v<Type, std::shared_ptr<GenCollection>>) {
                 return Read::Other;
             } else {
                 auto& to = event.*member;
-                const Read result = row.read(column.field, to);
-                constexpr bool isText = std::is_same_v<decltype(member), std::string calEvent::*>;
+                Read result = Read::Other;
+                if constexpr (isText) {
+                    result = row.read(column.field, text);
+                    if (result == Read::Value) {
+                        to = column.pooled ? pool_.of(text) : SharedText(text);
+                    }
+                } else {
+                    result = row.read(column.field, to);
+                }
                 if (result == Read::Null && isText != column.nullIsZero) {
                     to = {};
                     return Read::Value;
@@ -93,12 +111,16 @@ void RowReader::set(calEvent& event, const Column& column, const Variant& value)
 void RowReader::finish(calEvent& event) const {
     if (!event.recurrence.empty()) {
         attempt([&] { event.LoadRecurrence(local_); });
+        event.RRULE = pool_.of(event.RRULE);
         event.RecurrenceState = kMaster;
     }
     if (event.RecurrenceState == kMaster) {
         clearExceptionFields(event);
     }
-    event.Subject.resize(text::leftUtf16(event.Subject, kSubjectUnits).size());
+    const std::string_view subject = text::leftUtf16(event.Subject, kSubjectUnits);
+    if (subject.size() < event.Subject.size()) {
+        event.Subject = subject;
+    }
 }
 
 }  // namespace vl

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "TextPool.h"
 #include "app/TimeZone.h"
 #include "db/RecordSet.h"
 #include "db/sql/RowStream.h"
@@ -19,8 +20,9 @@ public:
     /// Gives the field at a place, from 0, of the current row.
     using ValueOf = std::function<Variant(std::size_t)>;
 
-    /// `local`, the zone of the rows' times, must outlive the reader.
-    RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local);
+    /// `local`, the zone of the rows' times, and `pool`, where the events' equal texts meet, must
+    /// outlive the reader.
+    RowReader(std::span<const RecordSet::Field> fields, const TimeZone& local, TextPool& pool);
 
     /// Copies a row: a value that the property refuses leaves it as it was. A repeating event's
     /// recurrence is loaded.
@@ -34,12 +36,14 @@ private:
         std::size_t field;
         const EventProperty* property;
         bool nullIsZero;  // else null reads as an empty text
+        bool pooled;      // other events may have the same text
     };
 
     void set(calEvent& event, const Column& column, const Variant& value) const;
     void finish(calEvent& event) const;
 
     const TimeZone& local_;
+    TextPool& pool_;
     std::vector<Column> columns_;
 };
 

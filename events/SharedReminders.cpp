@@ -11,7 +11,7 @@ constexpr std::size_t kMost = 1000;
 
 void SharedReminders::set(calEvent& event, std::string_view defaultReminders) {
     const std::string key =
-        event.reminders + '\n' + std::to_string(event.ReminderMinutesBeforeStart);
+        event.reminders + "\n" + std::to_string(event.ReminderMinutesBeforeStart);
     const auto found = known_.find(key);
     if (found != known_.end()) {
         event.RemindersCol = found->second.list;

@@ -17,6 +17,7 @@
 #include "app/TimeZone.h"
 #include "base/DateTime.h"
 #include "base/ErrorState.h"
+#include "base/SharedText.h"
 #include "base/Variant.h"
 
 namespace vl {
@@ -44,21 +45,21 @@ struct DateWords {
 /// other methods are procedures of the program: they never throw, carry on after a failing step
 /// and leave the pending error as it was.
 ///
-/// A copy has the same values. It shares the collections and the compiled recurrence, which nobody
-/// changes in place: `SetRemindersCol` and `LoadRecurrence` put new ones.
+/// A copy has the same values. It shares the texts, the collections and the compiled recurrence,
+/// which nobody changes in place: `SetRemindersCol` and `LoadRecurrence` put new ones.
 class calEvent : public Object {
 public:
     DateTime BeforeMoveStartDateTime;
-    std::string Body;
+    SharedText Body;
     std::int32_t BusyStatus = 0;
     DateTime Created;
-    std::string CustomPropertiesXMLData;
+    SharedText CustomPropertiesXMLData;
     std::int32_t DateID = 0;
     DateTime EndDateTime;
     std::int32_t EventID = 0;
     std::int32_t FieldID = 0;
-    std::string GUID;
-    std::string VLBase;
+    SharedText GUID;
+    SharedText VLBase;
     std::int32_t ImportanceLevel = 0;
     bool IsAllDayEvent = false;
     bool IsUnScheduled = false;
@@ -66,28 +67,28 @@ public:
     std::int32_t ISRecurrenceExceptionDeleted = 0;
     std::int32_t ItemID = 0;
     std::int32_t LabelID = 0;
-    std::string Location;
+    SharedText Location;
     DateTime Modified;
     DateTime RExceptionEndTimeOrig;
     DateTime RExceptionStartTimeOrig;
     std::int32_t RecurrencePatternID = 0;
     std::int32_t RecurrenceState = 0;  ///< 0 single, 1 master of a series, 3 exception to one
-    std::string RemainderSoundFile;
+    SharedText RemainderSoundFile;
     std::int32_t ReminderMinutesBeforeStart = 0;
     std::int32_t ShowItemDuration = 0;
     DateTime StartDateTime;
-    std::string Subject;
-    std::string etag;
-    std::string id;
-    std::string Color;
-    std::string iCalUID;
-    std::string recurrence;  ///< JSON array of "RRULE:", "EXDATE", "RDATE" lines
-    std::string recurringEventId;
-    std::string CalendarID;
-    std::string JSON;
-    std::string reminders;  ///< JSON object: "useDefault", "overrides"
+    SharedText Subject;
+    SharedText etag;
+    SharedText id;
+    SharedText Color;
+    SharedText iCalUID;
+    SharedText recurrence;  ///< JSON array of "RRULE:", "EXDATE", "RDATE" lines
+    SharedText recurringEventId;
+    SharedText CalendarID;
+    SharedText JSON;
+    SharedText reminders;  ///< JSON object: "useDefault", "overrides"
     bool ReadOnly = false;
-    std::string status;
+    SharedText status;
     bool deleted = false;
     bool bModified = false;
     DateTime dLastReminder;
@@ -100,14 +101,14 @@ public:
     std::shared_ptr<GenCollection> RepDates;
     std::shared_ptr<GenCollection> ExDates;
     std::shared_ptr<GenCollection> RDates;
-    std::string RRULE;  ///< kept also when it cannot be used: not empty makes a series
+    SharedText RRULE;  ///< kept also when it cannot be used: not empty makes a series
     DateTime InstanceStart;
     DateTime NextInstanceStart;
     std::shared_ptr<GenCollection> RemindersCol;  ///< of `clsReminder`, ascending by `Minutes`
     std::int32_t RemindersMinOffsetMin = 0;
     std::int32_t RemindersMaxOffsetMin = 0;
     bool isRecurrenceLoaded = false;
-    std::string FieldName;
+    SharedText FieldName;
     bool AllRemindersDone = false;
     bool isNewException = false;
     std::int32_t exEID = 0;
@@ -210,7 +211,7 @@ public:
 
     /// The name of the host's field `FieldID`, also put into `FieldName`; empty when it cannot be
     /// found out.
-    const std::string& GetFieldName();
+    std::string GetFieldName();
 
     /// Copies the properties of `E`, or of this event without one, into the current row of `R`, by
     /// the names of its fields; `EventID` stays as it is, and so does what has no property or takes
@@ -272,7 +273,7 @@ public:
 
     // ---- texts (calEventTexts.cpp)
 
-    const std::string& Summary() const { return Subject; }
+    const SharedText& Summary() const { return Subject; }
 
     /// Days, with fraction.
     double Duration() const;
@@ -304,9 +305,8 @@ private:
 
 /// One row of the table of properties.
 struct EventProperty {
-    using Member =
-        std::variant<bool calEvent::*, std::int32_t calEvent::*, DateTime calEvent::*,
-                     std::string calEvent::*, std::shared_ptr<GenCollection> calEvent::*>;
+    using Member = std::variant<bool calEvent::*, std::int32_t calEvent::*, DateTime calEvent::*,
+                                SharedText calEvent::*, std::shared_ptr<GenCollection> calEvent::*>;
     int number;
     std::string_view name;
     Member member;          ///< its alternative is the property's type

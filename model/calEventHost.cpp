@@ -84,7 +84,7 @@ calEvent::Deletion calEvent::DeleteItem() const {
                                            : Deletion::Failed;
 }
 
-const std::string& calEvent::GetFieldName() {
+std::string calEvent::GetFieldName() {
     const ErrScope scope;
     FieldName.clear();
     DBRemindUtils host;

@@ -137,7 +137,7 @@ const EventProperty& known(std::string_view name) {
 void assign(bool& to, const Variant& value) { to = value.toBool(); }
 void assign(std::int32_t& to, const Variant& value) { to = value.toInt32(); }
 void assign(DateTime& to, const Variant& value) { to = value.toDateTime(); }
-void assign(std::string& to, const Variant& value) { to = value.toText(); }
+void assign(SharedText& to, const Variant& value) { to = value.toText(); }
 void assign(std::shared_ptr<GenCollection>& to, const Variant& value) {
     const ObjectRef* object = value.get<ObjectRef>();
     auto collection = object ? std::dynamic_pointer_cast<GenCollection>(*object) : nullptr;
@@ -170,6 +170,8 @@ Variant calEvent::property(const EventProperty& property) const {
             if constexpr (std::is_same_v<decltype(member),
                                          std::shared_ptr<GenCollection> calEvent::*>) {
                 return ObjectRef(this->*member);
+            } else if constexpr (std::is_same_v<decltype(member), SharedText calEvent::*>) {
+                return (this->*member).view();
             } else {
                 return this->*member;
             }

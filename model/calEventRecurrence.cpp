@@ -76,7 +76,7 @@ std::shared_ptr<GenCollection> collectionOf(const std::vector<DateTime>& dates) 
 }
 
 // The moment that "start.dateTime" names, in UTC; without an offset it is on the clock of `zone`.
-DateTime utcOfStart(const std::string& json, const TimeZone& zone) {
+DateTime utcOfStart(std::string_view json, const TimeZone& zone) {
     StartMember moment("dateTime");
     nlohmann::json::sax_parse(json, &moment);
     const std::string& text = moment.text;
@@ -98,7 +98,7 @@ DateTime utcOfStart(const std::string& json, const TimeZone& zone) {
 std::string calEvent::zoneName() const {
     StartMember zone("timeZone");
     if (!IsAllDayEvent && !JSON.empty()) {
-        nlohmann::json::sax_parse(JSON, &zone);
+        nlohmann::json::sax_parse(JSON.view(), &zone);
     }
     return !zone.text.empty() && TimeZone::named(zone.text) ? zone.text : std::string();
 }
@@ -119,9 +119,11 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
     compiled_.reset();
     if (!recurrence.empty()) {
         // The column holds a JSON array, or nothing that is a recurrence.
-        const std::size_t first = recurrence.find_first_not_of(" \t\r\n");
-        const bool isArray = first != std::string::npos && recurrence[first] == '[';
-        Recurrence::Source source{isArray ? recurrence : "", StartDateTime, IsAllDayEvent, {}};
+        const std::string_view lines = recurrence.view();
+        const std::size_t first = lines.find_first_not_of(" \t\r\n");
+        const bool isArray = first != std::string_view::npos && lines[first] == '[';
+        Recurrence::Source source{
+            std::string(isArray ? lines : ""), StartDateTime, IsAllDayEvent, {}};
         attempt([&] { source.zone = zoneName(); });
         attempt([&] {
             if (!source.zone.empty()) {
@@ -133,7 +135,7 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
             compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, local, &text));
             ExDates = collectionOf(compiled_->ExDates());
             RDates = collectionOf(compiled_->RDates());
-            RRULE = std::move(text);
+            RRULE = text;
         });
     }
     isRecurrenceLoaded = true;
@@ -211,7 +213,7 @@ DateTime calEvent::EndOf(DateTime start) const {
 
 // Of an event that is no series. Most texts name no zone, and a look is cheaper than a parser.
 std::optional<TimeZone> calEvent::zoneOfOne() const {
-    if (JSON.find("timeZone") == std::string::npos) {
+    if (JSON.view().find("timeZone") == std::string_view::npos) {
         return std::nullopt;
     }
     const std::string name = zoneName();

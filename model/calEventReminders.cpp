@@ -140,7 +140,7 @@ void calEvent::SetRemindersCol(std::string_view defaultReminders) {
     if (!reminders.empty()) {
         attempt([&] {
             refuseDeepJson(reminders);
-            settings = Json::parse(reminders);
+            settings = Json::parse(reminders.view());
         });
     }
     const auto useDefault = settings.find("useDefault");

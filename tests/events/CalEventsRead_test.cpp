@@ -72,6 +72,16 @@ TEST_F(ReadAgain, AnUnchangedFileKeepsTheEventsAndResetsWhatQueriesLeft) {
     EXPECT_FALSE(db.isOpen);
 }
 
+TEST_F(ReadAgain, EqualTextsOfTwoEventsAreOne) {
+    elsewhere("Location = \"The very same place\"", kStandUp);
+    elsewhere("Location = \"The very same place\"", kDentist);
+    set.ReadDB(true, false);
+    EXPECT_EQ(in(set, kStandUp)->Location, "The very same place");
+    EXPECT_TRUE(in(set, kStandUp)->Location.sharesWith(in(set, kDentist)->Location));
+    in(set, kStandUp)->Location = "Elsewhere";
+    EXPECT_EQ(in(set, kDentist)->Location, "The very same place") << "and yet each has its own";
+}
+
 TEST_F(ReadAgain, AnotherQuestionIsAsked) {
     EXPECT_EQ(set.mCol->Count(), 10U);
     set.ReadDB(true, true);

@@ -210,7 +210,7 @@ protected:
     std::shared_ptr<calEvent> named(const char* subject) {
         for (const Variant& item : *set.mCol) {
             auto e = objectIn<calEvent>(item);
-            if (e->Subject.starts_with(subject)) {
+            if (e->Subject.view().starts_with(subject)) {
                 return e;
             }
         }

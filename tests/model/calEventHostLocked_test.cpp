@@ -84,7 +84,8 @@ protected:
         event.VLBase = (folder / "base.vldb").string();
         event.GUID = "{a}";
         event.FieldID = 7;
-        test::writeFile(event.VLBase, test::readFile(test::repoFile("data/first-light.RemindDB")));
+        test::writeFile(event.VLBase.str(),
+                        test::readFile(test::repoFile("data/first-light.RemindDB")));
         host.DBFullName = event.VLBase;
         for (const char* statement :
              {"CREATE TABLE Event (GUID TEXT(255), ItemID LONG)",
@@ -111,7 +112,7 @@ protected:
 };
 
 TEST_P(LockedHostTest, DeletingWaitsBrieflyAndLeavesAllAsItIs) {
-    const std::string before = test::readFile(event.VLBase);
+    const std::string before = test::readFile(event.VLBase.str());
     {
         const Keeper keeper(event.VLBase, GetParam());
         ErrorState::set(ErrNo::TypeMismatch);
@@ -126,7 +127,7 @@ TEST_P(LockedHostTest, DeletingWaitsBrieflyAndLeavesAllAsItIs) {
             EXPECT_EQ(event.GetFieldName(), "") << "cannot be read now";
         }
     }
-    EXPECT_EQ(test::readFile(event.VLBase), before);
+    EXPECT_EQ(test::readFile(event.VLBase.str()), before);
     EXPECT_EQ(count("Event"), 1U);
     EXPECT_EQ(count("\u00AFItems"), 1U);
     EXPECT_EQ(event.GetFieldName(), "Birthdays");

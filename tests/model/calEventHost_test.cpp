@@ -16,7 +16,8 @@ protected:
         event.VLBase = (folder / "base.vldb").string();
         event.GUID = "{a}";
         event.FieldID = 7;
-        test::writeFile(event.VLBase, test::readFile(test::repoFile("data/first-light.RemindDB")));
+        test::writeFile(event.VLBase.str(),
+                        test::readFile(test::repoFile("data/first-light.RemindDB")));
         host.DBFullName = event.VLBase;
         for (const char* statement :
              {"CREATE TABLE Event (EventID LONG CONSTRAINT pk PRIMARY KEY, GUID TEXT(255), "
@@ -107,15 +108,15 @@ TEST_F(HostTest, ADatabaseThatCannotBeOpenedStillHoldsTheItem) {
         {"encrypted", 0x3E, 0, calEvent::Deletion::Failed},
         {"another program's file", 4, 'X', calEvent::Deletion::Gone},
     };
-    const std::string sound = test::readFile(event.VLBase);
+    const std::string sound = test::readFile(event.VLBase.str());
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         std::string changed = sound;
         ASSERT_NE(changed.at(c.at), c.byte);
         changed.at(c.at) = c.byte;
-        test::writeFile(event.VLBase, changed);
+        test::writeFile(event.VLBase.str(), changed);
         EXPECT_EQ(event.DeleteItem(), c.outcome);
-        EXPECT_EQ(test::readFile(event.VLBase), changed);
+        EXPECT_EQ(test::readFile(event.VLBase.str()), changed);
     }
 }
 

@@ -206,7 +206,8 @@ TEST(LoadJSON, KeepsLongAndForeignTexts) {
     const calEvent event = loaded(js.dump(-1, ' ', true));  // with escapes and surrogate pairs
     EXPECT_EQ(event.Subject, "Caf\xC3\xA9 \xF0\x9F\x8E\x89 \"quoted\" \\ \t");
     EXPECT_EQ(event.Body, huge);
-    EXPECT_NE(event.JSON.find("\xF0\x9F\x8E\x89 \\\"quoted\\\" \\\\ \\t"), std::string::npos);
+    EXPECT_NE(event.JSON.view().find("\xF0\x9F\x8E\x89 \\\"quoted\\\" \\\\ \\t"),
+              std::string::npos);
     EXPECT_EQ(loaded(R"({"summary":"\uD83C\uDF89"})").Subject, "\xF0\x9F\x8E\x89");
 }
 
@@ -390,7 +391,7 @@ constexpr const char* kFromJson[] = {"Subject",
 void agree(const calEvent& row) {
     SCOPED_TRACE(row.Subject);
     calEvent event;
-    event.LoadJSON(Json::parse(row.JSON));
+    event.LoadJSON(Json::parse(row.JSON.view()));
     for (const char* name : kFromJson) {
         EXPECT_EQ(event.property(name), row.property(name)) << name;
     }

@@ -120,15 +120,15 @@ TEST_F(ActsOnFile, AnOffsetOfNothingChangesNothing) {
 TEST_F(ActsOnFile, AnActWorksOnTheRowsOwnOccurrence) {
     const auto series = named("Project review");  // Mondays and Wednesdays at 10:00
     ASSERT_TRUE(series);
-    const auto other = in(reminders, series->GUID.c_str());
+    const auto other = in(reminders, series->GUID.str().c_str());
     other->InstanceStart = at(10, 0, 0, 2);  // what some query has left
     other->iRemMinutes = 99;
     acts.Snooze({series, at(10, 0, 0, 18), at(9, 45, 0, 18)}, 15);
     EXPECT_EQ(other->InstanceStart, at(10, 0, 0, 18));
     EXPECT_EQ(other->iRemMinutes, 15);
     EXPECT_EQ(other->RecordedReminderD(), at(9, 45, 0, 18));
-    EXPECT_TRUE(known(series->GUID.c_str()).find(at(10, 0, 0, 18)));
-    EXPECT_FALSE(known(series->GUID.c_str()).find(at(10, 0, 0, 2)));
+    EXPECT_TRUE(known(series->GUID.str().c_str()).find(at(10, 0, 0, 18)));
+    EXPECT_FALSE(known(series->GUID.str().c_str()).find(at(10, 0, 0, 2)));
 }
 
 TEST_F(ActsOnFile, ARowWhoseEventHasLeftTheSetsIsStillActedUpon) {

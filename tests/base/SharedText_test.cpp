@@ -1,0 +1,96 @@
+#include "base/SharedText.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <thread>
+#include <vector>
+
+namespace vl {
+namespace {
+
+TEST(SharedText, HoldsWhatItWasGiven) {
+    for (const std::string& text : {std::string(), std::string("a"), std::string("with\0zero", 9),
+                                    std::string(70'000, 'x')}) {
+        const SharedText shared(text);
+        EXPECT_EQ(shared.view(), text);
+        EXPECT_EQ(shared.size(), text.size());
+        EXPECT_EQ(shared.empty(), text.empty());
+        EXPECT_EQ(std::string(shared), text);
+    }
+}
+
+TEST(SharedText, CopiesAreOneBlockUntilOneIsSet) {
+    SharedText first("Room 7");
+    SharedText second = first;
+    EXPECT_TRUE(second.sharesWith(first));
+    second = "Room 8";
+    EXPECT_EQ(first, "Room 7");
+    EXPECT_EQ(second, "Room 8");
+    second = first;
+    first.clear();
+    EXPECT_TRUE(first.empty());
+    EXPECT_EQ(second, "Room 7") << "who shared it keeps it";
+}
+
+TEST(SharedText, IsSetToItselfUnharmed) {
+    SharedText text("Room 7");
+    const SharedText& same = text;
+    text = same;
+    EXPECT_EQ(text, "Room 7");
+    text = text.view().substr(5);
+    EXPECT_EQ(text, "7");
+}
+
+TEST(SharedText, MovedFromIsEmpty) {
+    SharedText from("Room 7");
+    const SharedText to = std::move(from);
+    EXPECT_EQ(to, "Room 7");
+    EXPECT_TRUE(from.empty());  // NOLINT(bugprone-use-after-move): promised here
+}
+
+TEST(SharedText, ComparesLikeText) {
+    EXPECT_EQ(SharedText("a"), SharedText("a")) << "in blocks of their own";
+    EXPECT_NE(SharedText("a"), SharedText("A"));
+    EXPECT_EQ(SharedText(), "");
+    EXPECT_EQ(std::string("a"), SharedText("a"));
+    EXPECT_LT(SharedText("a"), SharedText("b"));
+    EXPECT_LT(SharedText(), SharedText("a"));
+    EXPECT_GT(SharedText("\xC3\xA9"), SharedText("z")) << "bytes are not signed";
+}
+
+TEST(SharedText, JoinsTextsAndStreams) {
+    const SharedText text("b");
+    EXPECT_EQ("a" + text + "c", "abc");
+    EXPECT_EQ(text + "c", "bc");
+    std::string grown("a");
+    grown += text;
+    EXPECT_EQ(grown, "ab");
+    std::ostringstream out;
+    out << text;
+    EXPECT_EQ(out.str(), "b");
+}
+
+TEST(SharedText, TakesOnePointer) { EXPECT_EQ(sizeof(SharedText), sizeof(void*)); }
+
+TEST(SharedText, CopiesMayComeAndGoInSeveralThreads) {
+    const SharedText text("Room 7");
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&text] {
+            for (int i = 0; i < 10'000; ++i) {
+                SharedText copy = text;
+                const SharedText other = copy;
+                copy.clear();
+                ASSERT_EQ(other.size(), 6U);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(text, "Room 7");
+}
+
+}  // namespace
+}  // namespace vl
