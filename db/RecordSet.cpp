@@ -78,6 +78,22 @@ void RecordSet::MoveNext() {
     }
 }
 
+void RecordSet::setAbsolutePosition(std::size_t number) {
+    if (number < 1 || number > rows_.size()) {
+        throw Error(ErrNo::NotFound, "record set: no row " + std::to_string(number) + " of " +
+                                         std::to_string(rows_.size()));
+    }
+    CancelUpdate();
+    current_ = number - 1;
+}
+
+std::int64_t RecordSet::AbsolutePosition() const noexcept {
+    if (rows_.empty()) {
+        return kPositionUnknown;
+    }
+    return EOF_() ? kPositionEnd : static_cast<std::int64_t>(current_) + 1;
+}
+
 const Variant& RecordSet::value(std::size_t field) const {
     if (EOF_()) {
         throw Error(ErrNo::NotFound, "record set: no current row");

@@ -49,6 +49,14 @@ public:
     void MoveFirst();
     /// At the end nothing happens.
     void MoveNext();
+    /// Moves to the row of that number, from 1. Throws `Error` (`ErrNo::NotFound`) when there is no
+    /// such row, and stays.
+    void setAbsolutePosition(std::size_t number);
+    /// The number of the current row, from 1; behind the last one `kPositionEnd`, without rows
+    /// `kPositionUnknown`.
+    std::int64_t AbsolutePosition() const noexcept;
+    static constexpr std::int64_t kPositionUnknown = -1;
+    static constexpr std::int64_t kPositionEnd = -3;
     /// All rows, wherever the walk is.
     std::size_t RecordCount() const noexcept { return rows_.size(); }
 

@@ -61,6 +61,30 @@ TEST(RecordSet, WalksItsRows) {
     EXPECT_EQ(rs.value(0), Variant("Ann"));
 }
 
+TEST(RecordSet, KnowsWhereItStands) {
+    RecordSet rs = people();
+    EXPECT_EQ(rs.AbsolutePosition(), 1);
+    rs.MoveNext();
+    EXPECT_EQ(rs.AbsolutePosition(), 2);
+    rs.MoveNext();
+    EXPECT_EQ(rs.AbsolutePosition(), RecordSet::kPositionEnd);
+    rs.setAbsolutePosition(2);
+    EXPECT_EQ(rs.value(0), Variant("Bob"));
+    rs.setAbsolutePosition(1);
+    EXPECT_EQ(rs.value(0), Variant("Ann"));
+    for (const std::size_t none : {std::size_t{0}, std::size_t{3}}) {
+        EXPECT_EQ(errorOf([&] { rs.setAbsolutePosition(none); }), ErrNo::NotFound);
+        EXPECT_EQ(rs.AbsolutePosition(), 1);
+    }
+    rs.AddNew();
+    EXPECT_EQ(rs.AbsolutePosition(), 3);
+    rs.setAbsolutePosition(2);
+    EXPECT_EQ(rs.RecordCount(), 2U) << "a row that was not saved goes";
+    rs.Close();
+    EXPECT_EQ(rs.AbsolutePosition(), RecordSet::kPositionUnknown);
+    EXPECT_EQ(RecordSet().AbsolutePosition(), RecordSet::kPositionUnknown);
+}
+
 TEST(RecordSet, AnUnknownFieldIsAnError) {
     RecordSet rs = people();
     EXPECT_EQ(errorOf([&] { rs.value(2); }), ErrNo::NotFound);
