@@ -201,6 +201,13 @@ TEST(DBRemindUtilsToSQLDateTime, LeavesMidnightOut) {
         {DateTime(), "1899-12-30"},
         {DateTime(-1.25), "1899-12-29 06:00:00"},
         {DateTime::fromCivil(2026, 1, 2, 3, 4, 5), "2026-01-02 03:04:05"},
+        // The second that has begun, as the file has it: never the day after.
+        {DateTime(46341.0 + 0.3 / 86400), "2026-11-15 00:00:00"},
+        {DateTime(46342.0 - 0.3 / 86400), "2026-11-15 23:59:59"},
+        {DateTime(46341.5 + 0.999 / 86400), "2026-11-15 12:00:00"},
+        // A sum of days that misses midnight in its last bit.
+        {DateTime(46341.0 - 1e-11), "2026-11-15"},
+        {DateTime(46341.0 + 1e-11), "2026-11-15"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(DBRemindUtils::ToSQLDateTime(c.date, false), c.text);
