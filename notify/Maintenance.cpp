@@ -1,5 +1,7 @@
 #include "notify/Maintenance.h"
 
+#include <utility>
+
 #include "base/ErrorState.h"
 #include "notify/ReadAgain.h"
 
@@ -7,14 +9,18 @@ namespace vl {
 
 namespace {
 
-/// Who asked for something to be removed waits longer for others than a tick does.
+/// Who has asked for something waits longer for others than a tick does. What is open is opened
+/// anew, before and after: a connection keeps the patience that it was opened with.
 class Patient {
 public:
-    explicit Patient(DBRemindUtils& db) : db_(db), before_(db.Patience) {
-        db_.Patience = jet::OpenOptions().patience;
+    Patient(DBRemindUtils& db, std::chrono::milliseconds patience)
+        : db_(db), before_(std::exchange(db.Patience, patience)) {
         db_.CloseDB();
     }
-    ~Patient() { db_.Patience = before_; }
+    ~Patient() {
+        db_.CloseDB();
+        db_.Patience = before_;
+    }
     Patient(const Patient&) = delete;
     Patient& operator=(const Patient&) = delete;
 
@@ -33,25 +39,41 @@ std::string cleanUpQuestion(std::int64_t events, std::size_t files) {
            n + " events\rClean up database? \r";
 }
 
+// A file that is not there, or has no such table, has no events to look for.
+bool couldNotBeRead(const DBRemindUtils::Trouble& trouble) {
+    return trouble.number != ErrNo::None && trouble.number != ErrNo::NotFound;
+}
+
 }  // namespace
+
+Maintenance::Waste Maintenance::findWaste() {
+    const Patient command(db_, Patience);
+    Waste waste;
+    waste.events = db_.DelDeletedVLBases(false);
+    waste.trouble = db_.ReadTrouble();
+    if (waste.events > 0) {
+        waste.files = db_.DeletedVLBasesCol()->Count();
+    }
+    return waste;  // the host needs the file while the user thinks
+}
 
 void Maintenance::CleanUp() {
     const ErrScope scope;
-    const std::int64_t events = db_.DelDeletedVLBases(false);
-    if (events < 1) {
-        boxes_.ShowBox({kCompleted, "Nothing to clean up. All events can be located"});
+    const Waste waste = findWaste();
+    if (waste.events < 1) {
+        boxes_.ShowBox({kCompleted, couldNotBeRead(waste.trouble)
+                                        ? "The events could not be read: " + waste.trouble.text
+                                        : "Nothing to clean up. All events can be located"});
         return;
     }
-    const std::size_t files = db_.DeletedVLBasesCol()->Count();
-    db_.CloseDB();  // the host needs the file while the user thinks
-    const BoxRequest question{"Clean up database...", cleanUpQuestion(events, files),
+    const BoxRequest question{"Clean up database...", cleanUpQuestion(waste.events, waste.files),
                               BoxButtons::YesNoCancel, BoxIcon::Question};
     if (boxes_.ShowBox(question) != BoxAnswer::Yes) {
         return;
     }
     std::int64_t removed = 0;
     {
-        const Patient command(db_);
+        const Patient command(db_, Patience);
         removed = db_.DelDeletedVLBases(true);
     }
     boxes_.ShowBox({kCompleted, std::to_string(removed) + " events were removed"});
@@ -66,7 +88,7 @@ void Maintenance::DeleteAll() {
                               BoxButtons::YesNoCancel, BoxIcon::Question};
     if (boxes_.ShowBox(question) == BoxAnswer::Yes) {
         {
-            const Patient command(db_);
+            const Patient command(db_, Patience);
             db_.DeleteAll();
         }
         readAndShow();
@@ -74,12 +96,12 @@ void Maintenance::DeleteAll() {
 }
 
 void Maintenance::readAndShow() {
+    const Patient command(db_, Patience);
     for (CalEvents* set : {&reminders_, &period_}) {
         readAgain(*set, db_, true, false);
     }
     forgetRemoved();
     attempt([&] { screen_.DoPeriod(); });
-    db_.CloseDB();
 }
 
 // A reminder whose event was just removed has nothing left to open or to snooze.

@@ -1,7 +1,10 @@
 // The commands that clean the database up.
 #pragma once
 
+#include <chrono>
+
 #include "db/DBRemindUtils.h"
+#include "db/jet/OpenOptions.h"
 #include "events/CalEvents.h"
 #include "notify/CheckCycle.h"
 #include "notify/MessageScreen.h"
@@ -24,12 +27,23 @@ public:
           screen_(screen),
           boxes_(boxes) {}
 
-    /// Removes the events of host databases that are not found any more, says how many.
+    /// The longest waiting of a command for others who have the file, in one statement.
+    std::chrono::milliseconds Patience = jet::OpenOptions().patience;
+
+    /// Removes the events of host databases that are not found any more, says how many. While the
+    /// file cannot be read it says so: then nobody knows whether there are any.
     void CleanUp();
     /// Empties the table; the host can fill it again.
     void DeleteAll();
 
 private:
+    struct Waste {
+        std::int64_t events = 0;
+        std::size_t files = 0;  ///< that are gone
+        DBRemindUtils::Trouble trouble;
+    };
+
+    Waste findWaste();
     void readAndShow();
     void forgetRemoved();
 

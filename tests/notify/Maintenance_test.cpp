@@ -3,8 +3,10 @@
 
 #include <deque>
 #include <filesystem>
+#include <thread>
 
 #include "CheckParts.h"
+#include "db/jet/File.h"
 #include "notify/Maintenance.h"
 #include "support/Support.h"
 
@@ -176,6 +178,63 @@ TEST_F(MaintenanceTest, DeletingAllEmptiesTheTableAndTheLists) {
     EXPECT_EQ(state.NewReminders->Count(), 0U);
     EXPECT_EQ(screen.calls.back(), "DoPeriod");
     EXPECT_EQ(reminders.mCol->Count(), 0U);
+}
+
+// As a writer does from his first page to his last: others cannot read meanwhile.
+class ReadersKeptOut {
+public:
+    explicit ReadersKeptOut(const std::string& path)
+        : file_(jet::openFile(path, jet::Access::ReadWrite)) {
+        EXPECT_TRUE(file_->tryLock(kReading, 1, jet::LockKind::Exclusive));
+    }
+
+private:
+    static constexpr std::uint64_t kReading = 0xC0000002;
+    std::unique_ptr<jet::File> file_;
+};
+
+TEST_F(MaintenanceTest, AFileThatIsHeldIsNotTakenForOneWithoutWaste) {
+    move(3, "/gone/a.vldb");
+    db.CloseDB();
+    db.Patience = maintenance.Patience = std::chrono::milliseconds(0);
+    {
+        const ReadersKeptOut writer(db.DBFullName);
+        maintenance.CleanUp();
+    }
+    ASSERT_EQ(boxes.asked.size(), 1U);
+    EXPECT_EQ(boxes.asked[0].title, "Clean up completed");
+    EXPECT_THAT(
+        boxes.asked[0].text,
+        testing::MatchesRegex("The events could not be read: .*Velmora.RemindDB.*written.*"));
+    EXPECT_EQ(boxes.asked[0].buttons, BoxButtons::Ok);
+    EXPECT_EQ(rows(), 12);
+}
+
+// The others are done before a command's patience ends, though not before a tick's.
+TEST_F(MaintenanceTest, CountingWaitsForAWriter) {
+    move(3, "/gone/a.vldb");
+    db.CloseDB();
+    db.Patience = std::chrono::milliseconds(0);
+    auto writer = std::make_unique<ReadersKeptOut>(db.DBFullName);
+    std::thread done([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        writer.reset();
+    });
+    boxes.answers = {BoxAnswer::No};
+    maintenance.CleanUp();
+    done.join();
+    ASSERT_EQ(boxes.asked.size(), 1U);
+    EXPECT_EQ(boxes.asked[0].title, "Clean up database...");
+    EXPECT_EQ(db.Patience, std::chrono::milliseconds(0));
+    EXPECT_FALSE(db.isOpen) << "with a command's patience";
+}
+
+TEST_F(MaintenanceTest, WithoutAFileThereIsNothingToCleanUp) {
+    std::filesystem::remove(db.DBFullName);
+    maintenance.CleanUp();
+    EXPECT_THAT(boxes.asked,
+                ElementsAre(BoxRequest{"Clean up completed",
+                                       "Nothing to clean up. All events can be located"}));
 }
 
 // What cannot be removed stays listed, and the closing message still comes.
