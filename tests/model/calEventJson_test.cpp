@@ -409,15 +409,16 @@ void agree(const calEvent& row) {
 
 TEST(calEventJson, AgreesWithTheColumnsOfRowsThatOthersMade) {
     const ZoneForTest zone("UTC");
-    const auto folder = test::sharedFolder() / "jet4/samples/dumps";
+    const auto shared = test::sharedFolder();
+    if (shared.empty()) {
+        return;
+    }
+    const auto folder = shared / "jet4/samples/dumps";
     int files = 0;
     std::size_t rows = 0;
     for (const char* name : {"first-light.RemindDB/Reminders.a.jsonl",
                              "reminders-5000.RemindDB/Reminders.a.first200.jsonl",
                              "reminders-5000.RemindDB/Reminders.a.last50.jsonl"}) {
-        if (test::sharedFolder().empty() || !std::filesystem::exists(folder / name)) {
-            continue;
-        }
         SCOPED_TRACE(name);
         ++files;
         for (const Json& row : rowsOf(folder / name)) {
@@ -428,7 +429,7 @@ TEST(calEventJson, AgreesWithTheColumnsOfRowsThatOthersMade) {
         }
     }
     std::printf("read %d files, %zu rows\n", files, rows);
-    EXPECT_TRUE(files == 0 || rows > 0);
+    EXPECT_GT(rows, 0U);
 }
 
 TEST(calEventJson, AgreesWithTheColumnsOfTheSampleDatabase) {

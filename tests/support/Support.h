@@ -10,8 +10,8 @@ namespace vl::test {
 std::filesystem::path repoFile(const std::string& relative);
 
 /// The folder of sample files that others made, which is not part of the repository: it stands
-/// beside the checkout, where somebody put it there. Empty when it is not there; a test that reads
-/// it prints how many files it read, or that there are none.
+/// beside the checkout, where somebody put it there. Empty when it is not there: then the test that
+/// asks goes on, and unless it fails it counts as skipped and says that it read none of them.
 std::filesystem::path sharedFolder();
 
 /// A folder of the test's own, removed with all that is in it.

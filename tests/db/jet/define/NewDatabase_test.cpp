@@ -45,12 +45,11 @@ TEST(JetNewDatabase, HasTheEnginesTablesAndNoOthers) {
 // What an engine wrote and we write may differ in what has no meaning: dates, the offset of columns
 // without one, the direction of key columns that are not there.
 TEST(JetNewDatabase, IsWhatTheEngineWrites) {
-    const fs::path sample = test::sharedFolder() / "jet4" / "samples" / "adox_jet4.mdb";
-    if (test::sharedFolder().empty() || !fs::exists(sample)) {
-        std::cout << "no sample file beside this checkout: compared with 0 files\n";
+    const fs::path shared = test::sharedFolder();
+    if (shared.empty()) {
         return;
     }
-    const std::string theirs = test::readFile(sample);
+    const std::string theirs = test::readFile(shared / "jet4" / "samples" / "adox_jet4.mdb");
     const std::string ours = test::emptyDatabase();
     ASSERT_EQ(ours.size(), theirs.size());
     std::map<std::size_t, int> differing;
