@@ -31,14 +31,11 @@ constexpr std::array kSteps = {
 int upgradeSchema(DBRemindUtils& db, int DBVersion,
                   const std::function<void()>& RemoveAllDoneStatus) {
     const ErrScope scope;
-    const int before = DBVersion;
-    bool allDone = true;
     for (const Step& step : kSteps) {
-        if (before >= step.version) {
+        if (DBVersion >= step.version) {
             continue;
         }
-        allDone = db.AddField(step.table, step.column, step.type, 0, 0) == ErrNo::None && allDone;
-        if (allDone) {
+        if (db.AddField(step.table, step.column, step.type, 0, 0) == ErrNo::None) {
             DBVersion = step.version;
         }
         if (step.version == kDismissed) {

@@ -135,6 +135,45 @@ TEST_F(SchemaUpgrade, AStepThatFailsIsTriedAgain) {
     EXPECT_EQ(upgrade(0), 4);
 }
 
+// A table with as many columns as there can be has no room for what is missing.
+TEST_F(SchemaUpgrade, TheVersionIsThatOfTheLastStepThatSucceeded) {
+    struct Case {
+        std::vector<bool> there;  // of the four columns
+        int from;
+        int version;
+        int statusCalls;
+    };
+    const Case cases[] = {
+        {{false, true, true, true}, 0, 4, 1},   {{true, false, true, true}, 0, 4, 1},
+        {{true, true, false, true}, 0, 4, 1},   {{true, true, true, false}, 0, 3, 1},
+        {{true, true, false, false}, 0, 2, 1},  {{true, false, false, false}, 0, 1, 1},
+        {{false, false, false, true}, 0, 4, 1}, {{true, true, false, false}, 2, 2, 1},
+        {{true, true, true, false}, 3, 3, 0},
+    };
+    for (const Case& c : cases) {
+        const std::vector<jet::NewColumn> four = {{"id", ColumnType::Text, 20},
+                                                  {"NextReminder", ColumnType::Date},
+                                                  {"Dismissed", ColumnType::Date},
+                                                  {"Hidden", ColumnType::Boolean}};
+        std::vector<jet::NewColumn> columns;
+        for (std::size_t i = 0; i < four.size(); ++i) {
+            if (c.there[i]) {
+                columns.push_back(four[i]);
+            }
+        }
+        for (int i = 0; columns.size() < 253; ++i) {
+            columns.push_back({"more" + std::to_string(i), ColumnType::Boolean});
+        }
+        make(columns);
+        statusCalls = 0;
+        SCOPED_TRACE(testing::PrintToString(c.there));
+        EXPECT_EQ(upgrade(c.from), c.version);
+        EXPECT_EQ(statusCalls, c.statusCalls);
+        EXPECT_EQ(columnsThere(), c.there);
+        EXPECT_EQ(upgrade(c.version), c.version) << "the next time";
+    }
+}
+
 TEST_F(SchemaUpgrade, KeepsPendingError) {
     ErrorState::set(ErrNo::Overflow);
     upgrade(0);
