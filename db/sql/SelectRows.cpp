@@ -236,6 +236,7 @@ Result selectColumns(Select& statement, const StoredTable& table, const Scope& s
     Output output = outputOf(statement, scope);
     const std::vector<OrderBy> by = orderOf(statement, scope, output);
     std::vector<const Expr*> sortColumns;
+    sortColumns.reserve(by.size());
     for (const OrderBy& item : by) {
         sortColumns.push_back(item.value);
     }
