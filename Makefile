@@ -90,7 +90,7 @@ lint:
 # Qt for Windows is not among the packages, so these are the sources below it that are Windows' own.
 windows-check:
 	@scripts/setup.sh windows
-	@for file in $$(git ls-files 'app/platform/windows*.cpp' 'db/jet/FileWindows.cpp'); do \
+	@for file in $$(git ls-files 'app/platform/windows*.cpp' 'db/jet/*Windows.cpp'); do \
 	    echo "$$file"; \
 	    x86_64-w64-mingw32-g++-posix -std=c++20 -fsyntax-only -I. -Iapp -Wall -Wextra -Wpedantic \
 	        -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual \

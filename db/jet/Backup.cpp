@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kPagesAtOnce = 64;
 
 void copyPages(PageFile& from, File& to) {
-    to.truncate(0);
+    to.truncate(0);  // another round than the first
     std::vector<std::byte> piece;
     std::uint64_t at = 0;
     for (PageNo number = 0; number < from.pageCount(); ++number) {
@@ -42,22 +42,23 @@ void copyUndisturbed(const Database& db, PageFile& from, File& to) {
 }  // namespace
 
 void Database::backUp(const std::string& target, FileSystem& files) const {
-    if (files.names(target, file_->file())) {
+    const std::string real = files.fileBehind(target);
+    if (files.names(real, file_->file())) {
         throw Error(ErrNo::Exists, target + ": is the database itself");
     }
-    const std::string unfinished = target + ".new";
+    const std::string unfinished = nameBeside(real);
+    auto copy = files.createNew(unfinished, file_->file());
     try {
-        {
-            const auto copy = files.openOrCreate(unfinished, file_->file());
-            copyUndisturbed(*this, *file_, *copy);
-            copy->flush();
-        }
-        files.rename(unfinished, target);
+        copyUndisturbed(*this, *file_, *copy);
+        copy->flush();
+        copy.reset();
+        files.rename(unfinished, real);
     } catch (const Error&) {
+        copy.reset();
         files.remove(unfinished);
         throw;
     }
-    files.flushFolderOf(target);
+    files.flushFolderOf(real);
 }
 
 }  // namespace vl::jet

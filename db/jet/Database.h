@@ -57,8 +57,9 @@ public:
     const std::string& name() const noexcept;
 
     /// Copies the file as it is at one moment to `target`, which is replaced when the copy is whole
-    /// and on the disk. Throws `Error`: `ErrNo::Exists` when that is this file, `ErrNo::Locked`
-    /// when others write all the time, `ErrNo::Io`; `target` is then as it was.
+    /// and on the disk; where that is a link, the file that it leads to. Throws `Error`:
+    /// `ErrNo::Exists` when that is this file, `ErrNo::Locked` when others write all the time,
+    /// `ErrNo::Io`, also when it is a folder or a device; `target` is then as it was.
     void backUp(const std::string& target, FileSystem& files = systemFiles()) const;
 
     /// The longest waiting for others in one statement, from now on.

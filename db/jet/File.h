@@ -57,6 +57,17 @@ public:
     /// Opens a file for both, and makes an empty one where there is none; those who may use `like`
     /// may use that, too.
     virtual std::unique_ptr<File> openOrCreate(const std::string& path, const File& like) = 0;
+    /// Makes an empty file for both; those who may use `like` may use that, too. Throws
+    /// `ErrNo::Exists` when there is something of that name, which stays as it is.
+    virtual std::unique_ptr<File> createNew(const std::string& path, const File& like) = 0;
+    /// The file that a name stands for: where it is a link, what that leads to, though it may not
+    /// be there yet; else the name as it is. Throws `ErrNo::Io` for what is there and no file: a
+    /// folder, a device, a pipe.
+    virtual std::string fileBehind(const std::string& path) = 0;
+    /// How many names the file has itself, links to names not counted.
+    virtual std::uint64_t nameCount(const File& file) = 0;
+    /// Gives the file of that name the rights and the owner of `like`, as far as the system lets.
+    virtual void shareRights(const std::string& path, const File& like) = 0;
     /// Whether the name still leads to that open file: it may have been removed, or another put
     /// into its place.
     virtual bool names(const std::string& path, const File& file) = 0;
@@ -80,6 +91,10 @@ protected:
 
 /// The machine's own.
 FileSystem& systemFiles();
+
+/// A name for a file that is to be made beside `path`: its own, a mark that is another one each
+/// time, and ".new".
+std::string nameBeside(const std::string& path);
 
 /// What others know this machine by; empty when it has no name.
 std::string computerName();

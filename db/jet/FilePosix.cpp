@@ -12,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 
 #include "base/ErrorState.h"
@@ -22,8 +23,14 @@ namespace vl::jet {
 namespace {
 
 [[noreturn]] void refusedFor(const std::string& path, const std::string& what, int reason) {
-    throw Error(ErrNo::Io,
+    throw Error(reason == EEXIST ? ErrNo::Exists : ErrNo::Io,
                 path + ": cannot " + what + ": " + std::generic_category().message(reason));
+}
+
+void needFile(const std::string& path, const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) {
+        throw Error(ErrNo::Io, path + ": is no regular file");
+    }
 }
 
 class PosixFile : public File {
@@ -43,9 +50,7 @@ public:
 
     std::uint64_t size() const override {
         const struct stat now = status();
-        if (!S_ISREG(now.st_mode)) {
-            throw Error(ErrNo::Io, path_ + ": is no regular file");
-        }
+        needFile(path_, now);
         return static_cast<std::uint64_t>(now.st_size);
     }
 
@@ -160,18 +165,52 @@ public:
     }
 
     std::unique_ptr<File> openOrCreate(const std::string& path, const File& like) override {
-        const auto* other = dynamic_cast<const PosixFile*>(&like);
-        const ::mode_t mode = other != nullptr ? other->status().st_mode & 0666U : 0600U;
-        const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, mode);
-        if (fd < 0) {
-            refusedFor(path, "make", errno);
+        return make(path, 0, like);
+    }
+
+    std::unique_ptr<File> createNew(const std::string& path, const File& like) override {
+        return make(path, O_EXCL, like);
+    }
+
+    std::string fileBehind(const std::string& path) override {
+        constexpr int kMostLinks = 40;
+        std::string name = path;
+        for (int links = 0; links < kMostLinks; ++links) {
+            struct stat named {};
+            if (::lstat(name.c_str(), &named) != 0) {
+                return name;  // opening it says why
+            }
+            if (!S_ISLNK(named.st_mode)) {
+                needFile(path, named);
+                return name;
+            }
+            std::error_code error;
+            const std::filesystem::path link(name);
+            const std::filesystem::path to = std::filesystem::read_symlink(link, error);
+            if (error) {
+                refusedFor(name, "follow", error.value());
+            }
+            name = (link.parent_path() / to).string();
         }
-        auto file = std::make_unique<PosixFile>(path, fd);
-        if (file->size() == 0 && (file->status().st_mode & 0666U) != mode) {
-            // The process's mask has taken rights away. Only the owner may, and needs to.
-            static_cast<void>(::fchmod(fd, mode));
+        refusedFor(path, "follow", ELOOP);
+    }
+
+    std::uint64_t nameCount(const File& file) override {
+        const auto* open = dynamic_cast<const PosixFile*>(&file);
+        return open == nullptr ? 1 : open->status().st_nlink;
+    }
+
+    void shareRights(const std::string& path, const File& like) override {
+        if (const auto* open = dynamic_cast<const PosixFile*>(&like)) {
+            const struct stat status = open->status();
+            // Not everybody may give a file away; the group alone one may who belongs to it.
+            if (::chown(path.c_str(), status.st_uid, status.st_gid) != 0) {
+                static_cast<void>(::chown(path.c_str(), static_cast<::uid_t>(-1), status.st_gid));
+            }
+            if (::chmod(path.c_str(), status.st_mode & 07777U) != 0) {
+                refusedFor(path, "give it the rights of the other", errno);
+            }
         }
-        return file;
     }
 
     bool names(const std::string& path, const File& file) override {
@@ -217,6 +256,22 @@ public:
         if (result != 0 && reason != EINVAL && reason != ENOTSUP) {
             refusedFor(folder, "flush", reason);
         }
+    }
+
+private:
+    static std::unique_ptr<File> make(const std::string& path, int flags, const File& like) {
+        const auto* other = dynamic_cast<const PosixFile*>(&like);
+        const ::mode_t mode = other != nullptr ? other->status().st_mode & 0666U : 0600U;
+        const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | flags, mode);
+        if (fd < 0) {
+            refusedFor(path, "make", errno);
+        }
+        auto file = std::make_unique<PosixFile>(path, fd);
+        if (file->size() == 0 && (file->status().st_mode & 0666U) != mode) {
+            // The process's mask has taken rights away. Only the owner may, and needs to.
+            static_cast<void>(::fchmod(fd, mode));
+        }
+        return file;
     }
 };
 

@@ -34,7 +34,8 @@ std::string messageOf(DWORD reason) {
 }
 
 [[noreturn]] void refusedFor(const std::string& path, const std::string& what, DWORD reason) {
-    throw Error(ErrNo::Io, path + ": cannot " + what + ": " + messageOf(reason));
+    throw Error(reason == ERROR_FILE_EXISTS ? ErrNo::Exists : ErrNo::Io,
+                path + ": cannot " + what + ": " + messageOf(reason));
 }
 
 class WindowsFile : public File {
@@ -165,12 +166,54 @@ public:
 
     // A new file has the folder's rights, as the others in it.
     std::unique_ptr<File> openOrCreate(const std::string& path, const File& /*like*/) override {
-        const HANDLE handle = opened(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
-        if (handle == INVALID_HANDLE_VALUE) {
-            refusedFor(path, "make", ::GetLastError());
-        }
-        return std::make_unique<WindowsFile>(path, handle);
+        return make(path, OPEN_ALWAYS);
     }
+
+    std::unique_ptr<File> createNew(const std::string& path, const File& /*like*/) override {
+        return make(path, CREATE_NEW);
+    }
+
+    std::string fileBehind(const std::string& path) override {
+        const DWORD kind = ::GetFileAttributesW(wideOf(path).c_str());
+        if (kind == INVALID_FILE_ATTRIBUTES) {
+            return path;  // opening it says why
+        }
+        if ((kind & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            throw Error(ErrNo::Io, path + ": is no regular file");
+        }
+        if ((kind & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+            return path;
+        }
+        const HANDLE handle = opened(path, 0, OPEN_EXISTING);
+        if (handle == INVALID_HANDLE_VALUE) {
+            refusedFor(path, "follow", ::GetLastError());
+        }
+        const WindowsFile file(path, handle);
+        constexpr DWORD kLongest = 32767;
+        std::wstring name(kLongest + 1, L'\0');
+        const DWORD length = ::GetFinalPathNameByHandleW(handle, name.data(), kLongest,
+                                                         FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+        if (length == 0 || length > kLongest) {
+            refusedFor(path, "follow", ::GetLastError());
+        }
+        name.resize(length);
+        const std::wstring network = L"\\\\?\\UNC\\";
+        const std::wstring local = L"\\\\?\\";
+        if (name.compare(0, network.size(), network) == 0) {
+            name.replace(0, network.size(), L"\\\\");
+        } else if (name.compare(0, local.size(), local) == 0) {
+            name.erase(0, local.size());
+        }
+        return text::fromUtf16(std::u16string(name.begin(), name.end()));
+    }
+
+    std::uint64_t nameCount(const File& file) override {
+        const auto* open = dynamic_cast<const WindowsFile*>(&file);
+        return open == nullptr ? 1 : open->status().nNumberOfLinks;
+    }
+
+    // A new file has the folder's rights, as the others in it.
+    void shareRights(const std::string& /*path*/, const File& /*like*/) override {}
 
     bool names(const std::string& path, const File& file) override {
         const auto* ours = dynamic_cast<const WindowsFile*>(&file);
@@ -208,6 +251,14 @@ public:
     void flushFolderOf(const std::string& /*path*/) override {}
 
 private:
+    static std::unique_ptr<File> make(const std::string& path, DWORD disposition) {
+        const HANDLE handle = opened(path, GENERIC_READ | GENERIC_WRITE, disposition);
+        if (handle == INVALID_HANDLE_VALUE) {
+            refusedFor(path, "make", ::GetLastError());
+        }
+        return std::make_unique<WindowsFile>(path, handle);
+    }
+
     static HANDLE opened(const std::string& path, DWORD rights, DWORD disposition) {
         return ::CreateFileW(wideOf(path).c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
                              nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);

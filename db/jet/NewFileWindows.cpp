@@ -8,6 +8,7 @@
 #include "NewFile.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "db/jet/File.h"
 
 namespace vl::jet {
 
@@ -30,8 +31,7 @@ std::wstring wide(const std::string& path) {
 /// A file under a name of its own, which goes with it.
 class Temporary {
 public:
-    explicit Temporary(const std::string& target)
-        : name_(wide(target + "." + std::to_string(::GetCurrentProcessId()) + ".tmp")) {
+    explicit Temporary(const std::string& target) : name_(wide(nameBeside(target))) {
         handle_ = ::CreateFileW(name_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                 FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle_ == INVALID_HANDLE_VALUE) {

@@ -185,7 +185,7 @@ void MemoryFolder::copyTo(MemoryFolder& other, Left left, unsigned seed) const {
 }
 
 std::unique_ptr<jet::File> MemoryFolder::open(const std::string& path, jet::Access access) {
-    const auto found = seen_.find(path);
+    const auto found = seen_.find(fileBehind(path));
     if (found == seen_.end()) {
         throw Error(ErrNo::NotFound, path + ": is not there");
     }
@@ -207,8 +207,33 @@ std::unique_ptr<jet::File> MemoryFolder::openOrCreate(const std::string& path,
     return open(path, jet::Access::ReadWrite);
 }
 
+std::unique_ptr<jet::File> MemoryFolder::createNew(const std::string& path, const jet::File& like) {
+    if (exists(path)) {
+        throw Error(ErrNo::Exists, path + ": is there");
+    }
+    return openOrCreate(path, like);
+}
+
+std::string MemoryFolder::fileBehind(const std::string& path) {
+    const auto link = links_.find(path);
+    return link == links_.end() ? path : fileBehind(link->second);
+}
+
+std::uint64_t MemoryFolder::nameCount(const jet::File& file) {
+    const auto& node = dynamic_cast<const Open&>(file).node();
+    return static_cast<std::uint64_t>(std::count_if(
+        seen_.begin(), seen_.end(), [&](const auto& entry) { return entry.second == node; }));
+}
+
+// Nobody has any here.
+void MemoryFolder::shareRights(const std::string& path, const jet::File& /*like*/) {
+    if (!exists(path)) {
+        throw Error(ErrNo::Io, path + ": is not there");
+    }
+}
+
 bool MemoryFolder::names(const std::string& path, const jet::File& file) {
-    const auto found = seen_.find(path);
+    const auto found = seen_.find(fileBehind(path));
     return found != seen_.end() && dynamic_cast<const Open&>(file).node() == found->second;
 }
 

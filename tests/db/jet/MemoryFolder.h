@@ -42,6 +42,11 @@ public:
         seen_[path] = std::make_shared<Node>(bytes);
         flushed_ = seen_;
     }
+    /// One more name of a file, and a name that leads to another name.
+    void hardLink(const std::string& path, const std::string& more) {
+        seen_[more] = seen_.at(path);
+    }
+    void link(const std::string& path, const std::string& more) { links_[more] = path; }
     /// What programs see; empty when there is no such file.
     std::string bytes(const std::string& path) const {
         const auto found = seen_.find(path);
@@ -72,6 +77,10 @@ public:
 
     std::unique_ptr<jet::File> open(const std::string& path, jet::Access access) override;
     std::unique_ptr<jet::File> openOrCreate(const std::string& path, const jet::File&) override;
+    std::unique_ptr<jet::File> createNew(const std::string& path, const jet::File& like) override;
+    std::string fileBehind(const std::string& path) override;
+    std::uint64_t nameCount(const jet::File& file) override;
+    void shareRights(const std::string& path, const jet::File& like) override;
     bool names(const std::string& path, const jet::File& file) override;
     void remove(const std::string& path) override;
     void closeAndRemove(std::unique_ptr<jet::File> file, const std::string& path) override;
@@ -103,6 +112,7 @@ private:
     void operation(char kind, const std::function<void()>& half = {}, bool grows = false);
     static void apply(std::string& bytes, const Piece& piece);
 
+    std::map<std::string, std::string> links_;
     std::map<std::string, std::shared_ptr<Node>> seen_;
     std::map<std::string, std::shared_ptr<Node>> flushed_;
     Fault fault_ = Fault::None;

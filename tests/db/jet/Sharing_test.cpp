@@ -288,6 +288,8 @@ TEST_F(Several, ABackupIsOneStateAndReplacesItsTargetWhenItIsWhole) {
     EXPECT_TRUE(folder.bytes(target) == test::firstLight());
     change->commit();
     change.reset();
+    folder.put(target, "older");
+    const std::size_t files = folder.files();
     bool whole = false;
     for (int n = 1; !whole; ++n) {
         SCOPED_TRACE(n);
@@ -297,9 +299,24 @@ TEST_F(Several, ABackupIsOneStateAndReplacesItsTargetWhenItIsWhole) {
         if (whole || folder.bytes(target) != "older") {  // the last flush is of the name
             EXPECT_TRUE(folder.bytes(target) == folder.bytes(kDatabase));
         }
-        EXPECT_FALSE(folder.exists(target + ".new"));
+        EXPECT_EQ(folder.files(), files) << "nothing unfinished is left";
     }
     EXPECT_EQ(errorOf([&] { db.backUp(kDatabase, folder); }), ErrNo::Exists);
+}
+
+TEST_F(Several, ABackupIsBegunUnderANameThatNobodyHas) {
+    const std::string target = "folder/copy.mdb";
+    // One that is called as an unfinished copy might be, and the database itself.
+    folder.put(target + ".new", "mine");
+    open(Access::Read).backUp(target, folder);
+    EXPECT_EQ(folder.bytes(target + ".new"), "mine");
+    EXPECT_TRUE(folder.bytes(target) == test::firstLight());
+    folder.put(target + ".new", test::firstLight());
+    folder.put(target, "older");
+    Database::open(target + ".new", Access::Read, test::fewPages(folder)).backUp(target, folder);
+    EXPECT_TRUE(folder.bytes(target) == test::firstLight());
+    EXPECT_TRUE(folder.bytes(target + ".new") == test::firstLight());
+    EXPECT_EQ(folder.files(), 3U);
 }
 
 TEST_F(Several, TheFileThatWasReplacedIsNotWritten) {
