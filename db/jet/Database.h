@@ -46,7 +46,8 @@ public:
     /// Makes a new file, without any table of a user's but what `fill` makes in it, and opens it
     /// for writing. It is on the disk as a whole before this returns, or there is none: `fill`
     /// works on it in memory. Throws `Error`: `ErrNo::Exists` when there is something at `path`,
-    /// `ErrNo::NotFound` when its folder is not there, `ErrNo::Io`, and what `fill` throws.
+    /// `ErrNo::NotFound` when its folder is not there, `ErrNo::Unsupported` for a name that its
+    /// lock file has (".ldb"), `ErrNo::Io`, and what `fill` throws.
     static Database create(const std::string& path,
                            const std::function<void(Database&)>& fill = {});
 

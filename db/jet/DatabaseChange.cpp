@@ -1,15 +1,22 @@
 #include <optional>
 
 #include "Define.h"
+#include "LockFile.h"
 #include "NewDatabase.h"
 #include "NewFile.h"
 #include "PageFile.h"
+#include "base/ErrorState.h"
 #include "db/jet/Database.h"
 #include "db/jet/Transaction.h"
 
 namespace vl::jet {
 
 Database Database::create(const std::string& path, const std::function<void(Database&)>& fill) {
+    if (lockFileOf(path) == path) {
+        throw Error(ErrNo::Unsupported, path +
+                                            ": a database of this name would be its own lock "
+                                            "file");
+    }
     publishNewFile(path, newDatabase(fill));
     return open(path, Access::ReadWrite);
 }

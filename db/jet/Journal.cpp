@@ -1,6 +1,7 @@
 #include "Journal.h"
 
 #include <algorithm>
+#include <array>
 #include <random>
 
 #include "Bytes.h"
@@ -65,6 +66,18 @@ bool validHead(const File& file, std::span<std::byte> head) {
            u64(head, kHeadSumAt) == sumOf(ByteView(head).first(kHeadSumAt), 0);
 }
 
+// Ended, or begun and cut off anywhere: what was not written yet reads as zeros.
+bool isJournal(const File& file) {
+    std::vector<std::byte> head(std::min<std::uint64_t>(file.size(), kHead));
+    file.read(0, head);
+    std::array<std::byte, 8> magic{};
+    store(std::span<std::byte>(magic), 0, kMagic);
+    const std::size_t length = std::min(head.size(), magic.size());
+    return std::equal(magic.begin(), magic.begin() + static_cast<std::ptrdiff_t>(length),
+                      head.begin()) ||
+           std::all_of(head.begin(), head.end(), [](std::byte b) { return b == std::byte{0}; });
+}
+
 // The records stay: flushing a file whose size is as it was costs less.
 void endJournal(File& file) {
     file.write(0, std::vector<std::byte>(kHead));
@@ -77,7 +90,13 @@ std::string journalOf(const std::string& database) { return database + ".journal
 
 void Journal::start(const File& database) {
     if (!file_ || !files_.names(path_, *file_)) {
-        file_ = files_.openOrCreate(path_, database);
+        auto file = files_.openOrCreate(path_, database);
+        if (!isJournal(*file)) {
+            throw Error(ErrNo::Io, path_ +
+                                       ": is no journal; the database beside it is not written "
+                                       "while it has this name");
+        }
+        file_ = std::move(file);
         // Also of one that was there: who made it may have died before he came to that.
         nameFlushed_ = false;
     }
@@ -144,7 +163,7 @@ void Journal::removeIdle() {
     file_.reset();
     const auto file = openIfThere(files_, path_, Access::Read);
     std::vector<std::byte> head(kHead);
-    if (file && !validHead(*file, head)) {
+    if (file && isJournal(*file) && !validHead(*file, head)) {
         files_.remove(path_);
     }
 }

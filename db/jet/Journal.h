@@ -46,7 +46,8 @@ public:
         : files_(files), path_(journalOf(database)) {}
 
     bool started() const noexcept { return started_; }
-    /// Begins a change of `database`. Nothing is written yet.
+    /// Begins a change of `database`. Nothing is written yet. Throws `Error` (`ErrNo::Io`) when a
+    /// file that is no journal has its name.
     void start(const File& database);
     /// Notes what the page holds.
     void add(PageNo number, const Page::Bytes& bytes);
@@ -57,7 +58,7 @@ public:
     /// After a failure: makes sure that the journal is valid again, also when `end` had failed in
     /// the middle, and leaves the file. What was noted but not flushed may be missing.
     void abandon();
-    /// Removes the file unless a broken-off change stands in it.
+    /// Removes the file unless a broken-off change stands in it, or it is no journal.
     void removeIdle();
 
 private:

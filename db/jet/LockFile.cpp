@@ -36,12 +36,43 @@ void putName(std::span<std::byte> entry, std::size_t at, std::string_view name) 
                    [](char c) { return static_cast<std::byte>(c); });
 }
 
+// Entries, the last one perhaps cut off by a crash. Every name ends with a zero, which no text has.
+bool holdsEntries(const File& file) {
+    const std::uint64_t size = file.size();
+    if (size > kUsers * kEntry || (size > kEntry && size % kEntry != 0)) {
+        return false;
+    }
+    std::array<std::byte, kEntry> entry{};
+    for (std::uint64_t at = 0; at < size; at += kEntry) {
+        const auto there = std::span(entry).first(std::min<std::size_t>(size - at, kEntry));
+        file.read(at, there);
+        if (std::find(there.begin(), there.end(), std::byte{0}) == there.end()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string lockFileOf(const std::string& database) {
     const std::size_t name = database.find_last_of("/\\") + 1;
     const std::size_t dot = database.rfind('.');
     return (dot != std::string::npos && dot > name ? database.substr(0, dot) : database) + ".ldb";
+}
+
+// Somebody's notes, or another database, may have that name.
+void LockFile::checkKind(const File& database) const {
+    if (files_.names(path_, database)) {
+        throw Error(ErrNo::Io, path_ +
+                                   ": cannot be written: a database of this name would be its "
+                                   "own lock file; rename it");
+    }
+    if (!holdsEntries(*file_)) {
+        throw Error(ErrNo::Io, path_ +
+                                   ": is no lock file; the database beside it is not written "
+                                   "while it has this name");
+    }
 }
 
 bool LockFile::tryLock(const File& database) {
@@ -65,6 +96,7 @@ bool LockFile::tryLock(const File& database) {
     putName(entry, 0, computerName());
     putName(entry, kName, kUserName);
     try {
+        checkKind(database);
         file_->write(0, entry);
     } catch (const Error&) {
         unlock();

@@ -28,7 +28,8 @@ public:
     ~LockFile() = default;
 
     /// Makes the lock file when there is none; one that others may use who may use `database`.
-    /// False: somebody has it. Throws `Error`: `ErrNo::Io` where no file can be made,
+    /// False: somebody has it. Throws `Error`: `ErrNo::Io` where no file can be made, and where
+    /// one stands that is none of these, the database itself perhaps: it stays as it is;
     /// `ErrNo::Unsupported` where there are no locks.
     bool tryLock(const File& database);
     void unlock() noexcept;
@@ -41,6 +42,8 @@ public:
     void remove();
 
 private:
+    void checkKind(const File& database) const;
+
     FileSystem& files_;
     std::string path_;
     std::unique_ptr<File> file_;

@@ -130,6 +130,39 @@ TEST(JetJournal, DamagedOrEmptyItSaysNothing) {
     EXPECT_EQ(broken.folder.bytes(kDatabase).size(), broken.before.size());
 }
 
+TEST(JetJournal, AFileThatIsNoneStaysAndNothingIsWritten) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        bool isJournal;
+    };
+    const std::string zeros(512, '\0');
+    const Case cases[] = {
+        {"notes", "the plumber comes on Monday", false},
+        {"a database", test::firstLight(), false},
+        {"zeros and something in their sector", zeros.substr(1) + "n", false},
+        {"one that has ended", zeros + std::string(4112, 'r'), true},
+        {"one that was made and no more", "", true},
+        {"one that was cut off in its head", "VLJR", true},
+        {"one whose head says nothing", std::string("VLJRNL1\0", 8) + std::string(9000, 'x'), true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        MemoryFolder folder;
+        folder.put(kDatabase, test::firstLight());
+        folder.put(kJournal, c.bytes);
+        {
+            auto db = Database::open(kDatabase, Access::ReadWrite, test::fewPages(folder));
+            EXPECT_EQ(test::errorOf([&] { test::statements()[0].run(db); }),
+                      c.isJournal ? ErrNo::None : ErrNo::Io);
+            EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+        }
+        EXPECT_EQ(folder.bytes(kDatabase) != test::firstLight(), c.isJournal);
+        EXPECT_TRUE(folder.bytes(kJournal) == (c.isJournal ? "" : c.bytes));
+        EXPECT_EQ(folder.files(), c.isJournal ? 1U : 2U);
+    }
+}
+
 TEST(JetJournal, TheNextWriterIsNotMisledByWhatALongerOneLeft) {
     Broken broken;
     broken.openIt();

@@ -8,6 +8,7 @@
 #include "db/jet/ReadGuard.h"
 #include "db/jet/Transaction.h"
 #include "support/ErrorOf.h"
+#include "support/Support.h"
 
 namespace vl {
 namespace {
@@ -142,6 +143,64 @@ TEST_F(Several, AnotherEnginesLockFileStays) {
     const auto host = engine(1, "DESKTOP-7", "Anna");
     db = open();  // closes the first
     EXPECT_TRUE(folder.exists(kLockFile));
+}
+
+// A file of the user's may have the name of a lock file; so may the database.
+TEST_F(Several, AFileThatIsNoLockFileStaysAndNothingIsWritten) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        bool isLockFile;
+    };
+    const std::string entry = "PC-1" + std::string(28, '\0') + "Admin" + std::string(27, '\0');
+    const Case cases[] = {
+        {"notes", "the plumber comes on Monday", false},
+        {"notes of 64 bytes", std::string(64, 'n'), false},
+        {"an entry, then notes", entry + std::string(64, 'n'), false},
+        {"an entry and a half", entry + entry.substr(0, 32), false},
+        {"a database", test::firstLight(), false},
+        {"empty", "", true},
+        {"entries", entry + std::string(64, '\0') + entry, true},
+        {"as many as there can be", std::string(255U * 64, '\0'), true},
+        {"more than there can be", std::string(256U * 64, '\0'), false},
+        {"an entry that a crash has cut off", entry.substr(0, 32), true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        folder.put(kDatabase, test::firstLight());
+        folder.put(kLockFile, c.bytes);
+        {
+            Database db = open();
+            EXPECT_EQ(errorOf([&] { write(db); }), c.isLockFile ? ErrNo::None : ErrNo::Io);
+            EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+        }
+        EXPECT_EQ(folder.bytes(kDatabase) != test::firstLight(), c.isLockFile);
+        EXPECT_EQ(folder.exists(kLockFile), !c.isLockFile);
+        EXPECT_TRUE(folder.bytes(kLockFile) == (c.isLockFile ? "" : c.bytes));
+    }
+    folder.remove(kLockFile);
+    {
+        Database db = open();
+        write(db);
+        folder.put(kLockFile, "put there meanwhile");
+        EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    }
+    EXPECT_EQ(folder.bytes(kLockFile), "put there meanwhile");
+}
+
+TEST_F(Several, ADatabaseWithTheNameOfItsLockFileIsReadAndNotWritten) {
+    folder.put("folder/my.ldb", test::firstLight());
+    const auto options = test::fewPages(folder);
+    {
+        Database db = Database::open("folder/my.ldb", Access::ReadWrite, options);
+        EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+        EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    }
+    EXPECT_TRUE(folder.bytes("folder/my.ldb") == test::firstLight());
+    const test::TempFolder real;
+    const std::string path = (real / "my.ldb").string();
+    EXPECT_EQ(errorOf([&] { Database::create(path); }), ErrNo::Unsupported);
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(Several, NoOtherEngineComesInWhileOneWrites) {
