@@ -4,6 +4,7 @@
 
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "db/jet/FileReplaced.h"
 #include "db/jet/ReadGuard.h"
 
 namespace vl {
@@ -53,11 +54,21 @@ void Connection::ForRows(std::string_view statement,
     if (!db_) {
         throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
     }
-    jet::readWhole(*db_, [&] {
-        sql::RowStream rows(*db_, statement);
-        visit(rows);
-        return true;
-    });
+    const auto show = [&] {
+        jet::readWhole(*db_, [&] {
+            sql::RowStream rows(*db_, statement);
+            visit(rows);
+            return true;
+        });
+    };
+    try {
+        show();
+    } catch (const jet::FileReplaced&) {
+        if (!db_->openAnew()) {
+            throw;
+        }
+        show();
+    }
 }
 
 sql::Result Connection::Execute(std::string_view statement,

@@ -6,6 +6,7 @@
 #include "PageFile.h"
 #include "TableCache.h"
 #include "base/ErrorState.h"
+#include "db/jet/FileReplaced.h"
 #include "db/jet/ReadGuard.h"
 
 namespace vl::jet {
@@ -22,29 +23,50 @@ void checkStart(const std::string& name, const File& file) {
 }  // namespace
 
 Database Database::open(const std::string& path, Access access, const OpenOptions& options) {
-    auto file =
-        std::make_unique<PageFile>(options.files->open(path, access), path, access, options);
-    {
-        const ReadGuard guard(*file);
-        checkStart(path, file->file());
+    constexpr int kMostFiles = 3;
+    for (int times = 1;; ++times) {
+        auto file =
+            std::make_unique<PageFile>(options.files->open(path, access), path, access, options);
+        try {
+            const ReadGuard guard(*file);
+            checkStart(path, file->file());
+        } catch (const FileReplaced&) {
+            if (times == kMostFiles) {
+                throw;
+            }
+            continue;
+        }
+        return Database(std::move(file), options);
     }
-    return Database(std::move(file));
 }
+
+bool Database::openAnew() {
+    if (file_->inUse()) {
+        return false;
+    }
+    *this = open(file_->name(), file_->writable() ? Access::ReadWrite : Access::Read, options_);
+    return true;
+}
+
+void Database::replaceBy(const std::string& made) { file_->replaceBy(made); }
 
 Database Database::open(std::unique_ptr<File> file, std::string name, Access access) {
     checkStart(name, *file);
     return Database(std::make_unique<PageFile>(std::move(file), std::move(name), access));
 }
 
-Database::Database(std::unique_ptr<PageFile> file)
-    : file_(std::move(file)), cache_(std::make_unique<TableCache>(*file_)) {}
+Database::Database(std::unique_ptr<PageFile> file, const OpenOptions& options)
+    : file_(std::move(file)), cache_(std::make_unique<TableCache>(*file_)), options_(options) {}
 Database::Database(Database&&) noexcept = default;
 Database& Database::operator=(Database&&) noexcept = default;
 Database::~Database() = default;
 
 const std::string& Database::name() const noexcept { return file_->name(); }
 
-void Database::setPatience(std::chrono::milliseconds most) noexcept { file_->setPatience(most); }
+void Database::setPatience(std::chrono::milliseconds most) noexcept {
+    options_.patience = most;
+    file_->setPatience(most);
+}
 
 std::vector<TableInfo> Database::tables() const {
     return readWhole(*this, [&] { return cache_->tables(); });

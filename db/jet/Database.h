@@ -63,6 +63,17 @@ public:
     /// `ErrNo::Io`, also when it is a folder or a device; `target` is then as it was.
     void backUp(const std::string& target, FileSystem& files = systemFiles()) const;
 
+    /// Instead of the commit of an open transaction in which nothing was written: the file `made`,
+    /// in the same folder, takes the place of this one, with its rights and its owner. Whoever
+    /// waits to write learns that it was replaced. Throws `Error`: `ErrNo::Locked` when another
+    /// engine has written meanwhile, `ErrNo::Io`; the file is then as it was, and this of no use
+    /// any more.
+    void replaceBy(const std::string& made);
+    /// Opens what the name leads to now, as it was opened before; what refers to this is to be
+    /// gone. False, and nothing was done, while there is a transaction, a guard or a cursor. Throws
+    /// as `open`.
+    bool openAnew();
+
     /// The longest waiting for others in one statement, from now on.
     void setPatience(std::chrono::milliseconds most) noexcept;
 
@@ -110,12 +121,13 @@ private:
     friend CopyReport copyTables(Database& source, Database& target);
     friend CopyReport salvage(std::unique_ptr<File> source, const std::string& name,
                               Database& target);
-    explicit Database(std::unique_ptr<PageFile> file);
+    explicit Database(std::unique_ptr<PageFile> file, const OpenOptions& options = {});
     template <class Step>
     void change(Step&& step);
 
     std::unique_ptr<PageFile> file_;
     std::unique_ptr<TableCache> cache_;
+    OpenOptions options_;
 };
 
 }  // namespace vl::jet

@@ -28,7 +28,7 @@ PageFile::PageFile(std::unique_ptr<File> file, std::string path, Access access,
 
 PageFile::~PageFile() {
     rollback();
-    if (sharing_) {
+    if (sharing_ && file_) {
         sharing_->close(*file_);
     }
 }

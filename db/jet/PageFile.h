@@ -94,6 +94,15 @@ public:
     /// what it held; if that fails too, the next one who opens the file finds the journal.
     void rollback() noexcept;
 
+    /// Instead of a commit, where nothing was written: the file `made` takes the place of this one,
+    /// with its rights and owner, and is what is open from here on; nobody has written in between.
+    /// The transaction is ended. Throws `Error`: `ErrNo::Locked` when another engine wrote all the
+    /// same, and the transaction is still open; `ErrNo::Io`, `ErrNo::Unexpected`, and nothing is to
+    /// be read or written here any more.
+    void replaceBy(const std::string& made);
+    /// Whether there is a transaction, or anybody reads.
+    bool inUse() const noexcept { return changing_ || readers_ > 0; }
+
     /// As long as it is the same, the catalog and the definitions of tables are those that were
     /// read when it was asked for; asked inside a reading or a transaction.
     std::uint64_t definitionsStamp() const noexcept { return definitionsStamp_; }

@@ -146,6 +146,29 @@ void PageFile::commit() {
     }
 }
 
+void PageFile::replaceBy(const std::string& made) {
+    if (!sharing_ || !changing_ || readers_ > 0 || written_ || !changed_.empty()) {
+        throw Error(ErrNo::Unexpected, name_ + ": is not replaced by one who reads or has written");
+    }
+    if (known_ != look()) {
+        throw Error(ErrNo::Locked, name_ + ": was written by another program meanwhile");
+    }
+    changing_ = false;
+    const auto goOn = [&] {
+        if (file_) {
+            sharing_->endWriting(*file_, false);
+            refresh();
+        }
+    };
+    try {
+        sharing_->replace(file_, made, access_);
+    } catch (const Error&) {
+        goOn();
+        throw;
+    }
+    goOn();
+}
+
 void PageFile::rollback() noexcept {
     if (!changing_) {
         return;

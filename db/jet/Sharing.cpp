@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "base/ErrorState.h"
+#include "db/jet/FileReplaced.h"
 
 namespace vl::jet {
 
@@ -12,6 +13,7 @@ namespace {
 constexpr std::uint64_t kWaiting = 0xC0000001;
 constexpr std::uint64_t kReading = 0xC0000002;
 constexpr std::uint64_t kTurn = 0xC0000003;
+constexpr std::uint64_t kWriting = 0xC0000004;
 
 }  // namespace
 
@@ -76,17 +78,27 @@ Sharing::Sharing(const std::string& path, const OpenOptions& options)
       most_(options.patience),
       patience_(*waiter_, most_),
       path_(path),
-      lockFile_(*files_, path),
-      journal_(*files_, path) {}
+      real_(files_->fileBehind(path)),
+      lockFile_(*files_, real_),
+      journal_(*files_, real_) {}
 
 std::optional<BrokenChange> Sharing::brokenChange(const File& database) const {
-    return BrokenChange::find(*files_, path_, database);
+    return BrokenChange::find(*files_, real_, database);
 }
 
 // Whoever opened the old file would read what no longer is, and write what nobody finds.
 void Sharing::checkName(const File& database) const {
-    if (!files_->names(path_, database)) {
-        throw Error(ErrNo::Io, path_ + ": was removed or replaced since it was opened");
+    if (!files_->names(real_, database) || (path_ != real_ && !files_->names(path_, database))) {
+        throw FileReplaced(path_);
+    }
+}
+
+// Who comes by another name has another lock file and another journal, beside that name.
+void Sharing::checkOnlyName(const File& database) const {
+    if (const std::uint64_t names = files_->nameCount(database); names > 1) {
+        throw Error(ErrNo::Io, path_ + ": cannot be written: the file has " +
+                                   std::to_string(names) +
+                                   " names (hard links); remove or copy the others");
     }
 }
 
@@ -103,11 +115,16 @@ void Sharing::share(File& database) {
     if (!shared) {
         throw Error(ErrNo::Locked, path_ + ": is being written by " + lockFile_.holder());
     }
+    try {
+        checkName(database);
+    } catch (const Error&) {
+        endReading(database);
+        throw;
+    }
 }
 
 std::optional<BrokenChange> Sharing::beginReading(File& database) {
     startWaiting();
-    checkName(database);
     share(database);
     try {
         std::optional<BrokenChange> broken = brokenChange(database);
@@ -133,27 +150,45 @@ void Sharing::endReading(File& database) noexcept { dataLock_.release(database, 
 void Sharing::takeBackIfPossible() {
     const ErrScope scope;
     attempt([&] {
-        const auto database = files_->open(path_, Access::ReadWrite);
-        LockFile lockFile(*files_, path_);
-        if (!lockFile.tryLock(*database)) {
+        const auto database = files_->open(real_, Access::ReadWrite);
+        checkOnlyName(*database);
+        LockFile lockFile(*files_, real_);
+        if (!database->tryLock(kWriting, 1, LockKind::Exclusive) || !lockFile.tryLock(*database)) {
             return;
         }
+        checkName(*database);
         DataLock lock;
         if (patience_.until([&] { return lock.tryExclusive(*database); })) {
             if (const auto broken = brokenChange(*database)) {
-                broken->takeBack(*files_, path_, *database);
+                broken->takeBack(*files_, real_, *database);
             }
-            Journal(*files_, path_).removeIdle();
+            Journal(*files_, real_).removeIdle();
         }
         lockFile.remove();
     });
+}
+
+bool Sharing::tryToWrite(File& database) {
+    if (!database.tryLock(kWriting, 1, LockKind::Exclusive)) {
+        return false;
+    }
+    try {
+        if (lockFile_.tryLock(database)) {
+            return true;
+        }
+    } catch (const Error&) {
+        database.unlock(kWriting, 1);
+        throw;
+    }
+    database.unlock(kWriting, 1);
+    return false;
 }
 
 void Sharing::lockForWriting(File& database) {
     bool locked = patience_.until([&] { return database.tryLock(kTurn, 1, LockKind::Exclusive); });
     if (locked) {
         try {
-            locked = patience_.until([&] { return lockFile_.tryLock(database); });
+            locked = patience_.until([&] { return tryToWrite(database); });
         } catch (const Error&) {
             database.unlock(kTurn, 1);
             throw;
@@ -168,12 +203,21 @@ void Sharing::lockForWriting(File& database) {
 void Sharing::beginWriting(File& database, bool reading) {
     startWaiting();
     checkName(database);
+    checkOnlyName(database);
     lockForWriting(database);
     hasWritten_ = true;
     try {
+        checkName(database);
+    } catch (const Error&) {
+        const ErrScope scope;
+        attempt([&] { lockFile_.remove(); });  // nobody comes back to it
+        endWriting(database, reading);
+        throw;
+    }
+    try {
         if (const auto broken = brokenChange(database)) {
             keepReadersOut(database);
-            broken->takeBack(*files_, path_, database);
+            broken->takeBack(*files_, real_, database);
             dataLock_.release(database, reading);
         }
     } catch (const Error&) {
@@ -191,13 +235,28 @@ void Sharing::keepReadersOut(File& database) {
 void Sharing::takeBack(File& database) {
     journal_.abandon();
     if (const auto broken = brokenChange(database)) {
-        broken->takeBack(*files_, path_, database);
+        broken->takeBack(*files_, real_, database);
     }
 }
 
 void Sharing::endWriting(File& database, bool stillReading) noexcept {
     dataLock_.release(database, stillReading);
     lockFile_.unlock();
+    database.unlock(kWriting, 1);
+}
+
+void Sharing::replace(std::unique_ptr<File>& database, const std::string& by, Access access) {
+    files_->shareRights(by, *database);
+    // Not every system replaces a file that is open. The lock file keeps writers out meanwhile.
+    database.reset();
+    try {
+        files_->rename(by, real_);
+    } catch (const Error&) {
+        database = files_->open(real_, access);
+        throw;
+    }
+    database = files_->open(real_, access);
+    files_->flushFolderOf(real_);
 }
 
 void Sharing::close(File& database) noexcept {
@@ -206,7 +265,7 @@ void Sharing::close(File& database) noexcept {
     }
     const ErrScope scope;
     attempt([&] {
-        if (files_->names(path_, database) && lockFile_.tryLock(database)) {
+        if (files_->names(real_, database) && lockFile_.tryLock(database)) {
             journal_.removeIdle();
             lockFile_.remove();
         }

@@ -14,7 +14,12 @@
 //  5. These bytes lie in the database itself, where no file of this format ends: reading needs no
 //     lock file and no right to write. Another engine takes no notice of them, and none of its
 //     locks is in their way.
-//  6. A broken-off change is taken back by who has the right to write and keeps readers out; one
+//  6. Who writes also holds the byte "writing" of the database: one writer at a time also where
+//     folders give one file several lock files. A file with several names of its own is not
+//     written at all, since a journal lies beside one of them only.
+//  7. Who puts another file in the place of one keeps the right to write until that has the name.
+//     So the name is asked for again by who has got the right.
+//  8. A broken-off change is taken back by who has the right to write and keeps readers out; one
 //     who has not reads the old pages out of the journal.
 #pragma once
 
@@ -49,17 +54,20 @@ private:
 /// a change or the beginning of a reading; then comes `ErrNo::Locked`.
 class Sharing {
 public:
+    /// Throws `Error` (`ErrNo::Io`) as `FileSystem::fileBehind`.
     Sharing(const std::string& path, const OpenOptions& options);
     Sharing(const Sharing&) = delete;
     Sharing& operator=(const Sharing&) = delete;
     ~Sharing() = default;
 
     /// Keeps writers out. Takes a broken-off change back; gives it when that cannot be done now.
+    /// Throws `FileReplaced`, as `beginWriting` does.
     std::optional<BrokenChange> beginReading(File& database);
     void endReading(File& database) noexcept;
 
     /// The right to write, with all broken-off changes taken back; `reading`: this open file reads
-    /// already. Throws `ErrNo::Locked`, saying who has the file.
+    /// already. Throws `ErrNo::Locked`, saying who has the file; `ErrNo::Io` also for one that has
+    /// several names.
     void beginWriting(File& database, bool reading);
     /// Before the first page is written; again costs nothing.
     void keepReadersOut(File& database);
@@ -67,6 +75,9 @@ public:
     /// After a failed commit: gives the database back what it held.
     void takeBack(File& database);
     void endWriting(File& database, bool stillReading) noexcept;
+    /// With the right to write, which stays: the file `by` gets this one's name, rights and owner,
+    /// and is open then. Throws `ErrNo::Io`; `database` is none then when it cannot even be opened.
+    void replace(std::unique_ptr<File>& database, const std::string& by, Access access);
     /// Called last: removes journal and lock file, if there may be any, unless somebody needs them.
     void close(File& database) noexcept;
 
@@ -75,8 +86,10 @@ public:
 private:
     std::optional<BrokenChange> brokenChange(const File& database) const;
     void checkName(const File& database) const;
+    void checkOnlyName(const File& database) const;
     void share(File& database);
     void lockForWriting(File& database);
+    bool tryToWrite(File& database);
     void takeBackIfPossible();
     void startWaiting() { patience_ = Patience(*waiter_, most_); }
 
@@ -84,7 +97,8 @@ private:
     Waiter* waiter_;
     std::chrono::milliseconds most_;
     Patience patience_;
-    std::string path_;
+    std::string path_;  // as it was given
+    std::string real_;  // where it leads, when it is a link
     LockFile lockFile_;
     Journal journal_;
     DataLock dataLock_;

@@ -10,6 +10,7 @@
 #include "SelectRows.h"
 #include "Sql.h"
 #include "base/Text.h"
+#include "db/jet/FileReplaced.h"
 #include "db/jet/ReadGuard.h"
 #include "db/jet/Transaction.h"
 
@@ -124,6 +125,23 @@ private:
     const RowTaker* take_;
 };
 
+// Who waited while a file was written anew has the old one open. The error comes before anything
+// was given or changed.
+Result executeWhole(jet::Database& db, std::string_view text, const RowTaker* take,
+                    std::span<const Parameter> parameters) {
+    constexpr int kMostFiles = 3;
+    for (int times = 1;; ++times) {
+        Statement statement = parse(text);
+        try {
+            return std::visit(Run(db, parameters, take), statement);
+        } catch (const jet::FileReplaced&) {
+            if (times == kMostFiles || !db.openAnew()) {
+                throw;
+            }
+        }
+    }
+}
+
 }  // namespace
 
 bool isQuery(std::string_view statement) noexcept {
@@ -135,14 +153,12 @@ bool isQuery(std::string_view statement) noexcept {
 }
 
 Result execute(jet::Database& db, std::string_view text, std::span<const Parameter> parameters) {
-    Statement statement = parse(text);
-    return std::visit(Run(db, parameters, nullptr), statement);
+    return executeWhole(db, text, nullptr, parameters);
 }
 
 Result execute(jet::Database& db, std::string_view text, const RowTaker& take,
                std::span<const Parameter> parameters) {
-    Statement statement = parse(text);
-    return std::visit(Run(db, parameters, &take), statement);
+    return executeWhole(db, text, &take, parameters);
 }
 
 }  // namespace vl::sql

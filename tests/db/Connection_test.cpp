@@ -78,5 +78,46 @@ TEST_F(ConnectionTest, WritesThoughItWasOpenedForReading) {
     EXPECT_EQ(connection_.State(), Connection::kStateOpen);
 }
 
+// Another program writes the file anew, and gives the new one its name.
+TEST_F(ConnectionTest, GoesOnWithTheFileThatTookThePlaceOfTheOldOne) {
+    const std::string file = copyTo("a.RemindDB");
+    const std::string count = "SELECT COUNT(*) FROM Reminders";
+    const std::string change = "UPDATE Reminders SET Hidden = True WHERE EventID < 1003";
+    const auto replace = [&](int gone) {
+        const std::string other = copyTo("b.RemindDB");
+        Connection writer;
+        writer.Open(stringFor(other));
+        writer.Execute("DELETE FROM Reminders WHERE EventID > " + std::to_string(1012 - gone));
+        writer.Close();
+        std::filesystem::rename(other, file);
+    };
+    const auto shown = [&] {
+        int rows = 0;
+        connection_.ForRows("SELECT * FROM Reminders", [&](sql::RowStream& stream) {
+            for (rows = 0; stream.next();) {
+                ++rows;
+            }
+        });
+        return rows;
+    };
+    const auto counted = [&] { return connection_.Execute(count).rows[0][0].toInt32(); };
+    connection_.Open(stringFor(file));
+    ASSERT_EQ(counted(), 12);
+    replace(1);
+    const int fewer = counted();
+    EXPECT_LT(fewer, 12);
+    replace(2);
+    EXPECT_LT(shown(), fewer);
+    EXPECT_EQ(connection_.Execute(change).affected, 2);
+    copyTo("c.RemindDB");
+    std::filesystem::rename(folder_ / "c.RemindDB", file);
+    EXPECT_EQ(connection_.Execute(change).affected, 2) << "written to the new one";
+    EXPECT_EQ(connection_.Execute("SELECT * FROM Reminders WHERE Hidden").rows.size(), 2U);
+    EXPECT_EQ(counted(), 12);
+    std::filesystem::remove(file);
+    EXPECT_EQ(errorOf([&] { counted(); }), ErrNo::NotFound);
+    EXPECT_EQ(connection_.State(), Connection::kStateOpen);
+}
+
 }  // namespace
 }  // namespace vl

@@ -1,6 +1,7 @@
 // Several who have one file open.
 #include <gtest/gtest.h>
 
+#include "Journal.h"
 #include "LockFile.h"
 #include "ManualWaiter.h"
 #include "Rows.h"
@@ -387,6 +388,135 @@ TEST_F(Several, TheFileThatWasReplacedIsNotWritten) {
     folder.remove(kDatabase);
     EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
     EXPECT_FALSE(folder.exists(kDatabase));
+}
+
+TEST_F(Several, TheFileThatWasReplacedIsOpenedAnewWhereNobodyUsesTheOldOne) {
+    Database db = open();
+    folder.put(kDatabase, test::generated());
+    EXPECT_EQ(errorOf([&] { db.tables(); }), ErrNo::Io);
+    ASSERT_TRUE(db.openAnew());
+    EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 500U);
+    write(db);
+    EXPECT_TRUE(folder.bytes(kDatabase) != test::generated());
+    {
+        const ReadGuard guard(db);
+        EXPECT_FALSE(db.openAnew());
+    }
+    {
+        const Transaction change(db);
+        EXPECT_FALSE(db.openAnew());
+    }
+    db = open();
+    EXPECT_EQ(folder.files(), 1U);
+}
+
+TEST_F(Several, WhoWaitsForOneThatReplacesTheFileLearnsOfIt) {
+    const std::string made = "folder/made.new";
+    folder.put(made, test::generated());
+    Database first = open();
+    Database second = open();
+    {
+        auto change = std::make_unique<Transaction>(first);
+        waiter.onSleep = [&] {
+            waiter.onSleep = nullptr;
+            first.replaceBy(made);
+            change.reset();
+        };
+        EXPECT_EQ(errorOf([&] { write(second); }), ErrNo::Io);
+        waiter.onSleep = nullptr;
+    }
+    EXPECT_TRUE(folder.bytes(kDatabase) == test::generated());
+    EXPECT_FALSE(folder.exists(made));
+    EXPECT_EQ(test::rowsOf(first.table("Reminders")).ids.size(), 500U);
+    ASSERT_TRUE(second.openAnew());
+    write(second);
+    EXPECT_TRUE(folder.bytes(kDatabase) != test::generated());
+    second = open();
+    first = open();
+    EXPECT_EQ(folder.files(), 1U);
+}
+
+TEST_F(Several, AFileIsReplacedAsAWholeOrNotAtAll) {
+    const std::string made = "folder/made.new";
+    bool whole = false;
+    for (int n = 1; !whole; ++n) {
+        SCOPED_TRACE(n);
+        folder.put(kDatabase, test::firstLight());
+        folder.put(made, test::generated());
+        {
+            Database db = open();
+            const Transaction change(db);
+            folder.fail(test::MemoryFolder::Fault::Once, n);
+            whole = errorOf([&] { db.replaceBy(made); }) == ErrNo::None;
+        }
+        folder.fail(test::MemoryFolder::Fault::None, 0);
+        const bool replaced = folder.bytes(kDatabase) == test::generated();
+        EXPECT_TRUE(replaced || (!whole && folder.bytes(kDatabase) == test::firstLight()));
+        EXPECT_EQ(folder.exists(made), !replaced);
+        Database next = open();
+        write(next);
+    }
+    folder.put(kDatabase, test::firstLight());
+    folder.put(made, test::generated());
+    Database db = open();
+    {
+        Transaction change(db);
+        const auto host = folder.open(kDatabase, Access::ReadWrite);
+        host->write(0xE04, std::vector<std::byte>(2));
+        EXPECT_EQ(errorOf([&] { db.replaceBy(made); }), ErrNo::Locked) << "another engine wrote";
+    }
+    EXPECT_TRUE(folder.exists(made));
+    EXPECT_EQ(errorOf([&] { db.replaceBy(made); }), ErrNo::Unexpected) << "no transaction";
+}
+
+TEST_F(Several, ALinkLeadsToTheSameLocksAndTheSameJournal) {
+    const std::string link = "elsewhere/link.mdb";
+    folder.link(kDatabase, link);
+    Database real = open();
+    jet::OpenOptions options = test::fewPages(folder);
+    options.waiter = &waiter;
+    Database linked = Database::open(link, Access::ReadWrite, options);
+    {
+        const Transaction change(linked);
+        EXPECT_TRUE(folder.exists(kLockFile));
+        EXPECT_NE(errorText([&] { write(real); }).find("is in use by"), std::string::npos);
+    }
+    test::statements()[1].run(linked);
+    EXPECT_TRUE(folder.exists(jet::journalOf(kDatabase)));
+    EXPECT_EQ(test::rowsOf(real.table("Reminders")).ids.size(), 15U);
+    folder.put("folder/other.mdb", test::firstLight());
+    folder.link("folder/other.mdb", link);
+    EXPECT_EQ(errorOf([&] { write(linked); }), ErrNo::Io) << "it leads elsewhere now";
+    linked = open();
+    real = open();
+    EXPECT_EQ(folder.files(), 2U);
+}
+
+TEST_F(Several, AFileWithTwoNamesOfItsOwnIsReadAndNotWritten) {
+    folder.hardLink(kDatabase, "elsewhere/same.mdb");
+    Database db = open();
+    EXPECT_EQ(errorOf([&] { write(db); }), ErrNo::Io);
+    EXPECT_EQ(test::rowsOf(db.table("Reminders")).ids.size(), 12U);
+    EXPECT_TRUE(folder.bytes(kDatabase) == test::firstLight());
+    EXPECT_EQ(folder.files(), 2U);
+    folder.remove("elsewhere/same.mdb");
+    write(db);
+    EXPECT_TRUE(folder.bytes(kDatabase) != test::firstLight());
+}
+
+// Where a folder is mounted twice, or a file, one of them may have a lock file of its own.
+TEST_F(Several, OneWritesAtATimeAlsoWithoutTheSameLockFile) {
+    constexpr std::uint64_t kWriting = 0xC0000004;
+    Database db = open();
+    const auto other = folder.open(kDatabase, Access::ReadWrite);
+    {
+        const Transaction change(db);
+        EXPECT_FALSE(other->tryLock(kWriting, 1, LockKind::Exclusive));
+    }
+    ASSERT_TRUE(other->tryLock(kWriting, 1, LockKind::Exclusive));
+    EXPECT_NE(errorText([&] { write(db); }).find("is in use by"), std::string::npos);
+    other->unlock(kWriting, 1);
+    write(db);
 }
 
 TEST_F(Several, AFileThatShrinksWhileItIsOpenIsAnErrorAndStaysAsItIs) {

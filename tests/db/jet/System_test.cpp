@@ -11,6 +11,8 @@
 #include "Rows.h"
 #include "Statements.h"
 #include "db/jet/FileStamp.h"
+#include "db/jet/ReadGuard.h"
+#include "db/jet/Transaction.h"
 #include "support/ErrorOf.h"
 #include "support/Support.h"
 
@@ -74,6 +76,65 @@ TEST_F(JetSystem, NobodyWritesIntoAFolderThatIsGone) {
     EXPECT_EQ(errorOf([&] { test::statements()[0].run(db); }), ErrNo::Io);
     EXPECT_EQ(errorOf([&] { db.tables(); }), ErrNo::Io);
     EXPECT_FALSE(std::filesystem::exists(folder.path()));
+}
+
+TEST_F(JetSystem, LinksAreFollowedToTheFileThatIsWritten) {
+    namespace fs = std::filesystem;
+    const test::TempFolder other;
+    const fs::path link = other / "link.mdb";
+    fs::create_symlink(path, other / "first.mdb");
+    fs::create_symlink("first.mdb", link);
+    jet::FileSystem& files = jet::systemFiles();
+    EXPECT_EQ(files.fileBehind(link.string()), path.string());
+    EXPECT_EQ(files.fileBehind(path.string()), path.string());
+    EXPECT_EQ(files.fileBehind((folder / "none").string()), (folder / "none").string());
+    fs::create_symlink(folder / "none", other / "dangling");
+    EXPECT_EQ(files.fileBehind((other / "dangling").string()), (folder / "none").string());
+    fs::create_symlink("endless", other / "endless");
+    EXPECT_EQ(errorOf([&] { files.fileBehind((other / "endless").string()); }), ErrNo::Io);
+    EXPECT_EQ(errorOf([&] { files.fileBehind(folder.path().string()); }), ErrNo::Io);
+    {
+        auto db = Database::open(link.string(), Access::ReadWrite);
+        test::statements()[0].run(db);
+        EXPECT_TRUE(fs::exists(jet::lockFileOf(path.string())));
+        EXPECT_FALSE(fs::exists(jet::lockFileOf(link.string())));
+        EXPECT_EQ(errorOf([&] { open(Access::ReadWrite).backUp(link.string()); }), ErrNo::Exists);
+    }
+    EXPECT_TRUE(test::readFile(path) != test::firstLight());
+    // A copy goes where the link leads, and the link stays.
+    test::writeFile(folder / "none", "older");
+    open(Access::Read).backUp((other / "dangling").string());
+    EXPECT_TRUE(fs::is_symlink(other / "dangling"));
+    EXPECT_TRUE(test::readFile(folder / "none") == test::readFile(path));
+    EXPECT_EQ(std::distance(fs::directory_iterator(other.path()), {}), 4);
+}
+
+TEST_F(JetSystem, AFileWithTwoNamesIsNotWritten) {
+    const test::TempFolder other;
+    std::filesystem::create_hard_link(path, other / "same.mdb");
+    auto db = open(Access::ReadWrite);
+    EXPECT_EQ(errorOf([&] { test::statements()[0].run(db); }), ErrNo::Io);
+    EXPECT_TRUE(test::readFile(path) == test::firstLight());
+    std::filesystem::remove(other / "same.mdb");
+    test::statements()[0].run(db);
+    EXPECT_TRUE(test::readFile(path) != test::firstLight());
+}
+
+TEST_F(JetSystem, AFileIsReplacedByOneWithTheSameRights) {
+    namespace fs = std::filesystem;
+    const fs::path made = folder / "made.new";
+    test::writeFile(made, test::generated());
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+    const fs::perms before = fs::status(path).permissions();
+    auto db = open(Access::ReadWrite);
+    {
+        const jet::Transaction change(db);
+        db.replaceBy(made.string());
+    }
+    EXPECT_EQ(db.table("Reminders").rowCount(), 500U);
+    EXPECT_TRUE(test::readFile(path) == test::generated());
+    EXPECT_EQ(fs::status(path).permissions(), before);
+    EXPECT_FALSE(fs::exists(made));
 }
 
 #ifndef _WIN32
