@@ -1,11 +1,10 @@
-#include <filesystem>
 #include <ostream>
 
 #include "Command.h"
 #include "Rewrite.h"
 #include "base/ErrorState.h"
-#include "base/Text.h"
-#include "db/jet/FileStamp.h"
+#include "db/jet/File.h"
+#include "db/jet/FileReplaced.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
 
@@ -13,9 +12,15 @@ namespace vl::tools {
 
 namespace {
 
-namespace fs = std::filesystem;
+std::uint64_t sizeOf(const std::string& file) {
+    return jet::openFile(file, jet::Access::Read)->size();
+}
 
-fs::path pathOf(const std::string& name) { return text::toUtf16(name); }
+void writeLeft(const jet::CopyReport& report, std::ostream& out) {
+    for (const jet::Finding& left : report.lost) {
+        out << "page " << left.page << ": " << left.what << '\n';
+    }
+}
 
 jet::CopyReport copyWhole(jet::Database& source, const std::string& target) {
     const std::size_t findings = checkDatabase(source).size();
@@ -28,53 +33,46 @@ jet::CopyReport copyWhole(jet::Database& source, const std::string& target) {
     return makeAnew(target, [&](jet::Database& made) { return copyTables(source, made); });
 }
 
-// Nobody writes meanwhile, and whoever did all the same keeps what he wrote.
-jet::CopyReport compactInPlace(const std::string& file) {
-    const std::string made = file + ".compact";
-    jet::CopyReport report;
-    jet::FileStamp before;
-    {
-        auto source = jet::Database::open(file, jet::Access::ReadWrite);
-        const jet::Transaction keepsOthersOut(source);
-        before = jet::stampOf(file);
-        report = copyWhole(source, made);
+// Nobody writes from the first look at the file until the new one has its name.
+jet::CopyReport compactInPlace(const std::string& file, const Streams& streams) {
+    auto source = jet::Database::open(file, jet::Access::ReadWrite);
+    const jet::Transaction keepsOthersOut(source);
+    const std::string made = jet::nameBeside(jet::systemFiles().fileBehind(file));
+    jet::CopyReport report = copyWhole(source, made);
+    Begun begun(made);
+    if (!report.lost.empty()) {
+        writeLeft(report, streams.err);
+        throw Error(ErrNo::Unsupported, file +
+                                            ": stays as it is, since this would be left out; "
+                                            "remindb compact FILE TARGET writes the rest anew");
     }
-    std::error_code error;
-    const fs::path real = fs::canonical(pathOf(file), error);
-    if (!error && jet::stampOf(file) != before) {
-        error = std::make_error_code(std::errc::text_file_busy);
-    }
-    if (!error) {
-        fs::permissions(pathOf(made), fs::status(real).permissions(), error);
-    }
-    if (!error) {
-        fs::rename(pathOf(made), real, error);
-    }
-    if (error) {
-        std::error_code ignored;
-        fs::remove(pathOf(made), ignored);
-        throw Error(ErrNo::Io, file + ": cannot be replaced: " + error.message());
-    }
+    source.replaceBy(made);
+    begun.keep();
     return report;
+}
+
+jet::CopyReport compactAlone(const std::string& file, const Streams& streams) {
+    try {
+        return compactInPlace(file, streams);
+    } catch (const jet::FileReplaced&) {
+        return compactInPlace(file, streams);  // somebody else did so while this one waited
+    }
 }
 
 int run(const Arguments& arguments, const Streams& streams) {
     const std::string& file = arguments.words[0];
-    const std::uintmax_t before = fs::file_size(pathOf(file));
-    const bool inPlace = arguments.words.size() == 1;
     const std::string& target = arguments.words.back();
+    const std::uint64_t before = sizeOf(file);
     jet::CopyReport report;
-    if (inPlace) {
-        report = compactInPlace(file);
+    if (arguments.words.size() == 1) {
+        report = compactAlone(file, streams);
     } else {
         auto source = jet::Database::open(file, jet::Access::Read);
         report = copyWhole(source, target);
     }
-    for (const jet::Finding& left : report.lost) {
-        streams.out << "page " << left.page << ": " << left.what << '\n';
-    }
+    writeLeft(report, streams.out);
     streams.out << target << ": " << countText(report) << ", " << before << " bytes before, "
-                << fs::file_size(pathOf(target)) << " now\n";
+                << sizeOf(target) << " now\n";
     return kDone;
 }
 
@@ -85,8 +83,8 @@ Command compactCommand() {
             .synopsis = "FILE [TARGET]",
             .description =
                 "writes the tables of FILE anew, without what is no longer used, in\n"
-                "its place or into a new file TARGET; programs that have FILE open\n"
-                "are to be closed before",
+                "its place, unless something would be left out, or into a new file\n"
+                "TARGET",
             .fewestWords = 1,
             .mostWords = 2,
             .words = "a file, and perhaps one to make",

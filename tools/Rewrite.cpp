@@ -1,6 +1,5 @@
 #include "Rewrite.h"
 
-#include <filesystem>
 #include <optional>
 
 #include "base/ErrorState.h"
@@ -11,30 +10,20 @@ namespace vl::tools {
 
 namespace {
 
-/// Removes a file that was begun, unless it is kept.
-class Begun {
-public:
-    explicit Begun(const std::string& path) : path_(text::toUtf16(path)) {}
-    Begun(const Begun&) = delete;
-    Begun& operator=(const Begun&) = delete;
-    ~Begun() {
-        if (!kept_) {
-            std::error_code ignored;
-            std::filesystem::remove(path_, ignored);
-        }
-    }
-    void keep() { kept_ = true; }
-
-private:
-    std::filesystem::path path_;
-    bool kept_ = false;
-};
-
 std::string counted(std::uint64_t n, const char* what) {
     return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
 }
 
 }  // namespace
+
+Begun::Begun(const std::string& path) : path_(text::toUtf16(path)) {}
+
+Begun::~Begun() {
+    if (!kept_) {
+        std::error_code ignored;
+        std::filesystem::remove(path_, ignored);
+    }
+}
 
 jet::CopyReport makeAnew(const std::string& target,
                          const std::function<jet::CopyReport(jet::Database&)>& fill) {

@@ -1,6 +1,7 @@
 // Databases that are written anew.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -8,6 +9,20 @@
 #include "db/jet/copy/Copy.h"
 
 namespace vl::tools {
+
+/// Removes a file that was begun, unless it is kept.
+class Begun {
+public:
+    explicit Begun(const std::string& path);
+    Begun(const Begun&) = delete;
+    Begun& operator=(const Begun&) = delete;
+    ~Begun();
+    void keep() { kept_ = true; }
+
+private:
+    std::filesystem::path path_;
+    bool kept_ = false;
+};
 
 /// Makes a database at `target` and lets `fill` write into it; then everything in it is checked.
 /// When anything of this fails, nothing is left there. Throws `Error`: `ErrNo::Exists` when there
