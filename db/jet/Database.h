@@ -119,6 +119,8 @@ private:
     friend class Transaction;
     friend std::vector<Finding> checkDatabase(Database& db);
     friend CopyReport copyTables(Database& source, Database& target);
+    friend CopyReport salvage(const std::string& path, Database& target,
+                              const OpenOptions& options);
     friend CopyReport salvage(std::unique_ptr<File> source, const std::string& name,
                               Database& target);
     explicit Database(std::unique_ptr<PageFile> file, const OpenOptions& options = {});

@@ -18,6 +18,9 @@ struct OpenOptions {
     /// written early, and keeps readers out from then on.
     std::size_t mostChangedPages = 2048;
     FileSystem* files = &systemFiles();
+    /// A change that was broken off is taken back in the file. Else the file stays as it is, and
+    /// who reads it is given what it held before.
+    bool takesBack = true;
 };
 
 }  // namespace vl::jet

@@ -79,6 +79,7 @@ Sharing::Sharing(const std::string& path, const OpenOptions& options)
       patience_(*waiter_, most_),
       path_(path),
       real_(files_->fileBehind(path)),
+      takesBack_(options.takesBack),
       lockFile_(*files_, real_),
       journal_(*files_, real_) {}
 
@@ -128,7 +129,7 @@ std::optional<BrokenChange> Sharing::beginReading(File& database) {
     share(database);
     try {
         std::optional<BrokenChange> broken = brokenChange(database);
-        if (broken) {
+        if (broken && takesBack_) {
             broken.reset();
             endReading(database);
             takeBackIfPossible();

@@ -99,6 +99,7 @@ private:
     Patience patience_;
     std::string path_;  // as it was given
     std::string real_;  // where it leads, when it is a link
+    bool takesBack_;
     LockFile lockFile_;
     Journal journal_;
     DataLock dataLock_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "db/jet/File.h"
+#include "db/jet/OpenOptions.h"
 #include "db/jet/check/Findings.h"
 
 namespace vl::jet {
@@ -32,10 +33,12 @@ CopyReport copyTables(Database& source, Database& target);
 /// lost. Definitions that the catalog has lost are found page by page; these tables are named by
 /// their page. Rows are taken from the pages that a table's map says are its own, or where the map
 /// is lost from all pages that say so and are not free. Queries, linked tables and relationships
-/// are lost. Throws `Error`: `ErrNo::Format` for a file
-/// of another kind, what the system refuses, what writing throws.
-CopyReport salvage(const std::string& path, Database& target);
-/// The same of an open file; `name` stands in the texts of errors.
+/// are lost. The file stays as it is; what it held before a change that was broken off is read from
+/// its journal, and writers are kept out meanwhile. Throws `Error`: `ErrNo::Format` for a file
+/// of another kind, `ErrNo::Locked` when somebody writes for longer than we wait, what the system
+/// refuses, what writing throws.
+CopyReport salvage(const std::string& path, Database& target, const OpenOptions& options = {});
+/// The same of an open file that nobody else has; `name` stands in the texts of errors.
 CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target);
 
 }  // namespace vl::jet

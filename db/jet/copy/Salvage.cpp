@@ -5,6 +5,7 @@
 #include "SalvageReader.h"
 #include "TablePlan.h"
 #include "base/ErrorState.h"
+#include "db/jet/ReadGuard.h"
 #include "db/jet/copy/Copy.h"
 #include "define/CatalogWriter.h"
 
@@ -55,16 +56,9 @@ std::uint64_t copyRows(SalvageReader& reader, const TableDefinition& table, Data
     return count;
 }
 
-}  // namespace
-
-CopyReport salvage(const std::string& path, Database& target) {
-    return salvage(openFile(path, Access::Read), path, target);
-}
-
-CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target) {
-    Findings findings(name);
-    lookAtHeader(*source, name, findings);
-    PageFile file(std::move(source), name, Access::Read);
+CopyReport salvageTables(PageFile& file, Database& target, PageFile& targetFile,
+                         Findings& findings) {
+    lookAtHeader(file.file(), file.name(), findings);
     SalvageReader reader(file, findings);
     CopyReport report;
     for (const TableDefinition& table : reader.tables()) {
@@ -80,10 +74,33 @@ CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Databa
         }
         report.rows += copyRows(reader, table, target, findings);
         Transaction change(target);
-        finishTable(*target.file_, definitionPageOf(target, table.name), plan);
+        finishTable(targetFile, definitionPageOf(target, table.name), plan);
         change.commit();
         ++report.tables;
     }
+    return report;
+}
+
+}  // namespace
+
+CopyReport salvage(const std::string& path, Database& target, const OpenOptions& options) {
+    OpenOptions asItIs = options;
+    asItIs.takesBack = false;
+    PageFile file(options.files->open(path, Access::Read), path, Access::Read, asItIs);
+    const ReadGuard guard(file);
+    Findings findings(path);
+    CopyReport report = salvageTables(file, target, *target.file_, findings);
+    if (guard.disturbed()) {
+        findings.add(0, "another program wrote while this was read: rows may be lost or halves");
+    }
+    report.lost = findings.take();
+    return report;
+}
+
+CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target) {
+    PageFile file(std::move(source), name, Access::Read);
+    Findings findings(name);
+    CopyReport report = salvageTables(file, target, *target.file_, findings);
     report.lost = findings.take();
     return report;
 }

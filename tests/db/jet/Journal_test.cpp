@@ -6,6 +6,7 @@
 #include "Journal.h"
 #include "Rows.h"
 #include "Statements.h"
+#include "db/jet/copy/Copy.h"
 #include "support/ErrorOf.h"
 
 namespace vl {
@@ -62,6 +63,41 @@ TEST(JetJournal, ABrokenChangeIsTakenBackByTheNextWhoOpensTheFile) {
     broken.openIt();
     EXPECT_TRUE(broken.folder.bytes(kDatabase) == broken.before);
     EXPECT_EQ(broken.folder.files(), 1U);
+}
+
+// What can be read of a file is what can be read of it once the change is taken back.
+TEST(JetJournal, WhoSavesWhatCanBeReadReadsThroughItAndChangesNothing) {
+    Broken broken;
+    test::Disk disk(broken.before);
+    const auto expected = test::rowsOf(test::openMemory(disk).table("Reminders")).values;
+    const std::string torn = broken.torn();
+    const std::string journal = broken.folder.bytes(kJournal);
+    const std::size_t files = broken.folder.files();
+    const test::TempFolder folder;
+    Database target = Database::create((folder / "saved.mdb").string());
+    const jet::CopyReport report = jet::salvage(kDatabase, target, test::fewPages(broken.folder));
+    EXPECT_TRUE(report.lost.empty());
+    EXPECT_EQ(test::rowsOf(target.table("Reminders")).values, expected);
+    EXPECT_TRUE(broken.folder.bytes(kDatabase) == torn);
+    EXPECT_TRUE(broken.folder.bytes(kJournal) == journal);
+    EXPECT_EQ(broken.folder.files(), files);
+}
+
+TEST(JetJournal, WhoSavesWhatCanBeReadWaitsForAWriter) {
+    MemoryFolder folder;
+    folder.put(kDatabase, test::firstLight());
+    const test::TempFolder real;
+    Database target = Database::create((real / "saved.mdb").string());
+    auto db = Database::open(kDatabase, Access::ReadWrite, test::fewPages(folder));
+    const jet::Transaction change(db);
+    jet::Table table = db.table("Reminders");
+    for (int i = 0; i < 10; ++i) {  // more than is kept in memory
+        table.insert(std::vector<jet::Table::Change>{
+            {test::position(table, "GUID"), "{" + std::to_string(i) + "}"},
+            {test::position(table, "JSON"), std::string(9000, 'j')}});
+    }
+    EXPECT_EQ(test::errorOf([&] { jet::salvage(kDatabase, target, test::fewPages(folder)); }),
+              ErrNo::Locked);
 }
 
 TEST(JetJournal, OneOfAnotherFileIsLeftAlone) {
