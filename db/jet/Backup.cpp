@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "Journal.h"
 #include "PageFile.h"
 #include "base/ErrorState.h"
 #include "db/jet/Database.h"
@@ -45,6 +46,13 @@ void Database::backUp(const std::string& target, FileSystem& files) const {
     const std::string real = files.fileBehind(target);
     if (files.names(real, file_->file())) {
         throw Error(ErrNo::Exists, target + ": is the database itself");
+    }
+    // It might be taken for the copy's, where that is of the same database.
+    if (tellsOfAChange(files, real)) {
+        throw Error(ErrNo::Exists, target +
+                                       ": a change of it was broken off; open it once, or "
+                                       "remove " +
+                                       journalOf(real));
     }
     const std::string unfinished = nameBeside(real);
     auto copy = files.createNew(unfinished, file_->file());

@@ -59,8 +59,9 @@ public:
 
     /// Copies the file as it is at one moment to `target`, which is replaced when the copy is whole
     /// and on the disk; where that is a link, the file that it leads to. Throws `Error`:
-    /// `ErrNo::Exists` when that is this file, `ErrNo::Locked` when others write all the time,
-    /// `ErrNo::Io`, also when it is a folder or a device; `target` is then as it was.
+    /// `ErrNo::Exists` when that is this file, or a change of it was broken off, `ErrNo::Locked`
+    /// when others write all the time, `ErrNo::Io`, also when it is a folder or a device; `target`
+    /// is then as it was.
     void backUp(const std::string& target, FileSystem& files = systemFiles()) const;
 
     /// Instead of the commit of an open transaction in which nothing was written: the file `made`,

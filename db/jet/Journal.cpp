@@ -88,6 +88,12 @@ void endJournal(File& file) {
 
 std::string journalOf(const std::string& database) { return database + ".journal"; }
 
+bool tellsOfAChange(FileSystem& files, const std::string& database) {
+    const auto file = openIfThere(files, journalOf(database), Access::Read);
+    std::vector<std::byte> head(kHead);
+    return file && validHead(*file, head);
+}
+
 void Journal::start(const File& database) {
     if (!file_ || !files_.names(path_, *file_)) {
         auto file = files_.openOrCreate(path_, database);

@@ -38,6 +38,9 @@ namespace vl::jet {
 /// The name of a database's journal.
 std::string journalOf(const std::string& database);
 
+/// Whether beside `database` a journal tells of a change that has not ended, of whatever file.
+bool tellsOfAChange(FileSystem& files, const std::string& database);
+
 /// The writing side; for who has the right to write. The file is kept open, and kept, from one
 /// change to the next: making it anew costs a flush of the folder.
 class Journal {

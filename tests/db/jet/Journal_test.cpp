@@ -129,6 +129,26 @@ TEST(JetJournal, OneOfAnotherFileIsLeftAlone) {
     }
 }
 
+// Else an older copy that is put back might be given pages of the change.
+TEST(JetJournal, ABackupIsNotPutBesideOneOfItsTarget) {
+    Broken broken;
+    const std::string torn = broken.torn();
+    MemoryFolder& folder = broken.folder;
+    folder.put("folder/older.mdb", test::firstLight());
+    const auto backUp = [&] {
+        return test::errorOf([&] {
+            Database::open("folder/older.mdb", Access::Read, test::fewPages(folder))
+                .backUp(kDatabase, folder);
+        });
+    };
+    EXPECT_EQ(backUp(), ErrNo::Exists);
+    EXPECT_TRUE(folder.bytes(kDatabase) == torn);
+    broken.openIt();
+    EXPECT_EQ(backUp(), ErrNo::None);
+    EXPECT_TRUE(folder.bytes(kDatabase) == test::firstLight());
+    EXPECT_EQ(folder.files(), 2U);
+}
+
 TEST(JetJournal, ItFollowsACopyAndNotAName) {
     Broken broken;
     MemoryFolder other;
