@@ -51,7 +51,8 @@ class FileSystem {
 public:
     virtual ~FileSystem() = default;
 
-    /// Opens an existing file. Throws `ErrNo::NotFound` when there is none, `ErrNo::Locked` when
+    /// Opens an existing file. Throws at once for what is there and no file, as `fileBehind`;
+    /// `ErrNo::NotFound` when there is none, `ErrNo::Locked` when
     /// another program keeps it to itself (on Windows).
     virtual std::unique_ptr<File> open(const std::string& path, Access access) = 0;
     /// Opens a file for both, and makes an empty one where there is none; those who may use `like`

@@ -152,7 +152,12 @@ private:
 
 class PosixFiles final : public FileSystem {
 public:
+    // Looked at before: opening a pipe waits for who writes into it, a device may do anything.
     std::unique_ptr<File> open(const std::string& path, Access access) override {
+        struct stat named {};
+        if (::stat(path.c_str(), &named) == 0) {
+            needFile(path, named);
+        }
         const int fd =
             ::open(path.c_str(), (access == Access::Read ? O_RDONLY : O_RDWR) | O_CLOEXEC);
         if (fd < 0) {

@@ -161,7 +161,11 @@ public:
                                : ErrNo::Io,
                         path + ": cannot open: " + messageOf(reason));
         }
-        return std::make_unique<WindowsFile>(path, handle);
+        auto file = std::make_unique<WindowsFile>(path, handle);
+        if (::GetFileType(handle) != FILE_TYPE_DISK) {
+            throw Error(ErrNo::Io, path + ": is no regular file");
+        }
+        return file;
     }
 
     // A new file has the folder's rights, as the others in it.

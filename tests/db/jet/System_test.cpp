@@ -3,6 +3,7 @@
 
 #ifndef _WIN32
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #endif
@@ -138,6 +139,20 @@ TEST_F(JetSystem, AFileIsReplacedByOneWithTheSameRights) {
 }
 
 #ifndef _WIN32
+TEST_F(JetSystem, WhatIsNoFileIsRefusedAtOnce) {
+    const std::string pipe = (folder / "pipe").string();
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& name : {pipe, folder.path().string()}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(errorOf([&] { Database::open(name, Access::Read); }), ErrNo::Io);
+        EXPECT_EQ(errorOf([&] { Database::open(name, Access::ReadWrite); }), ErrNo::Io);
+        EXPECT_EQ(errorOf([&] { jet::stampOf(name); }), ErrNo::Io);
+        EXPECT_EQ(errorOf([&] { open(Access::Read).backUp(name); }), ErrNo::Io);
+    }
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
 TEST_F(JetSystem, AFullDiskTakesTheStatementBack) {
     const auto limit = [](rlim_t most) {
         struct rlimit both {};
