@@ -22,9 +22,10 @@ struct CopyReport {
 
 /// Writes the tables of `source`, their rows, indexes and properties into `target`, which has no
 /// tables yet, and queries, linked tables, relationships and the password. Autonumbers go on where
-/// they are.
+/// they are. All of it is as it is at one moment.
 /// Throws `Error`: `ErrNo::Unsupported`, before anything is written, for a source with objects of
-/// other kinds; what reading and writing throw. `target` is then of no use. What the desktop
+/// other kinds; `ErrNo::Locked` when another engine has written meanwhile; what reading and writing
+/// throw. `target` is then of no use. What the desktop
 /// product keeps for itself is left out.
 CopyReport copyTables(Database& source, Database& target);
 

@@ -11,6 +11,7 @@
 #include "TablePlan.h"
 #include "base/Text.h"
 #include "db/jet/Database.h"
+#include "db/jet/ReadGuard.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/copy/Copy.h"
 #include "define/CatalogWriter.h"
@@ -50,6 +51,7 @@ void carryPassword(const File& source, File& target) {
 }  // namespace
 
 CopyReport copyTables(Database& source, Database& target) {
+    const ReadGuard oneMoment(source);
     Findings left(source.name());
     const std::vector<OtherObject> objects =
         otherObjects(*source.file_, source.table("MSysObjects"), left);
@@ -93,6 +95,10 @@ CopyReport copyTables(Database& source, Database& target) {
     copyRelationships(*source.file_, *target.file_, pages);
     addObjects(*source.file_, *target.file_, objects, names, left);
     change.commit();
+    if (oneMoment.disturbed()) {
+        throw Error(ErrNo::Locked,
+                    source.name() + ": was written by another program while it was copied");
+    }
     report.lost = left.take();
     return report;
 }

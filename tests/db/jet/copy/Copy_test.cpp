@@ -205,6 +205,38 @@ TEST(JetCopy, ADateThatCannotBeStoredIsLostAloneWhereRowsAreSaved) {
     }
 }
 
+/// Another engine writes to it in the middle of being read.
+class Disturbed : public test::MemoryFile {
+public:
+    explicit Disturbed(Disk& disk) : MemoryFile(disk), disk_(disk) {}
+    void read(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        MemoryFile::read(offset, bytes);
+        if (reads > 0 && --reads == 0) {
+            disk_.bytes[0xE04] ^= std::byte{1};
+        }
+    }
+    mutable int reads = 0;  // until it writes; 0 never
+
+private:
+    Disk& disk_;
+};
+
+TEST(JetCopy, IsOfOneMomentOrNone) {
+    for (const int reads : {0, 12, 16}) {
+        SCOPED_TRACE(reads);
+        Disk disk(test::firstLight());
+        auto file = std::make_unique<Disturbed>(disk);
+        Disturbed& engine = *file;
+        auto source = Database::open(std::move(file), "memory", Access::Read);
+        const test::TempFolder folder;
+        auto target = Database::create((folder / "copy.mdb").string());
+        engine.reads = reads;
+        EXPECT_EQ(test::errorOf([&] { copyTables(source, target); }),
+                  reads == 0 ? ErrNo::None : ErrNo::Locked);
+        EXPECT_EQ(engine.reads, 0) << "it wrote";
+    }
+}
+
 // What the original refuses to lose, the copy refuses to lose.
 TEST(JetCopy, RelationshipsHoldInTheCopy) {
     const fs::path shared = test::sharedFolder();
