@@ -38,6 +38,8 @@ public:
     virtual void unlock(std::uint64_t first, std::uint64_t count) noexcept = 0;
     /// Whether another open file has locked the byte; asked only for what this one has not locked.
     virtual bool heldByOthers(std::uint64_t at) = 0;
+    /// Who has locked it, in words ("process 4711 (remindb)"); empty when the system does not tell.
+    virtual std::string holderOf(std::uint64_t /*at*/) { return {}; }
 
 protected:
     File() = default;

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "LockHolder.h"
 #include "base/ErrorState.h"
 #include "db/jet/File.h"
 
@@ -128,6 +129,8 @@ public:
         }
         return range.l_type != F_UNLCK;
     }
+
+    std::string holderOf(std::uint64_t at) override { return processLocking(status(), at); }
 
 private:
     static struct flock rangeOf(std::uint64_t first, std::uint64_t count, short type) {

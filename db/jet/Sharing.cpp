@@ -229,7 +229,10 @@ void Sharing::beginWriting(File& database, bool reading) {
 
 void Sharing::keepReadersOut(File& database) {
     if (!patience_.until([&] { return dataLock_.tryExclusive(database); })) {
-        throw Error(ErrNo::Locked, path_ + ": is being read by others");
+        const std::string who = database.holderOf(kReading);
+        throw Error(ErrNo::Locked,
+                    path_ + ": is being read by " +
+                        (who.empty() ? "somebody whom the system does not tell" : who));
     }
 }
 

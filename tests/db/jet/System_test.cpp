@@ -4,6 +4,7 @@
 #ifndef _WIN32
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #endif
@@ -151,6 +152,22 @@ TEST_F(JetSystem, WhatIsNoFileIsRefusedAtOnce) {
     }
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST_F(JetSystem, WhoReadsIsToldToWhoCannotWrite) {
+    const auto reader = open(Access::Read);
+    auto writer = open(Access::ReadWrite);
+    const jet::ReadGuard guard(reader);
+    try {
+        test::statements()[0].run(writer);
+        ADD_FAILURE() << "written beside a reader";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.number(), ErrNo::Locked);
+        EXPECT_NE(std::string(e.what()).find("is being read by process " +
+                                             std::to_string(::getpid()) + " (jet_safety_test"),
+                  std::string::npos)
+            << e.what();
+    }
 }
 
 TEST_F(JetSystem, AFullDiskTakesTheStatementBack) {
