@@ -7,8 +7,10 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -27,6 +29,10 @@ namespace {
     throw Error(reason == EEXIST ? ErrNo::Exists : ErrNo::Io,
                 path + ": cannot " + what + ": " + std::generic_category().message(reason));
 }
+
+// File systems of Windows, by the numbers that the system gives them: two drivers of its own, and
+// any that runs as a program.
+constexpr std::array<std::uint32_t, 3> kShortNames = {0x5346'544E, 0x7366'746E, 0x6573'5546};
 
 void needFile(const std::string& path, const struct stat& status) {
     if (!S_ISREG(status.st_mode)) {
@@ -47,6 +53,17 @@ public:
             refused("tell its size");
         }
         return status;
+    }
+
+    std::uint64_t nameCount() const {
+        const std::uint64_t count = status().st_nlink;
+        struct statfs system {};
+        // There a long name's short one counts, too, and does not lead anybody elsewhere.
+        const bool countsShortNames =
+            count > 1 && ::fstatfs(fd_, &system) == 0 &&
+            std::find(kShortNames.begin(), kShortNames.end(),
+                      static_cast<std::uint32_t>(system.f_type)) != kShortNames.end();
+        return countsShortNames ? 1 : count;
     }
 
     std::uint64_t size() const override {
@@ -205,7 +222,7 @@ public:
 
     std::uint64_t nameCount(const File& file) override {
         const auto* open = dynamic_cast<const PosixFile*>(&file);
-        return open == nullptr ? 1 : open->status().st_nlink;
+        return open == nullptr ? 1 : open->nameCount();
     }
 
     void shareRights(const std::string& path, const File& like) override {
