@@ -8,6 +8,7 @@
 #include "SharedReminders.h"
 #include "app/TimeZone.h"
 #include "base/ErrorState.h"
+#include "base/Text.h"
 #include "events/EventIndex.h"
 
 namespace vl {
@@ -80,16 +81,15 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
 bool CalEvents::readAll(const std::string& statement, Source& source) {
     const GenCollection before = mCol ? *mCol : GenCollection();
     mCol = std::make_shared<GenCollection>();
-    const auto make = [this](const RowReader& reader, sql::RowStream& row) {
-        return readEvent([&](calEvent& event) { reader.fill(event, row); });
-    };
-    const auto all = fullRead_->read(db_, statement, before, make);
+    const auto all = fullRead_->read(
+        db_, statement, before, [this](const FullRead::Fill& fill) { return readEvent(fill); });
     keepPassedOver();
     if (!all) {
         return false;
     }
     index_->forgetQueries(before);
     mCol = all;
+    damage_ = fullRead_->damage();
     adopted_ = false;
     source.result = all->Count() > 0 ? 1 : 0;
     return true;
@@ -98,27 +98,52 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
 bool CalEvents::readChanged(const std::string& statement, Source& source) {
     const auto rows = db_.OpenRS(statement);
     if (!rows || !rows->isOpen()) {
-        return false;
+        return db_.ReadTrouble().number == ErrNo::Corrupt && readChangedDamaged(statement, source);
     }
     bool complete = true;
     const TimeZone local = TimeZone::local();
     const RowReader reader(rows->fields(), local, fullRead_->pool());
     for (; !rows->EOF_(); rows->MoveNext()) {
-        complete &= attempt([&] {
-            auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
-            if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
-                event = stillValid(known, event);
-                if (event == known && !adopted_) {
-                    forgetQuery(*event);
-                }
-            }
-            mCol->Remove(event->GUID);
-            Add(event, event->GUID);
-        });
+        complete &=
+            attempt([&] { takeChanged(readEvent([&](calEvent& e) { reader.fill(e, *rows); })); });
     }
     source.result = rows->RecordCount() > 0 ? 1 : 0;
     rows->Close();
     return complete;
+}
+
+void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {
+    if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
+        event = stillValid(known, event);
+        if (event == known && !adopted_) {
+            forgetQuery(*event);
+        }
+    }
+    mCol->Remove(event->GUID);
+    Add(event, event->GUID);
+}
+
+// A statement gives all rows that it finds or none; row by row those come that can be read.
+bool CalEvents::readChangedDamaged(const std::string& statement, Source& source) {
+    FullRead once;
+    const auto changed = once.read(db_, statement, *mCol,
+                                   [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    if (!changed) {
+        return false;
+    }
+    for (const Variant& item : *changed) {
+        if (const auto event = objectIn<calEvent>(item)) {
+            attempt([&] { takeChanged(event); });
+        }
+    }
+    const Damage& damage = once.damage();
+    damage_.inPart.insert(damage.inPart.begin(), damage.inPart.end());
+    source.result = changed->Count() > 0 ? 1 : 0;
+    return true;
+}
+
+bool CalEvents::IsReadInPart(std::string_view GUID) const {
+    return !damage_.inPart.empty() && damage_.inPart.contains(text::foldCase(GUID));
 }
 
 // What one set leaves in its events is nothing to the other.
@@ -191,6 +216,7 @@ void CalEvents::Adopt(const CalEvents& full) {
         dLastRead = full.dLastRead;
     }
     adopted_ = true;
+    damage_ = full.damage_;
     source_ = full.source_;
     source_.filled = mCol;
 }

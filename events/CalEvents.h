@@ -11,6 +11,7 @@
 
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
+#include "events/Damage.h"
 #include "events/GenCollection.h"
 #include "model/calEvent.h"
 
@@ -61,6 +62,13 @@ public:
     /// nobody has written the file since the last read that succeeded, there is nothing to ask for:
     /// the set then keeps what it has, at the cost of a look at the file.
     int ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed = {});
+
+    /// Rows that the last full read could not read, or not all of: the file is damaged. Their
+    /// events are as they were before where the set held them, else without what cannot be read,
+    /// else missing.
+    std::size_t DamagedRows() const noexcept { return damage_.rows; }
+    /// Whether the event is without some of its row's values: what it seems to be it may not be.
+    bool IsReadInPart(std::string_view GUID) const;
 
     /// Makes the set hold what `full` holds after a full read, however it came to differ: what an
     /// incremental read has missed is added, what is not there any more leaves, and of what both
@@ -150,6 +158,8 @@ private:
     bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
     bool readAll(const std::string& statement, Source& source);
     bool readChanged(const std::string& statement, Source& source);
+    bool readChangedDamaged(const std::string& statement, Source& source);
+    void takeChanged(std::shared_ptr<calEvent> event);
     void separate();
     void carryLastReminders(const GenCollection& full) const;
     void lookForPast(DateTime now);
@@ -163,6 +173,7 @@ private:
     Ledger* ledger_;
     std::function<bool(std::string_view)> isListed_;
     std::unique_ptr<DueBook> book_;
+    Damage damage_;         // of the rows of the last full read
     Source source_;         // of the last read that succeeded
     bool adopted_ = false;  // another set may hold the events of `mCol`, too
     std::unique_ptr<EventIndex> index_;

@@ -82,7 +82,8 @@ void CalEvents::UpdateAllDone(EventHistory* history) {
     std::vector<calEvent*> finished;
     for (const std::size_t i : pass.past) {
         attempt([&] {
-            if (!isAllDone(*events[i]) && isFinished(*events[i], now, history)) {
+            if (!isAllDone(*events[i]) && !IsReadInPart(events[i]->GUID) &&
+                isFinished(*events[i], now, history)) {
                 finished.push_back(events[i]);
             }
         });

@@ -11,10 +11,20 @@ namespace vl {
 
 namespace {
 
-std::uint64_t placeOf(jet::RowId id) {
-    constexpr unsigned kRowBits = 16;
-    return std::uint64_t{id.page} << kRowBits | id.row;
+constexpr unsigned kRowBits = 16;
+
+std::uint64_t placeOf(jet::RowId id) { return std::uint64_t{id.page} << kRowBits | id.row; }
+
+std::vector<RecordSet::Field> fieldsOf(const sql::RowStream& stream) {
+    std::vector<RecordSet::Field> fields;
+    for (const sql::Field& field : stream.fields()) {
+        fields.push_back(RecordSet::fieldOf(field));
+    }
+    return fields;
 }
+
+// The fingerprint of a row that was not read as a whole.
+constexpr std::uint64_t kNotKnown = 0;
 
 // What acts set in an event: it may not be in the row yet, or not any more.
 std::uint64_t stateOf(const calEvent& event) {
@@ -78,12 +88,9 @@ std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
 // Both the rows that come and those that are known are in the order of their places.
 FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& before,
                                 const Make& make) {
-    std::vector<RecordSet::Field> fields;
-    for (const sql::Field& field : stream.fields()) {
-        fields.push_back(RecordSet::fieldOf(field));
-    }
     const TimeZone local = TimeZone::local();
-    const RowReader reader(fields, local, pool_);
+    const RowReader reader(fieldsOf(stream), local, pool_);
+    const auto fill = [&](calEvent& event) { reader.fill(event, stream); };
     const ReplacedIn exceptions(stream.fields());
     Rows rows;
     rows.reserve(rows_.size());
@@ -99,7 +106,7 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
             row.event = known->event;
             row.state = known->state;
         } else if (stream.matches()) {
-            row.event = make(reader, stream);
+            row.event = make(fill);
             if (const auto held = objectAt<calEvent>(before, row.event->GUID)) {
                 row.event = stillValid(held, row.event);
             }
@@ -110,6 +117,93 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
         rows.push_back(std::move(row));
     }
     return rows;
+}
+
+std::shared_ptr<calEvent> FullRead::eventAt(std::uint64_t place) const {
+    const auto known =
+        std::lower_bound(rows_.begin(), rows_.end(), place,
+                         [](const Row& row, std::uint64_t wanted) { return row.place < wanted; });
+    return known != rows_.end() && known->place == place ? known->event : nullptr;
+}
+
+// An event that has been read as a whole and not changed since is better than what is left of it.
+FullRead::Row FullRead::damagedRow(sql::RowStream& stream, const RowReader& reader,
+                                   const GenCollection& before, const Make& make) {
+    Row row{placeOf(stream.id()), kNotKnown, 0, nullptr};
+    bool matches = false;
+    RowReader::Lost lost;
+    if (!isReadable([&] { matches = stream.matches(); })) {
+        lost = {true, true};
+    } else if (matches) {
+        row.event = make([&](calEvent& event) { lost = reader.fillReadable(event, stream); });
+    }
+    if (lost.any) {
+        ++damage_.rows;
+    }
+    if (lost.GUID) {
+        row.event = eventAt(row.place);
+    } else if (row.event) {
+        const std::string key = text::foldCase(row.event->GUID);
+        const auto held = objectAt<calEvent>(before, row.event->GUID);
+        const bool asWhole = lost.any && held && held->Modified == row.event->Modified &&
+                             !damage_.inPart.contains(key);
+        if (held) {
+            row.event = asWhole ? held : stillValid(held, row.event);
+        }
+        if (lost.any && !asWhole) {
+            damage_.inPart.insert(key);
+        } else if (!lost.any) {
+            damage_.inPart.erase(key);
+        }
+    }
+    if (row.event) {
+        row.state = stateOf(*row.event);
+    }
+    return row;
+}
+
+FullRead::Rows FullRead::streamDamaged(sql::RowStream& stream, const GenCollection& before,
+                                       const Make& make) {
+    const TimeZone local = TimeZone::local();
+    const RowReader reader(fieldsOf(stream), local, pool_);
+    const ReplacedIn exceptions(stream.fields());
+    Rows rows;
+    for (bool more = true; more;) {
+        if (isReadable([&] { more = stream.next(); })) {
+            if (more) {
+                rows.push_back(damagedRow(stream, reader, before, make));
+                isReadable([&] {
+                    if (auto replaced = exceptions.of(stream); replaced && !rows.back().event) {
+                        passedOver_.push_back(std::move(*replaced));
+                    }
+                });
+            }
+            continue;
+        }
+        const auto lost = stream.passOver();
+        if (!lost) {
+            throw Error(ErrNo::Corrupt, "the rows cannot be passed over");
+        }
+        ++damage_.rows;
+        std::copy_if(rows_.begin(), rows_.end(), std::back_inserter(rows), [&](const Row& row) {
+            return lost->row ? row.place == placeOf({lost->page, *lost->row})
+                             : row.place >> kRowBits == lost->page;
+        });
+    }
+    return rows;
+}
+
+// Not where somebody writes: what looks damaged then is only torn.
+bool FullRead::readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
+                           Rows& rows) {
+    const DBRemindUtils::Look look = db.TakeLook();
+    const Damage known = std::exchange(damage_, Damage());
+    const bool isRead = db.ForRows(statement_, [&](sql::RowStream& rowStream) {
+        damage_ = Damage();
+        damage_.inPart = known.inPart;  // which of those that are held are no whole ones
+        rows = streamDamaged(rowStream, before, make);
+    });
+    return isRead && look.same(db.TakeLook());
 }
 
 // What was held, with the events that are different now; null when others were held or there are
@@ -167,7 +261,9 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
     Rows rows;
     const bool isRead = db.ForRows(
         statement, [&](sql::RowStream& rowStream) { rows = stream(rowStream, before, make); });
-    if (!isRead) {
+    if (isRead) {
+        damage_ = Damage();
+    } else if (db.LastError() != ErrNo::Corrupt || !readDamaged(db, before, make, rows)) {
         return nullptr;
     }
     auto collection = changed(rows, before);

@@ -11,6 +11,7 @@
 #include "TextPool.h"
 #include "app/TimeZone.h"
 #include "db/DBRemindUtils.h"
+#include "events/Damage.h"
 #include "events/GenCollection.h"
 #include "model/calEvent.h"
 
@@ -22,12 +23,17 @@ class RowReader;
 /// gave. Costs 40 bytes a row.
 class FullRead {
 public:
-    using Make = std::function<std::shared_ptr<calEvent>(const RowReader&, sql::RowStream&)>;
+    using Fill = std::function<void(calEvent&)>;
+    /// A new event, filled by what it is given.
+    using Make = std::function<std::shared_ptr<calEvent>(const Fill&)>;
 
     /// Reads all rows of `statement` into a new collection, by GUID, in the order of the rows; of
     /// rows with the same GUID the last one counts. The event of a row that is as it was is the
     /// same object. `before` is what the set held. Null when the rows could not be read to their
     /// end.
+    ///
+    /// Where the table is damaged, what can be read of it counts: a row without the values that
+    /// cannot be read, and of a row that cannot be read at all the event that it gave before.
     std::shared_ptr<GenCollection> read(DBRemindUtils& db, const std::string& statement,
                                         const GenCollection& before, const Make& make);
 
@@ -39,6 +45,9 @@ public:
     };
     /// Those that the reads have met since the last call.
     std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
+
+    /// What the last read could not read.
+    const Damage& damage() const noexcept { return damage_; }
 
     /// The next read decodes every row.
     void forget() { rows_.clear(); }
@@ -56,6 +65,11 @@ private:
     using Rows = std::vector<Row>;
 
     Rows stream(sql::RowStream& stream, const GenCollection& before, const Make& make);
+    Rows streamDamaged(sql::RowStream& stream, const GenCollection& before, const Make& make);
+    Row damagedRow(sql::RowStream& stream, const RowReader& reader, const GenCollection& before,
+                   const Make& make);
+    bool readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make, Rows& rows);
+    std::shared_ptr<calEvent> eventAt(std::uint64_t place) const;
     std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
     static std::shared_ptr<GenCollection> collected(const Rows& rows);
 
@@ -63,6 +77,7 @@ private:
     std::string statement_;
     Rows rows_;
     std::vector<PassedOver> passedOver_;
+    Damage damage_;
     std::uint64_t stamp_ = 0;  // of the collection that they filled
 };
 

@@ -7,6 +7,7 @@
 
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "events/Damage.h"
 
 namespace vl {
 
@@ -97,6 +98,21 @@ void RowReader::fill(calEvent& event, const sql::RowStream& row) const {
         }
     }
     finish(event);
+}
+
+RowReader::Lost RowReader::fillReadable(calEvent& event, const sql::RowStream& row) const {
+    Lost lost;
+    for (const Column& column : columns_) {
+        Variant value;
+        if (isReadable([&] { value = row.value(column.field); })) {
+            set(event, column, value);
+        } else {
+            lost.any = true;
+            lost.GUID = lost.GUID || column.property->name == "GUID";
+        }
+    }
+    finish(event);
+    return lost;
 }
 
 void RowReader::set(calEvent& event, const Column& column, const Variant& value) const {

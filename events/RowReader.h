@@ -31,6 +31,14 @@ public:
     /// The same without a `Variant` for each field.
     void fill(calEvent& event, const sql::RowStream& row) const;
 
+    /// The columns that could not be read.
+    struct Lost {
+        bool any = false;
+        bool GUID = false;
+    };
+    /// The same of a row whose values may be damaged: the properties of these stay as they are.
+    Lost fillReadable(calEvent& event, const sql::RowStream& row) const;
+
 private:
     struct Column {
         std::size_t field;

@@ -200,7 +200,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
         // A row may still show a single event as it was before the host moved it.
         const bool isLast = event->IsRepeating() ? event->NextInstance(act.start).isZero()
                                                  : act.start == event->StartDateTime;
-        if (markDone && isLast &&
+        if (markDone && isLast && !period_.IsReadInPart(event->GUID) &&
             !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);

@@ -300,6 +300,7 @@ bool CheckCycle::refreshPeriod() {
         reminders_.Adopt(period_);
         acts_.RestoreWaiting();
         countWithoutStatus();
+        state_.damagedRows = static_cast<int>(period_.DamagedRows());
     }
     if (period_.mCol && period_.mCol->Count() > 0) {
         attempt([&] { screen_.DoPeriod(); });

@@ -49,6 +49,8 @@ struct ReminderState {
 
     int rowsWithoutStatus = 0;  // rows that are never read, see the status line
 
+    int damagedRows = 0;  // rows that the file has lost, or parts of
+
     int waitingWrites = 0;  // columns of rows that cannot be written now and will be later
 
     int UpdateCount = 0;  // ticks of the update timer with the window visible

@@ -233,6 +233,15 @@ std::string withoutStatusText(int rows) {
                      : std::to_string(rows) + " events are not shown: they have no status";
 }
 
+std::string damagedText(int rows) {
+    if (rows <= 0) {
+        return {};
+    }
+    return rows == 1 ? "The database is damaged: one event is missing, or a part of it"
+                     : "The database is damaged: " + std::to_string(rows) +
+                           " events are missing, or parts of them";
+}
+
 std::string waitingText(int changes) {
     if (changes <= 0) {
         return {};

@@ -65,6 +65,9 @@ std::string troubleText(std::string_view DBFullName, ErrNo number, std::string_v
 /// "2 events are not shown: they have no status"; empty for none.
 std::string withoutStatusText(int rows);
 
+/// "The database is damaged: 2 events are missing, or parts of them"; empty for none.
+std::string damagedText(int rows);
+
 /// "2 changes wait until the database can be written"; empty for none.
 std::string waitingText(int changes);
 

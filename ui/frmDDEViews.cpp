@@ -270,9 +270,12 @@ void frmDDE::showStatus() {
         lblStatus->setPalette(colours);
     }
     const std::string waiting = waitingText(state_.waitingWrites);
+    const std::string damaged = damagedText(trouble.isEmpty() ? state_.damagedRows : 0);
     const int hidden = trouble.isEmpty() ? state_.rowsWithoutStatus : 0;
-    lblNotice->setText(
-        qtText(noticeText(waiting.empty() ? withoutStatusText(hidden) : waiting, canSave_)));
+    lblNotice->setText(qtText(noticeText(!waiting.empty()   ? waiting
+                                         : !damaged.empty() ? damaged
+                                                            : withoutStatusText(hidden),
+                                         canSave_)));
     lblNotice->setToolTip(canSave_ ? QString() : qtText(parts_.settings.filename));
     lblNotice->setVisible(!lblNotice->text().isEmpty());
 }

@@ -156,6 +156,22 @@ bool RowCursor::nextOfTable() {
     }
 }
 
+std::optional<RowCursor::Unreadable> RowCursor::passOver() {
+    State& s = *state_;
+    if (s.listed || s.entries) {
+        return std::nullopt;
+    }
+    if (s.nextSlot < s.data.slotCount()) {
+        return Unreadable{s.page.number(), s.nextSlot++};
+    }
+    if (s.nextPage == s.pages.size()) {
+        return std::nullopt;
+    }
+    s.data = DataPage();
+    s.nextSlot = 0;
+    return Unreadable{s.pages[s.nextPage++], std::nullopt};
+}
+
 // Eight bytes at a time, each mixed into all bits (a multiplication by an odd constant and a shift
 // are both one-to-one).
 static std::uint64_t mixedInto(std::uint64_t hash, ByteView bytes) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/Variant.h"
@@ -44,6 +45,15 @@ public:
 
     /// Moves to the next row; false behind the last one.
     bool next();
+
+    /// A row that cannot be read, or all rows of a page.
+    struct Unreadable {
+        PageNo page = 0;
+        std::optional<std::uint16_t> row;  ///< none: the whole page
+    };
+    /// After `next` threw `ErrNo::Corrupt`: what it could not read is passed over by the following
+    /// `next`. None: it cannot be, since the cursor does not go over the rows as they lie.
+    std::optional<Unreadable> passOver();
 
     // Of the current row, after `next` gave true.
 

@@ -60,6 +60,9 @@ RowStream::~RowStream() = default;
 
 const std::vector<Field>& RowStream::fields() const noexcept { return state_->fields; }
 bool RowStream::next() { return state_->row.next(); }
+std::optional<jet::RowCursor::Unreadable> RowStream::passOver() {
+    return state_->row.cursor.passOver();
+}
 bool RowStream::matches() const { return keeps(state_->statement.where.get(), state_->row); }
 Variant RowStream::value(std::size_t field) const { return state_->row.value(field); }
 const jet::RowCursor& RowStream::cursor() const { return state_->row.cursor; }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -29,6 +30,8 @@ public:
 
     /// Moves to the next row, at first to the first one. False: there is none.
     bool next();
+    /// As `jet::RowCursor::passOver`.
+    std::optional<jet::RowCursor::Unreadable> passOver();
     /// Whether the condition is true of the current row.
     bool matches() const;
     /// A field of the current row, by its place from 0. Decoded when asked for.

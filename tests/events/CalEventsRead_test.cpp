@@ -251,5 +251,97 @@ TEST_F(ReadAgain, KeepsPendingError) {
     ErrorState::clear();
 }
 
+// ---- a damaged file
+
+/// The sample's rows lie on pages 23 and 33; page 36 holds the JSON of one of them.
+class DamagedFile : public ReadAgain {
+protected:
+    static constexpr std::size_t kPage = 4096;
+    static constexpr std::size_t kLongValue = 36 * kPage;
+    static constexpr std::size_t kRows = 33 * kPage;
+    static constexpr std::size_t kFirstSlot = 14;
+    static constexpr std::size_t kOnSecondPage = 3;  // that are neither deleted nor finished
+
+    void damage(std::size_t at, char byte) {
+        std::string bytes = test::readFile(path);
+        bytes.at(at) = byte;
+        test::writeFile(path, bytes);
+        fs::last_write_time(path, written += std::chrono::seconds(1));
+    }
+    /// The events of `set` that lack their JSON.
+    static std::vector<std::string> withoutJSON(const CalEvents& set) {
+        std::vector<std::string> found;
+        for (const Variant& item : *set.mCol) {
+            const auto event = objectIn<calEvent>(item);
+            if (event->JSON.empty()) {
+                found.push_back(event->GUID);
+            }
+        }
+        return found;
+    }
+};
+
+TEST_F(DamagedFile, AnEventComesWithoutTheValueThatCannotBeRead) {
+    ASSERT_EQ(withoutJSON(set), std::vector<std::string>());
+    EXPECT_EQ(set.DamagedRows(), 0U);
+    const std::size_t all = set.mCol->Count();
+    damage(kLongValue, 9);
+    EXPECT_EQ(other.ReadDB(true, false), 1);
+    EXPECT_EQ(db.ReadTrouble().number, ErrNo::None);
+    EXPECT_EQ(other.mCol->Count(), all);
+    EXPECT_EQ(other.DamagedRows(), 1U);
+    const auto damaged = withoutJSON(other);
+    ASSERT_EQ(damaged.size(), 1U);
+    EXPECT_TRUE(other.IsReadInPart(damaged.front()));
+    EXPECT_EQ(other.EventCol(at(0, 0, 0, 1), at(0, 0, 0, 30))->Count(),
+              set.EventCol(at(0, 0, 0, 1), at(0, 0, 0, 30))->Count());
+
+    damage(kLongValue, 1);
+    other.ReadDB(true, false);
+    EXPECT_EQ(withoutJSON(other), std::vector<std::string>()) << "mended";
+    EXPECT_EQ(other.DamagedRows(), 0U);
+    EXPECT_FALSE(other.IsReadInPart(damaged.front()));
+}
+
+TEST_F(DamagedFile, WhatASetHasReadAsAWholeItKeeps) {
+    damage(kLongValue, 9);
+    set.ReadDB(true, false);
+    EXPECT_EQ(withoutJSON(set), std::vector<std::string>());
+    EXPECT_EQ(set.DamagedRows(), 1U);
+    const std::size_t all = set.mCol->Count();
+    damage(kRows + kFirstSlot + 1, 0x1F);  // the first row begins behind the page's end
+    set.ReadDB(true, false);
+    EXPECT_EQ(set.mCol->Count(), all) << "although a page of rows cannot be read";
+    other.ReadDB(true, false);
+    EXPECT_EQ(other.mCol->Count(), all - kOnSecondPage) << "who has not read them before";
+    EXPECT_EQ(other.DamagedRows(), 1U);
+}
+
+TEST_F(DamagedFile, ReadingWhatHasChangedGoesOn) {
+    damage(kLongValue, 9);
+    set.ReadDB(true, false);
+    other.ReadDB(true, false);
+    const std::string damaged = withoutJSON(other).at(0);
+    clock.time = at(14, 10);
+    elsewhere("Modified = #2026-11-20 14:05:00#, Subject = \"changed\"", kDentist);
+    elsewhere("Modified = #2026-11-20 14:05:00#, Subject = \"too\"", damaged.c_str());
+    EXPECT_EQ(set.ReadDB(false, false), 1);
+    EXPECT_EQ(db.ReadTrouble().number, ErrNo::None);
+    EXPECT_EQ(in(set, kDentist)->Subject, "changed");
+    EXPECT_EQ(in(set, damaged.c_str())->Subject, "too");
+    EXPECT_TRUE(set.IsReadInPart(damaged));
+}
+
+// A series whose rule is lost looks like a single event.
+TEST_F(DamagedFile, AnEventReadInPartIsNeverFinished) {
+    damage(kLongValue, 9);
+    other.ReadDB(true, false);
+    const std::string damaged = withoutJSON(other).at(0);
+    clock.time = DateTime::fromCivil(2040, 1, 1, 9, 0, 0);
+    other.UpdateAllDone();
+    EXPECT_EQ(in(other, kDentist)->status, "AllDone");
+    EXPECT_EQ(in(other, damaged.c_str())->status, "");
+}
+
 }  // namespace
 }  // namespace vl

@@ -129,6 +129,41 @@ TEST_F(Reading, AStartWithoutADatabaseFindsItLater) {
     EXPECT_EQ(reminders.mCol->Count(), period.mCol->Count());
 }
 
+TEST_F(Reading, ADamagedValueCostsItsRowThatValueAlone) {
+    constexpr std::size_t kLongValue = 36 * 4096;  // a page with the JSON of one event
+    std::string bytes = sample;
+    bytes[kLongValue] = 9;
+    test::writeFile(path, bytes);
+    cycle.ReadAtStart();
+    cycle.Tick(10000);
+    const std::string damaged = [&] {
+        for (const Variant& item : *period.mCol) {
+            if (const auto event = objectIn<calEvent>(item); event->JSON.empty()) {
+                return event->GUID;
+            }
+        }
+        return std::string();
+    }();
+    ASSERT_NE(damaged, "");
+    EXPECT_EQ(state.damagedRows, 1);
+    EXPECT_EQ(period.mCol->Count(), reminders.mCol->Count());
+    EXPECT_EQ(ledger.lastCheck(db.DBFullName), clock.now()) << "the file counts as read";
+
+    // What an act writes into the row leaves the damaged value to who can mend it.
+    const auto event = objectAt<calEvent>(*period.mCol, damaged);
+    acts.Dismiss({event, event->StartDateTime, {}}, DismissMode::All, true);
+    EXPECT_EQ(state.waitingWrites, 0);
+    bytes = test::readFile(path);
+    EXPECT_EQ(bytes[kLongValue], 9);
+    bytes[kLongValue] = 1;
+    test::writeFile(path, bytes);
+    const auto mended = period.EventByGUID(damaged);
+    ASSERT_NE(mended, nullptr);
+    EXPECT_EQ(mended->Dismissed, clock.now());
+    EXPECT_EQ(mended->status, "") << "what it seems to be it may not be";
+    EXPECT_NE(mended->JSON, "");
+}
+
 TEST_F(Reading, CountsTheRowsThatHaveNoStatus) {
     cycle.Tick(10000);
     EXPECT_EQ(state.rowsWithoutStatus, 0);

@@ -227,6 +227,19 @@ TEST_F(frmDDELoad, SaysThatEventsWithoutAStatusAreNotShown) {
     EXPECT_TRUE(notice.isHidden());
 }
 
+TEST_F(frmDDELoad, SaysThatTheDatabaseIsDamaged) {
+    load();
+    auto& notice = child<QLabel>("lblNotice");
+    std::string bytes = sample();
+    bytes[36 * 4096] = 9;  // the page holds the JSON of one event
+    writeFile(path, bytes);
+    refresh();
+    EXPECT_EQ(notice.text(), "The database is damaged: one event is missing, or a part of it");
+    writeFile(path, sample());
+    refresh();
+    EXPECT_TRUE(notice.isHidden());
+}
+
 // ---- help
 
 TEST_F(frmDDELoad, F1OpensTheWindowsHelp) {
