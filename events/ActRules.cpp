@@ -132,6 +132,16 @@ const OccurrenceState* stateOf(const calEvent& event, const EventState& state, D
     return state.find(event.ToWall(start));
 }
 
+bool isDoneByUser(const calEvent& event, const EventState* state) {
+    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
+    const OccurrenceState* one = state != nullptr ? state->find(event.ToWall(last)) : nullptr;
+    if (one != nullptr && one->muted == Muted::ForEver) {
+        return true;
+    }
+    return rowSpeaks(event, state) && !event.Dismissed.isZero() &&
+           event.Modified <= event.Dismissed;
+}
+
 void recordSnooze(EventState& state, const ActOn& act, DateTime until) {
     begin(state, act).snoozed = act.zone.toUtc(until);
 }

@@ -36,6 +36,10 @@ RowSays rowSays(const calEvent& event, const RowWord& word);
 /// occurrence, wherever the host moves it.
 const OccurrenceState* stateOf(const calEvent& event, const EventState& state, DateTime start);
 
+/// Whether the event's user has marked it as done, as far as it is still as it was then: here, or
+/// in another program, whose dismissal is not older than what the host has written.
+bool isDoneByUser(const calEvent& event, const EventState* state);
+
 // Each of these handles the occurrence's reminders up to now (or up to the reminder it was listed
 // with, where the list took it early), ends what is earlier and over, and takes over what the row
 // said, since from now on the row does not speak any more.

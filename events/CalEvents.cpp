@@ -1,5 +1,7 @@
 #include "events/CalEvents.h"
 
+#include <algorithm>
+
 #include "AnswerMemo.h"
 #include "DonePass.h"
 #include "DueBook.h"
@@ -14,6 +16,18 @@
 namespace vl {
 
 namespace {
+
+DateTime lastModified(const GenCollection& events) {
+    DateTime last;
+    for (const Variant& item : events) {
+        const auto* object = item.get<ObjectRef>();
+        if (const auto* event =
+                object != nullptr ? dynamic_cast<const calEvent*>(object->get()) : nullptr) {
+            last = std::max(last, event->Modified);
+        }
+    }
+    return last;
+}
 
 std::string quoted(std::string_view value) { return "\"" + std::string(value) + "\""; }
 
@@ -52,14 +66,21 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     const ErrScope scope;
     remindedNow_ = 0;
     // Looked at first: what is written while the rows are read counts as changed since.
-    Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}};
+    Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}, {}};
+    if (Reload && clock_.now() < dLastRead) {
+        // What was over by a clock that was ahead may not be.
+        source_ = Source();
+        fullRead_->forgetPassedOver();
+    }
     if (isUnchanged(now)) {
         if (Reload) {
             index_->forgetQueries(*mCol);
         }
         db_.CloseDB();
+        // A host whose clock is ahead writes rows that every such query gives.
+        const bool gives = Reload ? source_.result != 0 : source_.modified > dLastRead;
         dLastRead = clock_.now();
-        return Reload ? source_.result : 0;
+        return gives ? 1 : 0;
     }
     source_ = Source();
     if (now.full) {
@@ -81,9 +102,15 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
 bool CalEvents::readAll(const std::string& statement, Source& source) {
     const GenCollection before = mCol ? *mCol : GenCollection();
     mCol = std::make_shared<GenCollection>();
-    const auto all = fullRead_->read(
-        db_, statement, before, [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    const bool takesBack =
+        ledger_ != noLedger_.get() && !source.IncludeAllDone && !source.Dismissed;
+    fullRead_->takeBack(takesBack ? [this](const calEvent& event) { return isOpenAgain(event); }
+                                  : FullRead::IsOpenAgain());
+    const auto all =
+        fullRead_->read(db_, statement, before, clock_.now(),
+                        [this](const FullRead::Fill& fill) { return readEvent(fill); });
     keepPassedOver();
+    writeTakenBack();
     if (!all) {
         return false;
     }
@@ -92,6 +119,7 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
     damage_ = fullRead_->damage();
     adopted_ = false;
     source.result = all->Count() > 0 ? 1 : 0;
+    source.modified = lastModified(*all);
     return true;
 }
 
@@ -126,13 +154,14 @@ void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {
 // A statement gives all rows that it finds or none; row by row those come that can be read.
 bool CalEvents::readChangedDamaged(const std::string& statement, Source& source) {
     FullRead once;
-    const auto changed = once.read(db_, statement, *mCol,
+    const auto changed = once.read(db_, statement, *mCol, clock_.now(),
                                    [this](const FullRead::Fill& fill) { return readEvent(fill); });
     if (!changed) {
         return false;
     }
     for (const Variant& item : *changed) {
         if (const auto event = objectIn<calEvent>(item)) {
+            source.modified = std::max(source.modified, event->Modified);
             attempt([&] { takeChanged(event); });
         }
     }

@@ -45,6 +45,10 @@ public:
 
     /// What the user has dealt with, and which events stand in the list of new reminders: without
     /// it the check's question knows of no act. Both must outlive the set.
+    ///
+    /// From then on a full read takes back what is all done and has a reminder ahead, in its row,
+    /// too, unless its user has marked it as done: the host may have moved it since and left the
+    /// status alone, or the clock was ahead when it was finished.
     void UseLedger(Ledger& ledger, std::function<bool(std::string_view GUID)> isListed);
 
     std::shared_ptr<GenCollection> mCol;  // by GUID; absent until the first read
@@ -145,6 +149,7 @@ private:
         std::optional<bool> Dismissed;
         bool full = false;                    // by a read that started from empty
         int result = 0;                       // of the read
+        DateTime modified;                    // of the row that was written last
         std::weak_ptr<GenCollection> filled;  // the collection it filled
     };
 
@@ -158,6 +163,8 @@ private:
     bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
     bool readAll(const std::string& statement, Source& source);
     bool readChanged(const std::string& statement, Source& source);
+    bool isOpenAgain(const calEvent& event) const;
+    void writeTakenBack();
     bool readChangedDamaged(const std::string& statement, Source& source);
     void takeChanged(std::shared_ptr<calEvent> event);
     void separate();

@@ -4,11 +4,14 @@
 #include <vector>
 
 #include "DonePass.h"
+#include "FullRead.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "events/ActRules.h"
 #include "events/CalEvents.h"
 #include "events/EventHistory.h"
 #include "events/EventIndex.h"
+#include "events/Ledger.h"
 
 namespace vl {
 
@@ -40,23 +43,23 @@ bool isFinished(const calEvent& event, DateTime now, const EventHistory* history
     return isPast(last, now) && !replacesWhatIsAhead(event, now) && !isOpen(event, last, history);
 }
 
-std::string allDoneStatement(std::span<const std::string> GUIDs) {
+std::string statusStatement(std::string_view status, std::span<const std::string> GUIDs) {
     std::string list;
     for (const std::string& GUID : GUIDs) {
         list += (list.empty() ? "\"" : ", \"") + text::replaceAll(GUID, "\"", "\"\"") + "\"";
     }
-    return "UPDATE Reminders SET status = \"" + std::string(kAllDone) + "\" WHERE (GUID IN (" +
-           list + "));";
+    return "UPDATE Reminders SET status = \"" + std::string(status) + "\" WHERE (GUID IN (" + list +
+           "));";
 }
 
 // The first start on a long calendar finds thousands of them: a statement for each, with its
 // waiting for the disk or for others, would take minutes. What cannot be written now is found
 // again at the next start.
-void writeAllDone(DBRemindUtils& db, std::span<const std::string> GUIDs) {
+void writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std::string> GUIDs) {
     constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     while (!GUIDs.empty()) {
         const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
-        db.Execute(allDoneStatement(some));
+        db.Execute(statusStatement(status, some));
         if (db.LastError() != ErrNo::None) {
             return;
         }
@@ -108,7 +111,24 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
     if (history != nullptr) {
         history->keepReplaced(replaced);
     }
-    writeAllDone(db_, GUIDs);
+    writeStatus(db_, kAllDone, GUIDs);
+}
+
+bool CalEvents::isOpenAgain(const calEvent& event) const {
+    const DateTime now = clock_.now();
+    const DateTime last = lastReminderOf(event);
+    const bool goesOn =
+        last > now || (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
+    return goesOn && event.ISRecurrenceExceptionDeleted == 0 &&
+           !isDoneByUser(event, ledger_->find(db_.DBFullName, event.GUID));
+}
+
+// A row that cannot be written now is found again at the next start; until then the set has it.
+void CalEvents::writeTakenBack() {
+    const auto GUIDs = fullRead_->takeTakenBack();
+    if (!GUIDs.empty()) {
+        writeStatus(db_, "", GUIDs);
+    }
 }
 
 // Which events have nothing more to come, and when that will be true of the next one.

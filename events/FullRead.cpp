@@ -37,13 +37,57 @@ std::uint64_t stateOf(const calEvent& event) {
     return hash ^ (event.Hidden ? 1U : 0U);
 }
 
+// Their number where there is none of that name.
+std::size_t fieldNamed(const std::vector<sql::Field>& fields, std::string_view name) {
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const sql::Field& field) {
+        return text::equalsNoCase(field.name, name);
+    });
+    return static_cast<std::size_t>(found - fields.begin());
+}
+
+/// Whether a finished event may have something to come, told from five of its row's fields.
+class FinishedIn {
+public:
+    explicit FinishedIn(const std::vector<sql::Field>& fields)
+        : deleted_(fieldNamed(fields, "Deleted")),
+          status_(fieldNamed(fields, "status")),
+          start_(fieldNamed(fields, "StartDateTime")),
+          recurrence_(fieldNamed(fields, "recurrence")),
+          reminders_(fieldNamed(fields, "reminders")),
+          known_(std::max({deleted_, status_, start_, recurrence_, reminders_}) < fields.size()) {}
+
+    // A reminder after the start of a single event has a negative number of minutes.
+    bool mayGoOn(const sql::RowStream& row, DateTime now) const {
+        if (!known_ || row.value(deleted_).isNull() || row.value(deleted_).toInt32() != 0 ||
+            !text::equalsNoCase(textOf(row.value(status_)), "AllDone")) {
+            return false;
+        }
+        const Variant start = row.value(start_);
+        const auto* date = start.get<DateTime>();
+        return (date != nullptr && *date > now) || !textOf(row.value(recurrence_)).empty() ||
+               textOf(row.value(reminders_)).find('-') != std::string::npos;
+    }
+
+private:
+    static std::string textOf(const Variant& value) {
+        return value.isNull() ? std::string() : value.toText();
+    }
+
+    std::size_t deleted_;
+    std::size_t status_;
+    std::size_t start_;
+    std::size_t recurrence_;
+    std::size_t reminders_;
+    bool known_;
+};
+
 /// Which start of which series a row has taken over, told from three of its fields.
 class ReplacedIn {
 public:
     explicit ReplacedIn(const std::vector<sql::Field>& fields)
-        : state_(placeOf(fields, "RecurrenceState")),
-          master_(placeOf(fields, "recurringEventId")),
-          start_(placeOf(fields, "RExceptionStartTimeOrig")),
+        : state_(fieldNamed(fields, "RecurrenceState")),
+          master_(fieldNamed(fields, "recurringEventId")),
+          start_(fieldNamed(fields, "RExceptionStartTimeOrig")),
           known_(std::max({state_, master_, start_}) < fields.size()) {}
 
     std::optional<FullRead::PassedOver> of(const sql::RowStream& row) const {
@@ -61,13 +105,6 @@ public:
     }
 
 private:
-    static std::size_t placeOf(const std::vector<sql::Field>& fields, std::string_view name) {
-        const auto found = std::find_if(fields.begin(), fields.end(), [&](const sql::Field& field) {
-            return text::equalsNoCase(field.name, name);
-        });
-        return static_cast<std::size_t>(found - fields.begin());
-    }
-
     std::size_t state_;
     std::size_t master_;
     std::size_t start_;
@@ -85,6 +122,23 @@ std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
     return known;
 }
 
+void FullRead::forgetPassedOver() {
+    std::erase_if(rows_, [](const Row& row) { return !row.event; });
+    stamp_ = 0;
+}
+
+// Null where it stays finished.
+std::shared_ptr<calEvent> FullRead::openAgain(
+    const std::function<std::shared_ptr<calEvent>()>& make) {
+    auto event = make();
+    if (!isOpenAgain_(*event)) {
+        return nullptr;
+    }
+    event->status.clear();
+    takenBack_.push_back(event->GUID);
+    return event;
+}
+
 // Both the rows that come and those that are known are in the order of their places.
 FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& before,
                                 const Make& make) {
@@ -92,6 +146,7 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
     const RowReader reader(fieldsOf(stream), local, pool_);
     const auto fill = [&](calEvent& event) { reader.fill(event, stream); };
     const ReplacedIn exceptions(stream.fields());
+    const FinishedIn finished(stream.fields());
     Rows rows;
     rows.reserve(rows_.size());
     auto known = rows_.begin();
@@ -111,8 +166,14 @@ FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& bef
                 row.event = stillValid(held, row.event);
             }
             row.state = stateOf(*row.event);
-        } else if (auto replaced = exceptions.of(stream)) {
-            passedOver_.push_back(std::move(*replaced));
+        } else {
+            if (auto replaced = exceptions.of(stream)) {
+                passedOver_.push_back(std::move(*replaced));
+            }
+            if (isOpenAgain_ && finished.mayGoOn(stream, now_)) {
+                row.event = openAgain([&] { return make(fill); });
+                row.state = row.event ? stateOf(*row.event) : 0;
+            }
         }
         rows.push_back(std::move(row));
     }
@@ -253,11 +314,14 @@ std::shared_ptr<GenCollection> FullRead::collected(const Rows& rows) {
 }
 
 std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::string& statement,
-                                              const GenCollection& before, const Make& make) {
+                                              const GenCollection& before, DateTime now,
+                                              const Make& make) {
     if (statement != statement_) {
         rows_.clear();
         statement_ = statement;
     }
+    now_ = now;
+    takenBack_.clear();
     Rows rows;
     const bool isRead = db.ForRows(
         statement, [&](sql::RowStream& rowStream) { rows = stream(rowStream, before, make); });

@@ -35,7 +35,8 @@ public:
     /// Where the table is damaged, what can be read of it counts: a row without the values that
     /// cannot be read, and of a row that cannot be read at all the event that it gave before.
     std::shared_ptr<GenCollection> read(DBRemindUtils& db, const std::string& statement,
-                                        const GenCollection& before, const Make& make);
+                                        const GenCollection& before, DateTime now,
+                                        const Make& make);
 
     /// An exception to the series `master` (its id) that the condition of a statement passed over:
     /// it is finished or deleted, and `start` is no occurrence of the series all the same.
@@ -45,6 +46,16 @@ public:
     };
     /// Those that the reads have met since the last call.
     std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
+
+    /// Told of each event with the status "AllDone" that the condition passes over and that may
+    /// have a reminder ahead of `now`: true takes it in all the same, without that status. Events
+    /// with nothing to come are not decoded.
+    using IsOpenAgain = std::function<bool(const calEvent&)>;
+    void takeBack(IsOpenAgain isOpenAgain) { isOpenAgain_ = std::move(isOpenAgain); }
+    /// The `GUID`s of those that were taken in since the last call.
+    std::vector<std::string> takeTakenBack() { return std::exchange(takenBack_, {}); }
+    /// The next read looks at those again that the condition passed over.
+    void forgetPassedOver();
 
     /// What the last read could not read.
     const Damage& damage() const noexcept { return damage_; }
@@ -70,13 +81,17 @@ private:
                    const Make& make);
     bool readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make, Rows& rows);
     std::shared_ptr<calEvent> eventAt(std::uint64_t place) const;
+    std::shared_ptr<calEvent> openAgain(const std::function<std::shared_ptr<calEvent>()>& make);
     std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
     static std::shared_ptr<GenCollection> collected(const Rows& rows);
 
     TextPool pool_;
     std::string statement_;
     Rows rows_;
+    IsOpenAgain isOpenAgain_;
+    DateTime now_;  // of the read
     std::vector<PassedOver> passedOver_;
+    std::vector<std::string> takenBack_;
     Damage damage_;
     std::uint64_t stamp_ = 0;  // of the collection that they filled
 };

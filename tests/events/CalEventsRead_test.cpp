@@ -251,6 +251,26 @@ TEST_F(ReadAgain, KeepsPendingError) {
     ErrorState::clear();
 }
 
+// A host whose clock is ahead writes rows that each query since the last read gives.
+TEST_F(ReadAgain, SaysThatAnUnchangedFileGivesRowsWhereItsQueryWould) {
+    EXPECT_EQ(set.ReadDB(false, false), 0);
+    elsewhere("Modified = #2026-11-20 15:00:00#", kDentist);
+    EXPECT_EQ(set.ReadDB(false, false), 1);
+    EXPECT_EQ(set.ReadDB(false, false), 1) << "unchanged, and an hour ahead";
+    clock.time = at(15, 0);
+    set.ReadDB(false, false);
+    EXPECT_EQ(set.ReadDB(false, false), 0);
+}
+
+TEST_F(ReadAgain, OfATableWithoutRowsGivesNone) {
+    DBRemindUtils host;
+    host.DBFullName = path.string();
+    ASSERT_GT(host.Execute("DELETE FROM Reminders"), 0);
+    fs::last_write_time(path, written += std::chrono::seconds(1));
+    EXPECT_EQ(other.ReadDB(true, false), 0);
+    EXPECT_EQ(other.mCol->Count(), 0U);
+}
+
 // ---- a damaged file
 
 /// The sample's rows lie on pages 23 and 33; page 36 holds the JSON of one of them.

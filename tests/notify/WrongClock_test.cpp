@@ -45,6 +45,26 @@ TEST_F(WrongClock, AStartFarAheadFinishesNothingThatIsStillToCome) {
     EXPECT_EQ(desk.check(day(2026, 12, 24, 17, 45)), "B 17:45");
 }
 
+// A second start under such a clock does finish them; they are taken back.
+TEST_F(WrongClock, WhatWasFinishedUnderAClockAheadComesAllTheSame) {
+    desk.put(single("A", day(2026, 11, 21, 18), {15}));
+    desk.put(single("Done", day(2026, 11, 21, 18), {15}));
+    desk.put(test::series("S", day(2026, 11, 16, 8), "FREQ=WEEKLY;COUNT=4", {15}));
+    desk.check(at(9, 0));
+    const auto done = objectAt<calEvent>(*desk.program->period.mCol, "Done");
+    desk.program->acts.Dismiss({done, done->StartDateTime, {}}, DismissMode::This, true);
+    restart(day(2027, 11, 20));
+    restart(day(2027, 11, 20, 10));
+    ASSERT_EQ(statusOf("A"), "AllDone");
+    ASSERT_EQ(statusOf("S"), "AllDone");
+    EXPECT_EQ(desk.check(at(9, 20)), "") << "right again, without a new start";
+    EXPECT_EQ(statusOf("A"), "");
+    EXPECT_EQ(statusOf("S"), "");
+    EXPECT_EQ(statusOf("Done"), "AllDone") << "by its user";
+    EXPECT_EQ(desk.check(day(2026, 11, 21, 17, 45)), "A 17:45");
+    EXPECT_EQ(desk.check(day(2026, 11, 23, 7, 45)), "S 07:45");
+}
+
 // The events of months without the program go a start later, or the day after.
 TEST_F(WrongClock, AfterMonthsWithoutTheProgramWhatIsPastIsFinishedTheDayAfter) {
     desk.put(single("A", day(2026, 11, 21, 18), {15}));
@@ -53,6 +73,59 @@ TEST_F(WrongClock, AfterMonthsWithoutTheProgramWhatIsPastIsFinishedTheDayAfter) 
     EXPECT_EQ(statusOf("A"), "");
     desk.check(day(2027, 11, 21));
     EXPECT_EQ(statusOf("A"), "AllDone");
+}
+
+// ---- the host moves what is finished, and leaves the status alone: it is the program's
+
+class MovedWhenFinished : public WrongClock {
+protected:
+    void move(const std::string& GUID, DateTime start) {
+        desk.file.change(GUID, {{"StartDateTime", Variant(start)},
+                                {"EndDateTime", Variant(start.addMinutes(30))},
+                                {"Modified", Variant(desk.clock.time)}});
+    }
+};
+
+TEST_F(MovedWhenFinished, ComesAtItsNewTime) {
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::All);
+    EXPECT_EQ(restart(at(9, 0, 0, 23)), "");
+    ASSERT_EQ(statusOf("A"), "AllDone");
+    move("A", at(18, 0, 0, 24));
+    EXPECT_EQ(desk.check(at(9, 1, 0, 23)), "");
+    EXPECT_EQ(statusOf("A"), "");
+    EXPECT_EQ(desk.check(at(17, 45, 0, 24)), "A 17:45");
+}
+
+TEST_F(MovedWhenFinished, ComesAlsoWhenItIsMovedWhileTheProgramIsOff) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 0));
+    EXPECT_EQ(restart(at(9, 0, 0, 23)), "A 09:45") << "missed";
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    EXPECT_EQ(restart(at(9, 0, 0, 24)), "");
+    ASSERT_EQ(statusOf("A"), "AllDone");
+    desk.program.reset();
+    move("A", at(18, 0, 0, 25));
+    EXPECT_EQ(restart(at(9, 0, 0, 25)), "");
+    EXPECT_EQ(desk.check(at(17, 45, 0, 25)), "A 17:45");
+}
+
+TEST_F(MovedWhenFinished, WhatItsUserMarkedAsDoneStaysSoWhereverThatWas) {
+    desk.put(single("Here", at(10, 0), {15}));
+    desk.put(single("Elsewhere", at(10, 0, 0, 22), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "Here 09:45");
+    desk.program->acts.Dismiss(desk.listed.at("Here"), DismissMode::This, true);
+    desk.file.change("Elsewhere",
+                     {{"status", Variant("AllDone")}, {"Dismissed", Variant(at(9, 46))}});
+    EXPECT_EQ(restart(at(9, 47)), "");
+    EXPECT_EQ(statusOf("Here"), "AllDone");
+    EXPECT_EQ(statusOf("Elsewhere"), "AllDone");
+    EXPECT_EQ(desk.check(at(9, 45, 0, 22)), "");
+    // Moved after that it is an event with a time to come.
+    move("Elsewhere", at(18, 0, 0, 23));
+    desk.check(at(9, 46, 0, 22));
+    EXPECT_EQ(desk.check(at(17, 45, 0, 23)), "Elsewhere 17:45");
 }
 
 }  // namespace
