@@ -97,6 +97,10 @@ std::optional<Due> dueIn(const calEvent& event, Window window,
     return std::nullopt;
 }
 
+// A cancelled occurrence of a series: it has none of its own, and the series does not take place
+// then either.
+bool isCancelled(const calEvent& event) { return event.ISRecurrenceExceptionDeleted != 0; }
+
 /// The events a query found. A changed occurrence among them stands in the place of its series.
 class Answer {
 public:
@@ -157,9 +161,11 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
         forgetQuery(event);
         const auto starts = instancesForReminders(event, window, left);
         if (const auto due = dueIn(event, window, starts)) {
-            recordDue(event, *due);
             const auto found = objectAt<calEvent>(held, i + 1);
-            answer.take(found);
+            if (!isCancelled(event)) {
+                recordDue(event, *due);
+                answer.take(found);
+            }
             answer.noteException(found);
         }
     };
@@ -198,6 +204,9 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
     const auto look = [&](const std::shared_ptr<calEvent>& event) {
         if (period.holds(event->StartDateTime)) {
             answer.noteException(event);
+        }
+        if (isCancelled(*event)) {
+            return;
         }
         for (const DateTime start : instances(*event, period)) {
             if (period.holds(start)) {

@@ -145,10 +145,6 @@ void EventIndex::findOut(std::size_t i) {
     State& state = states_[i];
     state.reminders = state.starts = Kind::Series;
     reminders_[i] = starts_[i] = {};
-    if (event.ISRecurrenceExceptionDeleted != 0) {
-        state.reminders = state.starts = Kind::Away;
-        return;
-    }
     if (!event.RRULE.empty()) {
         if (event.IsException()) {
             state.starts = Kind::Near;
@@ -179,8 +175,6 @@ bool EventIndex::mayRemind(std::size_t i, const Window& window) {
         findOut(i);
     }
     switch (states_[i].reminders) {
-        case Kind::Away:
-            return false;
         case Kind::Near:
             return true;
         case Kind::Single:
@@ -220,8 +214,6 @@ bool EventIndex::mayStart(std::size_t i, const Window& window) {
         findOut(i);
     }
     switch (states_[i].starts) {
-        case Kind::Away:
-            return false;
         case Kind::Near:
             return true;
         case Kind::Single:

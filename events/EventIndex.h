@@ -63,7 +63,6 @@ private:
         Single,   ///< nothing lies outside its stretches
         Series,   ///< nothing lies inside them: they are the quiet ones around the last windows
         Near,     ///< may always have something to say
-        Away,     ///< never takes place
     };
     // Days. Of a single event both ends belong to it, of a series' the first alone.
     struct Stretch {

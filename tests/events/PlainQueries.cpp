@@ -103,11 +103,13 @@ std::vector<Answered> plainRemindCol(const Events& events, DateTime FromTime, Da
     Events exceptions;
     for (const auto& event : events) {
         Hit hit;
-        if (event->ISRecurrenceExceptionDeleted == 0 && dueOf(*event, FromTime, ToTime, hit)) {
-            event->InstanceStart = hit.instance;
-            found.push_back({event->GUID, hit.instance, hit.time,
-                             static_cast<std::int32_t>(minutesBetween(hit.time, hit.instance)),
-                             hit.next});
+        if (dueOf(*event, FromTime, ToTime, hit)) {
+            if (event->ISRecurrenceExceptionDeleted == 0) {
+                event->InstanceStart = hit.instance;
+                found.push_back({event->GUID, hit.instance, hit.time,
+                                 static_cast<std::int32_t>(minutesBetween(hit.time, hit.instance)),
+                                 hit.next});
+            }
             if (replacesOne(*event)) {
                 exceptions.push_back(event);
             }
@@ -121,6 +123,9 @@ std::vector<Answered> plainEventCol(const Events& events, DateTime FromDate, Dat
     std::vector<Answered> found;
     Events exceptions;
     for (const auto& event : events) {
+        if (replacesOne(*event) && within(event->StartDateTime, FromDate, ToDate)) {
+            exceptions.push_back(event);
+        }
         if (event->ISRecurrenceExceptionDeleted != 0) {
             continue;
         }
@@ -138,9 +143,6 @@ std::vector<Answered> plainEventCol(const Events& events, DateTime FromDate, Dat
         }
         if (held) {
             found.push_back({event->GUID, event->InstanceStart, {}, 0, 0});
-        }
-        if (replacesOne(*event) && within(event->StartDateTime, FromDate, ToDate)) {
-            exceptions.push_back(event);
         }
     }
     takeOut(found, events, exceptions);
