@@ -1,6 +1,7 @@
 #include "notify/Acts.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "app/Files.h"
 #include "base/ErrorState.h"
@@ -193,8 +194,11 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
         }
         // Only where nothing stands there: an old value stays.
         if (wanted.NextReminder.isZero() && event->IsRepeating()) {
-            wanted.NextReminder = firstReminderOfNext(*event);
-            columns.emplace_back(kNextReminder);
+            const DateTime next = firstReminderOfNext(*event);
+            if (!next.isZero()) {
+                wanted.NextReminder = next;
+                columns.emplace_back(kNextReminder);
+            }
         }
         const ActOn act = actOn(*event, row);
         // A row may still show a single event as it was before the host moved it.
@@ -257,14 +261,13 @@ calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
             ledger_.keepReplaced(db_.DBFullName, event.recurringEventId,
                                  event.RExceptionStartTimeOrig);
         }
-        ledger_.change(db_.DBFullName, event.GUID, "delete", [&](EventState& state) {
-            state.deleting = true;
-            state.acted = clock_.now();
-        });
+        // Not acted upon: a deletion that fails leaves all as it was.
+        ledger_.change(db_.DBFullName, event.GUID, "delete",
+                       [](EventState& state) { state.deleting = true; });
         result = deleteNow(event);
         if (result == calEvent::Deletion::Waits) {
-            enqueue({event.GUID, {}, event.VLBase});
-            state_.waitingWrites = static_cast<int>(waiting_.size());
+            enqueueDeletion(event);
+            countWaiting();
         }
     });
     if (result != calEvent::Deletion::Failed) {
@@ -291,12 +294,34 @@ calEvent::Deletion Acts::deleteNow(const calEvent& event) {
     return result;
 }
 
-bool Acts::deleteLater(const Write& write) {
-    calEvent carrier;
-    carrier.GUID = write.GUID;
-    carrier.VLBase = write.text;
-    return deleteNow(carrier) != calEvent::Deletion::Waits;
+// A host's file that is held by others is not tried for each of its items.
+void Acts::deleteWaiting() {
+    std::vector<std::string> held;
+    std::erase_if(deletions_, [&](const Deletion& one) {
+        if (std::find(held.begin(), held.end(), one.VLBase) != held.end()) {
+            return false;
+        }
+        calEvent carrier;
+        carrier.GUID = one.GUID;
+        carrier.VLBase = one.VLBase;
+        const bool waits = deleteNow(carrier) == calEvent::Deletion::Waits;
+        if (waits) {
+            held.push_back(one.VLBase);
+        }
+        return !waits;
+    });
 }
+
+void Acts::enqueueDeletion(const calEvent& event) {
+    const auto same = std::find_if(deletions_.begin(), deletions_.end(), [&](const Deletion& one) {
+        return text::equalsNoCase(one.GUID, event.GUID);
+    });
+    if (same == deletions_.end()) {
+        deletions_.push_back({event.GUID, event.VLBase});
+    }
+}
+
+void Acts::countWaiting() { state_.waitingWrites = static_cast<int>(Waiting()); }
 
 void Acts::leaveSets(const std::string& GUID) {
     for (CalEvents* set : {&period_, &reminders_}) {
@@ -382,8 +407,10 @@ void Acts::enqueue(Write write) {
 }
 
 bool Acts::write(const Write& write) {
-    if (write.column.empty()) {
-        return deleteLater(write);
+    const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+    const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+    if (note != nullptr && note->after != write.text) {
+        return true;  // another copy has acted since: it writes what is to stand there
     }
     calEvent carrier;
     carrier.GUID = write.GUID;
@@ -411,15 +438,12 @@ void Acts::WriteWaiting() {
             waiting_.pop_front();
         }
     });
-    state_.waitingWrites = static_cast<int>(waiting_.size());
+    attempt([&] { deleteWaiting(); });
+    countWaiting();
 }
 
 void Acts::RestoreWaiting() {
     const ErrScope scope;
-    if (!lookedForLeftOver_ && (reminders_.mCol || period_.mCol)) {
-        lookedForLeftOver_ = true;
-        attempt([&] { findLeftOver(); });
-    }
     // Who has written something else meanwhile has the last word.
     std::erase_if(waiting_, [&](const Write& write) {
         const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
@@ -433,11 +457,13 @@ void Acts::RestoreWaiting() {
         }
         return false;
     });
+    if (lookedAt_ != ledger_.version() && (reminders_.mCol || period_.mCol)) {
+        attempt([&] { findLeftOver(); });
+    }
+    for (const Deletion& one : deletions_) {
+        leaveSets(one.GUID);
+    }
     for (const Write& write : waiting_) {
-        if (write.column.empty()) {
-            leaveSets(write.GUID);
-            continue;
-        }
         for (const CalEvents* set : {&period_, &reminders_}) {
             if (const auto event = heldBy(set->mCol, write.GUID)) {
                 attempt([&] { event->setProperty(write.column, Variant(write.text)); });
@@ -445,19 +471,29 @@ void Acts::RestoreWaiting() {
         }
         noteChange(write.GUID);
     }
-    state_.waitingWrites = static_cast<int>(waiting_.size());
+    countWaiting();
 }
 
-// An earlier run noted the act and did not come to the row, or could not write it.
+// What was noted and did not come to the row, by an earlier run, by another copy of the program or
+// by a command. Of what was looked at only what has changed since is looked at again.
 void Acts::findLeftOver() {
+    std::optional<std::unordered_set<std::uint64_t>> changed;
+    if (lookedAt_) {
+        const auto hashes = ledger_.changedSince(*lookedAt_);
+        changed.emplace(hashes.begin(), hashes.end());
+    }
+    lookedAt_ = ledger_.version();
     auto known = ledger_.all(db_.DBFullName);
     std::sort(known.begin(), known.end(),
               [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
     for (const auto& one : known) {
+        if (changed && !changed->contains(guidHash(one.GUID))) {
+            continue;
+        }
         auto event = heldBy(period_.mCol, one.GUID);
         event = event ? event : heldBy(reminders_.mCol, one.GUID);
         if (event && one.state.deleting) {
-            enqueue({event->GUID, {}, event->VLBase});
+            enqueueDeletion(*event);
             continue;
         }
         for (const std::string_view name : kStateColumns) {

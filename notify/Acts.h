@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,25 +72,31 @@ public:
     void LeaveNewList(std::string_view GUID);
 
     /// Writes what waits, in the order of the acts, up to the first write that has to wait on.
-    /// Checks call it; costs nothing when nothing waits.
+    /// Deletions wait for their host's file and hold up nothing else. Checks call it; costs nothing
+    /// when nothing waits.
     void WriteWaiting();
 
     /// Puts what waits into the events of both sets again, after these were read: their rows do
-    /// not have it yet. The first call after the start also finds what an earlier run has left.
+    /// not have it yet. Also finds what an earlier run, another copy of the program or a command
+    /// has noted and not written.
     void RestoreWaiting();
 
-    /// Columns that wait to be written, for the status line (also in the state).
-    std::size_t Waiting() const noexcept { return waiting_.size(); }
+    /// Columns that wait to be written and items that wait to be deleted, for the status line (also
+    /// in the state).
+    std::size_t Waiting() const noexcept { return waiting_.size() + deletions_.size(); }
     /// Why the last write failed, in the engine's words; empty when it did not.
     const std::string& Trouble() const noexcept { return trouble_; }
 
 private:
-    /// A column of a row that is to hold `text`; without a column the event's item is to be
-    /// deleted, and `text` is the host's file.
+    /// A column of a row that is to hold `text`.
     struct Write {
         std::string GUID;
         std::string column;
         std::string text;
+    };
+    struct Deletion {
+        std::string GUID;
+        std::string VLBase;
     };
     using Objects = std::vector<std::shared_ptr<calEvent>>;
 
@@ -106,7 +113,9 @@ private:
     void enqueue(Write write);
     bool write(const Write& write);
     calEvent::Deletion deleteNow(const calEvent& event);
-    bool deleteLater(const Write& write);
+    void deleteWaiting();
+    void enqueueDeletion(const calEvent& event);
+    void countWaiting();
     void leaveSets(const std::string& GUID);
     void findLeftOver();
 
@@ -117,8 +126,10 @@ private:
     Ledger& ledger_;
     ReminderState& state_;
     std::deque<Write> waiting_;
+    std::deque<Deletion> deletions_;
     std::string trouble_;
-    bool lookedForLeftOver_ = false;
+    std::optional<std::uint64_t>
+        lookedAt_;  // the ledger's version, when left-overs were looked for
 };
 
 }  // namespace vl

@@ -131,6 +131,30 @@ TEST_F(ActsOnFile, AnActWorksOnTheRowsOwnOccurrence) {
     EXPECT_FALSE(known(series->GUID.str().c_str()).find(at(10, 0, 0, 2)));
 }
 
+// ---- a series' last instance
+
+TEST_F(ActsOnFile, DismissingTheLastInstanceLeavesTheNextReminderAlone) {
+    const auto series = named("Project review");
+    ASSERT_TRUE(series);
+    elsewhere(
+        "UPDATE Reminders SET recurrence = \"[\"\"RRULE:FREQ=DAILY;COUNT=1\"\"]\" WHERE GUID = \"" +
+        series->GUID + "\"");
+    read();
+    const auto isNull = [&] {
+        DBRemindUtils other;
+        other.DBFullName = db.DBFullName;
+        const auto rows = other.OpenRS("SELECT NextReminder FROM Reminders WHERE GUID = \"" +
+                                       series->GUID + "\"");
+        return rows->value("NextReminder").isNull();
+    };
+    ASSERT_TRUE(isNull());
+    const auto last = in(period, series->GUID.c_str());
+    acts.Dismiss({last, last->StartDateTime, {}}, DismissMode::All);
+    EXPECT_EQ(stored(series->GUID.c_str())->Dismissed, at(13, 50));
+    EXPECT_TRUE(isNull());
+    EXPECT_FALSE(rowSpeaks(*stored(series->GUID.c_str()), &known(series->GUID.c_str())));
+}
+
 TEST_F(ActsOnFile, ARowWhoseEventHasLeftTheSetsIsStillActedUpon) {
     const ActRow row = dentist();
     reminders.mCol->Remove(kDentist);

@@ -83,7 +83,7 @@ TEST_F(HeldFile, SoItIsOverRestarts) {
     EXPECT_EQ(desk.check(at(9, 20)), "") << "the snooze was dealt with";
 }
 
-TEST_F(HeldFile, RowsAreWrittenInTheOrderOfTheActs) {
+TEST_F(HeldFile, ADeletionThatWaitsForTheHostsFileHoldsUpNothingElse) {
     const std::string host = (desk.folder / "Host.vldb").string();
     jet::Database::create(host).createTable(
         "Event", std::vector<jet::NewColumn>{{"GUID", jet::ColumnType::Text, 50}});
@@ -99,15 +99,53 @@ TEST_F(HeldFile, RowsAreWrittenInTheOrderOfTheActs) {
             EXPECT_EQ(waiting(), 3);
         }
         acts.WriteWaiting();
-        EXPECT_EQ(waiting(), 2);
+        EXPECT_EQ(waiting(), 1);
         EXPECT_EQ(stored("A")->NextReminder, at(9, 20));
         EXPECT_TRUE(stored("B"));
-        EXPECT_TRUE(stored("C")->Dismissed.isZero()) << "it comes after the one that waits";
+        EXPECT_EQ(stored("C")->Dismissed, at(9, 0));
+        acts.Snooze(desk.listed.at("A"), 40);
+        EXPECT_EQ(stored("A")->NextReminder, at(9, 40)) << "while it waits";
     }
     acts.WriteWaiting();
     EXPECT_EQ(waiting(), 0);
     EXPECT_FALSE(stored("B"));
-    EXPECT_EQ(stored("C")->Dismissed, at(9, 0));
+}
+
+/// Another copy of the program, or a command: it acts while somebody holds the file, and ends.
+class OtherCopy : public HeldFile {
+protected:
+    template <class Act>
+    void actAndEnd(const char* GUID, Act&& act) {
+        FileDesk::Program other(desk, desk.clock, (desk.folder / "VLReminders.ledger").string());
+        other.cycle.ReadAtStart();
+        const HoldingProcess holder(desk.file.path());
+        ActRow row = desk.listed.at(GUID);
+        row.event = objectAt<calEvent>(*other.period.mCol, GUID);
+        act(other.acts, row);
+        EXPECT_GT(other.state.waitingWrites, 0);
+    }
+};
+
+TEST_F(OtherCopy, WhatItCouldNotWriteTheRunningOneWrites) {
+    actAndEnd("A", [](Acts& acts, const ActRow& row) { acts.Dismiss(row, DismissMode::All); });
+    EXPECT_TRUE(stored("A")->Dismissed.isZero());
+    desk.check(at(9, 1));
+    EXPECT_EQ(stored("A")->Dismissed, at(9, 0));
+    EXPECT_EQ(objectAt<calEvent>(*desk.program->period.mCol, "A")->Dismissed, at(9, 0));
+    EXPECT_EQ(waiting(), 0);
+}
+
+TEST_F(OtherCopy, ALaterActOfItStands) {
+    {
+        const HoldingProcess holder(desk.file.path());
+        desk.program->acts.Snooze(desk.listed.at("A"), 20);
+    }
+    EXPECT_EQ(waiting(), 1);
+    desk.clock.time = at(9, 1);
+    actAndEnd("A", [](Acts& acts, const ActRow& row) { acts.Snooze(row, 120); });
+    desk.check(at(9, 2));
+    EXPECT_EQ(stored("A")->NextReminder, at(11, 1));
+    EXPECT_EQ(waiting(), 0);
 }
 
 TEST_F(HeldFile, WhatIsReactivatedMeanwhileIsNotTakenForSomebodyElsesAct) {

@@ -1,8 +1,12 @@
 // What falls due, where the file itself is the matter.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "../model/ZoneForTest.h"
 #include "FileDesk.h"
+#include "app/TimeText.h"
+#include "db/jet/Database.h"
 
 namespace vl {
 namespace {
@@ -198,6 +202,54 @@ TEST_F(OnFile, ARowOfTheListShowsTheTimesOfWhereItsReaderIs) {
     EXPECT_EQ(desk.check(at(9, 51)), "");
     desk.start();
     EXPECT_EQ(desk.check(at(9, 52)), "");
+}
+
+// The toast that shows the whole list is of where its reader is, too.
+TEST_F(OnFile, TheWholeListShowsTheTimesOfWhereItsReaderIs) {
+    const auto entry = [](int hour) {
+        return series("M", at(hour, 0, 0, 16), "FREQ=DAILY", {15, 5}, "America/New_York");
+    };
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(entry(16));
+        EXPECT_EQ(desk.check(at(15, 45)), "M 15:45");
+    }
+    const test::ZoneForTest there("America/New_York");
+    ReminderState& state = desk.program->state;
+    state.sNotifType = "P";
+    desk.clock.time = at(9, 50);
+    desk.put(entry(10));
+    EXPECT_EQ(desk.check(at(9, 55)), "");
+    const auto line = objectAt<ValueList>(*state.EvCol, "M");
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->items[1], Variant(" 15 minutes (" + shortTimeText(at(9, 45)) + ")"));
+    // What is listed is not what the views ask.
+    const auto listed = objectAt<calEvent>(*state.NewReminders, "M");
+    desk.program->period.EventCol(at(0, 0, 0, 23), at(23, 59, 0, 23));
+    desk.program->reminders.RemindCol(at(0, 0, 0, 24), at(23, 59, 0, 24));
+    EXPECT_EQ(listed->InstanceStart, at(10, 0));
+}
+
+// A deletion that cannot be done leaves the event as it was: its reminder was before the first run.
+TEST_F(OnFile, ADeletionThatFailsMakesNothingNew) {
+    const std::string host = (desk.folder / "Host.vldb").string();
+    jet::Database::create(host).createTable(
+        "Event", std::vector<jet::NewColumn>{{"GUID", jet::ColumnType::Text, 50}});
+    const auto event = single("A", at(10, 0, 0, 23), {7 * 1440, 15});
+    event->VLBase = host;
+    desk.clock.time = at(8, 0, 0, 19);
+    desk.put(event);
+    EXPECT_EQ(desk.check(at(9, 0, 0, 19)), "");
+    {
+        std::fstream file(host, std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(4);
+        file << "Standard ACE DB";  // of a version that is not written
+    }
+    const auto held = objectAt<calEvent>(*desk.program->period.mCol, "A");
+    EXPECT_EQ(desk.program->acts.DeleteItem({held, held->StartDateTime, {}}),
+              calEvent::Deletion::Failed);
+    EXPECT_EQ(desk.check(at(9, 1, 0, 19)), "");
+    EXPECT_EQ(desk.check(at(9, 45, 0, 23)), "A 09:45");
 }
 
 }  // namespace
