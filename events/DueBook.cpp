@@ -264,7 +264,9 @@ bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
     if (!slot.look && !slot.pending && !itsTime) {
         return false;
     }
-    if (!slot.event || slot.event->ISRecurrenceExceptionDeleted != 0 || isDone(*slot.event)) {
+    // Without a GUID there is no row to act on: it would be listed and heard anew for ever.
+    if (!slot.event || slot.event->GUID.empty() || slot.event->ISRecurrenceExceptionDeleted != 0 ||
+        isDone(*slot.event)) {
         return false;
     }
     return slot.look || itsTime || !slot.quiet || !asked.isListed ||

@@ -28,9 +28,13 @@ private:
     bool& flag_;
 };
 
-std::shared_ptr<ValueList> pair(std::string first, std::string second) {
+// Summary and reminder line.
+std::shared_ptr<ValueList> lineOf(const calEvent& event) {
+    std::string text;
+    attempt([&] { text = event.ReminderText(); });
     auto list = std::make_shared<ValueList>();
-    list->items = {Variant(std::move(first)), Variant(std::move(second))};
+    list->items = {Variant(event.Summary()),
+                   Variant(" " + text + " (" + shortTimeText(event.RecordedReminderD()) + ")")};
     return list;
 }
 
@@ -75,8 +79,12 @@ void CheckCycle::Tick(int interval) {
     if (state_.bInTimerCheck) {
         return;
     }
-    const Raised running(state_.bInTimerCheck);
-    check(interval);
+    {
+        const Raised running(state_.bInTimerCheck);
+        check(interval);
+    }
+    attempt([&] { screen_.SetIcon(); });
+    attempt([&] { db_.CloseDB(); });
 }
 
 void CheckCycle::check(int interval) {
@@ -97,8 +105,6 @@ void CheckCycle::check(int interval) {
     // never later than what was asked for: the machine may have slept inside the check.
     state_.dLastUpdated = std::min(clock_.now(), upTo);
     noteAsked(isRead, since);
-    attempt([&] { screen_.SetIcon(); });
-    attempt([&] { db_.CloseDB(); });
 }
 
 // What nobody could read is still to be asked for. Without a database there is nothing to read.
@@ -147,11 +153,17 @@ void CheckCycle::refillListed() {
     const GenCollection listed = *state_.NewReminders;
     for (const Variant& item : listed) {
         const auto row = objectIn<calEvent>(item);
-        const auto event = row && reminders_.mCol && reminders_.mCol->Exists(row->GUID)
-                               ? objectAt<calEvent>(*reminders_.mCol, row->GUID)
-                               : nullptr;
-        if (event && event->HasOwnZone() && reminders_.RecordListed(*event)) {
+        const auto held = row && reminders_.mCol && reminders_.mCol->Exists(row->GUID)
+                              ? objectAt<calEvent>(*reminders_.mCol, row->GUID)
+                              : nullptr;
+        if (!held || !held->HasOwnZone()) {
+            continue;
+        }
+        // A copy: what is listed is none of the sets'.
+        const auto event = std::make_shared<calEvent>(*held);
+        if (reminders_.RecordListed(*event)) {
             state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
+            lines_.Add(Variant(lineOf(*event)), event->GUID, 0, 0, true);
             attempt([&] { screen_.UpdateItemR(event, kNewRemindersGrid); });
         }
     }
@@ -217,15 +229,11 @@ void CheckCycle::takeIn(const GenCollection& due, std::string& message) {
 }
 
 void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& message) {
-    const DateTime time = event->RecordedReminderD();
-    std::string text;
-    attempt([&] { text = event->ReminderText(); });
-    const std::string line = " " + text + " (" + shortTimeText(time) + ")";
-    message += event->Summary() + line + "\r\n";
-    const auto entry = pair(event->Summary(), line);
+    const auto entry = lineOf(*event);
+    message += entry->items[0].toText() + entry->items[1].toText() + "\r\n";
     state_.EvCol->Add(Variant(entry), event->GUID);
     lines_.Add(Variant(entry), event->GUID, 0, 0, true);
-    event->dLastReminder = time;
+    event->dLastReminder = event->RecordedReminderD();
     state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
     attempt([&] { screen_.AddItemR(event, kNewRemindersGrid); });
     attempt([&] { screen_.UpdateItemR(event, kAllRemindersGrid); });
@@ -237,6 +245,12 @@ void CheckCycle::rebuildIndex() {
     for (const Variant& item : *state_.NewReminders) {
         if (const auto event = objectIn<calEvent>(item)) {
             state_.LastEventsReminded->Add(Variant(event), event->GUID);
+        }
+    }
+    // Most of what was listed once is not any more.
+    for (std::size_t i = lines_.Count(); i > 0; --i) {
+        if (!state_.NewReminders->Exists(lines_.Key(i))) {
+            lines_.Remove(i);
         }
     }
 }

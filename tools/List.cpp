@@ -24,6 +24,7 @@ EventList hidden(const EventList& all, Columns columns, DateTime now) {
         }
         const DateTime next = event->NextInstance(now);
         event->InstanceStart = next.isZero() ? event->LastInstance() : next;
+        event->iRemMinutes = event->iRemMinutesNext = calEvent::kNoReminder;
         const bool reminded = event->RemindersCol && event->RemindersCol->Count() > 0;
         if (reminded) {
             const DateTime coming = event->NextReminderD(now);
@@ -64,6 +65,8 @@ int run(const Arguments& arguments, const Streams& streams) {
     if (isPeriod(code, "H")) {
         events = hidden(listOf(*file.set.mCol), columns, now);
     } else if (columns == Columns::Events) {
+        // Asked after the reminders, as the window does: their question resets what the events hold.
+        file.set.RemindCol(range.from, range.to);
         events = shown(listOf(*file.set.EventCol(range.from, range.to)), code);
     } else {
         events = shown(listOf(*file.set.RemindCol(range.from, range.to)), code);

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "CheckParts.h"
+#include "app/TimeText.h"
 #include "base/ErrorState.h"
 
 namespace vl {
@@ -180,6 +181,66 @@ TEST_F(Check, TheEmailTypeSaysWhatItDoesNot) {
               "This feature is not yet implemented, but will send email reminders");
     EXPECT_EQ(screen.popUps[0].ShowDelay, 5000);
     EXPECT_EQ(screen.popUps[0].iWidth, 250);
+}
+
+TEST_F(Check, WhatIsShownIsGivenInFull) {
+    const std::string lines = "a 15 minutes (" + shortTimeText(at(14, 0)) + ")\r\nb 15 minutes (" +
+                              shortTimeText(at(14, 0, 5)) + ")\r\n";
+    for (const char* type : {"E", "P", "S:"}) {
+        SCOPED_TRACE(type);
+        const bool mail = std::string_view(type) == "E";
+        CalEvents set(db, clock);
+        set.Add(event("{A}", "a", at(14, 15), kQuarter), "{A}");
+        set.Add(event("{B}", "b", at(14, 15, 5), kQuarter), "{B}");
+        ReminderState fresh;
+        fresh.sNotifType = type;
+        RecordingScreen seen;
+        Ledger none(clock);
+        Acts freshActs(set, period, db, clock, none, fresh);
+        CheckCycle(set, period, db, clock, fresh, seen, none, freshActs).Tick(10000);
+        EXPECT_EQ(fresh.dLastReminder, clock.now());
+        for (const PopUpRequest& shown : seen.popUps) {
+            EXPECT_FALSE(shown.Bold);
+            EXPECT_EQ(shown.ContentHeight, 100);
+            EXPECT_EQ(shown.Opacity, 100);
+            EXPECT_EQ(shown.iWidth, mail ? 250 : 300);
+            EXPECT_EQ(shown.ShowDelay, mail ? 5000 : -1);
+        }
+        for (const auto& shown : seen.balloons) {
+            EXPECT_EQ(shown.title, "2 new reminders");
+            EXPECT_EQ(shown.text, lines);
+            EXPECT_EQ(shown.timeoutMs, 5000);
+        }
+        EXPECT_EQ(seen.popUps.size() + seen.balloons.size(), 1U);
+        const auto entry = objectAt<ValueList>(*fresh.EvCol, "{B}");
+        ASSERT_TRUE(entry);
+        EXPECT_EQ(entry->items[1], Variant(" 15 minutes (" + shortTimeText(at(14, 0, 5)) + ")"));
+    }
+}
+
+TEST_F(Check, WithoutAGUIDThereIsNothingToActOn) {
+    reminders.Add(event("", "nobody", at(14, 15), kQuarter));
+    reminders.Add(event("{A}", "a", at(14, 15), kQuarter), "{A}");
+    tick();
+    EXPECT_EQ(screen.count("AddItemR"), 1U);
+    EXPECT_EQ(screen.count("AddItemR a 0"), 1U);
+}
+
+/// Notes whether a check was running when it was asked for the icon.
+class IconScreen : public RecordingScreen {
+public:
+    const ReminderState* state = nullptr;
+    std::vector<bool> running;
+    void SetIcon() override { running.push_back(state->bInTimerCheck); }
+    void DoPeriod() override { running.push_back(state->bInTimerCheck); }
+};
+
+TEST_F(Check, IsOverBeforeTheIconIsSet) {
+    IconScreen seen;
+    seen.state = &state;
+    period.Add(event("{A}", "a", at(18, 0), kQuarter), "{A}");
+    CheckCycle(reminders, period, db, clock, state, seen, ledger, acts).Tick(10000);
+    EXPECT_EQ(seen.running, (std::vector<bool>{true, false}));
 }
 
 /// Shows a modal box inside the notification: timers tick meanwhile.

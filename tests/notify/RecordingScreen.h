@@ -28,7 +28,8 @@ public:
         popUps.push_back(request);
         note("ShowPopUp " + request.title);
     }
-    void ShowSystem(const std::string& title, const std::string&, int) override {
+    void ShowSystem(const std::string& title, const std::string& text, int timeoutMs) override {
+        balloons.push_back({title, text, timeoutMs});
         note("ShowSystem " + title);
     }
     void PlayReminderSound() override { note("PlayReminderSound"); }
@@ -56,10 +57,17 @@ public:
     void forget() {
         calls.clear();
         popUps.clear();
+        balloons.clear();
     }
 
     std::vector<std::string> calls;
     std::vector<PopUpRequest> popUps;
+    struct Balloon {
+        std::string title;
+        std::string text;
+        int timeoutMs = 0;
+    };
+    std::vector<Balloon> balloons;
     bool visible = false;
     bool hasFocus = false;
     int interval = 10000;
