@@ -112,6 +112,10 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     entry.handled = std::max(early ? entry.handled : now, listed);
     entry.snoozed = DateTime();
     entry.listed = DateTime();
+    entry.acted = act.zone.toUtc(act.now);
+    if (!listed.isZero()) {
+        entry.reminder = listed;
+    }
     return entry;
 }
 

@@ -132,8 +132,11 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
     const TimeZone local = TimeZone::local();
     const RowReader reader(rows->fields(), local, fullRead_->pool());
     for (; !rows->EOF_(); rows->MoveNext()) {
-        complete &=
-            attempt([&] { takeChanged(readEvent([&](calEvent& e) { reader.fill(e, *rows); })); });
+        complete &= attempt([&] {
+            const auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
+            source.modified = std::max(source.modified, event->Modified);
+            takeChanged(event);
+        });
     }
     source.result = rows->RecordCount() > 0 ? 1 : 0;
     rows->Close();

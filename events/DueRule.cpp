@@ -65,11 +65,18 @@ std::vector<Offset> offsetsOf(const calEvent& event) {
 /// The event as the ledger and its row see it.
 class EventView {
 public:
-    EventView(const calEvent& event, const DueFacts& facts)
+    /// `now`, where it matters what is over by it.
+    EventView(const calEvent& event, const DueFacts& facts, std::optional<DateTime> now = {})
         : event_(event),
           facts_(facts),
           state_(facts.state != nullptr ? *facts.state : nothing()),
           repeats_(event.IsRepeating()) {
+        if (now) {
+            const std::int64_t length = event.EndOf(event.StartDateTime).milliseconds() -
+                                        event.StartDateTime.milliseconds();
+            over_ = DateTime::fromMilliseconds(now->milliseconds() - length);
+            latestAct_ = facts.zone.toUtc(*now).addDays(1);
+        }
         const RowWord live{event.NextReminder, event.Dismissed};
         rowSpeaks_ = live.saysAnything() && rowSpeaks(event, facts.state);
         const RowWord& word = rowSpeaks_ ? live : state_.word;
@@ -81,6 +88,10 @@ public:
     const calEvent& event() const { return event_; }
     const EventState& state() const { return state_; }
     bool repeats() const { return repeats_; }
+
+    bool isOver(DateTime start) const { return !over_ || start <= *over_; }
+    /// Occurrences that begin from here on are not over.
+    DateTime goesOn() const { return over_.value_or(DateTime()).addSeconds(1); }
 
     /// Whether a scheduled reminder of the occurrence is still to be shown.
     bool isOpen(DateTime start, DateTime time) const {
@@ -97,19 +108,23 @@ public:
             return false;
         }
         const bool spared = entry != nullptr && (entry->spared || !entry->snoozed.isZero());
-        if (wall < state_.endedBefore && !spared) {
+        // Ended with others was only what was over, by a clock that may have been ahead.
+        if (wall < state_.endedBefore && isOver(start) && !spared) {
             return false;
         }
         if (entry == nullptr) {
             return true;
         }
-        return event_.ToMoment(time) > entry->handled && entry->muted != Muted::ForEver &&
+        return event_.ToMoment(time) > handledThrough(*entry) && entry->muted != Muted::ForEver &&
                (entry->muted != Muted::ThroughStart || time > start);
     }
 
     /// Below this start every scheduled reminder is silent, but of spared occurrences.
     DateTime firstOpenStart() const {
         DateTime first = event_.FromWall(state_.endedBefore);
+        if (over_) {
+            first = std::min(first, goesOn());
+        }
         if (!says_.silentThrough.isZero()) {
             first = std::max(
                 first, says_.silentThrough.addMinutes(event_.RemindersMaxOffsetMin).addSeconds(1));
@@ -190,8 +205,23 @@ private:
         return time <= through || event_.Modified <= through;
     }
 
+    // By a clock that was more than a day ahead: nothing that it said of the time holds.
+    bool isOfWrongClock(const OccurrenceState& one) const {
+        return latestAct_ && one.acted > *latestAct_;
+    }
+
+    // Of such an act only which reminder it was on.
+    DateTime handledThrough(const OccurrenceState& one) const {
+        return isOfWrongClock(one) ? std::min(one.handled, one.reminder) : one.handled;
+    }
+
     DateTime localSnooze(const OccurrenceState& one) const {
-        return one.snoozed.isZero() ? DateTime() : facts_.zone.fromUtc(one.snoozed);
+        if (one.snoozed.isZero()) {
+            return {};
+        }
+        // Nobody knows what was meant: the reminder is shown again.
+        return isOfWrongClock(one) && !one.reminder.isZero() ? event_.FromMoment(one.reminder)
+                                                             : facts_.zone.fromUtc(one.snoozed);
     }
 
     // Of a single event also one that was made before the host moved it.
@@ -210,6 +240,8 @@ private:
     const DueFacts& facts_;
     const EventState& state_;
     RowSays says_;
+    std::optional<DateTime> over_;       // occurrences that begin up to here are over
+    std::optional<DateTime> latestAct_;  // UTC
     bool repeats_;
     bool rowSpeaks_ = false;
 };
@@ -219,9 +251,6 @@ class Search {
 public:
     Search(const EventView& view, const std::vector<Offset>& offsets, const DueQuestion& question)
         : view_(view), event_(view.event()), offsets_(offsets), question_(question) {
-        const std::int64_t length =
-            event_.EndOf(event_.StartDateTime).milliseconds() - event_.StartDateTime.milliseconds();
-        over_ = DateTime::fromMilliseconds(question.now.milliseconds() - length);
         firstOpenStart_ = view.firstOpenStart();
         since_ = std::min(question.since, question.from);
     }
@@ -263,7 +292,7 @@ public:
     DateTime since() const { return since_; }
 
 private:
-    bool isOver(DateTime start) const { return start <= over_; }
+    bool isOver(DateTime start) const { return view_.isOver(start); }
 
     std::int32_t nextAfter(DateTime start, DateTime time) const {
         for (const Offset& offset : offsets_) {
@@ -297,7 +326,7 @@ private:
     void ofSeries(const Offset& offset, DateTime earliest, bool firstMet) {
         const DateTime latest = question_.to.addMinutes(offset.minutes);
         const DateTime lowest = std::max(earliest.addMinutes(offset.minutes), firstOpenStart_);
-        const DateTime goesOn = over_.addSeconds(1);
+        const DateTime goesOn = view_.goesOn();
         DateTime begin = std::max(goesOn, firstMet ? firstOpenStart_ : lowest);
         while (begin <= latest) {
             const auto found = event_.ICalRecEvents(begin, latest, 1);
@@ -306,7 +335,7 @@ private:
             }
             begin = found.front().addSeconds(1);
         }
-        DateTime before = std::min(latest, over_).addSeconds(1);
+        DateTime before = std::min(latest.addSeconds(1), goesOn);
         while (lowest < before) {
             const DateTime start = event_.PreviousInstance(before);
             if (start.isZero() || start < lowest || offer(start, offset, earliest, firstMet)) {
@@ -338,7 +367,6 @@ private:
     const calEvent& event_;
     const std::vector<Offset>& offsets_;
     const DueQuestion& question_;
-    DateTime over_;  // occurrences that begin up to here are over
     DateTime firstOpenStart_;
     Best best_;
     DateTime next_;
@@ -355,7 +383,7 @@ void recordDue(calEvent& event, const Due& due) {
 }
 
 DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion& question) {
-    const EventView view(event, facts);
+    const EventView view(event, facts, question.now);
     const std::vector<Offset> offsets = offsetsOf(event);
     DueAnswer answer;
     Search all(view, offsets, question);

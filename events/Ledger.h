@@ -25,7 +25,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///
 ///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
-///     "spared":true}],
+///     "acted":,"reminder":,"spared":true}],
 ///    "endedBefore":,"openSince":,"acted":,"said":{"NextReminder":,"Dismissed":},
 ///    "newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day

@@ -41,6 +41,8 @@ Json occurrenceJson(const OccurrenceState& one) {
         }
     }
     put(json, "listed", one.listed);
+    put(json, "acted", one.acted);
+    put(json, "reminder", one.reminder);
     if (one.spared) {
         json["spared"] = true;
     }
@@ -54,6 +56,8 @@ OccurrenceState occurrenceOf(const Json& json) {
     one.handled = time(json, "handled");
     one.snoozed = time(json, "snoozed");
     one.listed = time(json, "listed");
+    one.acted = time(json, "acted");
+    one.reminder = time(json, "reminder");
     one.spared = json.value("spared", false);
     for (const auto& [muted, name] : kMutedNames) {
         if (json.value("muted", "") == name) {

@@ -40,6 +40,8 @@ struct OccurrenceState {
     Muted muted = Muted::No;
     DateTime listed;      ///< the moment of the reminder it was listed with; 0 after an act on it
     bool spared = false;  ///< it was snoozed when those around it were ended
+    DateTime acted;       ///< in UTC; when the last act on it was
+    DateTime reminder;    ///< the moment of the reminder that this act was on; 0: it showed none
 
     /// False: the same as if there were no entry.
     bool saysAnything() const {

@@ -248,9 +248,11 @@ void CheckCycle::rebuildIndex() {
         }
     }
     // Most of what was listed once is not any more.
-    for (std::size_t i = lines_.Count(); i > 0; --i) {
-        if (!state_.NewReminders->Exists(lines_.Key(i))) {
-            lines_.Remove(i);
+    auto listed = std::move(lines_);
+    lines_ = GenCollection();
+    for (const Variant& item : *state_.NewReminders) {
+        if (const auto event = objectIn<calEvent>(item); event && listed.Exists(event->GUID)) {
+            lines_.Add(listed.Item(event->GUID), event->GUID);
         }
     }
 }

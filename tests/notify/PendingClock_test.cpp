@@ -28,6 +28,58 @@ TEST_F(PendingClock, AWrongClockCorrectedLosesNothingThatIsToCome) {
     EXPECT_EQ(desk.run(at(10, 0, 0, 22), 60), "A 22 10:00 (22 09:45)");
 }
 
+// ---- acts under a clock that is ahead, of hours or months
+
+TEST_F(PendingClock, WhatIsNotOverByTheRightClockWasNotEndedByAnActUnderAWrongOne) {
+    desk.put(series("A", at(10, 0, 0, 16), "FREQ=DAILY", {15}));
+    desk.check(DateTime::fromCivil(2027, 2, 20, 9, 50, 0));
+    ASSERT_TRUE(desk.listed.contains("A"));
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 0)), "");
+    EXPECT_EQ(desk.run(at(12, 0), 60), "A 20 10:00 (20 09:45)");
+    desk.dismiss("A");
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 50, 0, 21)), "A 21 10:00 (21 09:45)");
+}
+
+TEST_F(PendingClock, SoItIsWithAClockThatIsHoursAhead) {
+    desk.put(series("A", at(8, 0), "FREQ=HOURLY", {5}));
+    EXPECT_EQ(desk.check(at(12, 56)), "A 20 13:00 (20 12:55)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    EXPECT_EQ(desk.check(at(9, 55)), "A 20 10:00 (20 09:55)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(10, 55)), "A 20 11:00 (20 10:55)");
+}
+
+TEST_F(PendingClock, ASnoozeUnderAClockDaysAheadSilencesNothing) {
+    const auto inDecember = [](int hour, int minute, int day) {
+        return DateTime::fromCivil(2026, 12, day, hour, minute, 0);
+    };
+    desk.put(single("A", inDecember(18, 0, 24), {1440, 15}));
+    desk.check(at(9, 0));
+    const std::string wrong = desk.check(DateTime::fromCivil(2027, 2, 20, 9, 0, 0));
+    ASSERT_TRUE(desk.listed.contains("A")) << wrong;
+    desk.snooze("A", 15);
+    EXPECT_EQ(desk.check(at(9, 10)), "");
+    EXPECT_EQ(desk.check(inDecember(17, 59, 23)), "");
+    EXPECT_EQ(desk.check(inDecember(18, 0, 23)), "A 24 18:00 (23 18:00)") << "it was of this one";
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(inDecember(17, 45, 24)), "A 24 18:00 (24 17:45)");
+}
+
+TEST_F(PendingClock, ADismissalUnderAClockDaysAheadIsOfItsReminderAlone) {
+    desk.put(single("A", at(18, 0, 0, 25), {1440, 15}));
+    desk.check(at(9, 0));
+    desk.check(at(18, 5, 0, 24));
+    ASSERT_TRUE(desk.listed.contains("A"));
+    desk.clock.time = at(9, 0, 0, 27);
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(9, 1)), "");
+    EXPECT_EQ(desk.check(at(18, 1, 0, 24)), "") << "that one is dealt with";
+    EXPECT_EQ(desk.check(at(17, 45, 0, 25)), "A 25 18:00 (25 17:45)");
+}
+
 TEST_F(PendingClock, AClockTurnedBackBringsNothingBack) {
     desk.put(single("A", at(10, 0), {15}));
     desk.run(at(9, 45));

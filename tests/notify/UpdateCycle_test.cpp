@@ -49,6 +49,14 @@ TEST_F(Update, NeverReachesTheGridsFromHere) {
     EXPECT_EQ(screen.count("UpdateUI"), 100U);
 }
 
+TEST_F(Update, GoesStepByStep) {
+    screen.visible = true;
+    screen.interval = 20000;
+    update.Tick();
+    EXPECT_EQ(screen.calls, (std::vector<std::string>{"ShowTime", "DoPeriod", "UpdateUI",
+                                                      "SetCheckInterval 10000"}));
+}
+
 TEST_F(Update, KeepsTheFocusAsFound) {
     screen.hasFocus = true;
     update.Tick();

@@ -194,7 +194,9 @@ bool Oracle::isSettled(const Event& event, const Plan& plan, const Occurrence& o
     if (snoozed && time < *snoozed) {
         return true;
     }
-    if (one.key < event.endedBefore && !event.spared.contains(one.key)) {
+    // A clock that was ahead ended what now is not over.
+    const bool isOver = one.start + plan.length <= now_;
+    if (one.key < event.endedBefore && isOver && !event.spared.contains(one.key)) {
         return true;
     }
     const auto found = event.marks.find(one.key);
@@ -311,6 +313,7 @@ void Oracle::endEarlier(Event& event, Seconds key, Seconds now) const {
 }
 
 void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
+    now_ = now;
     Event& event = events_.at(row.GUID);
     const Seconds key = keyAt(event, row.start);
     Seconds handled = now;

@@ -56,6 +56,7 @@ void Oracle::judgeMissing(const Check& check, const Event& event, std::ostream& 
 }
 
 std::string Oracle::judge(const Check& check, const std::set<std::string>& listed) {
+    now_ = check.now;
     for (auto& [GUID, event] : events_) {
         if (event.gone || event.isDone) {
             continue;
