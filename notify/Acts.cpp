@@ -409,12 +409,11 @@ void Acts::enqueue(Write write) {
 bool Acts::write(const Write& write) {
     const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
     const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-    if (note != nullptr && note->after != write.text) {
-        return true;  // another copy has acted since: it writes what is to stand there
-    }
+    // Where another copy has acted since, its word is to stand there.
+    const std::string& text = note != nullptr ? note->after : write.text;
     calEvent carrier;
     carrier.GUID = write.GUID;
-    if (!attempt([&] { carrier.setProperty(write.column, Variant(write.text)); })) {
+    if (!attempt([&] { carrier.setProperty(write.column, Variant(text)); })) {
         return true;
     }
     for (const Writer& writer : kWriters) {
@@ -444,6 +443,21 @@ void Acts::WriteWaiting() {
 
 void Acts::RestoreWaiting() {
     const ErrScope scope;
+    // Another copy may have acted since on what still waits here.
+    for (Write& write : waiting_) {
+        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+        const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+        if (note == nullptr || note->after == write.text) {
+            continue;
+        }
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            const auto event = heldBy(set->mCol, write.GUID);
+            if (event && columnText(*event, write.column) == write.text) {
+                attempt([&] { event->setProperty(write.column, Variant(note->after)); });
+            }
+        }
+        write.text = note->after;
+    }
     // Who has written something else meanwhile has the last word.
     std::erase_if(waiting_, [&](const Write& write) {
         const EventState* known = ledger_.find(db_.DBFullName, write.GUID);

@@ -33,7 +33,7 @@ std::shared_ptr<ValueList> lineOf(const calEvent& event) {
     std::string text;
     attempt([&] { text = event.ReminderText(); });
     auto list = std::make_shared<ValueList>();
-    list->items = {Variant(event.Summary()),
+    list->items = {Variant(event.Summary().str()),
                    Variant(" " + text + " (" + shortTimeText(event.RecordedReminderD()) + ")")};
     return list;
 }

@@ -136,23 +136,25 @@ TEST_F(ActsOnFile, AnActWorksOnTheRowsOwnOccurrence) {
 TEST_F(ActsOnFile, DismissingTheLastInstanceLeavesTheNextReminderAlone) {
     const auto series = named("Project review");
     ASSERT_TRUE(series);
+    const std::string GUID = series->GUID;
     elsewhere(
-        "UPDATE Reminders SET recurrence = \"[\"\"RRULE:FREQ=DAILY;COUNT=1\"\"]\" WHERE GUID = \"" +
-        series->GUID + "\"");
+        "UPDATE Reminders SET NextReminder = Null, recurrence = \"[\"\"RRULE:FREQ=DAILY;"
+        "COUNT=1\"\"]\" WHERE GUID = \"" +
+        GUID + "\"");
     read();
     const auto isNull = [&] {
         DBRemindUtils other;
         other.DBFullName = db.DBFullName;
-        const auto rows = other.OpenRS("SELECT NextReminder FROM Reminders WHERE GUID = \"" +
-                                       series->GUID + "\"");
+        const auto rows =
+            other.OpenRS("SELECT NextReminder FROM Reminders WHERE GUID = \"" + GUID + "\"");
         return rows->value("NextReminder").isNull();
     };
     ASSERT_TRUE(isNull());
-    const auto last = in(period, series->GUID.c_str());
+    const auto last = in(period, GUID.c_str());
     acts.Dismiss({last, last->StartDateTime, {}}, DismissMode::All);
-    EXPECT_EQ(stored(series->GUID.c_str())->Dismissed, at(13, 50));
+    EXPECT_EQ(stored(GUID.c_str())->Dismissed, at(13, 50));
     EXPECT_TRUE(isNull());
-    EXPECT_FALSE(rowSpeaks(*stored(series->GUID.c_str()), &known(series->GUID.c_str())));
+    EXPECT_FALSE(rowSpeaks(*stored(GUID.c_str()), &known(GUID.c_str())));
 }
 
 TEST_F(ActsOnFile, ARowWhoseEventHasLeftTheSetsIsStillActedUpon) {

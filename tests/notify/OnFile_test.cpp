@@ -83,6 +83,7 @@ TEST_F(OnFile, AnExceptionThatAnotherProgramFinishedKeepsItsOldStart) {
         exception->recurringEventId = series->id;
         exception->RExceptionStartTimeOrig = series->StartDateTime;
         exception->status = "AllDone";
+        exception->Dismissed = desk.clock.time;
         exception->deleted = deleted;
         desk.put(exception);
     }
@@ -106,6 +107,7 @@ TEST_F(OnFile, AStartThatAnExceptionHadReplacedStaysSoInAnotherZone) {
         exception->recurringEventId = "idM";
         exception->RExceptionStartTimeOrig = at(16, 0, 0, 21);
         exception->status = "AllDone";
+        exception->Dismissed = desk.clock.time;
         desk.put(exception);
         EXPECT_EQ(desk.check(at(12, 0)), "");
         desk.file.remove("X");

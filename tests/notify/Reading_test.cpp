@@ -136,13 +136,13 @@ TEST_F(Reading, ADamagedValueCostsItsRowThatValueAlone) {
     test::writeFile(path, bytes);
     cycle.ReadAtStart();
     cycle.Tick(10000);
-    const std::string damaged = [&] {
+    const std::string damaged = [&]() -> std::string {
         for (const Variant& item : *period.mCol) {
             if (const auto event = objectIn<calEvent>(item); event->JSON.empty()) {
                 return event->GUID;
             }
         }
-        return std::string();
+        return {};
     }();
     ASSERT_NE(damaged, "");
     EXPECT_EQ(state.damagedRows, 1);

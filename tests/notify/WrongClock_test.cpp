@@ -90,6 +90,7 @@ TEST_F(MovedWhenFinished, ComesAtItsNewTime) {
     desk.put(single("A", at(10, 0), {15}));
     EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
     desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::All);
+    EXPECT_EQ(restart(at(9, 0, 0, 22)), "");
     EXPECT_EQ(restart(at(9, 0, 0, 23)), "");
     ASSERT_EQ(statusOf("A"), "AllDone");
     move("A", at(18, 0, 0, 24));
