@@ -110,6 +110,19 @@ TEST_F(ActsOnFile, SnoozeCountsFromNowAndIsSetEverywhereAtOnce) {
     EXPECT_EQ(known(kDentist).note("Dismissed")->after, "1899-12-30");
 }
 
+// By that time the program tells what the host has written since it last read.
+TEST_F(ActsOnFile, NoActChangesWhenTheRowWasLastModified) {
+    const DateTime before = stored(kDentist)->Modified;
+    ASSERT_FALSE(before.isZero());
+    acts.Snooze(dentist(), 5);
+    acts.Dismiss(dentist(), DismissMode::AllButAfter, true);
+    acts.Hide(dentist());
+    EXPECT_EQ(stored(kDentist)->Dismissed, at(13, 50));
+    EXPECT_EQ(stored(kDentist)->Modified, before);
+    acts.Reactivate(dentist());
+    EXPECT_EQ(stored(kDentist)->Modified, before);
+}
+
 TEST_F(ActsOnFile, AnOffsetOfNothingChangesNothing) {
     EXPECT_FALSE(acts.Snooze(dentist(), 0));
     EXPECT_FALSE(acts.Snooze(dentist(), -5));

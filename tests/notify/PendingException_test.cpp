@@ -53,6 +53,13 @@ TEST_F(PendingException, AnExceptionBroughtForwardAndFinishedDoesNotLetTheOldTim
     EXPECT_EQ(desk.run(at(12, 0, 0, 27), 60), "");
 }
 
+TEST_F(PendingException, OneThatSaysWhatItReplacesTakesNothingElseAway) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", at(10, 0, 0, 21), at(10, 0)));
+    EXPECT_EQ(desk.run(at(9, 45)), "M 20 10:00 (20 09:45), X 20 10:00 (20 09:45)");
+}
+
 TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesTakesTheOccurrenceThatFallsDueWithIt) {
     const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
     desk.put(master);

@@ -257,6 +257,13 @@ TEST_F(frmDDELoad, WithoutAHelpPageF1DoesNothing) {
 
 // ---- timers and state
 
+TEST_F(frmDDELoad, TheFirstCheckWaitsForNoTick) {
+    load();
+    EXPECT_TRUE(state.dLastUpdated.isZero()) << "not in the load handler either";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !state.dLastUpdated.isZero(); }, 5000));
+    EXPECT_EQ(child<QTimer>("TimerCheck").interval(), 20000);
+}
+
 TEST_F(frmDDELoad, SetsTimersAndState) {
     load();
     EXPECT_DOUBLE_EQ(state.OneMin * 1440, 1);
