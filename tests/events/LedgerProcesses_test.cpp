@@ -66,6 +66,7 @@ protected:
 // There are enough acts for the file to be compacted by each of them now and then.
 TEST_F(LedgerProcesses, NoneLosesWhatAnotherHasWritten) {
     std::vector<pid_t> copies;
+    copies.reserve(kCopies);
     for (int copy = 0; copy < kCopies; ++copy) {
         copies.push_back(inAProcess([&] { return act(copy); }));
     }
@@ -75,7 +76,7 @@ TEST_F(LedgerProcesses, NoneLosesWhatAnotherHasWritten) {
         EXPECT_EQ(status, 0) << "not everything is on the disk";
     }
     const Ledger ledger = open();
-    EXPECT_EQ(known(ledger, "{all}"), std::size_t{kCopies * kActs});
+    EXPECT_EQ(known(ledger, "{all}"), std::size_t{kCopies} * kActs);
     for (int copy = 0; copy < kCopies; ++copy) {
         EXPECT_EQ(known(ledger, "{" + std::to_string(copy) + "}"), std::size_t{kActs});
     }

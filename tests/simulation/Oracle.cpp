@@ -76,6 +76,9 @@ void Oracle::keptAsWritten(Zone there) {
             }
         }
         event.openSince = event.listedSince;
+        if (event.plan.zone) {
+            event.metAt.reset();  // it may have been asked for already, as what it was then
+        }
         // A single event's row stands in the list for what it is now.
         for (const auto& [key, minutes] : event.open) {
             if (!event.plan.isSeries()) {

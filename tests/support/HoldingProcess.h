@@ -24,9 +24,10 @@ public:
         if (process_ == 0) {
             auto db = jet::Database::open(path, jet::Access::ReadWrite);
             const jet::Transaction change(db);
-            const bool told = write(ready[1], "x", 1) == 1;
-            while (told) {
-                pause();
+            if (write(ready[1], "x", 1) == 1) {
+                sigset_t none;
+                sigemptyset(&none);
+                sigsuspend(&none);  // until it is killed
             }
             _exit(1);
         }
