@@ -1,4 +1,5 @@
 // The event's item in the host's own database.
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -89,6 +90,7 @@ std::string calEvent::GetFieldName() {
     FieldName.clear();
     DBRemindUtils host;
     host.DBFullName = VLBase;
+    host.Patience = std::chrono::milliseconds(0);  // a name is not worth waiting for
     const auto found = host.OpenRS(std::string("SELECT Name FROM ") + kFields +
                                    " WHERE FieldID=" + std::to_string(FieldID));
     attempt([&] {
