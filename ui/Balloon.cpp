@@ -1,5 +1,6 @@
 #include "ui/Balloon.h"
 
+#include <QGuiApplication>
 #include <QSystemTrayIcon>
 #ifdef VL_DBUS
 #include <QDBusConnection>
@@ -46,8 +47,10 @@ bool Balloon::askService(const QString& title, const QString& text, int seconds)
     QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kService, "Notify");
     // The text is shown as markup where the service knows any.
     call << QStringLiteral("VL Reminders") << id_ << QStringLiteral("dialog-information") << title
-         << text.toHtmlEscaped() << QStringList{"default", tr("Show")} << QVariantMap()
-         << seconds * 1000;
+         << text.toHtmlEscaped()
+         << QStringList{"default", tr("Show")}
+         // By its entry in the menu the desktop knows the program's name and picture.
+         << QVariantMap{{"desktop-entry", QGuiApplication::desktopFileName()}} << seconds * 1000;
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call, kAnswerWithin), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [=, this] {
         const QDBusPendingReply<uint> reply = *answer;

@@ -25,9 +25,9 @@ std::optional<int> widthOf(std::string_view text) {
     return usable ? std::optional(width) : std::nullopt;
 }
 
-// Moves the column that `piece` speaks of from `rest` to `read`.
+// Moves the column that `piece` speaks of from `rest` to the layout.
 void readColumn(std::string_view piece, std::vector<ColumnLayout::Column>& rest,
-                std::vector<ColumnLayout::Column>& read) {
+                ColumnLayout& read) {
     const auto parts = text::split(piece, ":");
     const std::string_view id = text::trimBlanks(parts[0]);
     const auto at = std::find_if(rest.begin(), rest.end(), [id](const auto& column) {
@@ -39,11 +39,13 @@ void readColumn(std::string_view piece, std::vector<ColumnLayout::Column>& rest,
     ColumnLayout::Column column = *at;
     rest.erase(at);
     if (parts.size() > 1) {
-        column.width = widthOf(text::trimBlanks(parts[1])).value_or(column.width);
+        const std::optional<int> width = widthOf(text::trimBlanks(parts[1]));
+        column.width = width.value_or(column.width);
+        read.sized = read.sized || width;
     }
     column.hidden = column.id != CIDSubject && parts.size() > 2 &&
                     text::equalsNoCase(text::trimBlanks(parts[2]), kHidden);
-    read.push_back(std::move(column));
+    read.columns.push_back(std::move(column));
 }
 
 }  // namespace
@@ -58,12 +60,46 @@ ColumnLayout firstLayout(int grid, int unit) {
     return layout;
 }
 
+void fitColumns(ColumnLayout& layout, int grid, int unit, int room) {
+    const auto columns = gridColumns(grid);
+    const auto first = [&](const ColumnLayout::Column& column) -> const GridColumn& {
+        return columns[static_cast<std::size_t>(columnIndex(columns, column.id))];
+    };
+    int wanted = 0;
+    int least = 0;
+    for (const ColumnLayout::Column& column : layout.columns) {
+        wanted += column.hidden ? 0 : first(column).width * unit;
+        least += column.hidden ? 0 : first(column).least * unit;
+    }
+    // What each gives of what it can spare, so that all of it fits.
+    const double given = wanted > room && wanted > least
+                             ? std::min(1.0, static_cast<double>(wanted - room) / (wanted - least))
+                             : 0.0;
+    ColumnLayout::Column* subject = nullptr;
+    int taken = 0;
+    for (ColumnLayout::Column& column : layout.columns) {
+        const GridColumn& of = first(column);
+        column.width = static_cast<int>((of.width - given * (of.width - of.least)) * unit);
+        if (column.id == CIDSubject) {
+            subject = &column;
+        } else if (!column.hidden) {
+            taken += column.width;
+        }
+    }
+    if (subject != nullptr) {
+        subject->width = std::max(subject->width, room - taken);
+    }
+}
+
 std::string columnsText(const ColumnLayout& layout) {
     std::string text;
     for (const ColumnLayout::Column& column : layout.columns) {
-        text += (text.empty() ? "" : ",") + column.id + ':' + std::to_string(column.width);
+        text += (text.empty() ? "" : ",") + column.id;
+        if (layout.sized) {
+            text += ':' + std::to_string(column.width);
+        }
         if (column.hidden) {
-            text.append(":").append(kHidden);
+            text.append(layout.sized ? ":" : "::").append(kHidden);
         }
     }
     return text;
@@ -78,7 +114,7 @@ ColumnLayout readLayout(int grid, int unit, std::string_view columns, std::strin
     std::vector<ColumnLayout::Column> rest = std::move(layout.columns);
     layout.columns.clear();
     for (const std::string_view piece : text::split(columns, ",")) {
-        readColumn(piece, rest, layout.columns);
+        readColumn(piece, rest, layout);
     }
     layout.columns.insert(layout.columns.end(), rest.begin(), rest.end());
 

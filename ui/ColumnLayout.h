@@ -23,13 +23,22 @@ struct ColumnLayout {
     std::vector<Column> columns;  ///< from left to right
     std::string sortedBy;         ///< id
     bool descending = false;
+    /// The user has chosen widths. Until then they follow from the room there is, see
+    /// `fitColumns`.
+    bool sized = false;
     friend bool operator==(const ColumnLayout&, const ColumnLayout&) = default;
 };
 
 /// As the grid is at first. `unit` is the width of an average character.
 ColumnLayout firstLayout(int grid, int unit);
 
-/// "Subject:252,Due:147,Ends:161:hidden"
+/// Widths for what is shown of `layout` in `room` pixels: each column as at first, the subject with
+/// what is left over. Where that is not enough, the columns of texts get narrower, down to a
+/// heading's width, before dates and the subject; only then it is more than the room.
+void fitColumns(ColumnLayout& layout, int grid, int unit, int room);
+
+/// "Subject:252,Due:147,Ends:161:hidden"; without the widths, "Ends::hidden", where they are not
+/// the user's.
 std::string columnsText(const ColumnLayout& layout);
 /// "ReminderD", descending "-ReminderD".
 std::string sortText(const ColumnLayout& layout);

@@ -59,8 +59,9 @@ void Grid::wireHeader() {
     connect(header(), &QHeaderView::sectionMoved, this, changed);
     connect(header(), &QHeaderView::sortIndicatorChanged, this, changed);
     connect(header(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
-        if (width > 0) {  // hiding one makes it 0
+        if (width > 0 && !fitting_) {  // hiding one makes it 0
             widths_[static_cast<std::size_t>(column)] = width;
+            sized_ = true;
             emit columnsChanged();
         }
     });
@@ -77,14 +78,32 @@ void Grid::arrange(const ColumnLayout& layout) {
     for (const ColumnLayout::Column& column : layout.columns) {
         const int index = columnIndex(model_.columns(), column.id);
         header()->moveSection(header()->visualIndex(index), place++);
-        setColumnHidden(index, false);
-        setColumnWidth(index, column.width);
-        widths_[static_cast<std::size_t>(index)] = column.width;
         setColumnHidden(index, column.hidden);
     }
+    setWidths(layout);
+    sized_ = layout.sized;
+    fit();
     sortByColumn(columnIndex(model_.columns(), layout.sortedBy),
                  layout.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
     emit columnsChanged();
+}
+
+void Grid::setWidths(const ColumnLayout& layout) {
+    fitting_ = true;
+    for (const ColumnLayout::Column& column : layout.columns) {
+        const int index = columnIndex(model_.columns(), column.id);
+        widths_[static_cast<std::size_t>(index)] = column.width;
+        setColumnWidth(index, column.width);  // a hidden one has it when it is shown
+    }
+    fitting_ = false;
+}
+
+void Grid::fit() {
+    if (!sized_) {
+        ColumnLayout layout = columnLayout();
+        fitColumns(layout, grid_, unit(), viewport()->width());
+        setWidths(layout);
+    }
 }
 
 ColumnLayout Grid::columnLayout() const {
@@ -97,12 +116,16 @@ ColumnLayout Grid::columnLayout() const {
     }
     layout.sortedBy = columns[static_cast<std::size_t>(header()->sortIndicatorSection())].id;
     layout.descending = header()->sortIndicatorOrder() == Qt::DescendingOrder;
+    layout.sized = sized_;
     return layout;
 }
 
 void Grid::showColumn(int column, bool shown) {
     if (shown == isColumnHidden(column)) {
+        fitting_ = true;
         setColumnHidden(column, !shown);
+        fitting_ = false;
+        fit();
         emit columnsChanged();
     }
 }
@@ -223,6 +246,20 @@ void Grid::paintEvent(QPaintEvent* event) {
     const QRect area = viewport()->rect().adjusted(24, 24, -24, -24);
     painter.drawText(area, static_cast<int>(Qt::AlignHCenter | Qt::AlignTop) | Qt::TextWordWrap,
                      emptyText_);
+}
+
+void Grid::resizeEvent(QResizeEvent* event) {
+    if (event->size().width() != event->oldSize().width()) {
+        fit();  // first, or a scroll bar would come and go
+    }
+    QTreeView::resizeEvent(event);
+}
+
+void Grid::changeEvent(QEvent* event) {
+    QTreeView::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        fit();
+    }
 }
 
 void Grid::keyPressEvent(QKeyEvent* event) {

@@ -26,6 +26,7 @@ public:
 
     /// Order, widths and sorting as they are at first: by the reminder's time, or the event's date.
     void InitGrid();
+    /// Where the user has not chosen widths, the columns fit into the grid, however large it gets.
     void arrange(const ColumnLayout& layout);
     ColumnLayout columnLayout() const;
     /// The width of an average character, which first widths are counted in.
@@ -54,6 +55,7 @@ public:
     /// Null when no row is current.
     const GridRow* currentRow() const;
 
+    void renewFields() { model_.renewFields(); }
     void setNow(DateTime now) { model_.setNow(now); }
     void setDismissedView(bool on);
     void setSearch(const QString& search) { proxy_.setSearch(search); }
@@ -86,6 +88,8 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
@@ -99,6 +103,8 @@ protected:
 private:
     struct Place;
     void wireHeader();
+    void fit();
+    void setWidths(const ColumnLayout& layout);
     std::vector<int> selectedPositions() const;
     Place place() const;
     void restore(const Place& place);
@@ -107,6 +113,8 @@ private:
     GridProxy proxy_;
     QString emptyText_;
     std::vector<int> widths_;  // by column, also of the hidden ones
+    bool sized_ = false;       // by the user
+    bool fitting_ = false;     // by the grid itself, just now
     int grid_;
 };
 

@@ -62,35 +62,39 @@ SortKey byText(Row r, Context) {
 }
 
 constexpr GridColumn kSubject{
-    CIDSubject, "Subject", "Subject", 36, subject, byText<&GridRow::summary>, nullptr};
-constexpr GridColumn kDue{CIDDue, "Due", "Due", 21, due, dueKey, dueTip};
-constexpr GridColumn kEventDate{CIDEventD, "Event Date", "Dismissed", 23,
-                                eventDate, eventDateKey, eventDateTip};
+    CIDSubject, "Subject", "Subject", 30, 22, subject, byText<&GridRow::summary>, nullptr};
+constexpr GridColumn kDue{CIDDue, "Due", "Due", 19, 18, due, dueKey, dueTip};
+constexpr GridColumn kEventDate{CIDEventD, "Event Date", "Dismissed",  20,
+                                18,        eventDate,    eventDateKey, eventDateTip};
 constexpr GridColumn kRepeats{CIDRepeats,
                               "Repeats",
                               "Repeats",
-                              24,
+                              17,
+                              9,
                               plain<&GridRow::repeats>,
                               byText<&GridRow::repeats>,
                               plain<&GridRow::repeats>};
 constexpr GridColumn kLocation{CIDLocation,
                                "Location",
                                "Location",
-                               18,
+                               16,
+                               9,
                                plain<&GridRow::location>,
                                byText<&GridRow::location>,
                                plain<&GridRow::location>};
 constexpr GridColumn kField{CIDField,
                             "Field",
                             "Field",
-                            14,
+                            13,
+                            7,
                             plain<&GridRow::field>,
                             byText<&GridRow::field>,
                             plain<&GridRow::field>};
 constexpr GridColumn kSource{CIDSource,
                              "Source",
                              "Source",
-                             24,
+                             13,
+                             8,
                              plain<&GridRow::source>,
                              byText<&GridRow::source>,
                              plain<&GridRow::source>};
@@ -98,7 +102,7 @@ constexpr GridColumn kSource{CIDSource,
 constexpr GridColumn kReminderColumns[] = {
     kSubject,
     kDue,
-    {CIDReminderD, "Reminder", "Reminder", 23, reminder,
+    {CIDReminderD, "Reminder", "Reminder", 20, 18, reminder,
      [](Row r, Context) { return inTime(r.reminder); }, reminderTip},
     kEventDate,
     kRepeats,
@@ -111,7 +115,8 @@ constexpr GridColumn kEventColumns[] = {
     kSubject,
     kDue,
     kEventDate,
-    {CIDEnds, "Ends", "Ends", 23, ends, [](Row r, Context) { return inTime(r.span.end); }, endsTip},
+    {CIDEnds, "Ends", "Ends", 20, 18, ends, [](Row r, Context) { return inTime(r.span.end); },
+     endsTip},
     kRepeats,
     kLocation,
     kField,

@@ -38,6 +38,7 @@ struct GridColumn {
     const char* heading;
     const char* dismissedHeading;  ///< in the dismissed view
     int width;                     ///< at first, in average characters
+    int least;                     ///< where the room is short
     QString (*text)(const GridRow&, const GridContext&);
     SortKey (*key)(const GridRow&, const GridContext&);
     /// The full form for the tool tip; null: the row's own tool tip.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "model/calEvent.h"
 #include "ui/QtText.h"
 
 namespace vl {
@@ -112,6 +113,24 @@ bool GridModel::removeRow(std::string_view GUID) {
     buildIndex();
     endRemoveRows();
     return true;
+}
+
+void GridModel::renewFields() {
+    int first = rowCount();
+    int last = -1;
+    for (int i = 0; i < rowCount(); ++i) {
+        GridRow& row = rows_[static_cast<std::size_t>(i)];
+        const QString field = row.event ? qtText(row.event->FieldName) : row.field;
+        if (field != row.field) {
+            row.field = field;
+            first = std::min(first, i);
+            last = i;
+        }
+    }
+    if (last >= 0) {
+        const int column = columnIndex(columns_, CIDField);
+        emit dataChanged(index(first, column), index(last, column));
+    }
 }
 
 void GridModel::setNow(DateTime now) {

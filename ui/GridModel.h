@@ -51,6 +51,9 @@ public:
     /// False when there was none.
     bool removeRow(std::string_view GUID);
 
+    /// Gives each row the field of its event, as far as that is known by now.
+    void renewFields();
+
     /// Announces the live column when the minute has changed, every column when the day has.
     void setNow(DateTime now);
     void setDismissedView(bool on);

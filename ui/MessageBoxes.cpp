@@ -5,7 +5,9 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QMessageBox>
+#include <QShortcut>
 
+#include "ui/FormFont.h"
 #include "ui/QtText.h"
 #include "ui/SystemHelpers.h"
 
@@ -68,6 +70,11 @@ BoxAnswer MessageBoxes::ShowBox(const BoxRequest& box) {
     shown.setWindowIcon(owner_.windowIcon());  // it may have no visible owner to take it from
     shown.setTextFormat(Qt::PlainText);
     nameButtons(shown);
+    applyFormFont(shown);
+    if (showHelp_) {
+        const auto* help = new QShortcut(Qt::Key_F1, &shown);
+        QObject::connect(help, &QShortcut::activated, &shown, showHelp_);
+    }
     makeRoomForTitle(shown);
     shown.setWindowModality(Qt::ApplicationModal);
     // What cannot be undone is not what Enter does.

@@ -3,11 +3,9 @@
 #include <algorithm>
 
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QPainter>
-#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QToolButton>
@@ -20,8 +18,7 @@ namespace vl {
 
 namespace {
 
-constexpr int kMargin = 12;    // around the body's lines
-constexpr int kFromEdge = 10;  // from the edges of the screen
+constexpr int kMargin = 12;  // around the body's lines
 constexpr int kPictureSize = 16;
 
 // A summary may be written from right to left; the time behind it (after two blanks) is none of it
@@ -60,24 +57,6 @@ QIcon crossIcon(const QColor& colour, qreal ratio) {
 
 }  // namespace
 
-Qt::Corner toastCorner(QPoint anchor, const QRect& screen, const QRect& available) {
-    bool right = true;
-    bool bottom = true;
-    if (screen.contains(anchor)) {
-        right = anchor.x() >= screen.center().x();
-        bottom = anchor.y() >= screen.center().y();
-    } else {
-        const int left = available.left() - screen.left();
-        const int top = available.top() - screen.top();
-        right = left <= screen.right() - available.right();
-        bottom = top <= screen.bottom() - available.bottom();
-    }
-    if (right) {
-        return bottom ? Qt::BottomRightCorner : Qt::TopRightCorner;
-    }
-    return bottom ? Qt::BottomLeftCorner : Qt::TopLeftCorner;
-}
-
 Toast::Toast(const QIcon& picture, QWidget* parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                           Qt::WindowDoesNotAcceptFocus) {
@@ -96,6 +75,9 @@ Toast::Toast(const QIcon& picture, QWidget* parent)
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll_->setFocusPolicy(Qt::NoFocus);
     scroll_->setWidget(body_);
+    for (QWidget* each : {scroll_->viewport(), body_}) {
+        each->setAutoFillBackground(false);
+    }
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(1, 1, 1, 1);  // the edge
     all->setSpacing(0);
@@ -108,12 +90,12 @@ Toast::Toast(const QIcon& picture, QWidget* parent)
 
 QWidget* Toast::makeBand(const QIcon& picture) {
     band_ = new QWidget(this);
-    band_->setAutoFillBackground(true);
     auto* bell = new QLabel(band_);
     bell->setPixmap(picture.pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatio()));
     title_ = new QLabel(band_);
     title_->setObjectName("lblPopupTitle");
     title_->setTextFormat(Qt::PlainText);
+    title_->setForegroundRole(QPalette::Text);
     title_->setWordWrap(true);
     QFont bold = title_->font();
     bold.setBold(true);
@@ -135,33 +117,30 @@ QWidget* Toast::makeBand(const QIcon& picture) {
     return band_;
 }
 
+// All else is painted, or takes its colours by their roles: who changes the palette of a program
+// that runs may give every widget the same one.
 void Toast::applyTones() {
-    const QPalette own = palette();
-    QPalette body = own;
-    body.setColor(QPalette::Window, own.color(QPalette::Base));
-    body.setColor(QPalette::WindowText, own.color(QPalette::Text));
-    scroll_->setPalette(body);
-    body_->setPalette(body);
-    QPalette band = body;
-    band.setColor(QPalette::Window,
-                  mixed(own.color(QPalette::Highlight), own.color(QPalette::Base), 0.16));
-    band_->setPalette(band);
-    title_->setPalette(band);
-    close_->setIcon(crossIcon(own.color(QPalette::Text), devicePixelRatio()));
+    close_->setIcon(crossIcon(palette().color(QPalette::Text), devicePixelRatio()));
 }
 
-void Toast::present(const ToastContent& content, QPoint anchor) {
+void Toast::present(const ToastContent& content, const QRect& icon) {
     setUpdatesEnabled(false);
     content_ = content;
     title_->setText(content.title);
     fillBody();
     setWindowOpacity(std::clamp(content.opacity, 0.2, 1.0));
-    place(content.width, anchor);
+    place(content.width, icon);
     scroll_->verticalScrollBar()->setValue(0);
     setUpdatesEnabled(true);
     show();
     raise();
     startWaiting();
+}
+
+void Toast::moveNextTo(const QRect& icon) {
+    if (isVisible() && !icon.isEmpty()) {
+        place(content_.width, icon);
+    }
 }
 
 void Toast::fillBody() {
@@ -199,32 +178,26 @@ void Toast::addLine(QLabel* label, bool bold) {
     QFont font = label->font();
     font.setBold(bold);
     label->setFont(font);
-    label->setPalette(body_->palette());
+    label->setForegroundRole(QPalette::Text);
     label->setWordWrap(true);
     lines_->addWidget(label);
     label->show();
 }
 
-void Toast::place(int width, QPoint anchor) {
-    const QScreen* screen = QGuiApplication::screenAt(anchor);
-    if (!screen) {
-        screen = QGuiApplication::primaryScreen();
-    }
-    const QRect free =
-        screen->availableGeometry().adjusted(kFromEdge, kFromEdge, -kFromEdge, -kFromEdge);
-    const int w = std::min(width, free.width());
+void Toast::place(int width, const QRect& icon) {
+    const ToastPlace to = toastPlace(icon, toastScreens());
+    const int w = std::min(width, to.room.width());
     ensurePolished();
     band_->layout()->invalidate();
     lines_->invalidate();
     const int content =
         band_->layout()->totalHeightForWidth(w - 2) + lines_->totalHeightForWidth(w - 2) + 2;
-    const int h = std::min(content, free.height());
+    const int h = std::min(content, to.room.height());
     setFixedSize(w, h);
-    const Qt::Corner corner = toastCorner(anchor, screen->geometry(), screen->availableGeometry());
-    const bool atRight = corner == Qt::BottomRightCorner || corner == Qt::TopRightCorner;
-    const bool atBottom = corner == Qt::BottomRightCorner || corner == Qt::BottomLeftCorner;
-    move(atRight ? free.right() + 1 - w : free.left(),
-         atBottom ? free.bottom() + 1 - h : free.top());
+    const bool atRight = to.corner == Qt::BottomRightCorner || to.corner == Qt::TopRightCorner;
+    const bool atBottom = to.corner == Qt::BottomRightCorner || to.corner == Qt::BottomLeftCorner;
+    move(atRight ? to.room.right() + 1 - w : to.room.left(),
+         atBottom ? to.room.bottom() + 1 - h : to.room.top());
     if (!isVisible() && windowHandle()) {
         // Asks for its place also where it stood there before: else the window manager has one.
         windowHandle()->setPosition(windowHandle()->position());
@@ -241,8 +214,10 @@ void Toast::startWaiting() {
 
 void Toast::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Base));
-    painter.setPen(mixed(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.3));
+    const QColor base = palette().color(QPalette::Base);
+    painter.fillRect(rect(), base);
+    painter.fillRect(band_->geometry(), mixed(palette().color(QPalette::Highlight), base, 0.16));
+    painter.setPen(mixed(palette().color(QPalette::Text), base, 0.3));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include "ui/ToastMarkup.h"
+#include "ui/ToastPlace.h"
 
 class QLabel;
 class QScrollArea;
@@ -28,11 +29,6 @@ struct ToastContent {
     std::optional<std::chrono::milliseconds> delay;  ///< none: stays until closed
 };
 
-/// The corner of a screen next to the tray. `anchor` is the middle of its icon; desktops that do
-/// not tell where that is (then it is on no screen) have it at their panel, which is what
-/// `available` lacks of `screen`, and without one below on the right.
-Qt::Corner toastCorner(QPoint anchor, const QRect& screen, const QRect& available);
-
 /// Lies above other windows and never takes the focus. Grows with its content up to the height of
 /// the screen and scrolls beyond. It does not go away while the mouse rests on it.
 class Toast final : public QWidget {
@@ -41,10 +37,11 @@ class Toast final : public QWidget {
 public:
     explicit Toast(const QIcon& picture, QWidget* parent = nullptr);
 
-    /// Shows it on the screen that holds `anchor`, the middle of the tray icon, in the corner next
-    /// to it (see `toastCorner`); on the primary one when `anchor` is on none. A toast that is open
+    /// Shows it next to the tray icon, which is at `icon` (see `toastPlace`). A toast that is open
     /// changes its content where it stands, without being closed in between.
-    void present(const ToastContent& content, QPoint anchor);
+    void present(const ToastContent& content, const QRect& icon);
+    /// For who knows the icon's place only now; an empty one changes nothing.
+    void moveNextTo(const QRect& icon);
 
 signals:
     void linkClicked(int tag);
@@ -63,7 +60,7 @@ private:
     void applyTones();
     void fillBody();
     void addLine(QLabel* label, bool bold);
-    void place(int width, QPoint anchor);
+    void place(int width, const QRect& icon);
     void startWaiting();
 
     QWidget* band_ = nullptr;

@@ -3,7 +3,9 @@
 #include <array>
 
 #include <QActionGroup>
+#include <QCursor>
 #include <QGuiApplication>
+#include <QScreen>
 
 #include "base/Text.h"
 #include "ui/QtText.h"
@@ -49,9 +51,22 @@ Tray::Tray(const TrayPictures& pictures, const ReminderState& state, QObject* pa
 
 Tray::~Tray() = default;
 
-// An icon that is embedded in a panel's window believes to be in the corner of the screen.
 QRect Tray::geometry() const {
-    return QGuiApplication::platformName() == u"xcb" ? QRect() : icon_.geometry();
+    const QRect told = icon_.geometry();
+    // Until a panel has taken it in, the icon believes to be in the corner of the screen.
+    const bool isBelief = QGuiApplication::platformName() == u"xcb" && told.topLeft().isNull();
+    return told.isEmpty() || isBelief ? clickedAt_ : told;
+}
+
+// A panel at the edge of a screen: who chooses the icon by the keyboard has the pointer elsewhere.
+void Tray::notePointer() {
+    constexpr int kPanel = 64;
+    constexpr int kHalfIcon = 12;
+    const QPoint at = QCursor::pos();
+    const QScreen* screen = QGuiApplication::screenAt(at);
+    if (screen && !screen->geometry().adjusted(kPanel, kPanel, -kPanel, -kPanel).contains(at)) {
+        clickedAt_ = QRect(at - QPoint(kHalfIcon, kHalfIcon), at + QPoint(kHalfIcon, kHalfIcon));
+    }
 }
 
 void Tray::setNew(bool withDot) {
@@ -128,6 +143,7 @@ void Tray::mark() {
 }
 
 void Tray::onActivated(QSystemTrayIcon::ActivationReason reason) {
+    notePointer();
     // A double click comes as a click and this; it is not two clicks.
     if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick) {
         emit clicked();

@@ -33,7 +33,7 @@ public:
     void show() { icon_.show(); }
     /// Whether a desktop has taken the icon in; may become true later.
     static bool isThere() { return QSystemTrayIcon::isSystemTrayAvailable(); }
-    /// Where the icon is; not every desktop tells (then empty).
+    /// Where the icon is. Not every desktop tells; then where it was clicked last, else empty.
     QRect geometry() const;
 
     void setNew(bool withDot);
@@ -65,6 +65,7 @@ private:
     void fillTypes();
     QAction* add(const char* name, const QString& text, void (Tray::*chosen)());
     void mark();
+    void notePointer();
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
     const TrayPictures& pictures_;
@@ -78,6 +79,7 @@ private:
     QAction* mnuOnTop_ = nullptr;
     QList<QAction*> types_;  // data: the letter
     bool withDot_ = false;
+    QRect clickedAt_;
 };
 
 }  // namespace vl

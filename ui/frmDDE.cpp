@@ -152,6 +152,9 @@ void frmDDE::wire() {
     saveColumns_.setSingleShot(true);
     saveColumns_.setInterval(kColumnsRest);
     connect(&saveColumns_, &QTimer::timeout, this, &frmDDE::saveColumns);
+    TimerFields.setObjectName("TimerFields");
+    TimerFields.setSingleShot(true);
+    connect(&TimerFields, &QTimer::timeout, this, &frmDDE::TimerFields_Tick);
 
     connect(cboPeriod, &QComboBox::currentIndexChanged, this, &frmDDE::cboPeriod_Changed);
     connect(UpDown1, &UpDown::stepped, this, &frmDDE::DoUD);
@@ -267,6 +270,8 @@ void frmDDE::showEvent(QShowEvent* event) {
         TimerUpdate.start();
         TimerUpdate_Tick();
         GetIconText();
+        fieldNames_.Doubt();
+        wantFields();
     }
 }
 

@@ -17,6 +17,7 @@
 #include "base/Clock.h"
 #include "events/CalEvents.h"
 #include "events/Ledger.h"
+#include "model/FieldNames.h"
 #include "notify/Acts.h"
 #include "notify/CheckCycle.h"
 #include "notify/Maintenance.h"
@@ -106,7 +107,7 @@ public:
     void RequestMouseWheel(Grid& target, const WheelTurn& turn);
     /// Scrolls the grid of the request by what was turned.
     void MouseWheel();
-    /// Opens the page of the window's help number.
+    /// Opens the page of the window's help number, at the place of the control that has the focus.
     void ShowHelp();
     bool isNewRemindersTab() const;
 
@@ -210,7 +211,7 @@ private:
     void leaveEmptyList(int tab);
 
     // menus (frmDDEMenus.cpp)
-    MessageScreen& boxes();
+    MessageScreen& boxes(const char* helpPlace);
     Maintenance maintenance();
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
@@ -225,6 +226,8 @@ private:
     void DoPeriodSS();
     void DoShowHidden();
     void sortPeriodGrids();
+    GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
+                   int grid) const;
     std::vector<GridRow> rowsOf(const GenCollection& events, int grid) const;
     bool isListed(const calEvent& event) const;
     Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
@@ -237,15 +240,23 @@ private:
     std::string currentGUID() const;
     std::string troubleText() const;
 
+    // names of fields (frmDDEFields.cpp)
+    std::vector<std::shared_ptr<calEvent>> listedEvents() const;
+    bool showsFields() const;
+    void wantFields();
+    void TimerFields_Tick();
+    void showFields();
+
+    // help (frmDDEHelp.cpp)
+    void openHelp(int page, const char* place = "");
+
     // showing (frmDDEShow.cpp)
-    void openHelp(int page);
     void showWindow();
     void hideWindow();
     void minimize();
     void keepPlace();
     bool isNormal() const;
     void noteFrame();
-    QPoint nearTray() const;
     void SetFlashingIcon(bool on);
     void changeSetting(const std::function<void(ReminderState&)>& change);
 
@@ -264,6 +275,9 @@ private:
     QTimer firstCheck_{this};   // once, as soon as the event loop runs
     QTimer trayWait_{this};     // once, when a tray should have come
     QTimer saveColumns_{this};  // once, when columns have come to rest
+    QTimer TimerFields{this};   // once, for the next name of a field
+    FieldNames fieldNames_;
+    std::vector<std::shared_ptr<calEvent>> unnamed_;  // one for each name still to be asked for
     TimeText timeText_;
 
     QComboBox* cboPeriod = nullptr;
@@ -299,7 +313,9 @@ private:
     QString notice_;
     std::string noticeRow_;
     std::array<ColumnLayout, kGridCount> savedColumns_;  // as the settings have them
-    MessageBoxes boxes_{*this};
+    // Where the help tells about the boxes of the command that is at work.
+    const char* boxHelp_ = "";
+    MessageBoxes boxes_{*this, [this] { openHelp(helpNumber_, boxHelp_); }};
 };
 
 }  // namespace vl

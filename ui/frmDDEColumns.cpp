@@ -24,6 +24,7 @@ void frmDDE::columnsChanged() {
     if (!loading_) {
         saveColumns_.start();
     }
+    wantFields();
 }
 
 void frmDDE::saveColumns() {

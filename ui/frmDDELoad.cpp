@@ -31,7 +31,8 @@ constexpr auto kReminders = "Reminders";
 constexpr auto kFlash = 500ms;
 constexpr auto kUpdate = 1000ms;
 constexpr auto kActions = 50ms;
-constexpr QSize kFirstSize(760, 440);
+// All columns are seen in it as wide as they want to be.
+constexpr QSize kFirstSize(920, 480);
 // A program that starts with the desktop is often there before the panel.
 constexpr auto kTrayMayTake = 5s;
 

@@ -10,23 +10,25 @@
 #include "notify/About.h"
 #include "notify/OpenGUID.h"
 #include "ui/ColumnMenu.h"
+#include "ui/HelpNumbers.h"
 #include "ui/QtText.h"
 #include "ui/SplitButton.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
 
-MessageScreen& frmDDE::boxes() {
+MessageScreen& frmDDE::boxes(const char* helpPlace) {
+    boxHelp_ = helpPlace;
     return parts_.boxes != nullptr ? *parts_.boxes : static_cast<MessageScreen&>(boxes_);
 }
 
 void frmDDE::mnuAbout_Click() {
     const ErrScope scope;
-    attempt([&] { boxes().ShowBox(aboutBox(parts_.Version, state_.DBVersion)); });
+    attempt([&] { boxes(kHelpTray).ShowBox(aboutBox(parts_.Version, state_.DBVersion)); });
 }
 
 Maintenance frmDDE::maintenance() {
-    return {parts_.db, parts_.reminders, parts_.period, check_, state_, *this, boxes()};
+    return {parts_.db, parts_.reminders, parts_.period, check_, state_, *this, boxes(kHelpCleanUp)};
 }
 
 void frmDDE::mnuCleanUp_Click() {
@@ -51,7 +53,7 @@ void frmDDE::butOpen_Click() {
     }
     const std::string GUID = plainText(row->GUID);  // the box lets ticks refill the grid
     const HostHelper host{programFolder(), parts_.startProgram, parts_.DebugMode};
-    const bool started = OpenGUID(parts_.period, GUID, host, boxes());
+    const bool started = OpenGUID(parts_.period, GUID, host, boxes(kHelpTrouble));
     parts_.db.CloseDB();
     if (!started) {
         sayOnce(tr("VelmoraClipper.exe could not be started; it belongs beside this program"));

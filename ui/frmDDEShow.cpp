@@ -15,6 +15,12 @@
 
 namespace vl {
 
+namespace {
+
+constexpr auto kIconMayTake = std::chrono::milliseconds(500);
+
+}  // namespace
+
 void frmDDE::ShowNewReminders(std::string_view GUID) {
     showWindow();
     tabs->setCurrentIndex(kNewRemindersGrid);
@@ -116,13 +122,13 @@ void frmDDE::ShowPopUp(const PopUpRequest& request) {
         if (request.ShowDelay >= 0) {
             content.delay = std::chrono::milliseconds(request.ShowDelay);
         }
-        popup_.present(content, nearTray());
+        const QRect icon = tray_.geometry();
+        popup_.present(content, icon);
+        if (icon.isEmpty()) {  // at the start, no panel may have taken it in yet
+            QTimer::singleShot(kIconMayTake, &popup_,
+                               [this] { popup_.moveNextTo(tray_.geometry()); });
+        }
     });
-}
-
-QPoint frmDDE::nearTray() const {
-    const QRect icon = tray_.geometry();
-    return icon.isEmpty() ? QPoint(-1, -1) : icon.center();
 }
 
 void frmDDE::HidePopUp() {
@@ -164,14 +170,6 @@ QString frmDDE::GetIconText() {
                                    grid(kNewRemindersGrid).rowCount(), IsWindowVisible()));
     tray_.setToolTip(text);
     return text;
-}
-
-void frmDDE::ShowHelp() { openHelp(helpNumber_); }
-
-void frmDDE::openHelp(int page) {
-    if (!parts_.HelpBase.empty()) {
-        parts_.openDocument(parts_.HelpBase + std::to_string(page));
-    }
 }
 
 bool frmDDE::GetHasFocus() const { return isVisible() && isActiveWindow(); }
@@ -220,6 +218,7 @@ void frmDDE::mnuRefresh_Click() {
     // Rows do not have yet what waits to be written.
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
+    fieldNames_.Doubt();
     showPeriodAnew();
 }
 

@@ -66,6 +66,7 @@ void frmDDE::DoPeriod() {
         }
     });
     UpdateUI();
+    wantFields();
 }
 
 // Reminders before events, and each row copied at once: the second query changes what the first
@@ -88,9 +89,9 @@ void frmDDE::DoShowHidden() {
             const RowOccurrence nearest = nearestOccurrence(*event, parts_.clock.now());
             parts_.period.LookAgain(event->GUID);
             if (!nearest.reminder.isZero()) {
-                reminders.push_back(rowOf(event, nearest, kAllRemindersGrid, timeText_));
+                reminders.push_back(rowFor(event, nearest, kAllRemindersGrid));
             }
-            events.push_back(rowOf(event, nearest, kEventsGrid, timeText_));
+            events.push_back(rowFor(event, nearest, kEventsGrid));
         }
     }
     grid(kAllRemindersGrid).setRows(std::move(reminders));
@@ -104,12 +105,18 @@ void frmDDE::sortPeriodGrids() {
     }
 }
 
+GridRow frmDDE::rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
+                       int grid) const {
+    fieldNames_.Recall(*event);
+    return rowOf(event, occurrence, grid, timeText_);
+}
+
 std::vector<GridRow> frmDDE::rowsOf(const GenCollection& events, int grid) const {
     std::vector<GridRow> rows;
     for (std::size_t i = 1; i <= events.Count(); ++i) {
         const auto event = objectAt<calEvent>(events, i);
         if (event && isListed(*event)) {
-            rows.push_back(rowOf(event, recordedOccurrence(*event), grid, timeText_));
+            rows.push_back(rowFor(event, recordedOccurrence(*event), grid));
         }
     }
     return rows;
@@ -123,7 +130,8 @@ void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
     const ErrScope scope;
     attempt([&] {
         if (index == kNewRemindersGrid || isListed(*event)) {
-            grid(index).putRow(rowOf(event, recordedOccurrence(*event), index, timeText_));
+            grid(index).putRow(rowFor(event, recordedOccurrence(*event), index));
+            wantFields();
         }
     });
     if (index == kNewRemindersGrid && !TimerFlash.isActive()) {

@@ -30,6 +30,13 @@ TEST_F(HelpPage, HasAnAnchorForEveryHelpNumber) {
     }
 }
 
+TEST_F(HelpPage, HasAnAnchorForEveryPlace) {
+    for (const char* place : kHelpPlaces) {
+        const std::string anchor = std::to_string(kHelpMainWindow) + "\\" + place;
+        EXPECT_EQ(count("id=\"" + anchor + "\""), 1U) << place;
+    }
+}
+
 TEST_F(HelpPage, HasATargetForEachOfItsLinks) {
     const std::regex link("href=\"([^\"]*)\"");
     std::size_t links = 0;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QImage>
 #include <QLabel>
 #include <QScrollBar>
 #include <QStyle>
@@ -128,21 +129,58 @@ TEST_F(Looks, TroubleCanBeReadAfterTheDesktopTurnedDark) {
     EXPECT_GE(readable(), 4.5);
 }
 
-TEST_F(Looks, AToastFollowsTheDesktop) {
-    Toast toast{QIcon()};
-    ToastContent content;
-    content.title = "Reminder";
-    content.text = "Call the bank";
-    toast.present(content, {});
-    const WithPalette dark(darkPalette());
-    QApplication::processEvents();
+// Between the lightest and the darkest colour that is seen there.
+double contrastSeen(const QImage& picture, const QRect& at) {
+    QColor light = Qt::black;
+    QColor dark = Qt::white;
+    for (int y = at.top(); y <= at.bottom(); ++y) {
+        for (int x = at.left(); x <= at.right(); ++x) {
+            const QColor colour = picture.pixelColor(x, y);
+            light = contrast(colour, Qt::black) > contrast(light, Qt::black) ? colour : light;
+            dark = contrast(colour, Qt::black) < contrast(dark, Qt::black) ? colour : dark;
+        }
+    }
+    return contrast(light, dark);
+}
+
+void expectToastIn(Toast& toast, const QPalette& palette) {
+    const QImage picture = toast.grab().toImage();
+    const QColor corner = picture.pixelColor(2, picture.height() - 3);
+    EXPECT_EQ(corner, palette.color(QPalette::Base));
+    EXPECT_NE(picture.pixelColor(2, 2), corner) << "the band of the title";
+    int looked = 0;
     for (const QLabel* label : toast.findChildren<QLabel*>()) {
         if (!label->text().isEmpty() && label->isVisible()) {
-            EXPECT_GE(contrast(label->palette().color(QPalette::WindowText),
-                               label->palette().color(QPalette::Window)),
-                      4.5)
-                << plainText(label->text());
+            ++looked;
+            const QRect at(label->mapTo(&toast, QPoint()), label->size());
+            EXPECT_GE(contrastSeen(picture, at), 4.5) << plainText(label->text());
         }
+    }
+    EXPECT_EQ(looked, 2);
+}
+
+TEST_F(Looks, AToastFollowsTheDesktop) {
+    for (const bool withLink : {false, true}) {
+        SCOPED_TRACE(withLink);
+        Toast toast{QIcon()};
+        ToastContent content;
+        content.title = "Reminder";
+        content.text = withLink ? "" : "Call the bank";
+        content.links = {{1, "Call the bank  5 minutes (12:25)"}};
+        toast.present(content, {});
+        expectToastIn(toast, QApplication::palette());
+        {
+            const WithPalette dark(darkPalette());
+            QApplication::processEvents();
+            expectToastIn(toast, darkPalette());
+        }
+        // As some desktops' themes do it.
+        for (QWidget* each : toast.findChildren<QWidget*>()) {
+            each->setPalette(darkPalette());
+        }
+        toast.setPalette(darkPalette());
+        QApplication::processEvents();
+        expectToastIn(toast, darkPalette());
     }
 }
 

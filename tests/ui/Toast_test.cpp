@@ -63,7 +63,7 @@ ToastContent withLinks(int n) {
 }
 
 // A desktop that does not tell where the icon is. Elsewhere the pointer might rest on the toast.
-constexpr QPoint kNowhere(-1, -1);
+constexpr QRect kNowhere;
 
 class ToastTest : public testing::Test {
 protected:
@@ -94,42 +94,28 @@ TEST_F(ToastTest, StandsInTheCornerAndLeavesTheFocusAlone) {
     EXPECT_TRUE(toast.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
-TEST(ToastCorner, IsNextToTheTray) {
-    struct Case {
-        const char* where;
-        QPoint icon;
-        QRect available;
-        Qt::Corner corner;
-    };
-    // The second screen of two; a panel takes 30 off one of its edges.
-    const QRect screen(1000, 0, 1000, 800);
-    const Case cases[] = {
-        {"panel below", {1990, 790}, {1000, 0, 1000, 770}, Qt::BottomRightCorner},
-        {"panel above", {1990, 10}, {1000, 30, 1000, 770}, Qt::TopRightCorner},
-        {"tray at the left", {1010, 790}, {1000, 0, 1000, 770}, Qt::BottomLeftCorner},
-        {"panel at the left", {1010, 10}, {1030, 0, 970, 800}, Qt::TopLeftCorner},
-        {"the icon counts, not the panel", {1010, 10}, {1000, 0, 1000, 770}, Qt::TopLeftCorner},
-        {"not told, panel below", kNowhere, {1000, 0, 1000, 770}, Qt::BottomRightCorner},
-        {"not told, panel above", kNowhere, {1000, 30, 1000, 770}, Qt::TopRightCorner},
-        {"not told, panel at the left", kNowhere, {1030, 0, 970, 800}, Qt::BottomLeftCorner},
-        {"not told, panel at the right", kNowhere, {1000, 0, 970, 800}, Qt::BottomRightCorner},
-        {"not told, none", kNowhere, screen, Qt::BottomRightCorner},
-        {"on another screen", {10, 10}, screen, Qt::BottomRightCorner},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(toastCorner(c.icon, screen, c.available), c.corner) << c.where;
-    }
-}
-
 TEST_F(ToastTest, StandsNextToTheIcon) {
     const QPoint icons[] = {screen.topLeft(), screen.topRight(), screen.bottomLeft()};
     for (const QPoint& icon : icons) {
-        toast.present(withLinks(2), icon);
+        toast.present(withLinks(2), QRect(icon, QSize(1, 1)));
         const QRect shown = toast.geometry();
         EXPECT_TRUE(screen.contains(shown));
         EXPECT_EQ(shown.center().x() < screen.center().x(), icon.x() == screen.left());
         EXPECT_EQ(shown.center().y() < screen.center().y(), icon.y() == screen.top());
     }
+}
+
+TEST_F(ToastTest, GoesToTheIconOnceItIsKnownWhereThatIs) {
+    const QRect icon(screen.topLeft(), QSize(22, 22));
+    toast.moveNextTo(icon);
+    EXPECT_FALSE(toast.isVisible());
+    toast.present(withLinks(2), kNowhere);
+    const QRect before = toast.geometry();
+    toast.moveNextTo(QRect());
+    EXPECT_EQ(toast.geometry(), before);
+    toast.moveNextTo(icon);
+    EXPECT_LT(toast.geometry().bottom(), screen.center().y());
+    EXPECT_EQ(toast.size(), before.size());
 }
 
 TEST_F(ToastTest, ShownAgainItIsNeverHiddenInBetween) {
