@@ -18,6 +18,7 @@ class Event(NamedTuple):
     location: str = ""
     rule: str = ""
     dismissed: datetime | None = _NO_DATE
+    field: int = 4  # one of FIELDS
 
 
 def at(hour, minute=0, days=0):
@@ -32,11 +33,11 @@ ORDINARY = (
     Event("Choir", at(19, 30, -7), 120, (60,), "School hall", "FREQ=WEEKLY"),
     Event("Dentist: check-up", at(15, 30), 45, (60, 1440), "Dr Hoffmann, 2nd floor"),
     Event("Lunch with Vera", at(12, 0), 60, (30,), "Canteen", "", at(11, 40)),
-    Event("Waste paper collection", at(0, 0, 1), 0, (360,)),
-    Event("Pay the rent", at(0, 0, 10), 0, (1440,), "", "FREQ=MONTHLY;BYMONTHDAY=-1"),
-    Event("Zoë's birthday", at(0, 0, 2), 0, (1440, 10080), "", "FREQ=YEARLY"),
+    Event("Waste paper collection", at(0, 0, 1), 0, (360,), field=6),
+    Event("Pay the rent", at(0, 0, 10), 0, (1440,), "", "FREQ=MONTHLY;BYMONTHDAY=-1", field=6),
+    Event("Zoë's birthday", at(0, 0, 2), 0, (1440, 10080), "", "FREQ=YEARLY", field=5),
     Event("Train to Leipzig", at(7, 48, 2), 190, (90,), "Platform 7"),
-    Event("Water the plants", at(18, 0, -1), 15, (0,), "", "FREQ=DAILY;INTERVAL=2"),
+    Event("Water the plants", at(18, 0, -1), 15, (0,), "", "FREQ=DAILY;INTERVAL=2", field=6),
 )
 
 WORLD = (
@@ -50,14 +51,25 @@ WORLD = (
 )
 
 
-def columns(number, event):
-    """The row of the table Reminders."""
+HOST = "Home.vlb"  # the file that the events come from
+FIELDS = {4: "Appointments", 5: "Birthdays", 6: "Household"}
+
+
+def host_statements():
+    """What the host's file needs to tell the names of its fields."""
+    yield "CREATE TABLE [\u00afFields] (FieldID LONG, Name TEXT(50))"
+    for number, name in FIELDS.items():
+        yield f'INSERT INTO [\u00afFields] (FieldID, Name) VALUES ({number}, "{name}")'
+
+
+def columns(number, event, host):
+    """The row of the table Reminders; `host` is the path of the file it comes from."""
     end = event.start + timedelta(minutes=event.minutes)
     row = {
-        "EventID": number, "ItemID": 500 + number, "FieldID": 4,
+        "EventID": number, "ItemID": 500 + number, "FieldID": event.field,
         "GUID": "{5B0F3C1E-77A2-4D19-9E64-%012d}" % number,
         "id": f"gallery{number:04d}", "iCalUID": f"gallery{number:04d}@calendar.example",
-        "VLBase": r"C:\Users\Anna\Documents\Velmora\Home.vlb",
+        "VLBase": host,
         "Subject": event.subject, "Location": event.location, "Body": "", "status": "",
         "StartDateTime": event.start, "EndDateTime": end, "IsAllDayEvent": event.minutes == 0,
         "Created": at(8, 0, -30), "Modified": at(8, 0, -20), "CalendarID": "anna.keller@example.com",

@@ -16,31 +16,12 @@ import time
 
 import gallery_events
 import make_profile
-from uidrive import act, desktop, reminders, tray, tree
+from uidrive import act, balloons, colours, desktop, reminders, tray, tree
 from uidrive.program import Program
 from uidrive.waiting import run, wait_for
 
 TITLE = reminders.TITLE
 CROP = 8  # around a piece of the screen
-DARK = """[Appearance]
-custom_palette=true
-color_scheme_path={scheme}
-style=Fusion
-[Fonts]
-general="Sans Serif,9,-1,5,50,0,0,0,0,0"
-"""
-# Roles in the palette's order: window text, button, light, midlight, dark, mid, text, bright text,
-# button text, base, window, shadow, highlight, highlighted text, link, visited link, alternate
-# base, no role, tip's base, tip's text, placeholder.
-_ACTIVE = ("#e6e8ea #31363b #4a5056 #3c4248 #15181a #24282c #e6e8ea #ffffff #e6e8ea #1e2124 #2a2e32 "
-           "#0c0e10 #2f78b8 #ffffff #6fb1ec #b79be0 #262a2e #ffffff #3a4046 #e6e8ea #8a9198").split()
-_DISABLED = [{"#e6e8ea": "#7d848b", "#2f78b8": "#3f464d"}.get(c, c) for c in _ACTIVE]
-
-
-def scheme_text():
-    lists = {"active_colors": _ACTIVE, "disabled_colors": _DISABLED, "inactive_colors": _ACTIVE}
-    return "[ColorScheme]\n" + "".join(
-        f"{name}={', '.join('#ff' + c[1:] for c in colours)}\n" for name, colours in lists.items())
 
 
 class Scene(Program):
@@ -55,8 +36,13 @@ class Scene(Program):
             os.makedirs(path)
         remindb = os.path.join(build, "tools", "remindb")
         subprocess.run([remindb, "new", database], check=True)
+        host = os.path.join(folder, gallery_events.HOST)
+        subprocess.run([remindb, "new", host], check=True)
+        for statement in gallery_events.host_statements():
+            subprocess.run([remindb, "sql", host, statement], check=True,
+                           stdout=subprocess.DEVNULL)
         for number, event in enumerate(events, 1):
-            make_profile.insert(remindb, database, gallery_events.columns(number, event))
+            make_profile.insert(remindb, database, gallery_events.columns(number, event, host))
         self.settings = os.path.join(variables["XDG_DATA_HOME"], "Velmora", "VLReminders.ini")
         os.makedirs(os.path.dirname(self.settings))
         with open(self.settings, "w") as file:
@@ -64,10 +50,8 @@ class Scene(Program):
             file.write(f"[Reminders]\nNotifType={kind}\n[Window]\nLeft=20\nTop=20\n"
                        f"Width={width}\nHeight={height}\n")
         if dark:
-            variables["QT_QPA_PLATFORMTHEME"] = "qt6ct"
-            self.config = os.path.join(variables["XDG_CONFIG_HOME"], "qt6ct")
-            os.makedirs(self.config)
-            self.darken()
+            variables.update(colours.ENVIRONMENT)
+            colours.choose(variables["XDG_CONFIG_HOME"], True)
         if scale:
             variables["QT_SCALE_FACTOR"] = str(scale)
         self.scale = scale or 1
@@ -77,13 +61,6 @@ class Scene(Program):
         super().__init__([os.path.join(build, "app", reminders.PROGRAM), "--db-folder",
                           os.path.dirname(database)], variables,
                          os.path.join(os.environ["DESKTOP_LOGS"], "gallery.log"))
-
-    def darken(self):
-        scheme = os.path.join(self.config, "dark.conf")
-        with open(scheme, "w") as file:
-            file.write(scheme_text())
-        with open(os.path.join(self.config, "qt6ct.conf"), "w") as file:
-            file.write(DARK.format(scheme=scheme))
 
 
 class Gallery:
@@ -177,6 +154,12 @@ class Gallery:
                                          None), 30)
             act.move_to(1200, 300)
             self.keep(name, self.around(node))
+
+    def balloon(self):
+        with self.scene(kind="S:"):
+            x, y, width, height = wait_for(balloons.box, 30, "the balloon")
+            act.move_to(1200, 600)
+            self.keep("balloon", (x - CROP, y - CROP, x + width + CROP, y + height + CROP))
 
     def email(self):
         with self.scene(kind="E"):
