@@ -10,7 +10,7 @@
 namespace vl {
 
 const FieldNames::Name* FieldNames::find(const calEvent& event) const {
-    const auto file = files_.find(event.VLBase);
+    const auto file = files_.find(event.VLBase.view());
     if (file == files_.end()) {
         return nullptr;
     }
@@ -50,12 +50,12 @@ std::vector<std::shared_ptr<calEvent>> FieldNames::Unsure(
     std::set<std::pair<std::string_view, std::int32_t>> seen;
     for (const auto& event : events) {
         if (!event || event->VLBase.empty() ||
-            !seen.emplace(event->VLBase, event->FieldID).second) {
+            !seen.emplace(event->VLBase.view(), event->FieldID).second) {
             continue;
         }
-        File& file = files_[event->VLBase];
+        File& file = files_[event->VLBase.str()];
         if (file.doubted) {
-            attempt([&] { lookAt(event->VLBase, file); });
+            attempt([&] { lookAt(event->VLBase.str(), file); });
         }
         if (!file.names[event->FieldID].sure && fileExists(event->VLBase)) {
             unsure.push_back(event);
@@ -66,9 +66,9 @@ std::vector<std::shared_ptr<calEvent>> FieldNames::Unsure(
 
 void FieldNames::Ask(calEvent& event) {
     const ErrScope scope;
-    Name& name = files_[event.VLBase].names[event.FieldID];
-    if (std::string asked = event.GetFieldName(); !asked.empty()) {
-        name = {std::move(asked), true};
+    Name& name = files_[event.VLBase.str()].names[event.FieldID];
+    if (const std::string asked = event.GetFieldName(); !asked.empty()) {
+        name = {asked, true};
     }
     event.FieldName = name.text;
 }

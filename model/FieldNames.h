@@ -36,7 +36,7 @@ public:
 
 private:
     struct Name {
-        std::string text;
+        SharedText text;  ///< one block for all events of the field
         bool sure = false;
     };
     struct File {
