@@ -65,7 +65,8 @@ int run(const Arguments& arguments, const Streams& streams) {
     if (isPeriod(code, "H")) {
         events = hidden(listOf(*file.set.mCol), columns, now);
     } else if (columns == Columns::Events) {
-        // Asked after the reminders, as the window does: their question resets what the events hold.
+        // Asked after the reminders, as the window does: their question resets what the events
+        // hold.
         file.set.RemindCol(range.from, range.to);
         events = shown(listOf(*file.set.EventCol(range.from, range.to)), code);
     } else {

@@ -155,7 +155,7 @@ private:
 
     std::map<std::string, Event> events_;
     Zone here_;
-    Seconds now_ = 0;  // at the last check or act
+    Seconds now_ = 0;                    // at the last check or act
     std::optional<Moment> lastCheck_;    // of this run
     std::optional<Moment> lastRead_;     // check that could read the file, of any run
     std::optional<Moment> unseenSince_;  // no check of this run since then could
