@@ -4,6 +4,7 @@
 
 #include "app/HtmlText.h"
 #include "app/TimeText.h"
+#include "app/platform/Memory.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "notify/PopUpMarkup.h"
@@ -79,12 +80,16 @@ void CheckCycle::Tick(int interval) {
     if (state_.bInTimerCheck) {
         return;
     }
+    const bool isFirst = state_.dLastUpdated.isZero();
     {
         const Raised running(state_.bInTimerCheck);
         check(interval);
     }
     attempt([&] { screen_.SetIcon(); });
     attempt([&] { db_.CloseDB(); });
+    if (isFirst) {  // what the start has needed is no use to a program that waits
+        platform::giveBackMemory();
+    }
 }
 
 void CheckCycle::check(int interval) {
