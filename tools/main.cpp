@@ -1,5 +1,6 @@
 // remindb: looks into reminders databases, and changes them, from the command line.
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "base/ErrorState.h"
 
 namespace vl::tools {
 
@@ -140,6 +142,9 @@ int main(int argc, char** argv) {
     namespace tools = vl::tools;
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
+    if (const char* trace = std::getenv("VL_TRACE")) {
+        vl::openTrace(trace);
+    }
     try {
         const int code = tools::run({argv + 1, argv + argc}, {std::cin, std::cout, std::cerr});
         if (!std::cout.flush()) {

@@ -1,5 +1,7 @@
 // remindb as its users run it.
 #include <gmock/gmock.h>
+
+#include <cstdlib>
 #include <iostream>
 
 #include "Remindb.h"
@@ -116,6 +118,32 @@ TEST(Remindb, SqlReadsTheStatementFromItsInput) {
     EXPECT_EQ(wrong.code, 1);
     EXPECT_THAT(wrong.err, HasSubstr("line 2, column 1: expected \",\" or FROM, found FRO"));
     EXPECT_EQ(remindb({"sql", file, "-"}).code, 1);
+}
+
+// The rows are there all the same; where they were looked for is not kept a secret.
+TEST(Remindb, SqlPassesADamagedIndexOverAndTracesIt) {
+    const test::TempFolder folder;
+    const std::string file = (folder / "damaged.RemindDB").string();
+    const std::string trace = (folder / "trace").string();
+    std::string bytes = test::readFile(firstLight());
+    int leaves = 0;
+    for (std::size_t page = 3; page < bytes.size() / 4096; ++page) {
+        if (bytes[page * 4096] == 4) {  // of an index
+            bytes[page * 4096] = 9;
+            ++leaves;
+        }
+    }
+    ASSERT_GT(leaves, 0);
+    test::writeFile(file, bytes);
+    const std::string statement =
+        "SELECT EventID FROM Reminders WHERE GUID = '{437FED06-B0D4-4C70-8AC9-99114CC7B46A}'";
+    setenv("VL_TRACE", trace.c_str(), 1);
+    const auto found = remindb({"sql", file, statement});
+    unsetenv("VL_TRACE");
+    EXPECT_EQ(found.out, remindb({"sql", firstLight(), statement}).out);
+    EXPECT_THAT(found.out, StartsWith("EventID\n10"));
+    EXPECT_THAT(test::readFile(trace), HasSubstr("an index that is damaged is passed over: "));
+    EXPECT_EQ(remindb({"check", file}).code, 1);
 }
 
 TEST(Remindb, SqlLosesNoColumnOfTheSameName) {
