@@ -39,6 +39,16 @@ bool isListedElsewhere(const calEvent& event, const EventState* state) {
 // Its user wants it to count as newly met, and it has not been listed since.
 bool isReactivated(const EventState* state) { return state != nullptr && state->newlyMet; }
 
+// Most times are far off, which the plain numbers tell: `DateTime` compares whole milliseconds, and
+// below 0 days run the other way.
+bool hasCome(DateTime time, DateTime now) {
+    constexpr double kSecond = 1.0 / 86400;
+    if (now.days() >= 0 && time.days() > now.days() + kSecond) {
+        return false;
+    }
+    return time <= now;
+}
+
 bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
 
 }  // namespace
@@ -260,7 +270,7 @@ void DueBook::takeZone(const TimeZone& zone) {
 // A listed event of which nothing was due in an earlier window has nothing in this one either, as
 // long as it stays listed and its next time has not come.
 bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
-    const bool itsTime = !slot.next.isZero() && slot.next <= asked.to;
+    const bool itsTime = !slot.next.isZero() && hasCome(slot.next, asked.to);
     if (!slot.look && !slot.pending && !itsTime) {
         return false;
     }
@@ -293,7 +303,9 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
     moved_.clear();
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         Slot& slot = slots_[i];
-        slot.quiet = slot.quiet && !wentBack;
+        if (wentBack) {
+            slot.quiet = false;
+        }
         if (isToBeAsked(slot, asked)) {
             const std::size_t before = found.size();
             attempt([&] { askOne(slot, asked, found); });
