@@ -46,7 +46,7 @@ class Scene(Program):
         self.settings = os.path.join(variables["XDG_DATA_HOME"], "Velmora", "VLReminders.ini")
         os.makedirs(os.path.dirname(self.settings))
         with open(self.settings, "w") as file:
-            width, height = (560, 330) if scale == 2 else (760, 420)
+            width, height = (560, 330) if scale == 2 else (920, 440)
             file.write(f"[Reminders]\nNotifType={kind}\n[Window]\nLeft=20\nTop=20\n"
                        f"Width={width}\nHeight={height}\n")
         if dark:
