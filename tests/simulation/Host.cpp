@@ -76,6 +76,8 @@ Plan Host::seriesOf(const Step& step, const At& at) {
     plan.count = step.c / 12 % 3 == 0 ? 1 + step.c / 36 % 10 : 0;
     const Seconds first = at.now + step.a * kMinute - (step.c / 100) * plan.everyDays * kDay;
     plan.start = plan.toOwn(first, at.here);
+    // A row cannot say a time that clocks skip.
+    plan.start = plan.toOwn(plan.toLocal(plan.start, at.here), at.here);
     // What becomes of it elsewhere, when it begins in the hour that clocks skip, nothing says.
     if (!plan.zone && plan.start % kDay / kHour == 2) {
         plan.start += kHour;
