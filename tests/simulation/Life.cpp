@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdlib>
 #include <ctime>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -373,7 +374,11 @@ private:
 }  // namespace
 
 Outcome live(const History& history, std::ostream* trace) {
-    return Life(history, trace).run(history);
+    try {
+        return Life(history, trace).run(history);
+    } catch (const std::exception& error) {  // of the host's own writing
+        return {std::string("it ended by an error: ") + error.what() + "\n", 0, 0};
+    }
 }
 
 }  // namespace vl::simulation
