@@ -142,6 +142,13 @@ bool isDoneByUser(const calEvent& event, const EventState* state) {
     if (one != nullptr && one->muted == Muted::ForEver) {
         return true;
     }
+    // Who travels sees it at another local time, although nobody has moved it.
+    const bool marked = !event.IsRepeating() && state != nullptr &&
+                        std::any_of(state->occurrences.begin(), state->occurrences.end(),
+                                    [](const auto& o) { return o.muted == Muted::ForEver; });
+    if (marked && event.Modified <= state->acted) {
+        return true;
+    }
     return rowSpeaks(event, state) && !event.Dismissed.isZero() &&
            event.Modified <= event.Dismissed;
 }
