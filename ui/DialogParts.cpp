@@ -129,6 +129,8 @@ void adjustWindow(QDialog& dialog, bool onTop) {
     applyFormFont(dialog);
     keepTones(dialog, [&dialog] { lightenChoices(dialog); });
     dialog.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    // Only its owner waits for it: reminders still come, and toast and tray go on working.
+    dialog.setWindowModality(Qt::WindowModal);
     setOnTop(dialog, onTop);
 }
 

@@ -43,7 +43,8 @@ void previewKeys(QDialog& dialog, std::initializer_list<int> codes,
                  const std::function<void(int)>& DoKeyDown);
 
 /// What is done to a dialog's window before it is shown: its font, whether it lies above all
-/// others, its title bar without the help button that some systems add.
+/// others, its title bar without the help button that some systems add. It will block its owner,
+/// not the rest of the program.
 void adjustWindow(QDialog& dialog, bool onTop);
 
 }  // namespace vl

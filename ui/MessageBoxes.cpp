@@ -76,7 +76,7 @@ BoxAnswer MessageBoxes::ShowBox(const BoxRequest& box) {
         QObject::connect(help, &QShortcut::activated, &shown, showHelp_);
     }
     makeRoomForTitle(shown);
-    shown.setWindowModality(Qt::ApplicationModal);
+    shown.setWindowModality(Qt::WindowModal);  // toast and tray go on working
     // What cannot be undone is not what Enter does.
     shown.setDefaultButton(asks ? QMessageBox::Cancel : QMessageBox::Ok);
     setOnTop(shown, owner_.windowFlags().testFlag(Qt::WindowStaysOnTopHint));

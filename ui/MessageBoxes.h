@@ -10,8 +10,8 @@ class QWidget;
 
 namespace vl {
 
-/// Shows boxes over `owner`, which must outlive this. A hidden owner does not hide its boxes. F1
-/// calls `showHelp` and leaves the box open.
+/// Shows boxes over `owner`, which must outlive this. A hidden owner does not hide its boxes. A box
+/// blocks the owner alone. F1 calls `showHelp` and leaves the box open.
 class MessageBoxes final : public MessageScreen {
 public:
     explicit MessageBoxes(QWidget& owner, std::function<void()> showHelp = {})

@@ -201,7 +201,11 @@ void frmDDE::wireKeys() {
 
 void frmDDE::wireTray() {
     connect(&tray_, &Tray::clicked, this, &frmDDE::Tray_Click);
-    connect(&tray_, &Tray::balloonClicked, this, [this] { showWindow(); });
+    connect(&tray_, &Tray::balloonClicked, this, [this] {
+        if (!bringDialogForward()) {
+            showWindow();
+        }
+    });
     connect(&tray_, &Tray::menuOpening, this, &frmDDE::mnuTray_Opening);
     connect(&tray_, &Tray::showHide, this, &frmDDE::ShowHide);
     connect(&tray_, &Tray::mute, this,

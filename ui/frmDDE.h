@@ -89,7 +89,7 @@ public:
     void HideMe();
     /// Closes the pop-up and notes when.
     void HidePopUp();
-    /// Visible or not; saves nothing.
+    /// Visible or not; saves nothing. While a dialog or box is open it brings that forward instead.
     void ShowHide();
     /// Saves and removes the wheel subclassing, once; from then on the window lets itself be
     /// closed.
@@ -251,6 +251,7 @@ private:
     void openHelp(int page, const char* place = "");
 
     // showing (frmDDEShow.cpp)
+    bool bringDialogForward();
     void showWindow();
     void hideWindow();
     void minimize();

@@ -53,7 +53,7 @@ void frmDDE::butSnooze_Click() {
 void frmDDE::doSnooze() {
     const int tab = tabs->currentIndex();
     const GridRow* current = grid(tab).currentRow();
-    if (!current) {
+    if (!current || bringDialogForward()) {
         return;
     }
     const ActRow row = actRow(*current);
@@ -130,6 +130,9 @@ void frmDDE::dismiss() {
 }
 
 void frmDDE::chooseDismiss() {
+    if (bringDialogForward()) {
+        return;
+    }
     const int tab = tabs->currentIndex();
     std::vector<ActRow> handled;
     bool deleted = false;
@@ -137,6 +140,9 @@ void frmDDE::chooseDismiss() {
         frmDismiss dialog(dialogParts(), this);
         fillDismiss(dialog, row);
         dialog.ShowModal();
+        if (exiting_) {
+            break;
+        }
         if (dialog.bCancel) {
             continue;
         }

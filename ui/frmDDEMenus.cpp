@@ -23,6 +23,9 @@ MessageScreen& frmDDE::boxes(const char* helpPlace) {
 }
 
 void frmDDE::mnuAbout_Click() {
+    if (bringDialogForward()) {
+        return;
+    }
     const ErrScope scope;
     attempt([&] { boxes(kHelpTray).ShowBox(aboutBox(parts_.Version, state_.DBVersion)); });
 }
@@ -32,6 +35,9 @@ Maintenance frmDDE::maintenance() {
 }
 
 void frmDDE::mnuCleanUp_Click() {
+    if (bringDialogForward()) {
+        return;
+    }
     const ErrScope scope;
     attempt([&] { maintenance().CleanUp(); });
     UpdateUI();
@@ -39,6 +45,9 @@ void frmDDE::mnuCleanUp_Click() {
 }
 
 void frmDDE::mnuDeleteAll_Click() {
+    if (bringDialogForward()) {
+        return;
+    }
     const ErrScope scope;
     attempt([&] { maintenance().DeleteAll(); });
     UpdateUI();
@@ -48,7 +57,7 @@ void frmDDE::mnuDeleteAll_Click() {
 void frmDDE::butOpen_Click() {
     const ErrScope scope;
     const GridRow* row = selectedGrid().currentRow();
-    if (!row) {
+    if (!row || bringDialogForward()) {
         return;
     }
     const std::string GUID = plainText(row->GUID);  // the box lets ticks refill the grid

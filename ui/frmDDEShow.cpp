@@ -1,5 +1,5 @@
 // Showing and hiding: the window, the pop-up, the tray icon; and what the menu does.
-#include <QGuiApplication>
+#include <QApplication>
 #include <QTabWidget>
 #include <QWindow>
 
@@ -27,6 +27,20 @@ void frmDDE::ShowNewReminders(std::string_view GUID) {
     grid(kNewRemindersGrid).scrollToTop();
     grid(kNewRemindersGrid).setFocus();
     SelectGUID(GUID);
+}
+
+// Whoever asks for the window, or for another dialog, is first to answer the one that is open.
+bool frmDDE::bringDialogForward() {
+    QWidget* open = QApplication::activeModalWidget();
+    if (open == nullptr) {
+        return false;
+    }
+    if (isMinimized()) {  // and the dialog with it
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    }
+    open->raise();
+    open->activateWindow();
+    return true;
 }
 
 void frmDDE::showWindow() {
@@ -84,6 +98,9 @@ void frmDDE::HideMe() {
 }
 
 void frmDDE::ShowHide() {
+    if (bringDialogForward()) {
+        return;
+    }
     if (isVisible() && !isMinimized()) {
         hideWindow();
     } else {
@@ -141,7 +158,9 @@ void frmDDE::MarkupHyperlinkClick(int tag) {
     // What the toast shows, not what a later check took in without showing it.
     const std::string GUID = shownEvCol_ ? shownEvCol_->Key(tag) : std::string();
     if (!GUID.empty()) {
-        showWindow();
+        if (!bringDialogForward()) {
+            showWindow();
+        }
         tabs->setCurrentIndex(kNewRemindersGrid);
         SelectGUID(GUID);
     }
@@ -181,6 +200,9 @@ int frmDDE::CheckInterval() const { return TimerCheck.interval(); }
 void frmDDE::SetCheckInterval(int milliseconds) { TimerCheck.setInterval(milliseconds); }
 
 void frmDDE::Tray_Click() {
+    if (bringDialogForward()) {
+        return;
+    }
     switch (trayClick(state_.bHasFocus, isVisible())) {
         case TrayClick::Hide:
             hideWindow();
