@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "model/calEvent.h"
 #include "ui/QtText.h"
+#include "ui/Tips.h"
 
 namespace vl {
 
@@ -39,7 +40,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::AccessibleTextRole:
             return column.text(row, context_);
         case Qt::ToolTipRole:
-            return column.toolTip ? column.toolTip(row, context_) : row.toolTip;
+            return plainTip(column.toolTip ? column.toolTip(row, context_) : row.toolTip);
         case DueStateRole:
             return static_cast<int>(rowState(row, context_.now));
         case OverdueRole:

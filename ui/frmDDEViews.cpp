@@ -11,6 +11,7 @@
 #include "db/DBRemindUtils.h"
 #include "notify/Periods.h"
 #include "ui/QtText.h"
+#include "ui/Tips.h"
 #include "ui/Tones.h"
 #include "ui/UpDown.h"
 #include "ui/frmDDE.h"
@@ -270,7 +271,7 @@ void frmDDE::showStatus() {
     }
     if (lblStatus->text() != line) {
         lblStatus->setText(line);
-        lblStatus->setToolTip(tip.isEmpty() ? line : tip);
+        lblStatus->setToolTip(plainTip(tip.isEmpty() ? line : tip));
         QPalette colours;
         if (!trouble.isEmpty()) {
             colours.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).warm);
@@ -284,7 +285,7 @@ void frmDDE::showStatus() {
                                          : !damaged.empty() ? damaged
                                                             : withoutStatusText(hidden),
                                          canSave_)));
-    lblNotice->setToolTip(canSave_ ? QString() : qtText(parts_.settings.filename));
+    lblNotice->setToolTip(canSave_ ? QString() : plainTip(qtText(parts_.settings.filename)));
     lblNotice->setVisible(!lblNotice->text().isEmpty());
 }
 

@@ -4,6 +4,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
+#include <QTextDocument>
 
 #include "Rows.h"
 #include "ui/GridProxy.h"
@@ -46,6 +47,24 @@ TEST_F(GridModelTest, ShowsWhatTheColumnsSay) {
     EXPECT_EQ(cell(0, CIDReminderD, Qt::ToolTipRole), "Friday, 20 November 2026, 12:25");
     EXPECT_EQ(cell(0, CIDEventD), "Today 12:40");
     EXPECT_EQ(cell(0, CIDLocation), "Room 2");
+}
+
+TEST_F(GridModelTest, TipsAreNeverMarkup) {
+    GridRow row = reminderRow("{A}", "x", 0);
+    row.toolTip = "<b>Bold</b> & <i>sly</i> <img src=\"file:///secret.png\">\nRoom 2";
+    row.location = "<u>Hall</u>";
+    row.repeats = row.field = row.source = row.location;
+    model.putRow(row);
+    for (const auto& [id, wanted] : {std::pair{CIDSubject, row.toolTip},
+                                     {CIDLocation, row.location},
+                                     {CIDRepeats, row.repeats},
+                                     {CIDField, row.field},
+                                     {CIDSource, row.source}}) {
+        SCOPED_TRACE(id);
+        QTextDocument shown;
+        shown.setHtml(cell(0, id, Qt::ToolTipRole));
+        EXPECT_EQ(shown.toPlainText(), wanted) << "as a tool tip reads it";
+    }
 }
 
 TEST_F(GridModelTest, FindsRowsWithoutRegardToCase) {
