@@ -39,6 +39,9 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
         case Qt::AccessibleTextRole:
             return column.text(row, context_);
+        case Qt::AccessibleDescriptionRole:
+            // Dimmed to the eye.
+            return row.dismissed > DateTime() ? tr("dismissed") : QString();
         case Qt::ToolTipRole:
             return plainTip(column.toolTip ? column.toolTip(row, context_) : row.toolTip);
         case DueStateRole:

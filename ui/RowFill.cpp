@@ -74,7 +74,8 @@ GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occur
     row.ofEvent = grid == kEventsGrid;
     row.reminder = row.ofEvent ? DateTime() : occurrence.reminder;
     row.due = row.ofEvent ? occurrence.start : occurrence.reminder;
-    row.dismissed = event->Dismissed;
+    // What is listed as new is still to be dealt with, whatever was dismissed before.
+    row.dismissed = grid == kNewRemindersGrid ? DateTime() : event->Dismissed;
     row.location = qtText(event->Location).simplified();
     row.field = qtText(event->FieldName);
     row.source = fileName(event->VLBase);

@@ -8,6 +8,7 @@
 
 #include "Rows.h"
 #include "ui/GridProxy.h"
+#include "ui/QtText.h"
 
 namespace vl {
 namespace {
@@ -139,6 +140,40 @@ TEST_F(GridModelTest, TheDismissedViewShowsWhenItWas) {
     model.setDismissedView(true);
     EXPECT_EQ(model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString(), "Dismissed");
     EXPECT_EQ(cell(0, CIDEventD), "Yesterday 14:30");
+}
+
+// "This reminder" of a series or of an event with several leaves the later ones alive.
+TEST_F(GridModelTest, DueSaysDismissedOnlyWhereTheRowsOwnReminderWas) {
+    struct Case {
+        const char* what;
+        int dismissed;  // minutes from now; its reminder is due at `due`
+        int due;
+        const char* text;
+        DueState state;
+    };
+    static constexpr Case cases[] = {
+        {"after its time", -5, -90, "dismissed", DueState::None},
+        {"at its time", -90, -90, "dismissed", DueState::None},
+        {"an earlier one of the event", -120, -90, "1 h 30 min overdue", DueState::Past},
+        {"the next is still to come", -5, 90, "in 1 h 30 min", DueState::Ahead},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        GridRow row = reminderRow("{A}", "x", c.due);
+        row.dismissed = someFriday().addMinutes(c.dismissed);
+        model.putRow(row);
+        EXPECT_EQ(plainText(cell(0, CIDDue)), c.text);
+        EXPECT_EQ(rowState(row, someFriday()), c.state);
+        EXPECT_EQ(cell(0, CIDSubject, Qt::AccessibleDescriptionRole), "dismissed");
+        row.ofEvent = true;
+        EXPECT_FALSE(isDealtWith(row)) << "an event is past, not dealt with";
+    }
+    GridRow early = reminderRow("{A}", "x", 0);
+    early.dismissed = early.due.addSeconds(-15);
+    EXPECT_TRUE(isDealtWith(early)) << "listed by the check before its time";
+    EXPECT_FALSE(isDealtWith(reminderRow("{A}", "x", -5)));
+    model.putRow(reminderRow("{A}", "x", -5));
+    EXPECT_EQ(cell(0, CIDSubject, Qt::AccessibleDescriptionRole), "");
 }
 
 TEST(GridColumns, EveryIdIsThereOnceAndHasAHeading) {

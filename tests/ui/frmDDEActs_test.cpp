@@ -284,6 +284,20 @@ TEST_F(frmDDEActs, TheButtonReactivatesWhatIsShownAsDismissed) {
     EXPECT_TRUE(state.bIsDismiss);
 }
 
+TEST_F(frmDDEActs, WhatIsNewIsNotShownAsDismissedBefore) {
+    loadThree();
+    const auto again = held("{1}");
+    again->Dismissed = someFriday().addDays(-7);
+    window->UpdateItemR(again, 0);
+    window->DoPeriod();
+    const auto shownAsDismissed = [this](int tab) {
+        const int row = *grid(tab).rows().find("{1}");
+        return grid(tab).rows().index(row, 0).data(GridModel::DismissedRole).toBool();
+    };
+    EXPECT_FALSE(shownAsDismissed(0));
+    EXPECT_TRUE(shownAsDismissed(1));
+}
+
 TEST_F(frmDDEActs, WhatIsReactivatedLeavesTheDismissedView) {
     loadThree();
     clickDismiss();
