@@ -77,6 +77,10 @@ void Tray::setNew(bool withDot) {
 }
 
 void Tray::setToolTip(const QString& text) {
+    if (text == tip_) {
+        return;
+    }
+    tip_ = text;
     QString lines = text;
     lines.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     icon_.setToolTip(lines);

@@ -38,7 +38,8 @@ public:
 
     void setNew(bool withDot);
     bool isNew() const { return withDot_; }
-    /// Lines are parted by CR LF.
+    /// Lines are parted by CR LF. Costs nothing where it says so already: each text is sent over the
+    /// bus.
     void setToolTip(const QString& text);
     void balloon(const QString& title, const QString& text, int seconds) {
         balloon_.present(title, text, seconds);
@@ -78,6 +79,7 @@ private:
     QAction* mnuSilent_ = nullptr;
     QAction* mnuOnTop_ = nullptr;
     QList<QAction*> types_;  // data: the letter
+    QString tip_;
     bool withDot_ = false;
     QRect clickedAt_;
 };

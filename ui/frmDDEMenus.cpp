@@ -41,6 +41,7 @@ void frmDDE::mnuCleanUp_Click() {
     const ErrScope scope;
     attempt([&] { maintenance().CleanUp(); });
     UpdateUI();
+    SetIcon();
     selectedGrid().setFocus();
 }
 
@@ -51,6 +52,7 @@ void frmDDE::mnuDeleteAll_Click() {
     const ErrScope scope;
     attempt([&] { maintenance().DeleteAll(); });
     UpdateUI();
+    SetIcon();
     selectedGrid().setFocus();
 }
 

@@ -192,6 +192,7 @@ void frmDDE::ShowTime() {
 
 void frmDDE::UpdateUI() {
     showCaptions();
+    GetIconText();
     showEmptyTexts();
     showStatus();
     updateButtons();

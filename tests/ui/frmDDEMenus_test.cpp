@@ -62,6 +62,24 @@ TEST_F(frmDDEMenus, CleaningUpAndDeletingAllAskFirst) {
     EXPECT_EQ(period.mCol->Count(), 0U);
 }
 
+TEST_F(frmDDEMenus, TheTraysTipIsTrueAfterEveryCommand) {
+    haveDatabase();
+    load();
+    const auto tip = [this] { return entry("mnuShowHide").text(); };
+    takeIn(test::event("{1}", "Meeting", someFriday(), 15));
+    EXPECT_EQ(tip(), "1 New reminder: 1 new reminder: (click to show/hide)");
+    child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
+    for (const char* shown : {"Previous 30 days", "Next 30 days", "Today"}) {
+        list().setCurrentText(shown);
+        const auto count = grid(kEventsGrid).rowCount();
+        EXPECT_TRUE(tip().startsWith(QString::number(count) + " Event")) << plainText(tip());
+    }
+    boxes.answer = BoxAnswer::Yes;
+    entry("mnuDeleteAll").trigger();
+    EXPECT_EQ(grid(kNewRemindersGrid).rowCount(), 0U);
+    EXPECT_EQ(tip(), "0 Event: (click to show/hide)");
+}
+
 TEST_F(frmDDEMenus, TheWindowOffersTheTraysMenu) {
     load();
     EXPECT_EQ(child<QPushButton>("butMenu").menu(), trayMenu());
