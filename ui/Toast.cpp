@@ -241,6 +241,12 @@ void Toast::leaveEvent(QEvent* event) {
     }
 }
 
+// What is closed is not closed once more when its time is over.
+void Toast::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    wait_.stop();
+}
+
 // Closed by the window manager: whoever owns the toast hides it, as by its own button.
 void Toast::closeEvent(QCloseEvent* event) {
     event->ignore();

@@ -192,6 +192,15 @@ TEST_F(ToastTest, StaysWithoutADelayAndGoesWithOne) {
     EXPECT_EQ(closed.count(), 1);
 }
 
+TEST_F(ToastTest, ClosedBeforeItsTimeItIsNotClosedAgain) {
+    ToastContent brief = withLinks(1);
+    brief.delay = std::chrono::milliseconds(20);
+    QSignalSpy closed(&toast, &Toast::closed);
+    toast.present(brief, kNowhere);
+    toast.hide();
+    EXPECT_FALSE(closed.wait(60));
+}
+
 TEST_F(ToastTest, ShownAgainUnderTheMouseItStays) {
     QSignalSpy closed(&toast, &Toast::closed);
     toast.present(withLinks(1), kNowhere);
