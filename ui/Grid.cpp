@@ -153,8 +153,13 @@ void Grid::putRow(GridRow row) { model_.putRow(std::move(row)); }
 bool Grid::RemoveGUID(std::string_view GUID) {
     const QModelIndex index = proxy_.indexOf(GUID);
     const bool chosen = index.isValid() && selectionModel()->isSelected(index);
+    const bool current = index.isValid() && currentIndex().row() == index.row();
+    const std::string next = current ? neighbourOf(GUID) : std::string();
     const bool removed = model_.removeRow(GUID);
-    // Who works through a list has the next row at hand.
+    // Who works through a list has the next row at hand; Qt would go to the one above.
+    if (removed && !next.empty()) {
+        selectionModel()->setCurrentIndex(proxy_.indexOf(next), QItemSelectionModel::NoUpdate);
+    }
     if (chosen && removed && !selectionModel()->hasSelection() && currentIndex().isValid()) {
         setCurrentIndex(currentIndex());
     }
@@ -176,6 +181,21 @@ void Grid::selectFirst() {
         setCurrentIndex(proxy_.index(0, 0));
         scrollToTop();
     }
+}
+
+void Grid::showCurrentRow() {
+    if (currentIndex().isValid()) {
+        const int across = horizontalScrollBar()->value();
+        scrollTo(currentIndex());
+        horizontalScrollBar()->setValue(across);
+    }
+}
+
+void Grid::keepScrollPlace(const std::function<void()>& change) {
+    const int scroll = verticalScrollBar()->value();
+    change();
+    verticalScrollBar()->setValue(scroll);
+    showCurrentRow();
 }
 
 void Grid::ScrollDown(int down, int right) {
@@ -273,6 +293,10 @@ void Grid::keyPressEvent(QKeyEvent* event) {
             break;
         default:
             QTreeView::keyPressEvent(event);
+            // Qt scrolls to another row, not back to the one that is current already.
+            if (event->key() == Qt::Key_Home || event->key() == Qt::Key_End) {
+                showCurrentRow();
+            }
     }
 }
 
@@ -365,7 +389,8 @@ void Grid::restore(const Place& place) {
     doItemsLayout();
     const QModelIndex top = proxy_.indexOf(place.top);
     verticalScrollBar()->setValue(place.scroll);
-    if (!place.top.empty() && top.isValid()) {
+    // At its top a list stays there: what comes above the first row is to be seen.
+    if (place.scroll > 0 && !place.top.empty() && top.isValid()) {
         verticalScrollBar()->setValue(verticalScrollBar()->value() + visualRect(top).top() -
                                       place.topOffset);
     }

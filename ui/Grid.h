@@ -1,6 +1,7 @@
 // One of the window's three grids: rows, sorting, searching and painting in one widget.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,6 +57,12 @@ public:
     const GridRow* currentRow() const;
 
     void renewFields() { model_.renewFields(); }
+
+    /// Scrolls as far as it takes to have the current row in view.
+    void showCurrentRow();
+    /// What is at the upper edge stays there while rows are taken out and put in again.
+    void keepScrollPlace(const std::function<void()>& change);
+
     void setNow(DateTime now) { model_.setNow(now); }
     void setDismissedView(bool on);
     void setSearch(const QString& search) { proxy_.setSearch(search); }

@@ -38,8 +38,8 @@ public:
 
     void setNew(bool withDot);
     bool isNew() const { return withDot_; }
-    /// Lines are parted by CR LF. Costs nothing where it says so already: each text is sent over the
-    /// bus.
+    /// Lines are parted by CR LF. Costs nothing where it says so already: each text is sent over
+    /// the bus.
     void setToolTip(const QString& text);
     void balloon(const QString& title, const QString& text, int seconds) {
         balloon_.present(title, text, seconds);

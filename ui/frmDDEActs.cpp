@@ -190,10 +190,12 @@ void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
         return;
     }
     state_.curEvent.reset();
-    for (const ActRow& row : rows) {
-        check_.RemoveGUIDAll(row.event->GUID);
-    }
-    DoPeriod();
+    selectedGrid().keepScrollPlace([&] {
+        for (const ActRow& row : rows) {
+            check_.RemoveGUIDAll(row.event->GUID);
+        }
+        DoPeriod();
+    });
     leaveEmptyList(tab);
 }
 

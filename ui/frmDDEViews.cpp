@@ -161,6 +161,7 @@ bool frmDDE::SelectGUID(std::string_view GUID) {
 void frmDDE::FirstNewRowCurrent() { grid(kNewRemindersGrid).selectFirst(); }
 
 void frmDDE::tabs_Changed() {
+    selectedGrid().showCurrentRow();
     currentRowChanged();
     GetIconText();
 }

@@ -72,6 +72,29 @@ TEST_F(GridTest, ARefillKeepsSelectionCurrentRowAndPlace) {
     EXPECT_EQ(grid.visualRect(grid.currentIndex()).top(), y);
 }
 
+TEST_F(GridTest, AtItsTopAListStaysThere) {
+    std::vector<GridRow> rows = manyRows(50);
+    grid.setRows(rows);
+    grid.selectFirst();
+    rows.push_back(reminderRow("first", "above all others", -100));
+    grid.setRows(rows);
+    EXPECT_EQ(grid.verticalScrollBar()->value(), 0);
+    EXPECT_TRUE(grid.indexAt(QPoint(1, 1)).data(GridModel::SummaryRole).toString() ==
+                "above all others");
+}
+
+TEST_F(GridTest, HomeAndEndBringTheirRowWherever) {
+    grid.setRows(manyRows(50));
+    grid.selectFirst();
+    grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
+    QTest::keyClick(&grid, Qt::Key_Home);
+    EXPECT_EQ(grid.verticalScrollBar()->value(), 0);
+    QTest::keyClick(&grid, Qt::Key_End);
+    grid.verticalScrollBar()->setValue(0);
+    QTest::keyClick(&grid, Qt::Key_End);
+    EXPECT_GE(grid.verticalScrollBar()->value(), grid.verticalScrollBar()->maximum() - 1);
+}
+
 TEST_F(GridTest, WhenTheCurrentRowIsGoneItsNeighbourIsCurrent) {
     std::vector<GridRow> rows{reminderRow("a", "a", 1), reminderRow("b", "b", 2),
                               reminderRow("c", "c", 3)};
@@ -84,6 +107,16 @@ TEST_F(GridTest, WhenTheCurrentRowIsGoneItsNeighbourIsCurrent) {
     grid.setRows({});
     EXPECT_EQ(current(), "");
     EXPECT_TRUE(grid.SelectedGUIDs().empty());
+}
+
+TEST_F(GridTest, WhenTheCurrentRowIsTakenOutTheNextOneIsCurrent) {
+    grid.setRows({reminderRow("a", "a", 1), reminderRow("b", "b", 2), reminderRow("c", "c", 3)});
+    grid.SelectGUID("b");
+    grid.RemoveGUID("b");
+    EXPECT_EQ(current(), "c");
+    EXPECT_EQ(grid.SelectedGUIDs(), std::vector<std::string>{"c"});
+    grid.RemoveGUID("c");
+    EXPECT_EQ(current(), "a") << "there is none after it";
 }
 
 TEST_F(GridTest, PutsARowOnceAndRemovesItOnce) {

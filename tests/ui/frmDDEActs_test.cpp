@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 
@@ -174,6 +175,41 @@ TEST_F(frmDDEActs, APlainClickDismissesTheSelectedRows) {
     select(0, {"{2}"});
     clickDismiss();
     EXPECT_FALSE(window->isVisible()) << "nothing is left";
+}
+
+// On the other tabs a row that was dismissed stays, dimmed.
+TEST_F(frmDDEActs, TheListStandsStillUnderWhoDismissesOneRowAfterAnother) {
+    load();
+    for (int i = 1; i < 40; ++i) {
+        add(event("{" + std::to_string(i) + "}", "Event", someFriday().addMinutes(i), 0));
+    }
+    window->DoPeriod();
+    window->ShowHide();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    tabTo(1);
+    QScrollBar& bar = *grid(1).verticalScrollBar();
+    ASSERT_GT(bar.maximum(), 0);
+    const auto inView = [this] {
+        return grid(1).viewport()->rect().contains(grid(1).visualRect(grid(1).currentIndex()));
+    };
+    for (const int from : {0, bar.maximum() / 2}) {
+        bar.setValue(from);
+        grid(1).setCurrentIndex(grid(1).indexAt(QPoint(5, 30)));
+        const int scroll = bar.value();
+        for (int i = 0; i < 3; ++i) {
+            const QString first = grid(1).currentRow()->GUID;
+            QTest::keyClick(&grid(1), Qt::Key_Delete);
+            EXPECT_EQ(bar.value(), scroll) << "after " << i + 1;
+            EXPECT_NE(grid(1).currentRow()->GUID, first) << "the next one is at hand";
+            EXPECT_TRUE(inView());
+        }
+    }
+    tabTo(0);
+    bar.setValue(bar.maximum());
+    grid(1).setCurrentIndex(grid(1).model()->index(0, 0));
+    bar.setValue(bar.maximum());
+    tabTo(1);
+    EXPECT_TRUE(inView()) << "also when its tab is chosen";
 }
 
 TEST_F(frmDDEActs, NothingSelectedIsNothingToDismiss) {
