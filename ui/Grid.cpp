@@ -246,6 +246,29 @@ const GridRow* Grid::currentRow() const {
 
 void Grid::setDismissedView(bool on) { model_.setDismissedView(on); }
 
+void Grid::setSearch(const QString& search) {
+    filtering_ = true;
+    proxy_.setSearch(search);
+    chooseAgain();
+    filtering_ = false;
+}
+
+// Not its neighbour, which nobody chose, where it is not shown.
+void Grid::chooseAgain() {
+    QItemSelection selection;
+    for (const std::string& GUID : chosen_) {
+        const QModelIndex index = proxy_.indexOf(GUID);
+        if (index.isValid()) {
+            selection.select(index, index);
+        }
+    }
+    selectionModel()->setCurrentIndex(proxy_.indexOf(chosenCurrent_),
+                                      QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection,
+                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    showCurrentRow();
+}
+
 void Grid::setEmptyText(const QString& text) {
     if (text != emptyText_) {
         emptyText_ = text;
@@ -313,8 +336,8 @@ void Grid::contextMenuEvent(QContextMenuEvent* event) {
 void Grid::focusInEvent(QFocusEvent* event) {
     QTreeView::focusInEvent(event);
     if (event->reason() != Qt::MouseFocusReason && !selectionModel()->hasSelection() &&
-        currentIndex().isValid()) {
-        setCurrentIndex(currentIndex());
+        proxy_.rowCount() > 0) {
+        setCurrentIndex(currentIndex().isValid() ? currentIndex() : proxy_.index(0, 0));
     }
 }
 
@@ -328,11 +351,18 @@ void Grid::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void Grid::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QTreeView::selectionChanged(selected, deselected);
+    if (!filtering_) {
+        chosen_ = SelectedGUIDs();
+    }
     emit chosenRowsChanged();
 }
 
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTreeView::currentChanged(current, previous);
+    if (!filtering_) {
+        chosenCurrent_ =
+            current.isValid() ? plainText(proxy_.row(current.row()).GUID) : std::string();
+    }
     if (current.row() != previous.row() || !previous.isValid()) {
         emit currentRowChanged();
     }

@@ -65,7 +65,9 @@ public:
 
     void setNow(DateTime now) { model_.setNow(now); }
     void setDismissedView(bool on);
-    void setSearch(const QString& search) { proxy_.setSearch(search); }
+    /// What was chosen is chosen again when the search shows it again, unless the user has chosen
+    /// something else meanwhile.
+    void setSearch(const QString& search);
     /// What an empty grid says.
     void setEmptyText(const QString& text);
     const QString& emptyText() const { return emptyText_; }
@@ -113,6 +115,7 @@ private:
     void fit();
     void setWidths(const ColumnLayout& layout);
     std::vector<int> selectedPositions() const;
+    void chooseAgain();
     Place place() const;
     void restore(const Place& place);
 
@@ -123,6 +126,10 @@ private:
     bool sized_ = false;       // by the user
     bool fitting_ = false;     // by the grid itself, just now
     int grid_;
+    // What the user chose last, for when a search has hidden it.
+    std::vector<std::string> chosen_;
+    std::string chosenCurrent_;
+    bool filtering_ = false;
 };
 
 }  // namespace vl

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTabWidget>
 
 #include "app/TimeText.h"
@@ -46,6 +47,24 @@ Control* named(Control* control, const char* name, const char* accessibleName = 
     }
     return control;
 }
+
+/// Tells when a control has dealt with a key of its own.
+class ShortcutWatch final : public QObject {
+public:
+    ShortcutWatch(QWidget& control, std::function<void()> told)
+        : QObject(&control), told_(std::move(told)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Shortcut) {
+            QMetaObject::invokeMethod(watched, told_, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> told_;
+};
 
 }  // namespace
 
@@ -185,6 +204,14 @@ void frmDDE::wireGrid(Grid& each) {
 }
 
 void frmDDE::wireKeys() {
+    // To a list by its letter is to its rows, also where its tab is in front already.
+    tabs->tabBar()->installEventFilter(new ShortcutWatch(
+        *tabs->tabBar(), [this] { selectedGrid().setFocus(Qt::ShortcutFocusReason); }));
+    // From what is searched for to what was found.
+    connect(txtSearch, &QLineEdit::returnPressed, this, [this] { selectedGrid().setFocus(); });
+    const auto* toRows =
+        new QShortcut(Qt::Key_Down, txtSearch, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(toRows, &QShortcut::activated, this, [this] { selectedGrid().setFocus(); });
     const auto* help = new QShortcut(Qt::Key_F1, this);
     connect(help, &QShortcut::activated, this, &frmDDE::ShowHelp);
     const auto* refresh = new QShortcut(Qt::Key_F5, this);

@@ -230,6 +230,59 @@ TEST_F(frmDDEGrids, TheSearchFiltersAsItIsTyped) {
     EXPECT_EQ(grid(0).emptyText(), "Nothing matches the search");
 }
 
+TEST_F(frmDDEGrids, WhatWasChosenIsChosenAgainAfterASearch) {
+    loadThree();
+    clickRow(0, 1);
+    clickRow(0, 2, Qt::ControlModifier);
+    ASSERT_EQ(grid(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
+    for (const char* found : {"cello", "nowhere", "n", "anvil"}) {
+        SCOPED_TRACE(found);
+        search().setFocus();
+        QTest::keyClicks(&search(), found);
+        for (const std::string& GUID : grid(0).SelectedGUIDs()) {
+            EXPECT_NE(GUID, "{c}") << "nobody chose it";
+        }
+        QTest::keyClick(&search(), Qt::Key_Escape);
+        EXPECT_EQ(grid(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
+        ASSERT_NE(grid(0).currentRow(), nullptr);
+        EXPECT_EQ(grid(0).currentRow()->GUID, "{b}");
+        EXPECT_FALSE(child<QLabel>("lblStatus").text().isEmpty());
+        EXPECT_TRUE(child<QWidget>("butDismiss").isEnabled());
+    }
+    QTest::keyClicks(&search(), "n");
+    clickRow(0, 0);
+    search().clear();
+    EXPECT_EQ(grid(0).SelectedGUIDs(), Texts{"{a}"}) << "chosen while it was searched";
+}
+
+TEST_F(frmDDEGrids, TheKeyboardGetsFromTheSearchToWhatWasFound) {
+    loadThree();
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_Enter}) {
+        SCOPED_TRACE(key);
+        search().setFocus();
+        QTest::keyClicks(&search(), "n");
+        QTest::keyClick(&search(), key);
+        EXPECT_TRUE(grid(0).hasFocus());
+        EXPECT_EQ(grid(0).SelectedGUIDs(), Texts{"{a}"});
+        EXPECT_TRUE(started.empty()) << "it is not opened yet";
+        search().clear();
+        grid(0).selectFirst();
+    }
+}
+
+TEST_F(frmDDEGrids, ALettersTabHasTheFocusInItsRows) {
+    loadThree();
+    const std::pair<Qt::Key, int> letters[] = {
+        {Qt::Key_N, 0}, {Qt::Key_A, 1}, {Qt::Key_A, 1}, {Qt::Key_E, 2}};
+    for (const auto& [letter, index] : letters) {
+        SCOPED_TRACE(index);
+        search().setFocus();
+        QTest::keyClick(window.get(), letter, Qt::AltModifier);
+        EXPECT_TRUE(QTest::qWaitFor([&, at = index] { return grid(at).hasFocus(); }));
+        EXPECT_EQ(child<QTabWidget>("tabs").currentIndex(), index);
+    }
+}
+
 // ---- the context menu
 
 TEST_F(frmDDEGrids, TheMenuHoldsWhatTheButtonsDo) {
