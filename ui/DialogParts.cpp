@@ -4,10 +4,13 @@
 #include <QDialog>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
+#include <QStyleOptionFocusRect>
 
 #include "ui/FormFont.h"
 #include "ui/SystemHelpers.h"
@@ -27,6 +30,40 @@ QList<QKeySequence> keysOf(int code) {
             return {Qt::Key_F2};
     }
 }
+
+/// A link that Space opens: Enter is the dialog's.
+class HelpLink final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Space) {
+            emit linkActivated({});
+        } else {
+            QLabel::keyPressEvent(event);
+        }
+    }
+    void focusInEvent(QFocusEvent* event) override {
+        QLabel::focusInEvent(event);
+        update();
+    }
+    void focusOutEvent(QFocusEvent* event) override {
+        QLabel::focusOutEvent(event);
+        update();
+    }
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        if (hasFocus()) {
+            QStyleOptionFocusRect rim;
+            rim.initFrom(this);
+            rim.rect = rect();
+            rim.state |= QStyle::State_KeyboardFocusChange;
+            QPainter painter(this);
+            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &rim, &painter, this);
+        }
+    }
+};
 
 /// Applies colours to a dialog, at once and whenever the desktop changes its own.
 class ToneKeeper final : public QObject {
@@ -77,7 +114,7 @@ void lightenChoices(const QDialog& dialog) {
 }  // namespace
 
 QLabel* makeHelpLink(QDialog& dialog, const std::function<void()>& show) {
-    auto* link = new QLabel(&dialog);
+    auto* link = new HelpLink(&dialog);
     link->setObjectName("lblF1");
     const QString text = QObject::tr("Show online help...");
     keepTones(dialog, [link, text, &dialog] {
@@ -86,8 +123,9 @@ QLabel* makeHelpLink(QDialog& dialog, const std::function<void()>& show) {
             QStringLiteral("<a href=\"F1\" style=\"color:%1\">%2</a>").arg(colour.name(), text));
     });
     link->setAccessibleName(text);
-    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
     link->setFocusPolicy(Qt::TabFocus);
+    link->setMargin(2);  // for the rim that shows the focus
     showHandCursor(*link);
     QObject::connect(link, &QLabel::linkActivated, &dialog, show);
     return link;

@@ -29,7 +29,7 @@ inline constexpr int kKeyEnter = 13;
 inline constexpr int kKeyF1 = 112;
 inline constexpr int kKeyF2 = 113;
 
-/// The link "Show online help...", by mouse and by keyboard.
+/// The link "Show online help...": a click opens it, or Space, since Enter is the dialog's.
 QLabel* makeHelpLink(QDialog& dialog, const std::function<void()>& show);
 
 /// `frmButtons`: the two buttons, the first being the default one.

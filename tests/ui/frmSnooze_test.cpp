@@ -161,9 +161,18 @@ TEST_F(frmSnoozeTest, F1AndTheLinkOpenItsHelp) {
     show([](frmSnooze& d) {
         EXPECT_TRUE(childOf<QLabel>(d, "lblF1").text().contains("Show online help..."));
         QTest::keyClick(&d, Qt::Key_F1);
-        emit childOf<QLabel>(d, "lblF1").linkActivated("F1");
+        auto& link = childOf<QLabel>(d, "lblF1");
+        emit link.linkActivated("F1");
+        childOf<QPushButton>(d, "butCancel").setFocus();
+        QTest::keyClick(&childOf<QPushButton>(d, "butCancel"), Qt::Key_Tab);
+        EXPECT_TRUE(link.hasFocus());
+        const QImage focused = link.grab().toImage();
+        QTest::keyClick(&link, Qt::Key_Space);
+        EXPECT_TRUE(d.isVisible());
+        listOf(d).setFocus();
+        EXPECT_NE(focused, link.grab().toImage()) << "where the focus is can be seen";
     });
-    EXPECT_EQ(pages, (std::vector{5566, 5566}));
+    EXPECT_EQ(pages, (std::vector{5566, 5566, 5566}));
 }
 
 TEST_F(frmSnoozeTest, TheTimeGetsItsPrefixWithTheFirstTick) {
