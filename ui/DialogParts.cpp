@@ -90,23 +90,10 @@ void keepTones(QDialog& dialog, std::function<void()> apply) {
     new ToneKeeper(dialog, std::move(apply));  // the dialog's child
 }
 
-// On a dark palette the style draws the rim of a circle or box darker than the window: what is not
-// checked can only be seen when its field is lighter.
-void lightenChoice(QAbstractButton& choice, const QPalette& form) {
-    const QColor window = form.color(QPalette::Active, QPalette::Window);
-    const QColor base = form.color(QPalette::Active, QPalette::Base);
-    QPalette own;
-    if (contrast(base, Qt::black) < contrast(window, Qt::black)) {
-        const QColor text = form.color(QPalette::Active, QPalette::WindowText);
-        own.setColor(QPalette::Base, mixed(text, window, 0.25));
-    }
-    choice.setPalette(own);
-}
-
 void lightenChoices(const QDialog& dialog) {
     for (auto* button : dialog.findChildren<QAbstractButton*>()) {
         if (qobject_cast<QRadioButton*>(button) || qobject_cast<QCheckBox*>(button)) {
-            lightenChoice(*button, dialog.palette());
+            button->setPalette(choicePalette(dialog.palette()));
         }
     }
 }

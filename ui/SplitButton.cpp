@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <QPushButton>
 
+#include "ui/MenuLook.h"
+
 namespace vl {
 
 SplitButton::SplitButton(QWidget* parent) : QToolButton(parent) {
@@ -12,6 +14,7 @@ SplitButton::SplitButton(QWidget* parent) : QToolButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
     menu_.setObjectName("mnuDismiss");
     fillDismissMenu(menu_, *this);
+    connect(&menu_, &QMenu::aboutToShow, this, [this] { applyMenuLook(menu_); });
     setSplit(true);
 }
 

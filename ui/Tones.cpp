@@ -32,6 +32,19 @@ double contrast(const QColor& a, const QColor& b) {
     return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
+// On a dark palette the style draws the rim of a circle or box darker than the window: what is not
+// checked can only be seen when its field is lighter.
+QPalette choicePalette(const QPalette& form) {
+    const QColor window = form.color(QPalette::Active, QPalette::Window);
+    const QColor base = form.color(QPalette::Active, QPalette::Base);
+    QPalette own;
+    if (contrast(base, Qt::black) < contrast(window, Qt::black)) {
+        const QColor text = form.color(QPalette::Active, QPalette::WindowText);
+        own.setColor(QPalette::Base, mixed(text, window, 0.25));
+    }
+    return own;
+}
+
 QColor mixed(const QColor& a, const QColor& b, double share) {
     const auto channel = [share](int x, int y) {
         return static_cast<int>(std::lround(x * share + y * (1 - share)));

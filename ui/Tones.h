@@ -20,6 +20,10 @@ struct Tones {
 /// The contrast of two opaque colours, from 1 to 21 (WCAG 2, "contrast ratio").
 double contrast(const QColor& a, const QColor& b);
 
+/// What circles and boxes to be checked need to be seen, checked or not: colours to be set beside
+/// those of `form`, which is light or dark.
+QPalette choicePalette(const QPalette& form);
+
 /// Part `share` (0 to 1) of `a` and the rest of `b`.
 QColor mixed(const QColor& a, const QColor& b, double share);
 

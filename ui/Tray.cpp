@@ -8,6 +8,7 @@
 #include <QScreen>
 
 #include "base/Text.h"
+#include "ui/MenuLook.h"
 #include "ui/QtText.h"
 
 namespace vl {
@@ -45,6 +46,7 @@ Tray::Tray(const TrayPictures& pictures, const ReminderState& state, QObject* pa
     icon_.setContextMenu(&mnuTray_);
     connect(&mnuTray_, &QMenu::aboutToShow, this, &Tray::menuOpening);
     connect(&mnuTray_, &QMenu::aboutToShow, this, &Tray::mark);
+    connect(&mnuTray_, &QMenu::aboutToShow, this, [this] { applyMenuLook(mnuTray_); });
     connect(&icon_, &QSystemTrayIcon::activated, this, &Tray::onActivated);
     connect(&balloon_, &Balloon::clicked, this, &Tray::balloonClicked);
 }

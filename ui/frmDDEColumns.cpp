@@ -4,6 +4,7 @@
 #include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "ui/ColumnMenu.h"
+#include "ui/MenuLook.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
@@ -53,6 +54,7 @@ void frmDDE::headingMenu(Grid& of, const QPoint& at) {
     QMenu menu(&of);
     menu.setObjectName("mnuColumns");
     fillColumnMenu(menu, of);
+    applyMenuLook(menu);
     menu.exec(at);
 }
 

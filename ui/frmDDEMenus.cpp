@@ -11,6 +11,7 @@
 #include "notify/OpenGUID.h"
 #include "ui/ColumnMenu.h"
 #include "ui/HelpNumbers.h"
+#include "ui/MenuLook.h"
 #include "ui/QtText.h"
 #include "ui/SplitButton.h"
 #include "ui/frmDDE.h"
@@ -75,6 +76,7 @@ void frmDDE::gridMenu(const QPoint& at) {
     QMenu menu(this);
     menu.setObjectName("mnuGrid");
     fillGridMenu(menu);
+    applyMenuLook(menu);
     menu.exec(at);
 }
 

@@ -11,6 +11,7 @@
 
 #include "Dialogs.h"
 #include "WindowTest.h"
+#include "ui/MenuLook.h"
 #include "ui/Toast.h"
 #include "ui/Tones.h"
 #include "ui/frmDismiss.h"
@@ -182,6 +183,37 @@ TEST_F(Looks, AToastFollowsTheDesktop) {
         QApplication::processEvents();
         expectToastIn(toast, darkPalette());
     }
+}
+
+// The strongest contrast to the menu's ground where an entry has its box.
+double contrastOfBox(QMenu& menu) {
+    menu.ensurePolished();
+    menu.adjustSize();
+    const QRect entry = menu.actionGeometry(menu.actions().first());
+    const QImage seen = menu.grab(entry).toImage();
+    const QColor ground = seen.pixelColor(seen.width() - 3, seen.height() / 2);
+    double most = 1;
+    for (int y = 2; y < seen.height() - 2; ++y) {
+        for (int x = 2; x < seen.height(); ++x) {
+            most = std::max(most, contrast(seen.pixelColor(x, y), ground));
+        }
+    }
+    return most;
+}
+
+TEST_F(Looks, TheBoxesOfAMenuAreSeenInTheDark) {
+    const WithPalette dark(darkPalette());
+    QMenu menu;
+    menu.addAction("Mute")->setCheckable(true);
+    const double before = contrastOfBox(menu);
+    applyMenuLook(menu);
+    EXPECT_GE(contrastOfBox(menu), 2) << "it was " << before;
+    EXPECT_GE(contrast(menu.palette().color(QPalette::Text), menu.palette().color(QPalette::Base)),
+              4.5);
+    load();
+    emit trayMenu()->aboutToShow();
+    EXPECT_EQ(trayMenu()->palette().color(QPalette::Base), menu.palette().color(QPalette::Base));
+    EXPECT_EQ(trayMenu()->findChild<QMenu*>("mnuType")->font().family(), "Arial");
 }
 
 TEST_F(Looks, ScrollingLooksAtTheRowsInViewAlone) {

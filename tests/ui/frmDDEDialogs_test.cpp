@@ -160,7 +160,10 @@ TEST(MessageBoxesModality, BlockTheirOwnerAlone) {
             [&] {
                 boxes.ShowBox({"Title", "Text"});
             },
-            [](QMessageBox& box) { EXPECT_EQ(box.windowModality(), Qt::WindowModal); });
+            [](QMessageBox& box) {
+                EXPECT_EQ(box.windowModality(), Qt::WindowModal);
+                EXPECT_EQ(box.findChild<QLabel*>("qt_msgbox_label")->font().family(), "Arial");
+            });
     }
 }
 
