@@ -98,6 +98,13 @@ void lightenChoices(const QDialog& dialog) {
     }
 }
 
+// The title may be the one place that names the event.
+void makeRoomForTitle(QDialog& dialog) {
+    if (auto* layout = qobject_cast<QBoxLayout*>(dialog.layout())) {
+        layout->addStrut(titleRoom(dialog));
+    }
+}
+
 }  // namespace
 
 QLabel* makeHelpLink(QDialog& dialog, const std::function<void()>& show) {
@@ -152,6 +159,7 @@ void previewKeys(QDialog& dialog, std::initializer_list<int> codes,
 
 void adjustWindow(QDialog& dialog, bool onTop) {
     applyFormFont(dialog);
+    makeRoomForTitle(dialog);
     keepTones(dialog, [&dialog] { lightenChoices(dialog); });
     dialog.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     // Only its owner waits for it: reminders still come, and toast and tray go on working.

@@ -45,10 +45,9 @@ void nameButtons(QMessageBox& box) {
 
 // Wide enough for its title, which often says more than its text.
 void makeRoomForTitle(QMessageBox& box) {
-    constexpr int kOfTheFrame = 140;  // buttons and picture of the title bar
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
-        const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + kOfTheFrame;
-        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+        grid->addItem(new QSpacerItem(titleRoom(box), 0), grid->rowCount(), 0, 1,
+                      grid->columnCount());
     }
 }
 

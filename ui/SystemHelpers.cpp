@@ -1,6 +1,9 @@
 #include "ui/SystemHelpers.h"
 
+#include <algorithm>
+
 #include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 
@@ -21,6 +24,12 @@ bool setOnTop(QWidget& window, bool on) {
         window.setVisible(visible);
     }
     return window.windowFlags().testFlag(Qt::WindowStaysOnTopHint) == on;
+}
+
+int titleRoom(const QWidget& window) {
+    constexpr int kOfTheFrame = 140;  // buttons and picture of the title bar
+    const int wanted = window.fontMetrics().horizontalAdvance(window.windowTitle()) + kOfTheFrame;
+    return std::min(wanted, window.screen()->availableSize().width() * 9 / 10);
 }
 
 bool mouseButtonDown(Qt::MouseButtons buttons) {

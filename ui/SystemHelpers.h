@@ -15,6 +15,9 @@ namespace vl {
 /// True when the window has that state afterwards.
 bool setOnTop(QWidget& window, bool on);
 
+/// The width at which a window shows all of its title, in so far as the screen has it.
+int titleRoom(const QWidget& window);
+
 /// The left, right or middle button is down, as far as the program has been told: what happens
 /// outside of its windows it does not hear of.
 bool mouseButtonDown();

@@ -71,8 +71,11 @@ void frmSnooze::build() {
     cboSnooze->setToolTip(hint);
     cboSnooze->setAccessibleDescription(hint);
     cboSnooze->lineEdit()->setAccessibleName(cboSnooze->accessibleName());
-    cboSnooze->lineEdit()->setPlaceholderText(tr("5m, 3h, 1d, 1w"));
+    cboSnooze->lineEdit()->setPlaceholderText(hint);
     lblSnooze->setBuddy(cboSnooze);
+    lblHint = new QLabel(hint, this);
+    lblHint->setObjectName("lblHint");
+    lblHint->setTextFormat(Qt::PlainText);
     lblUntil = new QLabel(this);
     lblUntil->setObjectName("lblUntil");
     lblUntil->setWordWrap(true);
@@ -90,8 +93,9 @@ void frmSnooze::build() {
     choice->setVerticalSpacing(8);
     choice->addWidget(lblSnooze, 0, 0);
     choice->addWidget(cboSnooze, 0, 1);
-    choice->addWidget(lblTime, 1, 0, Qt::AlignTop);
-    choice->addWidget(lblUntil, 1, 1, Qt::AlignTop);
+    choice->addWidget(lblHint, 1, 1);
+    choice->addWidget(lblTime, 2, 0, Qt::AlignTop);
+    choice->addWidget(lblUntil, 2, 1, Qt::AlignTop);
     choice->setColumnStretch(1, 1);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(lblF1);
@@ -154,20 +158,25 @@ void frmSnooze::TimerUpdate_Tick() {
     showUntil();
 }
 
-// Says what the text means before it is too late; what is silently no time is told here.
+// Says what the text means before it is too late; what is silently no time is told here. Colours
+// are those of the desktop as it is now.
 void frmSnooze::showUntil() {
     const ErrScope scope;
     attempt([&] {
         const DateTime now = parts_.clock.now();
         const auto until = snoozeTime(trimmedText(*cboSnooze), now);
         const auto inWords = [](DateTime d) { return shortTimeText(d); };
-        lblUntil->setText(until ? qtText(momentText(*until, true, now, inWords))
-                                : tr("This is no time ahead; nothing would change"));
+        lblUntil->setText(until
+                              ? tr("Reminds %1").arg(qtText(momentText(*until, true, now, inWords)))
+                              : tr("This is no time ahead; nothing would change"));
         QPalette tone;
         if (!until) {
             tone.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).warm);
         }
         lblUntil->setPalette(tone);
+        QPalette quiet;
+        quiet.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).dimmed);
+        lblHint->setPalette(quiet);
     });
 }
 

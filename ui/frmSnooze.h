@@ -61,6 +61,7 @@ private:
     DialogParts parts_;
     bool loaded_ = false;
     QComboBox* cboSnooze = nullptr;
+    QLabel* lblHint = nullptr;   // what may be typed
     QLabel* lblUntil = nullptr;  // when the reminder would come again
     QLabel* lblTime = nullptr;
     QPushButton* butSnooze = nullptr;

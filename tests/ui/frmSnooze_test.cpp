@@ -67,6 +67,8 @@ TEST_F(frmSnoozeTest, OffersItsChoicesEachBehindABlank) {
         EXPECT_EQ(listOf(d).currentText(), " 15m");
         EXPECT_EQ(listOf(d).toolTip(),
                   "Format: 5m, 3h, 1d, 1w / for an email: add (e) i.e. 3d (e)");
+        EXPECT_EQ(childOf<QLabel>(d, "lblHint").text(), listOf(d).toolTip()) << "without a mouse";
+        EXPECT_TRUE(childOf<QLabel>(d, "lblHint").isVisible());
         EXPECT_EQ(childOf<QPushButton>(d, "butSnooze").text(), "&Snooze");
         EXPECT_EQ(childOf<QPushButton>(d, "butCancel").text(), "&Cancel");
         EXPECT_FALSE(d.loading);
@@ -188,12 +190,32 @@ TEST_F(frmSnoozeTest, TheTimeGetsItsPrefixWithTheFirstTick) {
 TEST_F(frmSnoozeTest, SaysWhatTheTextMeans) {
     show([this](frmSnooze& d) {
         auto& until = childOf<QLabel>(d, "lblUntil");
-        EXPECT_EQ(plainText(until.text()), "Today " + shortTimeText(clock.time.addMinutes(15)));
+        EXPECT_EQ(plainText(until.text()),
+                  "Reminds Today " + shortTimeText(clock.time.addMinutes(15)));
         type(d, "2d");
-        EXPECT_EQ(plainText(until.text()), "Sun 22 Nov " + shortTimeText(clock.time));
+        EXPECT_EQ(plainText(until.text()), "Reminds Sun 22 Nov " + shortTimeText(clock.time));
         type(d, "soon");
         EXPECT_EQ(until.text(), "This is no time ahead; nothing would change");
     });
+}
+
+// The title alone names the event.
+TEST_F(frmSnoozeTest, IsAsWideAsItsTitleUpToTheScreen) {
+    for (const int letters : {10, 60, 1000}) {
+        SCOPED_TRACE(letters);
+        frmSnooze dialog({settings, clock, false, {}});
+        dialog.sTitle =
+            "Snooze reminder for:  " + std::string(static_cast<std::size_t>(letters), 'x');
+        test::whileOpen<frmSnooze>([&] { dialog.ShowModal(); },
+                                   [letters](frmSnooze& d) {
+                                       const int title =
+                                           d.fontMetrics().horizontalAdvance(d.windowTitle());
+                                       const int screen = d.screen()->availableSize().width();
+                                       EXPECT_LE(d.width(), screen);
+                                       EXPECT_GE(d.width(), std::min(title, screen * 8 / 10));
+                                       EXPECT_TRUE(letters > 10 || d.width() < screen * 9 / 10);
+                                   });
+    }
 }
 
 TEST_F(frmSnoozeTest, WritesNothingBeforeItWasShown) {
