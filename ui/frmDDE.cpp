@@ -14,6 +14,7 @@
 
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
+#include "ui/ElidedLabel.h"
 #include "ui/SplitButton.h"
 #include "ui/UpDown.h"
 
@@ -110,10 +111,7 @@ void frmDDE::build() {
             named(new Grid(i, timeText_, tabs), tab.gridName, tab.accessibleName);
         tabs->addTab(&grid(i), tr(tab.caption));
     }
-    lblStatus = named(new QLabel(this), "lblStatus");
-    lblStatus->setTextFormat(Qt::PlainText);
-    // A long line is cut by the window; it must not widen it.
-    lblStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    lblStatus = named(new ElidedLabel(this), "lblStatus");
     lblNotice = named(new QLabel(this), "lblNotice");
     lblNotice->setTextFormat(Qt::PlainText);
     butSnooze = named(new QPushButton(this), "butSnooze");

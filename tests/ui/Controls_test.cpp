@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include "ui/Balloon.h"
+#include "ui/ElidedLabel.h"
 #include "ui/UpDown.h"
 
 namespace vl {
@@ -44,6 +45,24 @@ TEST(BalloonSeconds, AreWhole) {
     EXPECT_EQ(balloonSeconds(499), 0);
     EXPECT_EQ(balloonSeconds(1500), 2);
     EXPECT_EQ(balloonSeconds(2500), 2);
+}
+
+TEST(ElidedLabel, CutsAtALetterAndSaysSo) {
+    ElidedLabel label;
+    const QString line("Project meeting, Today 14:45-15:30, Room 2");
+    label.setText(line);
+    const int wide = label.fontMetrics().horizontalAdvance(line) + 10;
+    label.resize(wide, label.fontMetrics().height());
+    const QImage whole = label.grab().toImage();
+    const int narrow = label.fontMetrics().horizontalAdvance("Project meeting, To") + 2;
+    label.resize(narrow, label.height());
+    const QImage cut = label.grab().toImage();
+    EXPECT_EQ(label.text(), line);
+    EXPECT_NE(cut, whole.copy(0, 0, narrow, label.height())) << "not in the middle of a letter";
+    QLabel same(label.fontMetrics().elidedText(line, Qt::ElideRight, narrow));
+    same.resize(label.size());
+    EXPECT_EQ(cut, same.grab().toImage());
+    EXPECT_EQ(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
 }
 
 }  // namespace

@@ -1,0 +1,21 @@
+#include "ui/ElidedLabel.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace vl {
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect area = contentsRect();
+    style()->drawItemText(
+        &painter, area, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter), palette(), isEnabled(),
+        fontMetrics().elidedText(text(), Qt::ElideRight, area.width()), foregroundRole());
+}
+
+}  // namespace vl

@@ -1,0 +1,20 @@
+// A line of text that tells when it does not fit.
+#pragma once
+
+#include <QLabel>
+
+namespace vl {
+
+/// Plain text on one line; what does not fit is cut at a letter and followed by "...". `text()`,
+/// and so what is read aloud, is all of it. It never widens its window.
+class ElidedLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit ElidedLabel(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+}  // namespace vl
