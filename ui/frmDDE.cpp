@@ -15,6 +15,7 @@
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
 #include "ui/ElidedLabel.h"
+#include "ui/InputWatch.h"
 #include "ui/SplitButton.h"
 #include "ui/UpDown.h"
 
@@ -48,24 +49,6 @@ Control* named(Control* control, const char* name, const char* accessibleName = 
     }
     return control;
 }
-
-/// Tells when a control has dealt with a key of its own.
-class ShortcutWatch final : public QObject {
-public:
-    ShortcutWatch(QWidget& control, std::function<void()> told)
-        : QObject(&control), told_(std::move(told)) {}
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Shortcut) {
-            QMetaObject::invokeMethod(watched, told_, Qt::QueuedConnection);
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    std::function<void()> told_;
-};
 
 }  // namespace
 
@@ -187,6 +170,10 @@ void frmDDE::wire() {
         wireGrid(*each);
     }
     wireKeys();
+    for (QWidget* control : {static_cast<QWidget*>(cboPeriod), static_cast<QWidget*>(UpDown1)}) {
+        handOnWheel(*control,
+                    [this](const WheelTurn& turn) { RequestMouseWheel(selectedGrid(), turn); });
+    }
 }
 
 void frmDDE::wireGrid(Grid& each) {
@@ -203,8 +190,7 @@ void frmDDE::wireGrid(Grid& each) {
 
 void frmDDE::wireKeys() {
     // To a list by its letter is to its rows, also where its tab is in front already.
-    tabs->tabBar()->installEventFilter(new ShortcutWatch(
-        *tabs->tabBar(), [this] { selectedGrid().setFocus(Qt::ShortcutFocusReason); }));
+    watchShortcuts(*tabs->tabBar(), [this] { selectedGrid().setFocus(Qt::ShortcutFocusReason); });
     // From what is searched for to what was found.
     connect(txtSearch, &QLineEdit::returnPressed, this, [this] { selectedGrid().setFocus(); });
     const auto* toRows =

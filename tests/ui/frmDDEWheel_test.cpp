@@ -63,6 +63,31 @@ TEST_F(frmDDEWheel, AsksFirstAndScrollsOutsideOfTheMessage) {
     EXPECT_EQ(down(2), 0);
 }
 
+TEST_F(frmDDEWheel, OverThePeriodsItScrollsTheListUnlessTheUserIsThere) {
+    show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    const auto turnOver = [](QWidget& control) {
+        const QPointF at(5, 5);
+        QWheelEvent event(at, control.mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&control, &event);
+    };
+    grid(2).setFocus();
+    for (QWidget* control : {static_cast<QWidget*>(&list()), &child<QWidget>("UpDown1")}) {
+        SCOPED_TRACE(plainText(control->objectName()));
+        const int before = down(2);
+        turnOver(*control);
+        idle();
+        EXPECT_EQ(state.sPeriod, "T");
+        EXPECT_NE(control->focusPolicy(), Qt::WheelFocus) << "nor does it take the focus along";
+        EXPECT_EQ(down(2), before + notch(2));
+    }
+    list().setFocus();
+    turnOver(list());
+    EXPECT_EQ(state.sPeriod, "D+1") << "who is there steps through them";
+}
+
 TEST_F(frmDDEWheel, AddsWhatIsTurnedMeanwhile) {
     show();
     for (int i = 0; i < 24; ++i) {

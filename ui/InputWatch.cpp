@@ -1,0 +1,66 @@
+#include "ui/InputWatch.h"
+
+#include <utility>
+
+#include <QWheelEvent>
+#include <QWidget>
+
+namespace vl {
+
+namespace {
+
+class ShortcutWatch final : public QObject {
+public:
+    ShortcutWatch(QWidget& control, std::function<void()> told)
+        : QObject(&control), told_(std::move(told)) {
+        control.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Shortcut) {
+            QMetaObject::invokeMethod(watched, told_, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> told_;
+};
+
+class WheelElsewhere final : public QObject {
+public:
+    WheelElsewhere(QWidget& control, std::function<void(const WheelTurn&)> turned)
+        : QObject(&control), control_(control), turned_(std::move(turned)) {
+        control.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Wheel || control_.hasFocus()) {
+            return QObject::eventFilter(watched, event);
+        }
+        turned_(wheelTurn(static_cast<QWheelEvent&>(*event)));
+        event->accept();
+        return true;
+    }
+
+private:
+    QWidget& control_;
+    std::function<void(const WheelTurn&)> turned_;
+};
+
+}  // namespace
+
+void watchShortcuts(QWidget& control, std::function<void()> told) {
+    new ShortcutWatch(control, std::move(told));  // the control's child
+}
+
+void handOnWheel(QWidget& control, std::function<void(const WheelTurn&)> turned) {
+    if (control.focusPolicy() == Qt::WheelFocus) {
+        control.setFocusPolicy(Qt::StrongFocus);
+    }
+    new WheelElsewhere(control, std::move(turned));  // the control's child
+}
+
+}  // namespace vl

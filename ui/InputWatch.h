@@ -1,0 +1,20 @@
+// Keys and wheel that a control gets, and somebody else is to know of.
+#pragma once
+
+#include <functional>
+
+#include "ui/GridUtils.h"
+
+class QWidget;
+
+namespace vl {
+
+/// Calls `told` whenever the control has dealt with one of its own shortcuts, as a tab bar does
+/// with its tabs' letters.
+void watchShortcuts(QWidget& control, std::function<void()> told);
+
+/// Hands on the wheel over a control that the user is not at: it is meant for what scrolls. Nor
+/// does the wheel give the control the focus any more.
+void handOnWheel(QWidget& control, std::function<void(const WheelTurn&)> turned);
+
+}  // namespace vl
