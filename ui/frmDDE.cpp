@@ -104,8 +104,8 @@ void frmDDE::build() {
     butMenu = named(new QPushButton(tr("&Menu"), this), "butMenu");
     butMenu->setToolTip(tr("What the menu of the tray icon offers"));
     butMenu->setMenu(&tray_.menu());
-    butHide = named(new QPushButton(tr("Hide &window"), this), "butHide");
-    butHide->setToolTip(tr("Hide the window; reminders still come"));
+    butHide = named(new QPushButton(tr("&Close"), this), "butHide");
+    butHide->setToolTip(tr("Close the window; reminders still come"));
 
     auto* top = new QHBoxLayout;
     top->addWidget(lblPeriod);

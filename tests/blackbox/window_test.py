@@ -14,7 +14,7 @@ NAMED = ("push button", "combo box", "text", "table", "tree", "tree table", "pag
 
 
 def hide():
-    act.click_button("Hide window", reminders.TITLE)
+    act.click_button("Close", reminders.TITLE)
     reminders.wait_hidden()
 
 
