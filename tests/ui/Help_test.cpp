@@ -5,6 +5,7 @@
 
 #include <QAction>
 
+#include "notify/Periods.h"
 #include "notify/ReminderState.h"
 #include "support/Support.h"
 #include "ui/HelpNumbers.h"
@@ -62,6 +63,13 @@ TEST_F(HelpPage, ExplainsEveryEntryOfTheMenu) {
         }
     }
     EXPECT_GE(entries, 13);
+}
+
+TEST_F(HelpPage, ExplainsThePeriodsThatDoNotExplainThemselves) {
+    for (const char* code : {"R", "N", "Di", "H"}) {
+        const std::string text = periods()[periodIndex(code).value()].text;
+        EXPECT_GE(count("<b>" + text + "</b>"), 1U) << text;
+    }
 }
 
 TEST_F(HelpPage, NeedsNothingFromElsewhere) {
