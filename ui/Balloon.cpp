@@ -28,8 +28,9 @@ Balloon::Balloon(QSystemTrayIcon& tray, QObject* parent) : QObject(parent), tray
 }
 
 void Balloon::present(const QString& title, const QString& text, int seconds) {
-    if (!askService(title, text, seconds)) {
-        tray_.showMessage(title, text, QSystemTrayIcon::Information, seconds * 1000);
+    const QString lines = balloonText(text);
+    if (!askService(title, lines, seconds)) {
+        tray_.showMessage(title, lines, QSystemTrayIcon::Information, seconds * 1000);
     }
 }
 
@@ -75,6 +76,11 @@ void Balloon::onAction(uint id, const QString& action) {
     if (id == id_ && id_ != 0 && action == u"default") {
         emit clicked();
     }
+}
+
+QString balloonText(const QString& text) {
+    QString lines = text;
+    return lines.replace(QLatin1String("\r\n"), QLatin1String("\n")).trimmed();
 }
 
 int balloonSeconds(int milliseconds) {

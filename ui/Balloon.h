@@ -34,6 +34,9 @@ private:
     bool listening_ = false;
 };
 
+/// Lines as the desktop parts them, none of them empty at the end.
+QString balloonText(const QString& text);
+
 /// Milliseconds as whole seconds, halves to the even neighbour.
 int balloonSeconds(int milliseconds);
 

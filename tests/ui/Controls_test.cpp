@@ -41,6 +41,7 @@ TEST(UpDown, WrapsAtBothEnds) {
 }
 
 TEST(BalloonSeconds, AreWhole) {
+    EXPECT_EQ(balloonText("Dentist (15 minutes)\r\nChoir\r\n"), "Dentist (15 minutes)\nChoir");
     EXPECT_EQ(balloonSeconds(5000), 5);
     EXPECT_EQ(balloonSeconds(499), 0);
     EXPECT_EQ(balloonSeconds(1500), 2);
