@@ -1,23 +1,95 @@
 #include "ui/ColumnMenu.h"
 
+#include <QActionGroup>
+#include <QHeaderView>
 #include <QMenu>
 
 #include "ui/Grid.h"
 
 namespace vl {
 
-void fillColumnMenu(QMenu& menu, Grid& grid) {
-    const auto columns = grid.rows().columns();
-    for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
-        const char* id = columns[static_cast<std::size_t>(i)].id;
-        QAction* entry = menu.addAction(grid.model()->headerData(i, Qt::Horizontal).toString());
-        entry->setObjectName(QString("mnuColumn") + id);
-        entry->setCheckable(true);
-        entry->setChecked(!grid.isColumnHidden(i));
-        entry->setEnabled(i != columnIndex(columns, CIDSubject));
+namespace {
+
+QString headingOf(const Grid& grid, int column) {
+    return grid.model()->headerData(column, Qt::Horizontal).toString();
+}
+
+QString idOf(const Grid& grid, int column) {
+    return grid.rows().columns()[static_cast<std::size_t>(column)].id;
+}
+
+QMenu* addMenu(QMenu& menu, const char* name, const QString& text) {
+    QMenu* inside = menu.addMenu(text);
+    inside->setObjectName(name);
+    return inside;
+}
+
+QAction* addChecked(QMenu& menu, const QString& name, const QString& text, bool checked) {
+    QAction* entry = menu.addAction(text);
+    entry->setObjectName(name);
+    entry->setCheckable(true);
+    entry->setChecked(checked);
+    return entry;
+}
+
+void addShown(QMenu& menu, Grid& grid) {
+    for (int i = 0; i < grid.header()->count(); ++i) {
+        QAction* entry = addChecked(menu, "mnuColumn" + idOf(grid, i), headingOf(grid, i),
+                                    !grid.isColumnHidden(i));
+        entry->setEnabled(idOf(grid, i) != CIDSubject);
         QObject::connect(entry, &QAction::toggled, &grid,
                          [&grid, i](bool shown) { grid.showColumn(i, shown); });
     }
+}
+
+// What a click on a heading does, and another one.
+void addSorting(QMenu& menu, Grid& grid) {
+    QMenu& by = *addMenu(menu, "mnuSortBy", QObject::tr("&Sort by"));
+    auto* group = new QActionGroup(&by);
+    const int sorted = grid.header()->sortIndicatorSection();
+    for (int i = 0; i < grid.header()->count(); ++i) {
+        QAction* entry = addChecked(by, "mnuSort" + idOf(grid, i), headingOf(grid, i), i == sorted);
+        group->addAction(entry);
+        QObject::connect(entry, &QAction::triggered, &grid,
+                         [&grid, i] { grid.sortByColumn(i, grid.header()->sortIndicatorOrder()); });
+    }
+    by.addSeparator();
+    const bool down = grid.header()->sortIndicatorOrder() == Qt::DescendingOrder;
+    const QAction* order = addChecked(by, "mnuSortDown", QObject::tr("&Descending"), down);
+    QObject::connect(order, &QAction::toggled, &grid, [&grid](bool descending) {
+        grid.sortByColumn(grid.header()->sortIndicatorSection(),
+                          descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    });
+}
+
+// What dragging a heading does, by one place: past columns that are hidden.
+void addMoves(QMenu& menu, Grid& grid, int by, const char* name, const QString& text) {
+    QMenu& move = *addMenu(menu, name, text);
+    QHeaderView& header = *grid.header();
+    for (int place = 0; place < header.count(); ++place) {
+        const int column = header.logicalIndex(place);
+        int to = place + by;
+        while (to >= 0 && to < header.count() && grid.isColumnHidden(header.logicalIndex(to))) {
+            to += by;
+        }
+        if (grid.isColumnHidden(column) || to < 0 || to >= header.count()) {
+            continue;
+        }
+        QAction* entry = move.addAction(headingOf(grid, column));
+        entry->setObjectName(name + idOf(grid, column));
+        QObject::connect(entry, &QAction::triggered, &grid,
+                         [&header, place, to] { header.moveSection(place, to); });
+    }
+}
+
+}  // namespace
+
+void fillColumnMenu(QMenu& menu, Grid& grid) {
+    addShown(menu, grid);
+    menu.addSeparator();
+    addSorting(menu, grid);
+    addMoves(menu, grid, -1, "mnuMoveLeft", QObject::tr("Move to the &left"));
+    addMoves(menu, grid, 1, "mnuMoveRight", QObject::tr("Move to the ri&ght"));
     menu.addSeparator();
     QAction* reset = menu.addAction(QObject::tr("&Reset columns"));
     reset->setObjectName("mnuColumnsReset");

@@ -172,7 +172,8 @@ TEST_F(frmDDEColumns, TheMenuOfTheHeadingsShowsAndHides) {
     {
         QMenu menu;
         fillColumnMenu(menu, all);
-        EXPECT_EQ(menu.actions().size(), 10);  // eight columns, a line, "Reset columns"
+        // eight columns, a line, sorting, two ways to move, a line, "Reset columns"
+        EXPECT_EQ(menu.actions().size(), 14);
         EXPECT_FALSE(entry(menu, "mnuColumnSubject")->isEnabled());
         EXPECT_TRUE(entry(menu, "mnuColumnField")->isChecked());
         entry(menu, "mnuColumnField")->trigger();
@@ -187,6 +188,38 @@ TEST_F(frmDDEColumns, TheMenuOfTheHeadingsShowsAndHides) {
               columnsText(firstLayout(kAllRemindersGrid, all.unit())));
     window.reset();
     EXPECT_EQ(saved("AllReminders"), "(none)") << "a change that was undone";
+}
+
+TEST_F(frmDDEColumns, TheMenuSortsAndMovesForWhoHasNoMouse) {
+    load();
+    Grid& all = grid(kAllRemindersGrid);
+    const auto choose = [&all](const char* name) {
+        QMenu menu;
+        fillColumnMenu(menu, all);
+        auto* entry = menu.findChild<QAction*>(name);
+        ASSERT_NE(entry, nullptr) << name;
+        entry->trigger();
+    };
+    choose("mnuSortLocation");
+    EXPECT_EQ(all.header()->sortIndicatorSection(), column(1, CIDLocation));
+    EXPECT_EQ(all.header()->sortIndicatorOrder(), Qt::AscendingOrder);
+    choose("mnuSortDown");
+    EXPECT_EQ(all.header()->sortIndicatorOrder(), Qt::DescendingOrder);
+    EXPECT_EQ(all.header()->sortIndicatorSection(), column(1, CIDLocation));
+    const auto place = [&](const char* id) { return all.header()->visualIndex(column(1, id)); };
+    ASSERT_EQ(place(CIDDue), 1);
+    choose("mnuMoveLeftDue");
+    EXPECT_EQ(place(CIDDue), 0);
+    EXPECT_EQ(place(CIDSubject), 1);
+    all.showColumn(column(1, CIDSubject), true);
+    all.showColumn(column(1, CIDReminderD), false);
+    choose("mnuMoveRightSubject");
+    EXPECT_EQ(place(CIDSubject), 3) << "past the one that is hidden";
+    QMenu menu;
+    fillColumnMenu(menu, all);
+    EXPECT_EQ(menu.findChild<QAction*>("mnuMoveLeftDue"), nullptr) << "it is the first";
+    EXPECT_TRUE(menu.findChild<QAction*>("mnuSortLocation")->isChecked());
+    EXPECT_TRUE(menu.findChild<QAction*>("mnuSortDown")->isChecked());
 }
 
 }  // namespace
