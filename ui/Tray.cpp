@@ -40,6 +40,7 @@ TrayClick trayClick(bool hasFocus, bool visible) {
 
 Tray::Tray(const TrayPictures& pictures, const ReminderState& state, QObject* parent)
     : QObject(parent), pictures_(pictures), state_(state), balloon_(icon_) {
+    icon_.setParent(this);  // found by that
     mnuTray_.setObjectName("mnuTray");
     fillMenu();
     icon_.setIcon(pictures_.Pic1);

@@ -59,7 +59,7 @@ frmDDE::frmDDE(const WindowParts& parts)
       check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this, parts.ledger,
              acts_),
       update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
-      tray_(pictures_, parts.state),
+      tray_(pictures_, parts.state, this),
       popup_(pictures_.Pic2),
       timeText_([](DateTime d) { return shortTimeText(d); }) {
     build();

@@ -90,7 +90,10 @@ TEST_F(Check, WithOneListedEventTheTitleIsItsMessageWithMoreItIsTheCount) {
     EXPECT_EQ(screen.popUps[0].title, "Call Bob (5 min)");
     EXPECT_EQ(screen.popUps[0].sContent, "");
     EXPECT_EQ(screen.popUps[0].ShowDelay, -1);
+    EXPECT_FALSE(screen.popUps[0].Bold);
     EXPECT_EQ(screen.popUps[0].iWidth, 300);
+    EXPECT_EQ(screen.popUps[0].ContentHeight, 100);
+    EXPECT_EQ(screen.popUps[0].Opacity, 100);
     reminders.Add(event("{B}", "b", at(14, 15, 5), kQuarter), "{B}");
     reminders.Add(event("{C}", "c", at(14, 15, 5), kQuarter), "{C}");
     tick();
@@ -180,7 +183,10 @@ TEST_F(Check, TheEmailTypeSaysWhatItDoesNot) {
     EXPECT_EQ(screen.popUps[0].sContent,
               "This feature is not yet implemented, but will send email reminders");
     EXPECT_EQ(screen.popUps[0].ShowDelay, 5000);
+    EXPECT_FALSE(screen.popUps[0].Bold);
     EXPECT_EQ(screen.popUps[0].iWidth, 250);
+    EXPECT_EQ(screen.popUps[0].ContentHeight, 100);
+    EXPECT_EQ(screen.popUps[0].Opacity, 100);
 }
 
 TEST_F(Check, WhatIsShownIsGivenInFull) {

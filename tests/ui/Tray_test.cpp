@@ -103,11 +103,19 @@ TEST_F(TrayTest, TheMenuIsFilledBeforeAnybodyAsksForIt) {
 }
 
 TEST_F(TrayTest, HasTwoPictures) {
-    EXPECT_FALSE(tray.isNew());
-    tray.setNew(true);
-    EXPECT_TRUE(tray.isNew());
-    tray.setNew(false);
-    EXPECT_FALSE(tray.isNew());
+    const auto* icon = tray.findChild<QSystemTrayIcon*>();
+    ASSERT_NE(icon, nullptr);
+    const auto shown = [icon] { return icon->icon().pixmap(32, 32).toImage(); };
+    const QImage normal = pictures.Pic1.pixmap(32, 32).toImage();
+    const QImage withDot = pictures.Pic2.pixmap(32, 32).toImage();
+    ASSERT_NE(normal, withDot);
+    EXPECT_EQ(shown(), normal);
+    for (int i = 0; i < 2; ++i) {
+        tray.setNew(true);
+        EXPECT_EQ(shown(), withDot);
+        tray.setNew(false);
+        EXPECT_EQ(shown(), normal);
+    }
 }
 
 }  // namespace

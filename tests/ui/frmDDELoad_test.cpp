@@ -45,6 +45,24 @@ protected:
     std::string path;
 };
 
+// What was marked as done is read by nothing else: it can be looked at, and reactivated.
+TEST_F(frmDDELoad, RefreshReadsAllThereIs) {
+    settings.SaveIni("Reminders", "DBVersion", "4");  // an older one forgets what was done
+    writeFile(path, sample());
+    load();
+    ASSERT_GT(held(), 1U);
+    const std::string GUID = objectAt<calEvent>(*period.mCol, 1)->GUID;
+    window.reset();
+    EXPECT_EQ(db.Execute("UPDATE Reminders SET Status=\"AllDone\" WHERE GUID=\"" + GUID + "\""), 1);
+    db.CloseDB();
+    load();
+    EXPECT_FALSE(period.mCol->Exists(GUID));
+    refresh();
+    ASSERT_TRUE(period.mCol->Exists(GUID));
+    EXPECT_EQ(objectAt<calEvent>(*period.mCol, GUID)->status, "AllDone");
+    EXPECT_TRUE(reminders.mCol->Exists(GUID));
+}
+
 // ---- what is wrong with the database
 
 TEST_F(frmDDELoad, SaysWhatIsWrongWithTheDatabase) {

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSystemTrayIcon>
 #include <QTabWidget>
 #include <QTest>
 
@@ -376,6 +377,60 @@ TEST_F(frmDDETest, TheLinkOfAPopUpSelectsItsReminder) {
     EXPECT_EQ(grid(0).currentRow()->GUID, "{2}");
     EXPECT_FALSE(popup->isVisible());
     EXPECT_EQ(state.dLastShown, clock.time);
+}
+
+TEST_F(frmDDETest, APopUpStaysUntilClosedUnlessItWasGivenATime) {
+    load();
+    const auto popup = []() -> QWidget* {
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == "Popup1") {
+                return top;
+            }
+        }
+        return nullptr;
+    };
+    ASSERT_NE(popup(), nullptr);
+    window->ShowPopUp({"Stays", "", -1, false, 300, 100, 100});
+    QTest::qWait(60);
+    EXPECT_TRUE(popup()->isVisible());
+    window->ShowPopUp({"Goes", "", 20, false, 300, 100, 100});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !popup()->isVisible(); }));
+    window->ShowPopUp({"Stays", "", -1, false, 300, 100, 100});
+    QTest::qWait(60);
+    EXPECT_TRUE(popup()->isVisible()) << "whatever time the one before had";
+}
+
+TEST_F(frmDDETest, TheIconHasItsDotWhileRemindersAreNew) {
+    load();
+    const TrayPictures pictures;
+    auto* icon = window->findChild<QSystemTrayIcon*>();
+    ASSERT_NE(icon, nullptr);
+    const auto dotted = [&] {
+        const QImage shown = icon->icon().pixmap(32, 32).toImage();
+        const bool isNew = shown == pictures.Pic2.pixmap(32, 32).toImage();
+        EXPECT_NE(isNew, shown == pictures.Pic1.pixmap(32, 32).toImage());
+        return isNew;
+    };
+    auto& flash = child<QTimer>("TimerFlash");
+    EXPECT_FALSE(dotted());
+    takeIn(event("{1}", "Meeting", someFriday(), 15));
+    window->SetIcon();
+    EXPECT_TRUE(QTest::qWaitFor(dotted)) << "with the next phase at the latest";
+    ASSERT_TRUE(flash.isActive());
+    bool seen[2] = {false, false};
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        seen[dotted() ? 1 : 0] = true;
+        return seen[0] && seen[1];
+    })) << "it flashes";
+    EXPECT_TRUE(QTest::qWaitFor(dotted));
+    window->RemoveGUID("{1}", kNewRemindersGrid);
+    window->SetIcon();
+    EXPECT_FALSE(dotted());
+    takeIn(event("{1}", "Meeting", someFriday(), 15));
+    EXPECT_TRUE(QTest::qWaitFor(dotted));
+    window->RemoveGUID("{1}", kNewRemindersGrid);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !dotted() && !flash.isActive(); }))
+        << "by its own tick, too";
 }
 
 TEST_F(frmDDETest, EveryControlCanBeFoundAndNamed) {
