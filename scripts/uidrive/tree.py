@@ -45,6 +45,11 @@ def name(node):
     return node.get_name() or ""
 
 
+def text(node):
+    """What stands in a field."""
+    return Atspi.Text.get_text(node, 0, -1)
+
+
 def role(node):
     return node.get_role_name()
 

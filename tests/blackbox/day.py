@@ -8,6 +8,9 @@ from uidrive.reminders import ALL, EVENTS, NEW
 from uidrive.waiting import NotThere, run, wait_for, wait_gone
 
 SNOOZE, DISMISS = "Snooze reminder for", "Dismiss Reminder"  # how the dialogs' captions begin
+THIS, ALL_BUT_AFTER, ALL_OF_IT, DELETE = (
+    "This reminder", "All reminders except those after the event (if any)", "All reminders",
+    "Dismiss all reminders and DELETE item")
 HOUR = 3600
 CHECK = 30  # seconds until a check has surely been made; when time has passed it is one
 
@@ -29,6 +32,18 @@ def type_text(text):
 class Mouse:
     """Clicks; keys only where text is typed."""
 
+    def wait_tray(self):
+        tray.icon(reminders.PROGRAM, timeout=30)
+
+    def tip(self):
+        return tray.tooltip(reminders.PROGRAM)
+
+    def show(self):
+        tray.click(reminders.PROGRAM)
+
+    def exit(self):
+        reminders.exit_by_tray()
+
     def tab(self, name):
         act.select_tab(name, reminders.TITLE)
 
@@ -38,8 +53,11 @@ class Mouse:
     def button(self, caption):
         act.click_button(caption, reminders.TITLE)
 
-    def snooze(self, text):
+    def open_snooze(self):
         self.button("Snooze")
+
+    def snooze(self, text):
+        self.open_snooze()
         box = dialog(SNOOZE)
         field = tree.find("text", None, box)
         act.click(field)
@@ -48,17 +66,29 @@ class Mouse:
         act.click_button("Snooze", box)
         wait_left(SNOOZE)
 
+    def cancel(self, caption):
+        act.click_button("Cancel", dialog(caption))
+        wait_left(caption)
+
     def dismiss(self):
         self.button("Dismiss")
 
-    def dismiss_how(self, choice, _letter):
+    def dismiss_how(self, choice, done=False):
         x, y, width, height = tree.box(tree.find("push button", "Dismiss", reminders.TITLE))
         act.click_at(x + width - 6, y + height // 2)  # its arrow
         act.choose("Dismiss")
         box = dialog(DISMISS)
         act.click(tree.find("radio button", choice, box))
+        if done:
+            act.click(tree.find("check box", "Mark item as Done", box))
         act.click_button("OK", box)
         wait_left(DISMISS)
+
+    def open_in_host(self):
+        self.button("Open")
+
+    def refresh(self):
+        self.menu("Refresh")
 
     def period(self, text):
         act.pick_from_list(text, tree.find("combo box", None, reminders.TITLE))
@@ -73,8 +103,14 @@ class Mouse:
     def unhide(self):
         self.button("Unhide")
 
-    def menu(self, *path):
+    def open_menu(self):
         self.button("Menu")
+
+    def enter(self, text):
+        act.choose(text)
+
+    def menu(self, *path):
+        self.open_menu()
         act.choose(*path)
         wait_gone(tree.open_menus, what="the menu")
 
@@ -84,7 +120,22 @@ class Mouse:
 
 
 class Keys:
-    """Only keys."""
+    """Only keys. The icon in the panel is the panel's: its keys reach the program over the bus."""
+
+    LETTERS = {THIS: "t", ALL_BUT_AFTER: "e", ALL_OF_IT: "a"}
+
+    def wait_tray(self):
+        self._icon = tray.BusIcon(timeout=30)
+
+    def tip(self):
+        return self._icon.tooltip()
+
+    def show(self):
+        self.wait_tray()
+        self._icon.left_click()
+
+    def exit(self):
+        act.key("ctrl+q")
 
     def tab(self, name):
         act.key("alt+" + name[0].lower())
@@ -96,24 +147,62 @@ class Keys:
         act.key("Home", *["Down"] * rows.index(subject))
         wait_for(lambda: reminders.selected_subjects(grid) == [subject], 5, f"{subject!r} selected")
 
-    def snooze(self, text):
+    def open_snooze(self):
         act.key("alt+s")
         dialog(SNOOZE)
         wait_keys(SNOOZE)
+
+    def snooze(self, text):
+        self.open_snooze()
         type_text(text)  # over what is there, which is selected
         act.key("Return")
         wait_left(SNOOZE)
 
-    def dismiss(self):
-        act.key("Delete")
+    def cancel(self, caption):
+        dialog(caption)
+        wait_keys(caption)
+        act.key("Escape")
+        wait_left(caption)
 
-    def dismiss_how(self, _choice, letter):
-        act.key("shift+Delete")
+    def dismiss(self):
+        act.key("alt+d")
+
+    def dismiss_how(self, choice, done=False):
+        if choice == ALL_OF_IT:  # from the button's own menu
+            self._tab_to("Dismiss")
+            act.key("Down")
+            wait_for(tree.open_menus, 5, "the menu of Dismiss")
+            act.key("d")
+        else:
+            act.key("shift+Delete")
         dialog(DISMISS)
         wait_keys(DISMISS)
-        act.key("alt+" + letter)
+        if choice in self.LETTERS:
+            act.key("alt+" + self.LETTERS[choice])
+        else:
+            act.key("Down", "Down", "Down")  # the last has no letter
+            wait_for(lambda: "checked" in tree.states(tree.find("radio button", choice)),
+                     5, f"{choice!r} chosen")
+        if done:
+            act.key("alt+d")
         act.key("Return")
         wait_left(DISMISS)
+        if choice == ALL_OF_IT:
+            act.key("alt+n")  # from the button back to the rows
+
+    def _tab_to(self, button):
+        for _ in range(12):
+            if "focused" in tree.states(tree.find("push button", button, reminders.TITLE)):
+                return
+            act.key("Tab")
+            time.sleep(0.1)
+        raise NotThere(f"the focus on the button {button!r}")
+
+    def open_in_host(self):
+        act.key("alt+o")
+
+    def refresh(self):
+        act.key("F5")
 
     def period(self, text):
         act.key("alt+p", "alt+Down")
@@ -141,13 +230,19 @@ class Keys:
 
     unhide = hide
 
-    def menu(self, *path):
+    def open_menu(self):
         wait_keys(reminders.TITLE)
         time.sleep(0.2)  # for a tenth of a second after its menu Qt's button is deaf to its key
         act.key("alt+m")
         wait_for(tree.open_menus, 5, "the menu")
+
+    def enter(self, text):
+        act.key(text[0].lower())
+
+    def menu(self, *path):
+        self.open_menu()
         for text in path:
-            act.key(text[0].lower())
+            self.enter(text)
         wait_gone(tree.open_menus, what="the menu")
 
     def answer(self, caption, button):
@@ -176,92 +271,189 @@ def wait_rows(grid, wanted, timeout=10):
              lambda: f"{wanted} in {grid!r}; there are {reminders.subjects(grid)}")
 
 
-def show_window():
-    if not reminders.showing():
-        tray.click(reminders.PROGRAM)
+def show_window(hand):
+    hand.show()
     reminders.wait_shown()
     desktop.wait_active(reminders.TITLE)
 
 
+def end(hand, program):
+    hand.exit()
+    check(program.wait_end() == 0, "ended")
+
+
 def work(hand):
-    with OneDay(timers_too=True) as program:
-        due = program.due.subject
-        reminders.wait_listed(EARLIER, 30)
-        program.clock.put_forward(60)
-        reminders.wait_listed(due, CHECK)
-        desktop.wait_active(reminders.TITLE)
-
-        hand.pick(NEW, due)
-        hand.snooze("2h")
-        wait_rows(NEW, [EARLIER])
-        hand.tab(ALL)
-        row = next(r for r in reminders.rows(ALL) if reminders.subject(r) == due)
-        check("(snoozed)" in row[reminders.SUBJECT], f"snoozed by typing 2h: {row[reminders.TIME]}")
-
-        hand.tab(NEW)
-        hand.pick(NEW, EARLIER)
-        hand.dismiss()
-        reminders.wait_hidden()
-        check(True, "the last new reminder is dismissed, the window is gone")
-
-        program.clock.put_forward(60 + 2 * HOUR)
-        rows = reminders.wait_listed(due, CHECK)
-        check([reminders.subject(r) for r in rows] == [due], f"only {due!r} is back two hours later")
-
-        program.clock.put_forward(4 * HOUR)
-        reminders.wait_listed(LATER, CHECK)
-        hand.pick(NEW, due)
-        hand.dismiss_how("All reminders", "a")
-        wait_rows(NEW, [LATER])
-        hand.pick(NEW, LATER)
-        hand.dismiss_how("All reminders except those after the event (if any)", "e")
-        reminders.wait_hidden()
-        check(True, "dismissed in two more ways")
-
-        show_window()
-        hand.tab(ALL)
-        hand.period("Dismissed")
-        hand.pick(ALL, EARLIER)
-        hand.reactivate()
-        wait_gone(lambda: EARLIER in reminders.subjects(ALL), 10, f"the row of {EARLIER!r}")
-        hand.tab(NEW)
-        program.clock.put_forward(4 * HOUR + CHECK)
-        reminders.wait_listed(EARLIER, CHECK)
-        check(reminders.subjects(NEW) == [EARLIER], "what was reactivated is listed as new again")
-
-        hand.period("Today")
-        hand.tab(EVENTS)
-        hand.pick(EVENTS, due)
-        hand.hide()
-        wait_gone(lambda: due in reminders.subjects(EVENTS), 10, "the hidden row")
-        hand.period("Hidden")
-        hand.pick(EVENTS, due)
-        hand.unhide()
-        wait_rows(EVENTS, [])
-        hand.period("Today")
-        wait_for(lambda: due in reminders.subjects(EVENTS), 10, "the row that is hidden no more")
-        check(True, "hidden, and unhidden")
-
-        hand.menu("Notification type", "Tray icon")
-        wait_for(lambda: "NotifType=T" in settings(program), 5, "the type in the settings")
-        reminders.exit_by_tray()
-        check(program.wait_end() == 0, "ended")
-
-        program.sql(f'UPDATE Reminders SET VLBase="{program.host_file()}" '
-                    f'WHERE Subject="{EARLIER}" OR Subject="{due}"')
-        with program:  # once more, on what it left behind
-            tray.icon(reminders.PROGRAM, timeout=30)
-            show_window()
-            reminders.wait_listed(EARLIER, CHECK)
-            check(reminders.subjects(NEW) == [EARLIER], "after a restart only what was not dealt with")
-            check("NotifType=T" in settings(program), "and the settings are as they were")
-            clean_up(hand, program)
-            delete_all(hand, program)
-            reminders.exit_by_tray()
-            check(program.wait_end() == 0, "ended again")
+    program = OneDay(timers_too=True)
+    host = program.make_host_of(program.due.subject)
+    with program:
+        snoozed_and_dismissed(hand, program)
+        reactivated(hand, program)
+        hidden(hand, program)
+        dismissed_in_all_ways(hand, program, host)
+        left_as_it_is(hand, program)
+    program.sql(f'UPDATE Reminders SET VLBase="{program.host_file()}" '
+                f'WHERE Subject="{EARLIER}" OR Subject="{LATER}"')
+    with program:  # once more, on what it left behind
+        found_again(hand, program)
+        clean_up(hand, program)
+        delete_all(hand, program)
+        end(hand, program)
 
 
-def rows(program):
+def snoozed_and_dismissed(hand, program):
+    due = program.due.subject
+    hand.wait_tray()
+    reminders.wait_listed(EARLIER, 30)
+    program.clock.put_forward(60)
+    reminders.wait_listed(due, CHECK)
+    desktop.wait_active(reminders.TITLE)
+
+    hand.pick(NEW, due)
+    hand.snooze("2h")
+    wait_rows(NEW, [EARLIER])
+    hand.tab(ALL)
+    row = next(r for r in reminders.rows(ALL) if reminders.subject(r) == due)
+    check("(snoozed)" in row[reminders.SUBJECT], f"snoozed by typing 2h: {row[reminders.TIME]}")
+
+    hand.tab(NEW)
+    hand.pick(NEW, EARLIER)
+    hand.dismiss()
+    reminders.wait_hidden()
+    check(True, "the last new reminder is dismissed, the window is gone")
+
+    program.clock.put_forward(60 + 2 * HOUR)
+    rows = reminders.wait_listed(due, CHECK)
+    check([reminders.subject(r) for r in rows] == [due], f"only {due!r} is back two hours later")
+    desktop.wait_active(reminders.TITLE)
+
+
+def reactivated(hand, program):
+    hand.tab(ALL)
+    hand.period("Dismissed")
+    hand.pick(ALL, EARLIER)
+    hand.reactivate()
+    wait_gone(lambda: EARLIER in reminders.subjects(ALL), 10, f"the row of {EARLIER!r}")
+    hand.tab(NEW)
+    program.clock.put_forward(4 * HOUR)
+    reminders.wait_listed(EARLIER, CHECK)
+    reminders.wait_listed(LATER, CHECK)
+    wait_rows(NEW, [EARLIER, program.due.subject, LATER])
+    check(True, "what was reactivated is listed as new again")
+
+
+def hidden(hand, program):
+    due = program.due.subject
+    hand.period("Today")
+    hand.tab(EVENTS)
+    hand.pick(EVENTS, due)
+    hand.hide()
+    wait_gone(lambda: due in reminders.subjects(EVENTS), 10, "the hidden row")
+    hand.period("Hidden")
+    hand.pick(EVENTS, due)
+    hand.unhide()
+    wait_rows(EVENTS, [])
+    hand.period("Today")
+    wait_for(lambda: due in reminders.subjects(EVENTS), 10, "the row that is hidden no more")
+    check(True, "hidden, and unhidden")
+
+
+def dismissed_in_all_ways(hand, program, host):
+    due = program.due.subject
+    hand.tab(NEW)
+    hand.pick(NEW, EARLIER)
+    hand.open_in_host()
+    hand.answer("Missing VLBase", "OK")
+    check(True, "what it would be opened in is not there, and it says so")
+
+    hand.dismiss_how(ALL_OF_IT)
+    wait_rows(NEW, [due, LATER])
+    hand.pick(NEW, due)
+    hand.dismiss_how(DELETE)
+    wait_rows(NEW, [LATER])
+    told = reminders.wait_toast("Items were deleted", 10)
+    check("may need to be refreshed" in tree.name(told), "it tells that an item was deleted")
+    check(rows(program, due) == [], "its row is gone from the file")
+    check([e["GUID"] for e in program.sql("SELECT GUID FROM Event", host)] == ["another"] and
+          [i["ItemID"] for i in program.sql("SELECT ItemID FROM [\u00AFItems]", host)] == [12],
+          "and its item from the host's, no other")
+
+    hand.tab(ALL)
+    hand.period("Dismissed")
+    hand.pick(ALL, EARLIER)
+    hand.reactivate()
+    hand.tab(NEW)
+    program.clock.put_forward(4 * HOUR + CHECK)
+    reminders.wait_listed(EARLIER, CHECK)
+    hand.pick(NEW, LATER)
+    hand.dismiss_how(THIS, done=True)
+    wait_rows(NEW, [EARLIER])
+    check(rows(program, LATER) == ["AllDone"], f"marked as done: {rows(program, LATER)}")
+    hand.period("Today")
+    hand.refresh()
+    hand.tab(EVENTS)
+    wait_for(lambda: LATER in reminders.subjects(EVENTS), 10, "what is done, after Refresh")
+    hand.tab(NEW)
+    hand.pick(NEW, EARLIER)
+    hand.dismiss_how(ALL_BUT_AFTER)
+    reminders.wait_hidden()
+    check(True, "dismissed in each of its ways")
+
+
+# What the next start is to find.
+def left_as_it_is(hand, program):
+    show_window(hand)
+    hand.tab(ALL)
+    hand.period("Dismissed")
+    hand.pick(ALL, EARLIER)
+    hand.reactivate()
+    hand.tab(NEW)
+    program.clock.put_forward(4 * HOUR + 2 * CHECK)
+    reminders.wait_listed(EARLIER, CHECK)
+    hand.pick(NEW, EARLIER)
+    hand.snooze("5m")
+    reminders.wait_hidden()
+    show_window(hand)
+    hand.period("Next 7 days")
+    hand.menu("Silent")
+    hand.menu("Notification type", "Tray icon")
+    wait_for(lambda: "NotifType=T" in settings(program), 5, "the type in the settings")
+    end(hand, program)
+    program.clock.put_forward(4 * HOUR + 2 * CHECK + 400)
+
+
+def found_again(hand, program):
+    hand.wait_tray()
+    wait_for(lambda: "1 new reminder" in hand.tip(), CHECK, "the snoozed reminder in the icon's tip")
+    check(not reminders.showing(), "the icon alone tells, as it was set")
+    show_window(hand)
+    reminders.wait_listed(EARLIER, CHECK)
+    check(reminders.subjects(NEW) == [EARLIER], "after a restart only what was not dealt with")
+    wait_period("Next 7 days")
+    hand.tab(EVENTS)
+    listed = reminders.subjects(EVENTS)
+    check(LATER not in listed and program.due.subject not in listed, "what is done or deleted is not")
+    hand.open_menu()
+    marks = tree.menu_entries()
+    check(marks["Silent"] and not marks["Mute"] and not marks["On Top"], "Silent is checked")
+    hand.enter("Notification type")
+    marks = wait_for(lambda: (lambda m: m if "Tray icon" in m else None)(tree.menu_entries()), 5,
+                     "the types")
+    check([text for text, on in marks.items() if on] == ["Tray icon"], "and the type")
+    act.key("Escape", "Escape")
+    wait_gone(tree.open_menus, what="the menu")
+    hand.tab(NEW)
+    hand.pick(NEW, EARLIER)
+    hand.open_snooze()
+    check(tree.text(tree.find("text", None, dialog(SNOOZE))) == " 5m", "what was snoozed by last")
+    hand.cancel(SNOOZE)
+    check(reminders.subjects(NEW) == [EARLIER], "cancelled, it stays")
+
+
+def rows(program, subject=None):
+    """How many there are; or of those of a subject their status."""
+    if subject:
+        found = program.sql(f'SELECT Status AS s FROM Reminders WHERE Subject="{subject}"')
+        return [row["s"] for row in found]
     return program.sql("SELECT COUNT(*) AS n FROM Reminders")[0]["n"]
 
 

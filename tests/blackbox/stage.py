@@ -64,9 +64,10 @@ class Stage(Program):
                           **(environment or {})},
                          os.path.join(os.environ["DESKTOP_LOGS"], "program.log"))
 
-    def sql(self, statement):
-        """The rows of a query on the program's database, as dictionaries; of a change one row."""
-        file = os.path.join(self.folder, "db", make_profile.DATABASE)
+    def sql(self, statement, file=None):
+        """The rows of a query on the program's database, or another one, as dictionaries; of a
+        change one row."""
+        file = file or os.path.join(self.folder, "db", make_profile.DATABASE)
         done = subprocess.run([self._remindb, "sql", file, statement, "--json"], check=True,
                               stdout=subprocess.PIPE, text=True)
         return [json.loads(line) for line in done.stdout.splitlines()]
@@ -76,6 +77,24 @@ class Stage(Program):
         path = os.path.join(self.folder, "Host.vlb")
         with open(path, "w"):
             return path
+
+
+    def make_host_of(self, subject):
+        """A database of the host that holds the item of that event, and another one."""
+        path = os.path.join(self.folder, "Items.vlb")
+        subprocess.run([self._remindb, "new", path], check=True)
+        event = self.sql(f'SELECT GUID FROM Reminders WHERE Subject="{subject}"')[0]
+        for statement in (
+                "CREATE TABLE Event (EventID LONG CONSTRAINT pk PRIMARY KEY, GUID TEXT(255), "
+                "ItemID LONG)",
+                "CREATE TABLE [\u00AFItems] (ItemID LONG CONSTRAINT pk PRIMARY KEY, Title TEXT(50))",
+                f'INSERT INTO Event (EventID, GUID, ItemID) VALUES (1, "{event["GUID"]}", 11)',
+                'INSERT INTO Event (EventID, GUID, ItemID) VALUES (2, "another", 12)',
+                'INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (11, "Its item")',
+                'INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (12, "Another\'s")'):
+            self.sql(statement, path)
+        self.sql(f'UPDATE Reminders SET VLBase="{path}" WHERE Subject="{subject}"')
+        return path
 
 
 class OneDay(Stage):

@@ -1,0 +1,115 @@
+#!/usr/bin/python3
+"""The lists in the window: searched, sorted, stepped through, their columns, several rows at once."""
+from stage import EARLIER, LATER, OneDay, check
+from uidrive import act, desktop, reminders, tree
+from uidrive.reminders import ALL, NEW
+from uidrive.waiting import run, wait_for, wait_gone
+
+SNOOZE, DISMISS = "Snooze reminder for", "Dismiss Reminder"
+
+
+def dialog(caption):
+    found = wait_for(lambda: next((w for w in tree.windows() if tree.name(w).startswith(caption)),
+                                  None), 10, caption)
+    wait_for(lambda: (desktop.active_title() or "").startswith(caption), 10, f"{caption} in front")
+    return found
+
+
+def wait_subjects(wanted, grid=NEW):
+    wait_for(lambda: reminders.subjects(grid) == wanted, 10,
+             lambda: f"{wanted}; there are {reminders.subjects(grid)}")
+
+
+def heading(text):
+    return next(n for n in tree.children(tree.grid(NEW, reminders.TITLE))
+                if tree.role(n) == "table column header" and tree.name(n) == text)
+
+
+def columns():
+    return [tree.name(n) for n in tree.children(tree.grid(NEW, reminders.TITLE))
+            if tree.role(n) == "table column header" and tree.box(n)[2] > 0]
+
+
+def search(text):
+    act.key("ctrl+f")
+    wait_for(lambda: "focused" in tree.states(
+        tree.find("text", "Search subject and location", reminders.TITLE)), 5, "the search field")
+    run("xdotool", "type", "--delay", "20", text)
+
+
+def step(up):
+    x, y, width, height = tree.box(tree.find("spin button", None, reminders.TITLE))
+    act.click_at(x + width // 2, y + height * (1 if up else 3) // 4)
+
+
+with OneDay(timers_too=True) as program:
+    due = program.due.subject
+    reminders.wait_listed(EARLIER, 30)
+    program.clock.put_forward(60)
+    reminders.wait_listed(due, 30)
+    program.clock.put_forward(4 * 3600)
+    reminders.wait_listed(LATER, 30)
+    desktop.wait_active(reminders.TITLE)
+    desktop.place(reminders.TITLE, 60, 60, 1100, 500)
+    wait_subjects([EARLIER, due, LATER])
+
+    search("insurance")
+    wait_subjects([LATER])
+    act.key("Down")
+    wait_for(lambda: reminders.selected_subjects(NEW) == [LATER], 5, "the row that was found")
+    act.key("ctrl+f", "Escape")
+    wait_subjects([EARLIER, due, LATER])
+    check(reminders.selected_subjects(NEW) == [LATER], "searched, found, and still chosen afterwards")
+
+    act.click(heading("Subject"))
+    by_subject = sorted([EARLIER, due, LATER], key=str.casefold)
+    wait_subjects(by_subject)
+    act.click(heading("Repeats"), button=3)
+    check(tree.menu_entries()["Repeats"], "the menu of a heading shows which columns there are")
+    act.choose("Repeats")
+    wait_for(lambda: "Repeats" not in columns(), 5, "the column to be hidden")
+    check(True, "sorted by a heading, and a column hidden")
+
+    act.select_tab(ALL, reminders.TITLE)
+    act.pick_from_list("Hidden", tree.find("combo box", None, reminders.TITLE))
+    for up, period in ((True, "Previous 30 days"), (False, "Hidden"), (False, "Dismissed")):
+        step(up)
+        tree.find("combo box", period, reminders.TITLE)
+    check(True, "the arrows step through the periods, past both ends")
+    act.select_tab(NEW, reminders.TITLE)
+
+    act.select_row(EARLIER, NEW, reminders.TITLE)
+    act.key("Menu")
+    entries = tree.menu_entries()
+    check({"Open", "Snooze", "Dismiss this reminder", "Dismiss", "Columns"} <= set(entries),
+          f"a row's menu offers what the buttons do: {list(entries)}")
+    act.choose("Snooze")
+    box = dialog(SNOOZE)
+    combo = tree.find("combo box", None, box)
+    act.key("F2")
+    wait_for(lambda: tree.open_list(combo), 5, "the list of times")
+    act.key("F2")
+    wait_gone(lambda: tree.open_list(combo), 5, "the list of times")
+    act.key("Escape")
+    wait_gone(lambda: box in tree.windows(), 5, "the dialog")
+    check(True, "F2 opens and closes the list of the snooze dialog")
+
+    act.key("ctrl+a", "shift+Delete")
+    for subject, answer in zip(by_subject, ("Return", "Escape", "Return")):
+        box = dialog(DISMISS)
+        wait_for(lambda: any(subject in tree.name(n) for n in tree.find_all("label", within=box)), 5,
+                 f"the dialog about {subject!r}")
+        act.key(answer)
+        wait_gone(lambda: box in tree.windows(), 5, "the dialog")
+    wait_subjects(by_subject[1:2])
+    check(True, "three rows, three dialogs: the second was cancelled, its row stays")
+
+    reminders.exit_by_tray()
+    check(program.wait_end() == 0, "ended")
+    with program:
+        reminders.wait_listed(by_subject[1], 30)
+        check("Repeats" not in columns(), "a hidden column is hidden after a restart")
+        reminders.exit_by_tray()
+        check(program.wait_end() == 0, "ended again")
+    with open(program.settings) as file:
+        check("NewRemindersSort=Subject" in file.read(), "sorted as it was left")
