@@ -73,7 +73,7 @@ pictures:
 	@scripts/setup.sh build run desktop pictures
 	@cmake --preset release
 	@cmake --build --preset release -j $(JOBS) --target vlreminders remindb
-	@scripts/desktop.sh --limit 900 -- scripts/make_gallery.py build/release docs/pictures
+	@scripts/desktop.sh --limit 1500 -- scripts/make_gallery.py build/release docs/pictures
 
 format:
 	@scripts/setup.sh lint

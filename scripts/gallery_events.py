@@ -50,6 +50,9 @@ WORLD = (
     Event("Żółw: przegląd łodzi", at(16, 30), 60, (120,), "Gdańsk"),
 )
 
+MANY = tuple(Event(f"Reading group, chapter {n}", at(14, 40), 30, (15,), "Library")
+             for n in range(1, 61))
+
 
 HOST = "Home.vlb"  # the file that the events come from
 FIELDS = {4: "Appointments", 5: "Birthdays", 6: "Household"}

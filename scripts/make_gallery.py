@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Takes the pictures of docs/gallery.md: the program on the virtual desktop, in each of its states.
 
-    scripts/desktop.sh --limit 900 -- scripts/make_gallery.py BUILD-FOLDER FOLDER [NAME...]
+    scripts/desktop.sh --limit 1500 -- scripts/make_gallery.py BUILD-FOLDER FOLDER [NAME...]
 
 FOLDER is where the pictures go, by default docs/pictures; with NAMEs only these are taken. The
 program's clock stands at the events' time (gallery_events.py), so that every run shows the same.
@@ -108,6 +108,17 @@ class Gallery:
         # The mouse is out of the way, so that it points at nothing.
         act.move_to(1200, 600)
 
+    @staticmethod
+    def choose_period(text):
+        act.pick_from_list(text, tree.find("combo box", None, TITLE))
+        tree.find("combo box", text, TITLE)  # it is known by what it shows
+        act.move_to(1200, 600)
+
+    @staticmethod
+    def titled(part):
+        """The title of a dialog or box, once it is there."""
+        return wait_for(lambda: next((t for t in desktop.titles() if part in t), None), 10, part)
+
     @contextlib.contextmanager
     def window(self, **how):
         with self.scene(**how) as program:
@@ -131,10 +142,27 @@ class Gallery:
 
     def week(self):
         with self.window():
-            act.key("alt+p")
-            act.key("t", "t", "t", "t")
+            self.choose_period("Today + Tomorrow")
             act.key("alt+e")
             self.keep("week", self.frame())
+
+    def dismissed(self):
+        with self.window():
+            act.key("alt+a")
+            self.choose_period("Dismissed")
+            act.key("Home")
+            tree.find("push button", "Reactivate", TITLE)
+            self.keep("dismissed", self.frame())
+
+    def hidden(self):
+        with self.window():
+            act.key("alt+e")
+            act.select_row("Project meeting", reminders.EVENTS, TITLE)
+            act.key("alt+h")
+            self.choose_period("Hidden")
+            act.key("Home")
+            tree.find("push button", "Unhide", TITLE)
+            self.keep("hidden", self.frame())
 
     def snooze(self):
         with self.window():
@@ -152,8 +180,8 @@ class Gallery:
         with self.scene(kind="P", **how):
             node = wait_for(lambda: next((w for w in tree.windows() if tree.name(w) == "Reminders"),
                                          None), 30)
-            act.move_to(1200, 300)
-            self.keep(name, self.around(node))
+            act.move_to(700, 300)
+            self.keep(name, self.around(node, how.get("scale") or 1))
 
     def balloon(self):
         with self.scene(kind="S:"):
@@ -186,6 +214,30 @@ class Gallery:
             wait_for(tree.open_menus, 10)
             self.keep("context", self.frame())
 
+    def columns(self):
+        with self.window():
+            act.click(next(n for n in tree.children(tree.grid(reminders.NEW, TITLE))
+                           if tree.role(n) == "table column header" and tree.name(n) == "Due"),
+                      button=3)
+            wait_for(tree.open_menus, 10)
+            act.key("s")
+            wait_for(lambda: len(tree.open_menus()) > 1, 10, "the menu of sorting")
+            self.keep("columns", self.frame())
+
+    def cleanup(self):
+        with self.window():
+            act.key("alt+m")
+            wait_for(tree.open_menus, 10)
+            act.key("c")
+            self.keep("cleanup", self.frame(self.titled("Clean up")))
+
+    def delete_all(self):
+        with self.window():
+            act.key("alt+m")
+            wait_for(tree.open_menus, 10)
+            act.key("d")
+            self.keep("delete-all", self.frame(self.titled("Reminders database")))
+
     def about(self):
         with self.scene(kind="T"):
             tray.click(reminders.PROGRAM, button=3)
@@ -199,6 +251,10 @@ class Gallery:
             tray.click(reminders.PROGRAM)
             self.shown()
             self.keep("empty", self.frame())
+
+    def many(self):
+        """A toast with more than the screen holds."""
+        self.toast("many", events=gallery_events.MANY)
 
     def world(self):
         with self.window(events=gallery_events.WORLD):
@@ -216,6 +272,12 @@ class Gallery:
             act.key("shift+Delete")
             title = wait_for(lambda: next((t for t in desktop.titles() if "Dismiss" in t), None))
             self.keep("dark-dismiss", self.frame(title))
+
+    def dark_menu(self):
+        with self.window(dark=True):
+            act.key("alt+m")
+            menu = wait_for(tree.open_menus, 10)[-1]
+            self.keep("dark-menu", self.around(menu))
 
     def dark_toast(self):
         self.toast("dark-toast", dark=True)
@@ -235,10 +297,24 @@ class Gallery:
             reminders.wait_shown()
             self.keep("scale-2", self.frame())
 
+    def scaled_2_snooze(self):
+        with self.window(scale=2):
+            act.key("alt+s")
+            self.keep("scale-2-snooze", self.frame(self.titled("Snooze")))
+
+    def scaled_2_dismiss(self):
+        with self.window(scale=2):
+            act.key("shift+Delete")
+            self.keep("scale-2-dismiss", self.frame(self.titled("Dismiss")))
+
+    def scaled_2_toast(self):
+        self.toast("scale-2-toast", scale=2)
+
 
 PICTURES = {name: value for name, value in vars(Gallery).items()
             if callable(value) and not name.startswith("_")
-            and name not in ("scene", "keep", "window", "frame", "around", "shown")}
+            and name not in ("scene", "keep", "window", "frame", "around", "shown", "titled",
+                             "choose_period")}
 
 
 def main():
