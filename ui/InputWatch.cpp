@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <QAbstractButton>
+#include <QShortcutEvent>
 #include <QWheelEvent>
 #include <QWidget>
 
@@ -50,10 +52,34 @@ private:
     std::function<void(const WheelTurn&)> turned_;
 };
 
+class ClickAtOnce final : public QObject {
+public:
+    explicit ClickAtOnce(QAbstractButton& button) : QObject(&button), button_(button) {
+        button.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Shortcut ||
+            static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
+            return QObject::eventFilter(watched, event);
+        }
+        button_.click();
+        return true;
+    }
+
+private:
+    QAbstractButton& button_;
+};
+
 }  // namespace
 
 void watchShortcuts(QWidget& control, std::function<void()> told) {
     new ShortcutWatch(control, std::move(told));  // the control's child
+}
+
+void clickAtOnce(QAbstractButton& button) {
+    new ClickAtOnce(button);  // the button's child
 }
 
 void handOnWheel(QWidget& control, std::function<void(const WheelTurn&)> turned) {

@@ -5,6 +5,7 @@
 
 #include "ui/GridUtils.h"
 
+class QAbstractButton;
 class QWidget;
 
 namespace vl {
@@ -16,5 +17,9 @@ void watchShortcuts(QWidget& control, std::function<void()> told);
 /// Hands on the wheel over a control that the user is not at: it is meant for what scrolls. Nor
 /// does the wheel give the control the focus any more.
 void handOnWheel(QWidget& control, std::function<void(const WheelTurn&)> turned);
+
+/// Its underlined letter clicks the button at once. Qt waits a tenth of a second, and clicks what
+/// the button has become meanwhile.
+void clickAtOnce(QAbstractButton& button);
 
 }  // namespace vl

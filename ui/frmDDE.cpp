@@ -189,6 +189,9 @@ void frmDDE::wireGrid(Grid& each) {
 }
 
 void frmDDE::wireKeys() {
+    // They are about the tab that was in front when the key was pressed.
+    clickAtOnce(*butSnooze);
+    clickAtOnce(*butDismiss);
     // To a list by its letter is to its rows, also where its tab is in front already.
     watchShortcuts(*tabs->tabBar(), [this] { selectedGrid().setFocus(Qt::ShortcutFocusReason); });
     // From what is searched for to what was found.

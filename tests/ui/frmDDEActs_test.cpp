@@ -334,6 +334,19 @@ TEST_F(frmDDEActs, WhatIsNewIsNotShownAsDismissedBefore) {
     EXPECT_TRUE(shownAsDismissed(1));
 }
 
+TEST_F(frmDDEActs, AKeyIsAboutTheTabThatWasInFront) {
+    loadThree();
+    clickDismiss();
+    tabTo(1);
+    select(1, {"{1}"});
+    ASSERT_FALSE(state.bIsDismiss);
+    QTest::keyClick(window.get(), Qt::Key_R, Qt::AltModifier);
+    tabTo(0);
+    QTest::qWait(150);
+    EXPECT_TRUE(held("{1}")->Dismissed.isZero());
+    EXPECT_EQ(listed(0), (Names{"{2}", "{3}"})) << "nothing here was dismissed";
+}
+
 TEST_F(frmDDEActs, WhatIsReactivatedLeavesTheDismissedView) {
     loadThree();
     clickDismiss();
