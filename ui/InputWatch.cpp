@@ -64,6 +64,9 @@ protected:
             static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
             return QObject::eventFilter(watched, event);
         }
+        if (button_.isCheckable()) {
+            button_.setFocus(Qt::ShortcutFocusReason);
+        }
         button_.click();
         return true;
     }

@@ -12,6 +12,7 @@
 #include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "ui/HelpNumbers.h"
+#include "ui/InputWatch.h"
 #include "ui/QtText.h"
 
 namespace vl {
@@ -94,6 +95,11 @@ void frmDismiss::wire() {
     connect(radDeleteItem, &QRadioButton::clicked, this, &frmDismiss::UpdateUI);
     connect(butOK, &QPushButton::clicked, this, &frmDismiss::butOK_Click);
     connect(butCancel, &QPushButton::clicked, this, &frmDismiss::butCancel_Click);
+    // Or Enter, right after the letter, would find the old choice.
+    for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
+             radThisOnly, radAfter, radAll, radDeleteItem, chkDone}) {
+        clickAtOnce(*choice);
+    }
     previewKeys(*this, {kKeyF1, kKeyEnter}, [this](int code) { DoKeyDown(code); });
 }
 

@@ -53,6 +53,17 @@ void press(frmDismiss& d, const char* button) {
     QTest::mouseClick(&childOf<QPushButton>(d, button), Qt::LeftButton);
 }
 
+// Whoever knows the letters types them in one go.
+TEST_F(frmDismissTest, ALetterCountsAtOnce) {
+    show([](frmDismiss& d) {
+        QTest::keyClick(&d, Qt::Key_A, Qt::AltModifier);
+        EXPECT_EQ(d.choice(), frmDismiss::Choice::All);
+        EXPECT_TRUE(childOf<QWidget>(d, "radAll").hasFocus());
+        QTest::keyClick(&d, Qt::Key_D, Qt::AltModifier);
+        EXPECT_TRUE(d.markDone());
+    });
+}
+
 TEST_F(frmDismissTest, HasItsTexts) {
     show([](frmDismiss& d) {
         EXPECT_EQ(d.windowTitle(), "Dismiss Reminder...");
