@@ -27,11 +27,12 @@ protected:
     void loadTwo() {
         load();
         for (const char* GUID : {"{1}", "{2}"}) {
-            const auto e = event(GUID, std::string("Event ") + GUID[1], someFriday(), 0);
+            const std::string subject = std::string("Event ") + GUID[1];
+            const auto e = event(GUID, subject, someFriday(), 0);
             add(e);
             takeIn(e);
             auto line = std::make_shared<ValueList>();
-            line->items = {Variant(e->Subject), Variant(" Event start (14:30)")};
+            line->items = {Variant(subject), Variant(" Event start (14:30)")};
             state.EvCol->Add(Variant(ObjectRef(line)), GUID);
         }
         window->ShowHide();
