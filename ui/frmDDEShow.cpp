@@ -237,6 +237,7 @@ void frmDDE::mnuRefresh_Click() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, parts_.db, true, true);
     }
+    state_.damagedRows = static_cast<int>(parts_.period.DamagedRows());
     // Rows do not have yet what waits to be written.
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
