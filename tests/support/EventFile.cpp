@@ -111,16 +111,20 @@ std::optional<jet::RowId> EventFile::find(const jet::Table& table, const std::st
 }
 
 void EventFile::put(std::span<const std::shared_ptr<calEvent>> events) {
+    // Known from when they are in the file: a write that fails takes its rows back.
+    std::unordered_map<std::string, jet::RowId> added;
     write([&](jet::Table& table) {
         for (const auto& event : events) {
             const auto row = rowOf(*event);
-            if (const auto id = find(table, event->GUID)) {
+            const auto again = added.find(event->GUID);
+            if (const auto id = again == added.end() ? find(table, event->GUID) : again->second) {
                 table.update(*id, ofTheHost(row));
             } else {
-                rows_[event->GUID] = table.insert(row);
+                added[event->GUID] = table.insert(row);
             }
         }
     });
+    rows_.merge(added);
 }
 
 void EventFile::put(const calEvent& event) {
@@ -145,8 +149,8 @@ void EventFile::remove(const std::string& GUID) {
         if (const auto id = find(table, GUID)) {
             table.remove(*id);
         }
-        rows_.erase(GUID);
     });
+    rows_.erase(GUID);
 }
 
 }  // namespace vl::test
