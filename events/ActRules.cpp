@@ -62,7 +62,7 @@ bool isScheduled(const calEvent& event, DateTime moment) {
 
 // A single event's occurrence is one, also under a start that it had before the host moved it. Who
 // acts on a row from before a move has not seen what is scheduled since; a snooze was the row's
-// own.
+// own. What is yet to come, after a journey west, comes at its time.
 void endOldEntries(EventState& state, const ActOn& act) {
     if (act.event.IsRepeating()) {
         return;
@@ -71,7 +71,8 @@ void endOldEntries(EventState& state, const ActOn& act) {
     const DateTime moved = act.event.ToWall(act.event.StartDateTime);
     for (OccurrenceState& one : state.occurrences) {
         one.snoozed = DateTime();
-        if (!isOldRow || one.start != moved || !isScheduled(act.event, one.listed)) {
+        if (!isOldRow || one.start != moved || !isScheduled(act.event, one.listed) ||
+            act.event.FromMoment(one.listed) > act.now) {
             one.listed = DateTime();
         }
     }
