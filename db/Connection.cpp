@@ -45,15 +45,26 @@ void Connection::Open(std::string_view connectionString, std::string_view user,
     if (file_.empty()) {
         throw Error(ErrNo::NotFound, "connection: expected a file behind " + std::string(kSource));
     }
-    db_ = jet::Database::open(file_, jet::Access::Read, {.patience = Patience});
+    db_ = jet::Database::open(file_, jet::Access::Read, options());
     access_ = jet::Access::Read;
+}
+
+jet::OpenOptions Connection::options() const {
+    jet::OpenOptions options;
+    options.patience = Patience;
+    options.digests = Digests;
+    return options;
+}
+
+void Connection::requireOpen() const {
+    if (!db_) {
+        throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
+    }
 }
 
 void Connection::ForRows(std::string_view statement,
                          const std::function<void(sql::RowStream&)>& visit) {
-    if (!db_) {
-        throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
-    }
+    requireOpen();
     const auto show = [&] {
         jet::readWhole(*db_, [&] {
             sql::RowStream rows(*db_, statement);
@@ -73,14 +84,17 @@ void Connection::ForRows(std::string_view statement,
 
 sql::Result Connection::Execute(std::string_view statement,
                                 std::span<const sql::Parameter> parameters) {
-    if (!db_) {
-        throw Error(ErrNo::NotFound, "connection: expected an open one, it is closed");
-    }
+    requireOpen();
     if (access_ == jet::Access::Read && !sql::isQuery(statement)) {
-        db_ = jet::Database::open(file_, jet::Access::ReadWrite, {.patience = Patience});
+        db_ = jet::Database::open(file_, jet::Access::ReadWrite, options());
         access_ = jet::Access::ReadWrite;
     }
     return sql::execute(*db_, statement, parameters);
+}
+
+sql::Result Connection::Execute(std::string_view statement, sql::ScanMemory& memory) {
+    requireOpen();
+    return sql::execute(*db_, statement, memory);
 }
 
 }  // namespace vl

@@ -3,13 +3,16 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "db/jet/Database.h"
+#include "db/jet/PageDigests.h"
 #include "db/sql/RowStream.h"
+#include "db/sql/ScanMemory.h"
 #include "db/sql/Sql.h"
 
 namespace vl {
@@ -31,6 +34,8 @@ public:
     int CursorLocation = kServerSide;
     /// The longest waiting for others who have the file, in one statement.
     std::chrono::milliseconds Patience = jet::OpenOptions().patience;
+    /// What is known of the file's pages beyond its closing; null: nothing.
+    std::shared_ptr<jet::PageDigests> Digests;
 
     /// What it was last opened with, also when that failed; kept when it is closed.
     const std::string& ConnectionString() const noexcept { return connectionString_; }
@@ -49,12 +54,17 @@ public:
     /// One statement, as `sql::execute`. Throws `ErrNo::NotFound` on a closed connection.
     sql::Result Execute(std::string_view statement,
                         std::span<const sql::Parameter> parameters = {});
+    /// The same for a query that is asked again and again.
+    sql::Result Execute(std::string_view statement, sql::ScanMemory& memory);
 
     /// Shows the rows of a statement of which `sql::RowStream` is capable, as they are at one time:
     /// where somebody else wrote meanwhile, `visit` is called once more with a new stream.
     void ForRows(std::string_view statement, const std::function<void(sql::RowStream&)>& visit);
 
 private:
+    jet::OpenOptions options() const;
+    void requireOpen() const;
+
     std::string connectionString_;
     std::string file_;
     std::optional<jet::Database> db_;

@@ -89,6 +89,7 @@ bool DBRemindUtils::OpenDB() {
     connection_.ConnectionTimeout = kTimeoutSeconds;
     connection_.CommandTimeout = kTimeoutSeconds;
     connection_.Patience = Patience;
+    connection_.Digests = digests_;
     connection_.IsolationLevel = vl::Connection::kIsolated;
     connection_.CursorLocation = vl::Connection::kServerSide;
     ADOConnectString =
@@ -122,6 +123,15 @@ void DBRemindUtils::CloseAndOpenDB() {
 }
 
 std::shared_ptr<RecordSet> DBRemindUtils::OpenRS(std::string_view recName, int /*CursorType*/) {
+    return openRS(recName, nullptr);
+}
+
+std::shared_ptr<RecordSet> DBRemindUtils::OpenRSAgain(const std::string& statement) {
+    return openRS(statement, &memories_[statement]);
+}
+
+std::shared_ptr<RecordSet> DBRemindUtils::openRS(std::string_view recName,
+                                                 sql::ScanMemory* memory) {
     const ErrScope scope;
     clearError();
     auto records = std::make_shared<RecordSet>();
@@ -133,7 +143,8 @@ std::shared_ptr<RecordSet> DBRemindUtils::OpenRS(std::string_view recName, int /
             if (!sql::isQuery(recName)) {
                 throw Error(ErrNo::Syntax, "record set: expected a SELECT statement");
             }
-            *records = RecordSet(connection_.Execute(recName));
+            *records = RecordSet(memory != nullptr ? connection_.Execute(recName, *memory)
+                                                   : connection_.Execute(recName));
         });
     }
     if (lastError_ != ErrNo::Syntax) {
@@ -241,7 +252,7 @@ ErrNo DBRemindUtils::AddField(std::string_view TName2, std::string_view FieldNam
 std::shared_ptr<GenCollection> DBRemindUtils::GetDeletedCol() {
     const ErrScope scope;
     auto guids = std::make_shared<GenCollection>();
-    const auto rows = OpenRS("SELECT GUID FROM Reminders WHERE (Deleted=True);");
+    const auto rows = OpenRSAgain("SELECT GUID FROM Reminders WHERE (Deleted=True);");
     for (; !rows->EOF_(); rows->MoveNext()) {
         step([&] {
             const std::string guid = rows->value("GUID").toText();

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -20,7 +21,8 @@
 namespace vl {
 
 /// The host writes the same file: so a write opens the connection when it is not open and always
-/// closes it, and a read leaves it open only until the next write or `CloseDB`. Nothing is cached.
+/// closes it, and a read leaves it open only until the next write or `CloseDB`. No row is cached;
+/// what is remembered are digests of pages, by which those are known that nobody has written.
 ///
 /// No method throws and none changes the pending error; who must know why one failed asks
 /// `LastError`.
@@ -44,6 +46,10 @@ public:
     /// The rows of a SELECT, opening the database when it is not open. Never null: on failure it
     /// is not opened and holds no rows. `CursorType` is accepted; all record sets are alike.
     std::shared_ptr<RecordSet> OpenRS(std::string_view recName, int CursorType = 0);
+
+    /// As `OpenRS`, for a statement that is asked again and again and that no index serves: of
+    /// pages of the table that are as they were nothing is decoded.
+    std::shared_ptr<RecordSet> OpenRSAgain(const std::string& statement);
 
     /// Shows the rows of "SELECT * FROM ..." one after the other without keeping them, opening the
     /// database when it is not open: `visit` moves the stream through all of them, and begins
@@ -140,11 +146,14 @@ public:
 
 private:
     void clearError();
+    std::shared_ptr<RecordSet> openRS(std::string_view statement, sql::ScanMemory* memory);
     std::int64_t execute(std::string_view statement, std::span<const sql::Parameter> parameters);
     template <class Step>
     bool step(Step&& s, Place where = Place::here());
 
     vl::Connection connection_;
+    std::shared_ptr<jet::PageDigests> digests_ = std::make_shared<jet::PageDigests>();
+    std::map<std::string, sql::ScanMemory> memories_;  // by statement
     ErrNo lastError_ = ErrNo::None;
     std::string lastErrorText_;
     Trouble readTrouble_;

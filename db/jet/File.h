@@ -12,12 +12,20 @@ namespace vl::jet {
 
 enum class LockKind { Shared, Exclusive };
 
+/// What tells a file from another that has, or had, its name. Zeros where nobody can tell.
+struct FileIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t number = 0;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
 /// An open file, closed by its destructor. Every method throws `Error` (`ErrNo::Io`, with the
 /// system's reason) when the system refuses; what a failed write left behind is not known.
 class File {
 public:
     virtual ~File() = default;
 
+    virtual FileIdentity identity() const { return {}; }
     virtual std::uint64_t size() const = 0;
     /// When it was last written, counted as the system does: two different numbers mean that
     /// somebody wrote, two equal ones nothing.

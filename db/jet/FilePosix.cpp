@@ -55,6 +55,11 @@ public:
         return status;
     }
 
+    FileIdentity identity() const override {
+        const struct stat now = status();
+        return {now.st_dev, now.st_ino};
+    }
+
     std::uint64_t nameCount() const {
         const std::uint64_t count = status().st_nlink;
         struct statfs system {};

@@ -53,6 +53,12 @@ public:
         return status;
     }
 
+    FileIdentity identity() const override {
+        const BY_HANDLE_FILE_INFORMATION now = status();
+        return {now.dwVolumeSerialNumber,
+                (std::uint64_t{now.nFileIndexHigh} << 32) | now.nFileIndexLow};
+    }
+
     std::uint64_t size() const override {
         LARGE_INTEGER size{};
         if (!::GetFileSizeEx(handle_, &size)) {

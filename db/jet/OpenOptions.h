@@ -3,11 +3,14 @@
 
 #include <chrono>
 #include <cstddef>
+#include <memory>
 
 #include "db/jet/File.h"
 #include "db/jet/Waiter.h"
 
 namespace vl::jet {
+
+class PageDigests;
 
 /// What is pointed to must outlive the database.
 struct OpenOptions {
@@ -21,6 +24,8 @@ struct OpenOptions {
     /// A change that was broken off is taken back in the file. Else the file stays as it is, and
     /// who reads it is given what it held before.
     bool takesBack = true;
+    /// Where digests of pages are kept beyond the closing of the file; null: nowhere.
+    std::shared_ptr<PageDigests> digests = nullptr;
 };
 
 }  // namespace vl::jet

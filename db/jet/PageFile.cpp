@@ -24,6 +24,7 @@ PageFile::PageFile(std::unique_ptr<File> file, std::string path, Access access,
     : PageFile(std::move(file), std::move(path), access) {
     sharing_ = std::make_unique<Sharing>(name_, options);
     mostChanged_ = options.mostChangedPages;
+    digests_ = options.digests;
 }
 
 PageFile::~PageFile() {
@@ -42,6 +43,34 @@ Page PageFile::page(PageNo number) {
         return {changed->second, origin};
     }
     return {load(number), origin};
+}
+
+// In a transaction, and while a broken-off change stands in the way, pages are not what the file
+// holds. Who asks for one page's digest mostly asks for those behind it next; only for that pages
+// need no place among the frames.
+std::uint64_t PageFile::digest(PageNo number) {
+    if (!digests_ || changing_ || broken_ || number >= pageCount_) {
+        return digestOf(page(number).bytes().first<kPageSize>());
+    }
+    if (const std::uint64_t known = digests_->find(this, number); known != 0) {
+        return known;
+    }
+    const Frame& frame = frames_[number % kFrames];
+    if (frame.bytes && frame.number == number) {
+        const std::uint64_t digest = digestOf(*frame.bytes);
+        digests_->keep(this, number, digest);
+        return digest;
+    }
+    constexpr PageNo kAhead = 16;
+    std::array<std::byte, kAhead * kPageSize> run;
+    const auto bytes = std::span(run).first(std::min(kAhead, pageCount_ - number) * kPageSize);
+    file_->read(std::uint64_t{number} * kPageSize, bytes);
+    std::uint64_t digest = 0;
+    for (std::size_t at = bytes.size(); at > 0; at -= kPageSize) {
+        digest = digestOf(ByteView(bytes).subspan(at - kPageSize).first<kPageSize>());
+        digests_->keep(this, number + static_cast<PageNo>(at / kPageSize) - 1, digest);
+    }
+    return digest;
 }
 
 std::shared_ptr<Page::Bytes> PageFile::load(PageNo number) {
@@ -69,8 +98,8 @@ void PageFile::forget(PageNo number) noexcept {
     }
 }
 
-PageFile::Look PageFile::look() const {
-    Look now{file_->size(), file_->modified(), {}};
+FileLook PageFile::look() const {
+    FileLook now{file_->identity(), file_->size(), file_->modified(), {}};
     if (now.size >= kPageSize) {
         file_->read(kCommitWords, now.commitWords);
     }
@@ -92,10 +121,13 @@ void PageFile::refresh() {
 }
 
 void PageFile::refreshIfChanged() {
-    const Look now = look();
+    const FileLook now = look();
     if (known_ != now) {
         refresh();
         known_ = now;
+    }
+    if (digests_) {
+        digests_->use(this, now);
     }
 }
 

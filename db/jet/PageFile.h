@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Origin.h"
+#include "PageDigests.h"
 #include "db/jet/OpenOptions.h"
 
 namespace vl::jet {
@@ -59,6 +60,9 @@ public:
     /// At most one read of the file. Throws `Error`: `ErrNo::Corrupt` for a page past the end
     /// (some page pointed to it), `ErrNo::Io` when the system refuses.
     Page page(PageNo number);
+    /// `digestOf` the page as `page` gives it. Reads it only when its digest is not known from an
+    /// earlier call since the file was last written. Throws as `page`.
+    std::uint64_t digest(PageNo number);
 
     /// Between the two, which nest, no other copy of this program writes. The outermost one sees
     /// what others wrote before. In a transaction they cost nothing. `beginReading` throws `Error`:
@@ -121,15 +125,8 @@ private:
         PageNo number = 0;
         std::shared_ptr<Page::Bytes> bytes;
     };
-    // Two equal ones: the pages that are remembered are still those of the file.
-    struct Look {
-        std::uint64_t size = 0;
-        std::int64_t modified = 0;
-        std::array<std::byte, 512> commitWords{};
-        friend bool operator==(const Look&, const Look&) = default;
-    };
 
-    Look look() const;
+    FileLook look() const;
     void refreshIfChanged();
     std::shared_ptr<Page::Bytes> load(PageNo number);
     void forget(PageNo number) noexcept;
@@ -143,7 +140,8 @@ private:
     std::unique_ptr<Sharing> sharing_;  // none: nobody else has the file
     PageNo pageCount_ = 0;
     std::vector<Frame> frames_;
-    std::optional<Look> known_;  // the file, when `frames_` were read
+    std::optional<FileLook> known_;  // the file, when `frames_` were read
+    std::shared_ptr<PageDigests> digests_;
     std::uint64_t definitionsStamp_ = 1;
     int readers_ = 0;
     std::unique_ptr<BrokenChange> broken_;  // read from it, it cannot be taken back now

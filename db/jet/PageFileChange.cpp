@@ -139,6 +139,9 @@ void PageFile::commit() {
     }
     changed_.clear();
     changing_ = false;
+    if (digests_) {
+        digests_->forget();
+    }
     if (sharing_) {
         const ErrScope scope;
         attempt([&] { known_ = look(); });  // what is remembered is as it is in the file
@@ -154,6 +157,9 @@ void PageFile::replaceBy(const std::string& made) {
         throw Error(ErrNo::Locked, name_ + ": was written by another program meanwhile");
     }
     changing_ = false;
+    if (digests_) {
+        digests_->forget();
+    }
     const auto goOn = [&] {
         if (file_) {
             sharing_->endWriting(*file_, false);
@@ -175,6 +181,9 @@ void PageFile::rollback() noexcept {
     }
     const ErrScope scope;
     changed_.clear();
+    if (digests_) {
+        digests_->forget();
+    }
     ++definitionsStamp_;
     changing_ = false;
     pageCount_ = countBefore_;

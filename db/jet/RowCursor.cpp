@@ -6,45 +6,22 @@
 #include <vector>
 
 #include "LongValue.h"
-#include "RowPlace.h"
+#include "RowCursorState.h"
 #include "TextCode.h"
 #include "UsageMap.h"
 #include "Value.h"
 #include "base/ErrorState.h"
-#include "db/jet/ReadGuard.h"
-#include "index/EntriesInRange.h"
 
 namespace vl::jet {
 
-struct RowCursor::State {
-    PageFile& file;
-    std::shared_ptr<const TableDefinition> table;
-    std::vector<PageNo> pages;  // the table's, ascending
-    std::size_t nextPage = 0;
-    Page page;  // the one that slots are taken from
-    DataPage data;
-    std::uint16_t nextSlot = 0;
-    std::unique_ptr<EntriesInRange> entries;  // where an index says which rows come
-    bool entryTaken = false;                  // but its row not found yet
-    std::vector<RowId> list;                  // where a list says so
-    bool listed = false;
-    std::size_t nextOfList = 0;
-    RowId id;
-    RowPlace place;  // of the current row
-    RowView row;
-    ReadGuard guard{file};
-};
-
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table)
-    : state_(new State{
-          file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, false, 0, {}, {}, {}}) {
+    : state_(std::make_unique<State>(file, std::move(table))) {
     state_->pages = readUsageMap(file, state_->table->ownedPages);
 }
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table, std::size_t tree,
                      KeyRange range)
-    : state_(new State{
-          file, std::move(table), {}, 0, {}, {}, 0, {}, false, {}, false, 0, {}, {}, {}}) {
+    : state_(std::make_unique<State>(file, std::move(table))) {
     assert(tree < state_->table->trees.size());
     state_->entries = std::make_unique<EntriesInRange>(file, state_->table->trees[tree],
                                                        state_->table->page, std::move(range));
@@ -52,21 +29,10 @@ RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> tabl
 
 RowCursor::RowCursor(PageFile& file, std::shared_ptr<const TableDefinition> table,
                      std::vector<RowId> rows)
-    : state_(new State{file,
-                       std::move(table),
-                       {},
-                       0,
-                       {},
-                       {},
-                       0,
-                       {},
-                       false,
-                       std::move(rows),
-                       true,
-                       0,
-                       {},
-                       {},
-                       {}}) {}
+    : state_(std::make_unique<State>(file, std::move(table))) {
+    state_->list = std::move(rows);
+    state_->listed = true;
+}
 
 RowCursor::RowCursor(RowCursor&&) noexcept = default;
 RowCursor& RowCursor::operator=(RowCursor&&) noexcept = default;
@@ -130,46 +96,30 @@ bool RowCursor::nextOfList() {
 }
 
 bool RowCursor::nextOfTable() {
-    State& s = *state_;
-    for (;;) {
-        while (s.nextSlot < s.data.slotCount()) {
-            const DataPage::Slot slot = s.data.slot(s.nextSlot);
-            if (slot == DataPage::Slot::Row || slot == DataPage::Slot::Moved) {
-                s.place = findRow(s.file, *s.table, s.page, s.data, s.nextSlot);
-                s.row = RowView(s.place.bytes, *s.table, s.place.page.origin());
-                s.id = {s.page.number(), s.nextSlot};
-                ++s.nextSlot;
-                return true;
-            }
-            ++s.nextSlot;
-        }
-        if (s.nextPage == s.pages.size()) {
+    while (!nextOnPage()) {
+        if (!nextPage()) {
             return false;
         }
-        s.page = s.file.page(s.pages[s.nextPage]);
-        s.data = DataPage();
-        const DataPage data(s.page);
-        // A page that meanwhile belongs to somebody else holds no rows of this table.
-        s.data = data.owner() == s.table->page ? data : DataPage();
-        s.nextSlot = 0;
-        ++s.nextPage;
     }
+    return true;
 }
 
+// What `next` stopped at is the page that it came to, as long as that has not been read, or else
+// the row in the slot that comes next.
 std::optional<RowCursor::Unreadable> RowCursor::passOver() {
     State& s = *state_;
-    if (s.listed || s.entries) {
+    if (s.listed || s.entries || !s.here) {
         return std::nullopt;
+    }
+    if (!s.page) {
+        const PageNo lost = *s.here;
+        s.here.reset();
+        return Unreadable{lost, std::nullopt};
     }
     if (s.nextSlot < s.data.slotCount()) {
-        return Unreadable{s.page.number(), s.nextSlot++};
+        return Unreadable{*s.here, s.nextSlot++};
     }
-    if (s.nextPage == s.pages.size()) {
-        return std::nullopt;
-    }
-    s.data = DataPage();
-    s.nextSlot = 0;
-    return Unreadable{s.pages[s.nextPage++], std::nullopt};
+    return std::nullopt;
 }
 
 // Eight bytes at a time, each mixed into all bits (a multiplication by an odd constant and a shift

@@ -14,6 +14,14 @@ namespace vl::jet {
 class PageFile;
 struct TableDefinition;
 
+/// What was on a page of a table, with what its rows have on other pages (long values, rows that
+/// have moved), for who looks at the table again: see `RowCursor::holds`.
+struct PageMark {
+    PageNo page = 0;
+    std::uint64_t digest = 0;       ///< 0: nothing that anybody could know again
+    std::vector<PageNo> elsewhere;  ///< the other pages
+};
+
 /// Keys from `from` to `to`, for a walk over a part of an index; empty: no end there. Each may be
 /// the beginning of keys, and then means all of these.
 struct KeyRange {
@@ -55,6 +63,21 @@ public:
     /// `next`. None: it cannot be, since the cursor does not go over the rows as they lie.
     std::optional<Unreadable> passOver();
 
+    // Page by page, over a table's rows as they lie only. A page that is passed by without asking
+    // for its rows is not even read when its digest is known (`PageDigests`).
+
+    /// Moves to the table's next page, in front of its first row; false behind the last page.
+    bool nextPage();
+    /// Moves to the next row of the page; false behind its last.
+    bool nextOnPage();
+    /// The page that `nextPage` came to.
+    PageNo page() const;
+    /// Whether the page has the same rows with the same values as when the mark was made of it.
+    /// False for a mark of another page or file, and when the table's columns are others now.
+    bool holds(const PageMark& mark) const;
+    /// Of the page. One of whose rows cannot be read is never known again.
+    PageMark mark();
+
     // Of the current row, after `next` gave true.
 
     RowId id() const;
@@ -78,6 +101,9 @@ public:
     std::uint64_t fingerprint() const;
 
 private:
+    void openPage();
+    std::uint64_t digestWith(std::uint64_t own, const std::vector<PageNo>& elsewhere) const;
+    void addElsewhere(std::uint16_t slot, std::vector<PageNo>& pages) const;
     bool nextOfTable();
     bool nextOfIndex();
     bool nextOfList();

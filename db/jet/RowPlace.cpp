@@ -13,7 +13,7 @@ RowPlace placeOf(const Page& page, ByteView bytes) {
 }  // namespace
 
 RowPlace findRow(PageFile& file, const TableDefinition& table, const Page& page,
-                 const DataPage& data, std::uint16_t slot) {
+                 const DataPage& data, std::uint16_t slot, std::vector<PageNo>* passed) {
     ByteView bytes = data.row(slot);
     if (data.slot(slot) == DataPage::Slot::Row) {
         return placeOf(page, bytes);
@@ -24,6 +24,9 @@ RowPlace findRow(PageFile& file, const TableDefinition& table, const Page& page,
             body.origin().corrupt("the pointer of a moved row is cut off");
         }
         const RowPointer to = RowPointer::read(bytes, 0);
+        if (passed != nullptr) {
+            passed->push_back(to.page);
+        }
         const Page next = file.page(to.page);
         const DataPage nextData(next);
         if (nextData.owner() != table.page || to.row >= nextData.slotCount()) {

@@ -13,6 +13,7 @@
 #include "db/jet/FileReplaced.h"
 #include "db/jet/ReadGuard.h"
 #include "db/jet/Transaction.h"
+#include "db/sql/ScanMemory.h"
 
 namespace vl::sql {
 
@@ -46,8 +47,9 @@ void requireUserTable(const jet::Database& db, const TableRef& ref) {
 /// One statement on a file.
 class Run {
 public:
-    Run(jet::Database& db, std::span<const Parameter> parameters, const RowTaker* take)
-        : db_(db), parameters_(parameters), take_(take) {}
+    Run(jet::Database& db, std::span<const Parameter> parameters, const RowTaker* take,
+        ScanMemory* memory = nullptr)
+        : db_(db), parameters_(parameters), take_(take), memory_(memory) {}
 
     Result operator()(Select& statement) const {
         if (take_ == nullptr) {
@@ -105,8 +107,25 @@ public:
 
 private:
     Result rowsOf(Select& statement) const {
-        return jet::readWhole(
-            db_, [&] { return select(statement, open(db_, statement.table), parameters_); });
+        int readings = 0;
+        const auto read = [&] {
+            if (++readings > 1) {
+                forgetSeen();
+            }
+            return select(statement, open(db_, statement.table), parameters_, nullptr, memory_);
+        };
+        Result result = jet::readWhole(db_, read);
+        if (readings > 1) {
+            forgetSeen();
+        }
+        return result;
+    }
+
+    // What was seen while others wrote may not belong together.
+    void forgetSeen() const {
+        if (memory_ != nullptr) {
+            memory_->forget();
+        }
     }
 
     // The table is looked up inside: what others write meanwhile must not be undone.
@@ -123,17 +142,18 @@ private:
     jet::Database& db_;
     std::span<const Parameter> parameters_;
     const RowTaker* take_;
+    ScanMemory* memory_;
 };
 
 // Who waited while a file was written anew has the old one open. The error comes before anything
 // was given or changed.
 Result executeWhole(jet::Database& db, std::string_view text, const RowTaker* take,
-                    std::span<const Parameter> parameters) {
+                    std::span<const Parameter> parameters, ScanMemory* memory = nullptr) {
     constexpr int kMostFiles = 3;
     for (int times = 1;; ++times) {
         Statement statement = parse(text);
         try {
-            return std::visit(Run(db, parameters, take), statement);
+            return std::visit(Run(db, parameters, take, memory), statement);
         } catch (const jet::FileReplaced&) {
             if (times == kMostFiles || !db.openAnew()) {
                 throw;
@@ -154,6 +174,11 @@ bool isQuery(std::string_view statement) noexcept {
 
 Result execute(jet::Database& db, std::string_view text, std::span<const Parameter> parameters) {
     return executeWhole(db, text, nullptr, parameters);
+}
+
+Result execute(jet::Database& db, std::string_view text, ScanMemory& memory) {
+    memory.ask(text);
+    return executeWhole(db, text, nullptr, {}, &memory);
 }
 
 Result execute(jet::Database& db, std::string_view text, const RowTaker& take,

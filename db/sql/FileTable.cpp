@@ -2,25 +2,14 @@
 
 namespace vl::sql {
 
-namespace {
-
-class CursorRows final : public RowSource {
-public:
-    explicit CursorRows(jet::RowCursor cursor) : cursor_(std::move(cursor)) {}
-    bool next() override { return cursor_.next(); }
-    Variant value(std::size_t column) const override { return cursor_.value(column); }
-    jet::RowId id() const override { return cursor_.id(); }
-
-private:
-    jet::RowCursor cursor_;
-};
-
-}  // namespace
-
 FileTable::FileTable(jet::Table table)
     : table_(std::move(table)), shape_{table_.name(), table_.columns(), table_.indexes()} {}
 
 std::unique_ptr<RowSource> FileTable::scan() const {
+    return std::make_unique<CursorRows>(table_.scan());
+}
+
+std::unique_ptr<PagedRows> FileTable::pages() const {
     return std::make_unique<CursorRows>(table_.scan());
 }
 

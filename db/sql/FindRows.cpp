@@ -284,10 +284,13 @@ std::optional<std::vector<IndexRange>> planRanges(const Expr* where, const Table
     return best.score > 0 ? std::optional(std::move(best.ranges)) : std::nullopt;
 }
 
-std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where) {
+std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where,
+                                    ScanMemory* memory) {
     const auto ranges = planRanges(where, table.shape());
     if (!ranges) {
-        return table.scan();
+        const auto pages = memory != nullptr && where != nullptr ? table.pages() : nullptr;
+        return pages ? table.rows(memory->find(*pages, [&] { return keeps(where, *pages); }))
+                     : table.scan();
     }
     std::vector<jet::RowId> found;
     try {

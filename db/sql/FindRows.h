@@ -5,6 +5,7 @@
 
 #include "Ast.h"
 #include "RowSource.h"
+#include "db/sql/ScanMemory.h"
 
 namespace vl::sql {
 
@@ -15,7 +16,9 @@ std::optional<std::vector<IndexRange>> planRanges(const Expr* where, const Table
 /// All rows for which `where` can be true, and perhaps others, in the order of a scan. Goes by an
 /// index where one helps. One whose pages contradict themselves is passed over, which the trace
 /// tells: the rows are then those of a scan. That an otherwise sound index lacks entries is not
-/// found out here, but by a check of the file. Throws `Error` where the system refuses.
-std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where);
+/// found out here, but by a check of the file. Where no index helps by `memory`, which must have
+/// been asked for this statement, or through all rows. Throws `Error` where the system refuses.
+std::unique_ptr<RowSource> findRows(const StoredTable& table, const Expr* where,
+                                    ScanMemory* memory = nullptr);
 
 }  // namespace vl::sql

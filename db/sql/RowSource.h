@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/Variant.h"
+#include "db/jet/RowCursor.h"
 #include "db/jet/Types.h"
 
 namespace vl::sql {
@@ -34,6 +35,16 @@ protected:
     RowSource() = default;
     RowSource(const RowSource&) = default;
     RowSource& operator=(const RowSource&) = default;
+};
+
+/// The same page by page: see `jet::RowCursor`.
+class PagedRows : public RowSource {
+public:
+    virtual bool nextPage() = 0;
+    virtual bool nextOnPage() = 0;
+    virtual jet::PageNo page() const = 0;
+    virtual bool holds(const jet::PageMark& mark) const = 0;
+    virtual jet::PageMark mark() = 0;
 };
 
 /// For expressions without columns: there is no row to look at.
@@ -63,6 +74,8 @@ public:
     virtual const TableShape& shape() const = 0;
     /// All rows, in the order of their places.
     virtual std::unique_ptr<RowSource> scan() const = 0;
+    /// The same; null when the table does not lie on pages.
+    virtual std::unique_ptr<PagedRows> pages() const { return nullptr; }
     /// These rows, in this order.
     virtual std::unique_ptr<RowSource> rows(std::vector<jet::RowId> ids) const = 0;
     /// The rows of a part of an index; others may be among them.

@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "Evaluate.h"
+#include "FileTable.h"
 #include "Parser.h"
 #include "Scope.h"
 #include "Value.h"
@@ -11,16 +12,6 @@
 namespace vl::sql {
 
 namespace {
-
-class StreamedRow final : public RowSource {
-public:
-    explicit StreamedRow(jet::RowCursor scan) : cursor(std::move(scan)) {}
-    bool next() override { return cursor.next(); }
-    Variant value(std::size_t column) const override { return cursor.value(column); }
-    jet::RowId id() const override { return cursor.id(); }
-
-    jet::RowCursor cursor;
-};
 
 Select plainSelect(std::string_view text) {
     Statement statement = parse(text);
@@ -49,7 +40,7 @@ struct RowStream::State {
     Select statement;
     jet::Table table;
     TableShape shape;
-    StreamedRow row;
+    CursorRows row;
     std::vector<Field> fields;
 };
 
@@ -63,6 +54,11 @@ bool RowStream::next() { return state_->row.next(); }
 std::optional<jet::RowCursor::Unreadable> RowStream::passOver() {
     return state_->row.cursor.passOver();
 }
+bool RowStream::nextPage() { return state_->row.nextPage(); }
+bool RowStream::nextOnPage() { return state_->row.nextOnPage(); }
+bool RowStream::holds(const jet::PageMark& mark) const { return state_->row.holds(mark); }
+jet::PageMark RowStream::mark() { return state_->row.mark(); }
+jet::PageNo RowStream::page() const { return state_->row.page(); }
 bool RowStream::matches() const { return keeps(state_->statement.where.get(), state_->row); }
 Variant RowStream::value(std::size_t field) const { return state_->row.value(field); }
 const jet::RowCursor& RowStream::cursor() const { return state_->row.cursor; }

@@ -14,10 +14,10 @@
 namespace vl::sql {
 
 /// A statement "SELECT * FROM table [WHERE condition]" while it runs. Every row of the table comes,
-/// in the order of the scan; whether the condition is true of it is asked row by row, so that who
-/// knows a row by its fingerprint need not decode anything of it. Holds one row. The `Database`
-/// must outlive it. Every method throws `Error`, as `execute` does; the constructor
-/// `ErrNo::Unsupported` for any other statement.
+/// in the order of the scan; whether the condition is true of it is asked row by row, and who knows
+/// a page again need not look at its rows at all. Holds one row. The `Database` must outlive it.
+/// Every method throws `Error`, as `execute` does; the constructor `ErrNo::Unsupported` for any
+/// other statement.
 class RowStream {
 public:
     RowStream(jet::Database& db, std::string_view statement);
@@ -32,6 +32,12 @@ public:
     bool next();
     /// As `jet::RowCursor::passOver`.
     std::optional<jet::RowCursor::Unreadable> passOver();
+    // Page by page, as `jet::RowCursor`.
+    bool nextPage();
+    bool nextOnPage();
+    jet::PageNo page() const;
+    bool holds(const jet::PageMark& mark) const;
+    jet::PageMark mark();
     /// Whether the condition is true of the current row.
     bool matches() const;
     /// A field of the current row, by its place from 0. Decoded when asked for.

@@ -232,7 +232,7 @@ Row keysOf(const std::vector<const Expr*>& columns, const RowSource& row) {
 }
 
 Result selectColumns(Select& statement, const StoredTable& table, const Scope& scope,
-                     const RowTaker* take) {
+                     const RowTaker* take, ScanMemory* memory) {
     Output output = outputOf(statement, scope);
     const std::vector<OrderBy> by = orderOf(statement, scope, output);
     std::vector<const Expr*> sortColumns;
@@ -248,7 +248,7 @@ Result selectColumns(Select& statement, const StoredTable& table, const Scope& s
     result.isQuery = true;
     std::vector<Row> keys;
     std::set<Row, DistinctLess> seen(DistinctLess{&output.values});
-    const auto rows = findRows(table, statement.where.get());
+    const auto rows = findRows(table, statement.where.get(), memory);
     while (!full() && rows->next()) {
         if (!keeps(statement.where.get(), *rows) ||
             (statement.distinct && !seen.insert(keysOf(output.values, *rows)).second)) {
@@ -315,7 +315,8 @@ private:
     Variant bestKey_ = Null{};
 };
 
-Result selectAggregates(const Select& statement, const StoredTable& table, const Scope& scope) {
+Result selectAggregates(const Select& statement, const StoredTable& table, const Scope& scope,
+                        ScanMemory* memory) {
     if (!statement.order.empty()) {
         fail(ErrNo::Syntax, statement.order.front().value->at,
              "expected no ORDER BY: COUNT, MIN and MAX give one row");
@@ -333,7 +334,7 @@ Result selectAggregates(const Select& statement, const StoredTable& table, const
             {unusedName(nameOf(item, scope.shape(), result.fields.size()), result.fields),
              aggregates.back().type(), 0});
     }
-    const auto rows = findRows(table, statement.where.get());
+    const auto rows = findRows(table, statement.where.get(), memory);
     while (rows->next()) {
         if (keeps(statement.where.get(), *rows)) {
             for (Aggregate& aggregate : aggregates) {
@@ -351,13 +352,13 @@ Result selectAggregates(const Select& statement, const StoredTable& table, const
 }  // namespace
 
 Result select(Select& statement, const StoredTable& table, std::span<const Parameter> parameters,
-              const RowTaker* take) {
+              const RowTaker* take, ScanMemory* memory) {
     const Scope scope(table.shape(), statement.table, parameters);
     scope.bind(statement.where.get());
     const bool aggregates =
         std::any_of(statement.items.begin(), statement.items.end(), isAggregate);
-    return aggregates ? selectAggregates(statement, table, scope)
-                      : selectColumns(statement, table, scope, take);
+    return aggregates ? selectAggregates(statement, table, scope, memory)
+                      : selectColumns(statement, table, scope, take, memory);
 }
 
 }  // namespace vl::sql

@@ -73,6 +73,11 @@ bool isQuery(std::string_view statement) noexcept;
 Result execute(jet::Database& db, std::string_view statement,
                std::span<const Parameter> parameters = {});
 
+class ScanMemory;
+
+/// The same for a statement that is asked again and again. `memory` serves one statement at a time.
+Result execute(jet::Database& db, std::string_view statement, ScanMemory& memory);
+
 /// What a query's row goes to.
 using RowTaker =
     std::function<void(const std::vector<Field>& fields, const std::vector<Variant>& row)>;
