@@ -158,6 +158,7 @@ private:
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
     void keepLeft();
     void noteMoved();
+    void takeRowsWord(std::string_view GUID);
     void keepPassedOver();
 
     bool isUnchanged(const Source& now) const;  // nothing that it could read has changed

@@ -100,6 +100,7 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
     for (calEvent* event : finished) {
         event->status = kAllDone;
         index_->look(event->GUID);
+        fullRead_->look(*event);
         if (!event->GUID.empty()) {
             GUIDs.push_back(event->GUID);
         }

@@ -140,6 +140,15 @@ bool CalEvents::RecordListed(calEvent& event) const {
 void CalEvents::LookAgain(std::string_view GUID) {
     book_->look(GUID);
     index_->look(GUID);
+    takeRowsWord(GUID);
+}
+
+void CalEvents::takeRowsWord(std::string_view GUID) {
+    if (const auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr) {
+        fullRead_->look(*event);
+    } else {
+        fullRead_->lookAtAll();  // it may be an object that the set had
+    }
 }
 
 }  // namespace vl

@@ -1,115 +1,18 @@
 #include "FullRead.h"
 
 #include <algorithm>
-#include <bit>
-#include <optional>
+#include <iterator>
 
-#include "RowReader.h"
-#include "base/Text.h"
+#include "PageReader.h"
 
 namespace vl {
 
 namespace {
 
-constexpr unsigned kRowBits = 16;
-
-std::uint64_t placeOf(jet::RowId id) { return std::uint64_t{id.page} << kRowBits | id.row; }
-
-std::vector<RecordSet::Field> fieldsOf(const sql::RowStream& stream) {
-    std::vector<RecordSet::Field> fields;
-    for (const sql::Field& field : stream.fields()) {
-        fields.push_back(RecordSet::fieldOf(field));
-    }
-    return fields;
-}
-
-// The fingerprint of a row that was not read as a whole.
-constexpr std::uint64_t kNotKnown = 0;
-
-// What acts set in an event: it may not be in the row yet, or not any more.
-std::uint64_t stateOf(const calEvent& event) {
-    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
-    std::uint64_t hash = std::hash<std::string>()(event.status);
-    for (const double part : {event.NextReminder.days(), event.Dismissed.days()}) {
-        hash = (hash ^ std::bit_cast<std::uint64_t>(part)) * kOdd;
-        hash ^= hash >> 32;
-    }
-    return hash ^ (event.Hidden ? 1U : 0U);
-}
-
-// Their number where there is none of that name.
-std::size_t fieldNamed(const std::vector<sql::Field>& fields, std::string_view name) {
-    const auto found = std::find_if(fields.begin(), fields.end(), [&](const sql::Field& field) {
-        return text::equalsNoCase(field.name, name);
-    });
-    return static_cast<std::size_t>(found - fields.begin());
-}
-
-/// Whether a finished event may have something to come, told from five of its row's fields.
-class FinishedIn {
-public:
-    explicit FinishedIn(const std::vector<sql::Field>& fields)
-        : deleted_(fieldNamed(fields, "Deleted")),
-          status_(fieldNamed(fields, "status")),
-          start_(fieldNamed(fields, "StartDateTime")),
-          recurrence_(fieldNamed(fields, "recurrence")),
-          reminders_(fieldNamed(fields, "reminders")),
-          known_(std::max({deleted_, status_, start_, recurrence_, reminders_}) < fields.size()) {}
-
-    // A reminder after the start of a single event has a negative number of minutes.
-    bool mayGoOn(const sql::RowStream& row, DateTime now) const {
-        if (!known_ || row.value(deleted_).isNull() || row.value(deleted_).toInt32() != 0 ||
-            !text::equalsNoCase(textOf(row.value(status_)), "AllDone")) {
-            return false;
-        }
-        const Variant start = row.value(start_);
-        const auto* date = start.get<DateTime>();
-        return (date != nullptr && *date > now) || !textOf(row.value(recurrence_)).empty() ||
-               textOf(row.value(reminders_)).find('-') != std::string::npos;
-    }
-
-private:
-    static std::string textOf(const Variant& value) {
-        return value.isNull() ? std::string() : value.toText();
-    }
-
-    std::size_t deleted_;
-    std::size_t status_;
-    std::size_t start_;
-    std::size_t recurrence_;
-    std::size_t reminders_;
-    bool known_;
-};
-
-/// Which start of which series a row has taken over, told from three of its fields.
-class ReplacedIn {
-public:
-    explicit ReplacedIn(const std::vector<sql::Field>& fields)
-        : state_(fieldNamed(fields, "RecurrenceState")),
-          master_(fieldNamed(fields, "recurringEventId")),
-          start_(fieldNamed(fields, "RExceptionStartTimeOrig")),
-          known_(std::max({state_, master_, start_}) < fields.size()) {}
-
-    std::optional<FullRead::PassedOver> of(const sql::RowStream& row) const {
-        constexpr int kException = 3;
-        if (!known_ || row.value(state_) != Variant(kException)) {
-            return std::nullopt;
-        }
-        const Variant master = row.value(master_);
-        const Variant start = row.value(start_);
-        const auto* date = start.get<DateTime>();
-        if (date == nullptr || date->isZero() || master.isNull() || master.toText().empty()) {
-            return std::nullopt;
-        }
-        return FullRead::PassedOver{master.toText(), *date};
-    }
-
-private:
-    std::size_t state_;
-    std::size_t master_;
-    std::size_t start_;
-    bool known_;
-};
+// Where more pages have changed the collection is rather filled anew.
+constexpr std::size_t kMostChangedPages = 64;
+// Where more events were touched all rows are rather read again.
+constexpr std::size_t kMostTouched = 1000;
 
 }  // namespace
 
@@ -122,122 +25,123 @@ std::shared_ptr<calEvent> stillValid(const std::shared_ptr<calEvent>& known,
     return known;
 }
 
-void FullRead::forgetPassedOver() {
-    std::erase_if(rows_, [](const Row& row) { return !row.event; });
+void FullRead::forget() {
+    pages_.clear();
+    lookAtAll();
+}
+
+void FullRead::lookAtAll() {
+    mayPassBy_ = false;
+    touched_.clear();
     stamp_ = 0;
 }
 
-// Null where it stays finished.
-std::shared_ptr<calEvent> FullRead::openAgain(
-    const std::function<std::shared_ptr<calEvent>()>& make) {
-    auto event = make();
-    if (!isOpenAgain_(*event)) {
-        return nullptr;
+void FullRead::look(const calEvent& event) {
+    if (touched_.size() >= kMostTouched) {
+        lookAtAll();
     }
-    event->status.clear();
-    takenBack_.push_back(event->GUID);
-    return event;
+    touched_.push_back(&event);
 }
 
-// Both the rows that come and those that are known are in the order of their places.
-FullRead::Rows FullRead::stream(sql::RowStream& stream, const GenCollection& before,
-                                const Make& make) {
-    const TimeZone local = TimeZone::local();
-    const RowReader reader(fieldsOf(stream), local, pool_);
-    const auto fill = [&](calEvent& event) { reader.fill(event, stream); };
-    const ReplacedIn exceptions(stream.fields());
-    const FinishedIn finished(stream.fields());
-    Rows rows;
-    rows.reserve(rows_.size());
-    auto known = rows_.begin();
-    while (stream.next()) {
-        Row row{placeOf(stream.id()), stream.fingerprint(), 0, nullptr};
-        while (known != rows_.end() && known->place < row.place) {
-            ++known;
+void FullRead::forgetPassedOver() {
+    for (const auto& page : pages_) {
+        if (page->passesOver) {
+            page->mark.digest = 0;
+            std::erase_if(page->passedOver, [](const PassedRow& row) { return !row.event; });
         }
-        const bool isKnown = known != rows_.end() && known->place == row.place &&
-                             known->fingerprint == row.fingerprint;
-        if (isKnown && (!known->event || known->state == stateOf(*known->event))) {
-            row.event = known->event;
-            row.state = known->state;
-        } else if (stream.matches()) {
-            row.event = make(fill);
-            if (const auto held = objectAt<calEvent>(before, row.event->GUID)) {
-                row.event = stillValid(held, row.event);
-            }
-            row.state = stateOf(*row.event);
+    }
+    stamp_ = 0;
+}
+
+bool FullRead::isTouched(const PageRows& page) const {
+    return !touched_.empty() &&
+           std::any_of(page.events.begin(), page.events.end(), [this](const auto& event) {
+               return std::binary_search(touched_.begin(), touched_.end(), event.get());
+           });
+}
+
+// Both the pages that come and those that are known are in the order of their numbers.
+FullRead::Pages FullRead::stream(sql::RowStream& stream, const GenCollection& before,
+                                 const Make& make, Changes& changes) {
+    PageReader reader(*this, stream, before, make);
+    Pages pages;
+    pages.reserve(pages_.size());
+    auto known = pages_.begin();
+    const auto noteChange = [&](std::shared_ptr<const PageRows> was) {
+        changes.noted = changes.noted && changes.pages.size() < kMostChangedPages;
+        if (changes.noted) {
+            changes.pages.push_back({pages.size(), std::move(was)});
+        }
+    };
+    while (stream.nextPage()) {
+        for (; known != pages_.end() && (*known)->mark.page < stream.page(); ++known) {
+            changes.noted = changes.noted && (*known)->events.empty();
+        }
+        const bool isThere = known != pages_.end() && (*known)->mark.page == stream.page();
+        if (isThere && mayPassBy_ && !isTouched(**known) && stream.holds((*known)->mark)) {
+            pages.push_back(*known);
         } else {
-            if (auto replaced = exceptions.of(stream)) {
-                passedOver_.push_back(std::move(*replaced));
+            auto page = reader.read(isThere ? known->get() : nullptr);
+            if (!isThere || page->events != (*known)->events) {
+                noteChange(isThere ? *known : nullptr);
             }
-            if (isOpenAgain_ && finished.mayGoOn(stream, now_)) {
-                row.event = openAgain([&] { return make(fill); });
-                row.state = row.event ? stateOf(*row.event) : 0;
-            }
+            pages.push_back(std::move(page));
         }
-        rows.push_back(std::move(row));
+        // Now that its events have just been made: later they would have to be fetched again.
+        if (changes.all) {
+            addTo(*changes.all, *pages.back());
+        }
+        known += isThere ? 1 : 0;
     }
-    return rows;
+    for (; known != pages_.end(); ++known) {
+        changes.noted = changes.noted && (*known)->events.empty();
+    }
+    return pages;
 }
 
-std::shared_ptr<calEvent> FullRead::eventAt(std::uint64_t place) const {
-    const auto known =
-        std::lower_bound(rows_.begin(), rows_.end(), place,
-                         [](const Row& row, std::uint64_t wanted) { return row.place < wanted; });
-    return known != rows_.end() && known->place == place ? known->event : nullptr;
+const FullRead::PageRows* FullRead::knownOf(jet::PageNo page) const {
+    const auto known = std::lower_bound(
+        pages_.begin(), pages_.end(), page,
+        [](const auto& rows, jet::PageNo wanted) { return rows->mark.page < wanted; });
+    return known != pages_.end() && (*known)->mark.page == page ? known->get() : nullptr;
 }
 
-// An event that has been read as a whole and not changed since is better than what is left of it.
-FullRead::Row FullRead::damagedRow(sql::RowStream& stream, const RowReader& reader,
-                                   const GenCollection& before, const Make& make) {
-    Row row{placeOf(stream.id()), kNotKnown, 0, nullptr};
-    bool matches = false;
-    RowReader::Lost lost;
-    if (!isReadable([&] { matches = stream.matches(); })) {
-        lost = {true, true};
-    } else if (matches) {
-        row.event = make([&](calEvent& event) { lost = reader.fillReadable(event, stream); });
+// What cannot be read any more counts as it was.
+void FullRead::keepLost(const jet::RowCursor::Unreadable& lost, PageRows& page) const {
+    const PageRows* known = knownOf(lost.page);
+    if (known == nullptr) {
+        return;
     }
-    if (lost.any) {
-        ++damage_.rows;
-    }
-    if (lost.GUID) {
-        row.event = eventAt(row.place);
-    } else if (row.event) {
-        const std::string key = text::foldCase(row.event->GUID);
-        const auto held = objectAt<calEvent>(before, row.event->GUID);
-        const bool asWhole = lost.any && held && held->Modified == row.event->Modified &&
-                             !damage_.inPart.contains(key);
-        if (held) {
-            row.event = asWhole ? held : stillValid(held, row.event);
+    page.passesOver = page.passesOver || known->passesOver;
+    for (std::size_t i = 0; i < known->events.size(); ++i) {
+        if (lost.row && *lost.row != known->slots[i]) {
+            continue;
         }
-        if (lost.any && !asWhole) {
-            damage_.inPart.insert(key);
-        } else if (!lost.any) {
-            damage_.inPart.erase(key);
-        }
+        const auto& event = known->events[i];
+        PageReader::add(page, event, known->slots[i]);
+        std::copy_if(known->passedOver.begin(), known->passedOver.end(),
+                     std::back_inserter(page.passedOver),
+                     [&](const PassedRow& row) { return row.event == event; });
     }
-    if (row.event) {
-        row.state = stateOf(*row.event);
-    }
-    return row;
 }
 
-FullRead::Rows FullRead::streamDamaged(sql::RowStream& stream, const GenCollection& before,
-                                       const Make& make) {
-    const TimeZone local = TimeZone::local();
-    const RowReader reader(fieldsOf(stream), local, pool_);
-    const ReplacedIn exceptions(stream.fields());
-    Rows rows;
+// No page has a mark then: each is read again.
+FullRead::Pages FullRead::streamDamaged(sql::RowStream& stream, const GenCollection& before,
+                                        const Make& make) {
+    PageReader reader(*this, stream, before, make);
+    Pages pages;
+    const auto at = [&](jet::PageNo number) -> PageRows& {
+        if (pages.empty() || pages.back()->mark.page != number) {
+            pages.push_back(std::make_shared<PageRows>());
+            pages.back()->mark.page = number;
+        }
+        return *pages.back();
+    };
     for (bool more = true; more;) {
         if (isReadable([&] { more = stream.next(); })) {
             if (more) {
-                rows.push_back(damagedRow(stream, reader, before, make));
-                isReadable([&] {
-                    if (auto replaced = exceptions.of(stream); replaced && !rows.back().event) {
-                        passedOver_.push_back(std::move(*replaced));
-                    }
-                });
+                const jet::PageNo page = stream.id().page;
+                reader.readDamaged(knownOf(page), at(page));
             }
             continue;
         }
@@ -246,69 +150,116 @@ FullRead::Rows FullRead::streamDamaged(sql::RowStream& stream, const GenCollecti
             throw Error(ErrNo::Corrupt, "the rows cannot be passed over");
         }
         ++damage_.rows;
-        std::copy_if(rows_.begin(), rows_.end(), std::back_inserter(rows), [&](const Row& row) {
-            return lost->row ? row.place == placeOf({lost->page, *lost->row})
-                             : row.place >> kRowBits == lost->page;
-        });
+        keepLost(*lost, at(lost->page));
     }
-    return rows;
+    return pages;
 }
 
 // Not where somebody writes: what looks damaged then is only torn.
 bool FullRead::readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
-                           Rows& rows) {
+                           Pages& pages) {
     const DBRemindUtils::Look look = db.TakeLook();
     const Damage known = std::exchange(damage_, Damage());
     const bool isRead = db.ForRows(statement_, [&](sql::RowStream& rowStream) {
         damage_ = Damage();
         damage_.inPart = known.inPart;  // which of those that are held are no whole ones
-        rows = streamDamaged(rowStream, before, make);
+        pages = streamDamaged(rowStream, before, make);
     });
     return isRead && look.same(db.TakeLook());
 }
 
-// What was held, with the events that are different now; null when others were held or there are
-// others now.
-std::shared_ptr<GenCollection> FullRead::changed(const Rows& rows,
+namespace {
+
+using Events = std::vector<std::shared_ptr<calEvent>>;
+
+// Whether these can take the others' places one by one, each under the same key.
+bool haveSameKeys(const Events& some, const Events& others) {
+    return std::equal(some.begin(), some.end(), others.begin(), others.end(),
+                      [](const auto& a, const auto& b) { return a->GUID == b->GUID; });
+}
+
+bool haveKeys(const Events& events) {
+    return std::none_of(events.begin(), events.end(),
+                        [](const auto& event) { return event->GUID.empty(); });
+}
+
+// False: one of them is there already.
+bool insert(GenCollection& collection, const Events& events, std::size_t position) {
+    for (const auto& event : events) {
+        const std::size_t count = collection.Count();
+        collection.Add(Variant(event), event->GUID,
+                       position <= count ? static_cast<std::int64_t>(position) : 0);
+        if (collection.Count() == count) {
+            return false;
+        }
+        ++position;
+    }
+    return true;
+}
+
+}  // namespace
+
+// What was held, with what the changed pages have now; null when it cannot be told from that.
+std::shared_ptr<GenCollection> FullRead::changed(const Changes& changes,
                                                  const GenCollection& before) const {
-    if (before.Stamp() != stamp_ || stamp_ == 0 || rows.size() != rows_.size()) {
+    if (!changes.noted) {
         return nullptr;
     }
-    std::vector<const Row*> different;
-    std::size_t held = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto& now = rows[i].event;
-        const auto& was = rows_[i].event;
-        if (rows[i].place != rows_[i].place || (now == nullptr) != (was == nullptr) ||
-            (now && now->GUID != was->GUID)) {
+    static const Events kNone;
+    const auto eventsBefore = [](const ChangedPage& change) -> const Events& {
+        return change.before ? change.before->events : kNone;
+    };
+    auto collection = std::make_shared<GenCollection>(before);
+    std::vector<const ChangedPage*> others;
+    for (const ChangedPage& change : changes.pages) {
+        const Events& now = pages_[change.page]->events;
+        const Events& was = eventsBefore(change);
+        if (!haveKeys(now) || !haveKeys(was)) {
             return nullptr;
         }
-        held += now ? 1U : 0U;
-        if (now != was) {
-            different.push_back(&rows[i]);
+        if (!haveSameKeys(now, was)) {
+            others.push_back(&change);
+            continue;
+        }
+        for (std::size_t i = 0; i < now.size(); ++i) {
+            if (now[i] != was[i]) {
+                collection->UpdateItem(now[i]->GUID, Variant(now[i]));
+            }
         }
     }
-    if (held != before.Count()) {
-        return nullptr;
+    for (const ChangedPage* change : others) {
+        for (const auto& event : eventsBefore(*change)) {
+            collection->Remove(event->GUID);
+        }
     }
-    auto collection = std::make_shared<GenCollection>(before);
-    for (const Row* row : different) {
-        collection->UpdateItem(row->event->GUID, Variant(row->event));
+    std::size_t position = 1;
+    std::size_t page = 0;
+    for (const ChangedPage* change : others) {
+        for (; page < change->page; ++page) {
+            position += pages_[page]->events.size();
+        }
+        if (!insert(*collection, pages_[page]->events, position)) {
+            return nullptr;
+        }
     }
     return collection;
 }
 
-std::shared_ptr<GenCollection> FullRead::collected(const Rows& rows) {
-    auto collection = std::make_shared<GenCollection>();
-    for (const Row& row : rows) {
-        if (row.event) {
-            const std::size_t count = collection->Count();
-            collection->Add(Variant(row.event), row.event->GUID);
-            if (collection->Count() == count) {
-                collection->Remove(row.event->GUID);
-                collection->Add(Variant(row.event), row.event->GUID);
-            }
+void FullRead::addTo(GenCollection& collection, const PageRows& page) {
+    for (const auto& event : page.events) {
+        const std::size_t count = collection.Count();
+        collection.Add(Variant(event), event->GUID);
+        if (collection.Count() == count) {
+            collection.Remove(event->GUID);
+            collection.Add(Variant(event), event->GUID);
         }
+    }
+}
+
+std::shared_ptr<GenCollection> FullRead::collected() const {
+    auto collection = std::make_shared<GenCollection>();
+    for (const auto& page : pages_) {
+        addTo(*collection, *page);
     }
     return collection;
 }
@@ -317,25 +268,49 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
                                               const GenCollection& before, DateTime now,
                                               const Make& make) {
     if (statement != statement_) {
-        rows_.clear();
+        forget();
         statement_ = statement;
     }
     now_ = now;
     takenBack_.clear();
-    Rows rows;
-    const bool isRead = db.ForRows(
-        statement, [&](sql::RowStream& rowStream) { rows = stream(rowStream, before, make); });
+    std::sort(touched_.begin(), touched_.end());
+    Changes changes;
+    Pages pages;
+    int readings = 0;
+    const bool isRead = db.ForRows(statement, [&](sql::RowStream& rowStream) {
+        if (++readings > 1) {
+            lookAtAll();  // what was seen while others wrote may not belong together
+            takenBack_.clear();
+        }
+        changes = {};
+        changes.noted = stamp_ != 0 && before.Stamp() == stamp_ && before.Count() == count_;
+        changes.all = changes.noted ? nullptr : std::make_shared<GenCollection>();
+        pages = stream(rowStream, before, make, changes);
+    });
     if (isRead) {
         damage_ = Damage();
-    } else if (db.LastError() != ErrNo::Corrupt || !readDamaged(db, before, make, rows)) {
-        return nullptr;
+    } else {
+        changes = {};
+        if (db.LastError() != ErrNo::Corrupt || !readDamaged(db, before, make, pages)) {
+            forget();
+            return nullptr;
+        }
     }
-    auto collection = changed(rows, before);
+    touched_.clear();
+    pages_ = std::move(pages);
+    auto collection = changes.all ? changes.all : changed(changes, before);
     if (!collection) {
-        collection = collected(rows);
+        collection = collected();
     }
-    rows_ = std::move(rows);
     stamp_ = collection->Stamp();
+    count_ = 0;
+    for (const auto& page : pages_) {
+        count_ += page->events.size();
+    }
+    mayPassBy_ = true;
+    if (readings > 1) {
+        lookAtAll();
+    }
     return collection;
 }
 

@@ -17,10 +17,9 @@
 
 namespace vl {
 
-class RowReader;
-
-/// Remembers the rows of the last read by place and fingerprint, and the event that each of them
-/// gave. Costs 40 bytes a row.
+/// Remembers which pages of the table the last read found, and the events that their rows gave. A
+/// page that holds what it held is passed by; of another all rows are decoded, and an event whose
+/// row says what it said is the same object. Costs some 45 bytes an event.
 class FullRead {
 public:
     using Fill = std::function<void(calEvent&)>;
@@ -28,9 +27,8 @@ public:
     using Make = std::function<std::shared_ptr<calEvent>(const Fill&)>;
 
     /// Reads all rows of `statement` into a new collection, by GUID, in the order of the rows; of
-    /// rows with the same GUID the last one counts. The event of a row that is as it was is the
-    /// same object. `before` is what the set held. Null when the rows could not be read to their
-    /// end.
+    /// rows with the same GUID the last one counts. `before` is what the set held. Null when the
+    /// rows could not be read to their end; who gets that forgets.
     ///
     /// Where the table is damaged, what can be read of it counts: a row without the values that
     /// cannot be read, and of a row that cannot be read at all the event that it gave before.
@@ -44,12 +42,12 @@ public:
         std::string master;
         DateTime start;
     };
-    /// Those that the reads have met since the last call.
+    /// Those that the reads have met since the last call, but for what they had met before.
     std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
 
     /// Told of each event with the status "AllDone" that the condition passes over and that may
-    /// have a reminder ahead of `now`: true takes it in all the same, without that status. Events
-    /// with nothing to come are not decoded.
+    /// have a reminder ahead of `now`: true takes it in all the same, without that status, and as
+    /// long as its row is the same it stays. Events with nothing to come are not decoded.
     using IsOpenAgain = std::function<bool(const calEvent&)>;
     void takeBack(IsOpenAgain isOpenAgain) { isOpenAgain_ = std::move(isOpenAgain); }
     /// The `GUID`s of those that were taken in since the last call.
@@ -60,40 +58,71 @@ public:
     /// What the last read could not read.
     const Damage& damage() const noexcept { return damage_; }
 
-    /// The next read decodes every row.
-    void forget() { rows_.clear(); }
+    /// An event that an earlier read gave has been changed in place: the next one takes its row's
+    /// word.
+    void look(const calEvent& event);
+    /// The next read takes every row's word.
+    void lookAtAll();
+
+    /// The same, and nothing is known of rows that cannot be read then.
+    void forget();
 
     /// Where the events' equal texts meet.
     TextPool& pool() noexcept { return pool_; }
 
 private:
-    struct Row {
-        std::uint64_t place = 0;
+    using Events = std::vector<std::shared_ptr<calEvent>>;
+    // That the condition is not true of, but it was told of, or asked about.
+    struct PassedRow {
         std::uint64_t fingerprint = 0;
-        std::uint64_t state = 0;          // of the event, as the row gave it
-        std::shared_ptr<calEvent> event;  // null: the condition is not true of the row
+        std::uint64_t state = 0;          // of the event, when it was taken in
+        std::shared_ptr<calEvent> event;  // null: it was not taken in
     };
-    using Rows = std::vector<Row>;
+    struct PageRows {
+        jet::PageMark mark;
+        Events events;                     // that its rows gave
+        std::vector<std::uint16_t> slots;  // of these rows
+        std::vector<PassedRow> passedOver;
+        bool passesOver = false;  // whether there are rows that the condition is not true of
+    };
+    using Pages = std::vector<std::shared_ptr<PageRows>>;  // ascending
+    struct ChangedPage {
+        std::size_t page;                        // in the new list
+        std::shared_ptr<const PageRows> before;  // null: there was none
+    };
+    struct Changes {
+        bool noted = false;  // false: too many, or nothing to compare with
+        std::vector<ChangedPage> pages;
+        std::shared_ptr<GenCollection> all;  // where there was nothing to compare with
+    };
 
-    Rows stream(sql::RowStream& stream, const GenCollection& before, const Make& make);
-    Rows streamDamaged(sql::RowStream& stream, const GenCollection& before, const Make& make);
-    Row damagedRow(sql::RowStream& stream, const RowReader& reader, const GenCollection& before,
-                   const Make& make);
-    bool readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make, Rows& rows);
-    std::shared_ptr<calEvent> eventAt(std::uint64_t place) const;
-    std::shared_ptr<calEvent> openAgain(const std::function<std::shared_ptr<calEvent>()>& make);
-    std::shared_ptr<GenCollection> changed(const Rows& rows, const GenCollection& before) const;
-    static std::shared_ptr<GenCollection> collected(const Rows& rows);
+    class PageReader;
+
+    Pages stream(sql::RowStream& stream, const GenCollection& before, const Make& make,
+                 Changes& changes);
+    Pages streamDamaged(sql::RowStream& stream, const GenCollection& before, const Make& make);
+    bool readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
+                     Pages& pages);
+    const PageRows* knownOf(jet::PageNo page) const;
+    void keepLost(const jet::RowCursor::Unreadable& lost, PageRows& page) const;
+    bool isTouched(const PageRows& page) const;
+    std::shared_ptr<GenCollection> changed(const Changes& changes,
+                                           const GenCollection& before) const;
+    static void addTo(GenCollection& collection, const PageRows& page);
+    std::shared_ptr<GenCollection> collected() const;
 
     TextPool pool_;
     std::string statement_;
-    Rows rows_;
+    Pages pages_;
+    bool mayPassBy_ = false;                // false: pages that hold what they held are read, too
+    std::vector<const calEvent*> touched_;  // sorted while rows are read
     IsOpenAgain isOpenAgain_;
     DateTime now_;  // of the read
     std::vector<PassedOver> passedOver_;
     std::vector<std::string> takenBack_;
     Damage damage_;
     std::uint64_t stamp_ = 0;  // of the collection that they filled
+    std::size_t count_ = 0;    // of their events, those with a key that others have included
 };
 
 /// Of an event that was read again the object that is known, as long as its row says the same.

@@ -456,6 +456,7 @@ void Acts::RestoreWaiting() {
                 attempt([&] { event->setProperty(write.column, Variant(note->after)); });
             }
         }
+        noteChange(write.GUID);
         write.text = note->after;
     }
     // Who has written something else meanwhile has the last word.

@@ -336,7 +336,7 @@ void CheckCycle::countWithoutStatus() {
         return;
     }
     attempt([&] {
-        const auto rows = db_.OpenRS(
+        const auto rows = db_.OpenRSAgain(
             "SELECT COUNT(*) AS Missed FROM Reminders WHERE Deleted=0 AND Status is Null");
         state_.rowsWithoutStatus = rows->EOF_() ? 0 : rows->value("Missed").toInt32();
     });

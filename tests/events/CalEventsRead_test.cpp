@@ -337,6 +337,18 @@ TEST_F(DamagedFile, WhatASetHasReadAsAWholeItKeeps) {
     EXPECT_EQ(other.DamagedRows(), 1U);
 }
 
+TEST_F(DamagedFile, AnActOnWhatIsNotHeldLosesNothingOfIt) {
+    const std::size_t all = set.mCol->Count();
+    set.LookAgain("of no event");
+    damage(kRows + kFirstSlot + 1, 0x1F);
+    set.ReadDB(true, false);
+    EXPECT_EQ(set.mCol->Count(), all);
+    EXPECT_EQ(set.DamagedRows(), 1U);
+    damage(kRows + kFirstSlot + 1, 0x0E);
+    set.ReadDB(true, false);
+    EXPECT_EQ(set.mCol->Count(), all) << "mended";
+}
+
 TEST_F(DamagedFile, ReadingWhatHasChangedGoesOn) {
     damage(kLongValue, 9);
     set.ReadDB(true, false);

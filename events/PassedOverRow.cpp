@@ -1,0 +1,64 @@
+#include "PassedOverRow.h"
+
+#include <algorithm>
+#include <string>
+
+#include "base/Text.h"
+
+namespace vl {
+
+namespace {
+
+// Their number where there is none of that name.
+std::size_t fieldNamed(const std::vector<sql::Field>& fields, std::string_view name) {
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const sql::Field& field) {
+        return text::equalsNoCase(field.name, name);
+    });
+    return static_cast<std::size_t>(found - fields.begin());
+}
+
+std::string textOf(const Variant& value) { return value.isNull() ? std::string() : value.toText(); }
+
+}  // namespace
+
+FinishedIn::FinishedIn(const std::vector<sql::Field>& fields)
+    : deleted_(fieldNamed(fields, "Deleted")),
+      status_(fieldNamed(fields, "status")),
+      start_(fieldNamed(fields, "StartDateTime")),
+      recurrence_(fieldNamed(fields, "recurrence")),
+      reminders_(fieldNamed(fields, "reminders")),
+      known_(std::max({deleted_, status_, start_, recurrence_, reminders_}) < fields.size()) {}
+
+// A reminder after the start of a single event has a negative number of minutes.
+bool FinishedIn::mayGoOn(const sql::RowStream& row, DateTime now) const {
+    if (!known_ || row.value(deleted_).isNull() || row.value(deleted_).toInt32() != 0 ||
+        !text::equalsNoCase(textOf(row.value(status_)), "AllDone")) {
+        return false;
+    }
+    const Variant start = row.value(start_);
+    const auto* date = start.get<DateTime>();
+    return (date != nullptr && *date > now) || !textOf(row.value(recurrence_)).empty() ||
+           textOf(row.value(reminders_)).find('-') != std::string::npos;
+}
+
+ReplacedIn::ReplacedIn(const std::vector<sql::Field>& fields)
+    : state_(fieldNamed(fields, "RecurrenceState")),
+      master_(fieldNamed(fields, "recurringEventId")),
+      start_(fieldNamed(fields, "RExceptionStartTimeOrig")),
+      known_(std::max({state_, master_, start_}) < fields.size()) {}
+
+std::optional<FullRead::PassedOver> ReplacedIn::of(const sql::RowStream& row) const {
+    constexpr int kException = 3;
+    if (!known_ || row.value(state_) != Variant(kException)) {
+        return std::nullopt;
+    }
+    const Variant master = row.value(master_);
+    const Variant start = row.value(start_);
+    const auto* date = start.get<DateTime>();
+    if (date == nullptr || date->isZero() || master.isNull() || master.toText().empty()) {
+        return std::nullopt;
+    }
+    return FullRead::PassedOver{master.toText(), *date};
+}
+
+}  // namespace vl

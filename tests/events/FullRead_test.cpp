@@ -1,0 +1,127 @@
+// What a full read keeps of rows that its statement's condition passes over.
+#include "FullRead.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/EventFile.h"
+#include "support/Support.h"
+
+namespace vl {
+namespace {
+
+const DateTime kNow = DateTime::fromCivil(2026, 11, 20, 14, 0);
+constexpr const char* kOpen = "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\"";
+
+class TakenBack : public testing::Test {
+protected:
+    TakenBack() {
+        db.DBFullName = file.path();
+        put("Done", "AllDone");
+        put("Again", "AllDone");
+        put("Open", "");
+        full.takeBack([this](const calEvent& event) {
+            asked.push_back(event.GUID);
+            return event.GUID == open;
+        });
+    }
+
+    void put(const std::string& GUID, const std::string& status) {
+        calEvent event;
+        event.GUID = GUID;
+        event.id = GUID;
+        event.status = status;
+        event.StartDateTime = kNow.addDays(1);
+        event.EndDateTime = event.StartDateTime.addMinutes(30);
+        file.put(event);
+    }
+
+    void read(DateTime now) {
+        asked.clear();
+        const GenCollection before = held ? *held : GenCollection();
+        held = full.read(db, kOpen, before, now, [](const FullRead::Fill& fill) {
+            auto event = std::make_shared<calEvent>();
+            fill(*event);
+            return event;
+        });
+        db.CloseDB();
+    }
+
+    std::vector<std::string> keys() const {
+        std::vector<std::string> found;
+        for (const Variant& item : *held) {
+            found.push_back(objectIn<calEvent>(item)->GUID);
+        }
+        return found;
+    }
+
+    using Names = std::vector<std::string>;
+    test::TempFolder folder;
+    test::EventFile file{(folder / "Velmora.RemindDB").string()};
+    DBRemindUtils db;
+    FullRead full;
+    Names asked;
+    std::string open = "Again";
+    std::shared_ptr<GenCollection> held;
+};
+
+// Its row could not be written, and the reminder that it was taken in for has just come.
+TEST_F(TakenBack, StaysWhenAnotherRowOfItsPageChangesAndItsTimeHasCome) {
+    read(kNow);
+    ASSERT_EQ(asked, (Names{"Done", "Again"}));
+    ASSERT_EQ(keys(), (Names{"Again", "Open"}));
+    EXPECT_EQ(full.takeTakenBack(), Names{"Again"});
+    const auto again = objectAt<calEvent>(*held, "Again");
+    EXPECT_EQ(again->status, "");
+
+    open.clear();
+    file.change("Open", {{"Subject", "changed"}});
+    read(kNow.addDays(2));
+    EXPECT_EQ(objectAt<calEvent>(*held, "Open")->Subject, "changed");
+    EXPECT_EQ(asked, Names()) << "nothing of these rows has changed";
+    EXPECT_EQ(objectAt<calEvent>(*held, "Again"), again);
+    EXPECT_EQ(full.takeTakenBack(), Names());
+
+    full.lookAtAll();
+    read(kNow.addDays(2));
+    EXPECT_EQ(asked, Names());
+    EXPECT_EQ(objectAt<calEvent>(*held, "Again"), again);
+}
+
+TEST_F(TakenBack, IsAskedAboutAgainAfterAnAct) {
+    read(kNow);
+    const auto again = objectAt<calEvent>(*held, "Again");
+    open.clear();
+    again->Dismissed = kNow;
+    full.look(*again);
+    read(kNow);
+    EXPECT_EQ(asked, Names{"Again"});
+    EXPECT_EQ(keys(), Names{"Open"});
+}
+
+TEST_F(TakenBack, IsAskedAboutAgainWhenItsRowChanges) {
+    read(kNow);
+    file.change("Again", {{"Subject", "changed"}});
+    read(kNow);
+    EXPECT_EQ(asked, Names{"Again"});
+    EXPECT_EQ(objectAt<calEvent>(*held, "Again")->Subject, "changed");
+}
+
+TEST_F(TakenBack, WhatWasPassedOverIsLookedAtAgainThoughThePageHoldsTheSame) {
+    read(kNow);
+    const auto again = objectAt<calEvent>(*held, "Again");
+    read(kNow);
+    EXPECT_EQ(asked, Names());
+    full.forgetPassedOver();
+    open = "Done";
+    read(kNow);
+    EXPECT_EQ(asked, Names{"Done"});
+    EXPECT_EQ(keys(), (Names{"Done", "Again", "Open"}));
+    EXPECT_EQ(objectAt<calEvent>(*held, "Again"), again);
+}
+
+}  // namespace
+}  // namespace vl
