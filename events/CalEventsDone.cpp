@@ -28,9 +28,10 @@ bool replacesWhatIsAhead(const calEvent& event, DateTime now) {
 
 // Where nobody keeps a history the row speaks: a next reminder later than the dismissal is a
 // snooze that has not been acted upon.
-bool isOpen(const calEvent& event, DateTime lastReminder, const EventHistory* history) {
+bool isOpen(const calEvent& event, DateTime lastReminder, DateTime now,
+            const EventHistory* history) {
     if (history != nullptr) {
-        return history->isOpen(event, lastReminder);
+        return history->isOpen(event, lastReminder, now);
     }
     return event.NextReminder > event.Dismissed;
 }
@@ -40,7 +41,8 @@ bool isPast(DateTime last, DateTime now) { return last > DateTime() && last < no
 
 bool isFinished(const calEvent& event, DateTime now, const EventHistory* history) {
     const DateTime last = lastReminderOf(event);
-    return isPast(last, now) && !replacesWhatIsAhead(event, now) && !isOpen(event, last, history);
+    return isPast(last, now) && !replacesWhatIsAhead(event, now) &&
+           !isOpen(event, last, now, history);
 }
 
 std::string statusStatement(std::string_view status, std::span<const std::string> GUIDs) {

@@ -214,17 +214,12 @@ void DueBook::markChanged(const Asked& asked) {
     }
 }
 
-// From when on reminders of the event may be left. What an earlier run has noted holds for the
-// event as that run knew it: one that was moved since has new times.
+// From when on reminders of the event may be left.
 DateTime DueBook::sinceOf(const Slot& slot, const EventState* state, DateTime from) const {
     const calEvent& event = *slot.event;
-    DateTime since = slot.since.isZero() ? from : std::min(slot.since, from);
-    const bool isNoted = !slot.asked && state != nullptr && !state->openSince.isZero();
-    if (isNoted &&
-        (event.IsRepeating() || state->find(event.ToWall(event.StartDateTime)) != nullptr)) {
-        since = std::min(since, event.FromMoment(state->openSince));
-    }
-    return since;
+    const DateTime since = slot.since.isZero() ? from : std::min(slot.since, from);
+    const DateTime noted = slot.asked ? DateTime() : notedOpenSince(event, state);
+    return noted.isZero() ? since : std::min(since, noted);
 }
 
 void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) {

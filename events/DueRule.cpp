@@ -406,13 +406,21 @@ DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion
     return answer;
 }
 
-bool hasOpenReminder(const calEvent& event, const DueFacts& facts) {
+DateTime notedOpenSince(const calEvent& event, const EventState* state) {
+    const bool isNoted =
+        state != nullptr && !state->openSince.isZero() &&
+        (event.IsRepeating() || state->find(event.ToWall(event.StartDateTime)) != nullptr);
+    return isNoted ? event.FromMoment(state->openSince) : DateTime();
+}
+
+bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now) {
     const EventView view(event, facts);
     bool open = false;
     const auto found = [&](DateTime, DateTime) { open = true; };
     view.forEachSnooze(found);
     view.forEachListed(found);
-    return open;
+    const DateTime since = notedOpenSince(event, facts.state);
+    return open || (!since.isZero() && askDue(event, facts, {now, now, now, since}).taken);
 }
 
 }  // namespace vl

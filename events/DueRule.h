@@ -58,8 +58,13 @@ struct DueAnswer {
 /// lies; and one step for each entry of `state`.
 DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion& question);
 
-/// Whether something of the event waits to be shown or acted upon: a snooze, or a reminder that was
-/// listed. Such an event is not finished.
-bool hasOpenReminder(const calEvent& event, const DueFacts& facts);
+/// Since when reminders of the event may not have been shown, local time, by what an earlier run
+/// has noted: that holds for the event as that run knew it, one that was moved since has new times.
+/// 0: nothing is noted.
+DateTime notedOpenSince(const calEvent& event, const EventState* state);
+
+/// Whether something of the event waits to be shown or acted upon: a snooze, a reminder that was
+/// listed, or one that fell due while another was. Such an event is not finished.
+bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now);
 
 }  // namespace vl

@@ -16,9 +16,10 @@ public:
     virtual ~EventHistory() = default;
 
     /// Whether the user has still to hear of the event, or to act on what was shown of it: it is
-    /// snoozed, it was listed and not acted upon, or `lastReminder`, its last reminder of all, lies
-    /// in a time that no check has asked for.
-    virtual bool isOpen(const calEvent& event, DateTime lastReminder) const = 0;
+    /// snoozed, it was listed and not acted upon, another of its reminders fell due while one was
+    /// listed, or `lastReminder`, its last reminder of all, lies in a time that no check has asked
+    /// for.
+    virtual bool isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const = 0;
 
     /// The series with the id `master` does not occur at `start` (local time) any more, although
     /// the exception that says so is about to go.

@@ -8,7 +8,7 @@
 
 namespace vl {
 
-bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder) const {
+bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const {
     if ((!uncheckedSince.isZero() && lastReminder >= uncheckedSince) || isListed_(event.GUID) ||
         (isMet && !isMet(event))) {
         return true;
@@ -20,7 +20,7 @@ bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder) const {
         replaced.push_back(startIn(event, start, here));
     }
     std::sort(replaced.begin(), replaced.end());
-    return hasOpenReminder(event, {state, replaced, here});
+    return hasOpenReminder(event, {state, replaced, here}, now);
 }
 
 void LedgerHistory::keepReplaced(const std::vector<Replaced>& starts) {

@@ -26,7 +26,7 @@ public:
     /// were.
     std::function<bool(const calEvent& event)> isMet;
 
-    bool isOpen(const calEvent& event, DateTime lastReminder) const override;
+    bool isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const override;
     void keepReplaced(const std::vector<Replaced>& starts) override;
 
 private:

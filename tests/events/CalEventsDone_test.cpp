@@ -106,7 +106,7 @@ TEST_F(AllDone, WaitsForTheStartThatAnExceptionReplaces) {
 TEST_F(AllDone, AsksTheHistoryWhatIsOpen) {
     class Open : public EventHistory {
     public:
-        bool isOpen(const calEvent& event, DateTime lastReminder) const override {
+        bool isOpen(const calEvent& event, DateTime lastReminder, DateTime) const override {
             asked += event.GUID + formatDateTime(lastReminder) + " ";
             return event.GUID == "{0}";
         }
