@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
+#include <ctime>
 #include <fstream>
+#include <iomanip>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,15 +18,16 @@ namespace {
 // The sanitizer has an allocator of its own.
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
 /// KiB of memory that the process has in use, as the system sees it.
-long resident() {
+long inUse(const std::string& what) {
     std::ifstream in("/proc/self/status");
     for (std::string line; std::getline(in, line);) {
-        if (line.rfind("VmRSS:", 0) == 0) {
-            return std::stol(line.substr(6));
+        if (line.rfind(what + ":", 0) == 0) {
+            return std::stol(line.substr(what.size() + 1));
         }
     }
     return 0;
 }
+long resident() { return inUse("VmRSS"); }
 
 // What is kept at the end of the heap holds all before it, for the library alone.
 TEST(GiveBackMemory, GivesBackWhatLiesFreeBetweenWhatIsUsed) {
@@ -40,6 +45,20 @@ TEST(GiveBackMemory, GivesBackWhatLiesFreeBetweenWhatIsUsed) {
     giveBackMemory();
     EXPECT_LT(resident(), before - 24 * 1024);
     EXPECT_EQ(blocks.back()[kBlock - 1], 'x');
+}
+
+TEST(GiveBackMemory, GivesBackCodeThatComesAgainWhenItIsRun) {
+    giveBackMemory();
+    const long least = inUse("RssFile");
+    // Code that nothing before it has run.
+    const std::string text = std::to_string(3.5) + std::string(10, 'x');
+    std::ostringstream out;
+    out << std::put_time(std::gmtime(std::array<std::time_t, 1>{0}.data()), "%A") << text;
+    EXPECT_EQ(out.str(), "Thursday3.500000xxxxxxxxxx");
+    const long used = inUse("RssFile");
+    EXPECT_GT(used, least);
+    giveBackMemory();
+    EXPECT_LT(inUse("RssFile"), used);
 }
 #endif
 
