@@ -249,8 +249,7 @@ constexpr const char* kStatements[] = {
     "INSERT INTO T SELECT a , 'x' & b FROM U WHERE a BETWEEN - 1 AND 2 * ( 3 - c ) ;",
     "UPDATE T SET a = Null , T.b = @p WHERE ( a >= 1 ) AND b <> True",
     "DELETE T.* FROM T WHERE a NOT IN ( 1 , 2 ) ;",
-    "CREATE TABLE T ( a COUNTER CONSTRAINT k PRIMARY KEY , b TEXT ( 5 ) NOT NULL , UNIQUE ( a , b "
-    ") )",
+    "CREATE TABLE T ( a COUNTER CONSTRAINT k PRIMARY KEY , b TEXT ( 5 ) NOT NULL , UNIQUE ( a ) )",
     "CREATE UNIQUE INDEX i ON T ( a DESC , b ) WITH DISALLOW NULL",
     "ALTER TABLE T ADD COLUMN a DECIMAL ( 9 , 2 ) UNIQUE",
     "ALTER TABLE T ADD CONSTRAINT k PRIMARY KEY ( a )",
