@@ -1,50 +1,14 @@
 #include "notify/Acts.h"
 
 #include <algorithm>
-#include <unordered_set>
 
-#include "app/Files.h"
+#include "ActParts.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 
 namespace vl {
 
 namespace {
-
-constexpr const char* kNextReminder = "NextReminder";
-constexpr const char* kDismissed = "Dismissed";
-constexpr const char* kHidden = "Hidden";
-constexpr const char* kStatus = "status";
-constexpr const char* kAllDone = "AllDone";
-
-/// Who writes which column, and of which type it is.
-struct Writer {
-    const char* column;
-    std::int64_t (calEvent::*save)(DBRemindUtils&) const;
-    int type;
-};
-constexpr Writer kWriters[] = {
-    {kNextReminder, &calEvent::SaveNextReminderDB, DBRemindUtils::kDateTime},
-    {kDismissed, &calEvent::SaveDismissedDB, DBRemindUtils::kDateTime},
-    {kHidden, &calEvent::SaveHiddenDB, DBRemindUtils::kYesNo},
-    {kStatus, &calEvent::SaveStatusDB, DBRemindUtils::kText}};
-
-std::shared_ptr<calEvent> heldBy(const std::shared_ptr<GenCollection>& set,
-                                 const std::string& GUID) {
-    return set && set->Exists(GUID) ? objectAt<calEvent>(*set, GUID) : nullptr;
-}
-
-// The statement named a column that the table has not (any more).
-bool lacksColumn(const DBRemindUtils& db) {
-    return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
-}
-
-// The row is written later: others hold the file, the disk does not answer or is not there.
-bool passes(const DBRemindUtils& db) {
-    const ErrNo error = db.LastError();
-    return error == ErrNo::Locked || error == ErrNo::Io ||
-           (error == ErrNo::NotFound && !fileExists(db.DBFullName));
-}
 
 DateTime firstReminderOfNext(const calEvent& event) {
     const DateTime next = event.NextInstance(event.InstanceStart);
@@ -67,21 +31,6 @@ const char* nameOf(DismissMode mode) {
     return mode == DismissMode::This          ? "this"
            : mode == DismissMode::AllButAfter ? "all but after"
                                               : "all";
-}
-
-// What was marked as done is the event's last occurrence; the host may have moved it since, or
-// added others.
-bool isStillDone(const calEvent& event, const EventState& state) {
-    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
-    const OccurrenceState* one = state.find(event.ToWall(last));
-    return one != nullptr && one->muted == Muted::ForEver;
-}
-
-// Whether that text is still to be written into the event's column.
-bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
-    const ColumnNote* note = state.note(column);
-    return note != nullptr && note->waits(columnText(event, column)) &&
-           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
 }
 
 // Something of the event is still to come, beside the occurrence: it must go on being read.
@@ -251,86 +200,6 @@ void Acts::Hide(const ActRow& row, bool hidden) {
     });
 }
 
-calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
-    const ErrScope scope;
-    auto result = calEvent::Deletion::Failed;
-    attempt([&] {
-        const calEvent& event = *row.event;
-        if (event.IsException() && !event.RExceptionStartTimeOrig.isZero()) {
-            // No check may have seen it yet, and its row is the last that knows.
-            ledger_.keepReplaced(db_.DBFullName, event.recurringEventId,
-                                 event.RExceptionStartTimeOrig);
-        }
-        // Not acted upon: a deletion that fails leaves all as it was.
-        ledger_.change(db_.DBFullName, event.GUID, "delete",
-                       [](EventState& state) { state.deleting = true; });
-        result = deleteNow(event);
-        if (result == calEvent::Deletion::Waits) {
-            enqueueDeletion(event);
-            countWaiting();
-        }
-    });
-    if (result != calEvent::Deletion::Failed) {
-        leaveSets(row.event->GUID);
-        LeaveNewList(row.event->GUID);
-    }
-    return result;
-}
-
-// The row goes when the host's item is gone: else the host would make it anew.
-calEvent::Deletion Acts::deleteNow(const calEvent& event) {
-    auto result = event.DeleteItem();
-    if (result == calEvent::Deletion::Gone) {
-        db_.DeleteDB(event.GUID);
-        trouble_ = db_.LastErrorText();
-        if (db_.LastError() != ErrNo::None) {
-            result = passes(db_) ? calEvent::Deletion::Waits : calEvent::Deletion::Failed;
-        }
-    }
-    if (result != calEvent::Deletion::Waits) {
-        ledger_.change(db_.DBFullName, event.GUID, "deleted",
-                       [](EventState& state) { state.deleting = false; });
-    }
-    return result;
-}
-
-// A host's file that is held by others is not tried for each of its items.
-void Acts::deleteWaiting() {
-    std::vector<std::string> held;
-    std::erase_if(deletions_, [&](const Deletion& one) {
-        if (std::find(held.begin(), held.end(), one.VLBase) != held.end()) {
-            return false;
-        }
-        calEvent carrier;
-        carrier.GUID = one.GUID;
-        carrier.VLBase = one.VLBase;
-        const bool waits = deleteNow(carrier) == calEvent::Deletion::Waits;
-        if (waits) {
-            held.push_back(one.VLBase);
-        }
-        return !waits;
-    });
-}
-
-void Acts::enqueueDeletion(const calEvent& event) {
-    const auto same = std::find_if(deletions_.begin(), deletions_.end(), [&](const Deletion& one) {
-        return text::equalsNoCase(one.GUID, event.GUID);
-    });
-    if (same == deletions_.end()) {
-        deletions_.push_back({event.GUID, event.VLBase});
-    }
-}
-
-void Acts::countWaiting() { state_.waitingWrites = static_cast<int>(Waiting()); }
-
-void Acts::leaveSets(const std::string& GUID) {
-    for (CalEvents* set : {&period_, &reminders_}) {
-        if (set->mCol) {
-            set->mCol->Remove(GUID);
-        }
-    }
-}
-
 void Acts::LeaveNewList(std::string_view GUID) {
     const ErrScope scope;
     for (GenCollection* list : {state_.NewReminders.get(), state_.LastEventsReminded.get()}) {
@@ -391,131 +260,6 @@ void Acts::noteRow(EventState& state, const calEvent& before, const calEvent& wa
             note.before.push_back(text);
         }
         note.after = columnText(wanted, column);
-    }
-}
-
-// A later act on the same column takes the place of the earlier, which nobody has seen.
-void Acts::enqueue(Write write) {
-    const auto same = std::find_if(waiting_.begin(), waiting_.end(), [&](const Write& other) {
-        return other.column == write.column && text::equalsNoCase(other.GUID, write.GUID);
-    });
-    if (same != waiting_.end()) {
-        same->text = write.text;
-    } else {
-        waiting_.push_back(std::move(write));
-    }
-}
-
-bool Acts::write(const Write& write) {
-    const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
-    const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-    // Where another copy has acted since, its word is to stand there.
-    const std::string& text = note != nullptr ? note->after : write.text;
-    calEvent carrier;
-    carrier.GUID = write.GUID;
-    if (!attempt([&] { carrier.setProperty(write.column, Variant(text)); })) {
-        return true;
-    }
-    for (const Writer& writer : kWriters) {
-        if (write.column != writer.column) {
-            continue;
-        }
-        (carrier.*writer.save)(db_);
-        if (lacksColumn(db_) &&
-            db_.AddField("Reminders", writer.column, writer.type) == ErrNo::None) {
-            (carrier.*writer.save)(db_);
-        }
-    }
-    trouble_ = db_.LastErrorText();
-    return !passes(db_);
-}
-
-void Acts::WriteWaiting() {
-    const ErrScope scope;
-    attempt([&] {
-        while (!waiting_.empty() && write(waiting_.front())) {
-            waiting_.pop_front();
-        }
-    });
-    attempt([&] { deleteWaiting(); });
-    countWaiting();
-}
-
-void Acts::RestoreWaiting() {
-    const ErrScope scope;
-    // Another copy may have acted since on what still waits here.
-    for (Write& write : waiting_) {
-        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
-        const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-        if (note == nullptr || note->after == write.text) {
-            continue;
-        }
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            const auto event = heldBy(set->mCol, write.GUID);
-            if (event && columnText(*event, write.column) == write.text) {
-                attempt([&] { event->setProperty(write.column, Variant(note->after)); });
-            }
-        }
-        noteChange(write.GUID);
-        write.text = note->after;
-    }
-    // Who has written something else meanwhile has the last word.
-    std::erase_if(waiting_, [&](const Write& write) {
-        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            const auto event = heldBy(set->mCol, write.GUID);
-            const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-            if (event && note != nullptr && columnText(*event, write.column) != note->after &&
-                !isWanted(*event, *known, write.column)) {
-                return true;
-            }
-        }
-        return false;
-    });
-    if (lookedAt_ != ledger_.version() && (reminders_.mCol || period_.mCol)) {
-        attempt([&] { findLeftOver(); });
-    }
-    for (const Deletion& one : deletions_) {
-        leaveSets(one.GUID);
-    }
-    for (const Write& write : waiting_) {
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            if (const auto event = heldBy(set->mCol, write.GUID)) {
-                attempt([&] { event->setProperty(write.column, Variant(write.text)); });
-            }
-        }
-        noteChange(write.GUID);
-    }
-    countWaiting();
-}
-
-// What was noted and did not come to the row, by an earlier run, by another copy of the program or
-// by a command. Of what was looked at only what has changed since is looked at again.
-void Acts::findLeftOver() {
-    std::optional<std::unordered_set<std::uint64_t>> changed;
-    if (lookedAt_) {
-        const auto hashes = ledger_.changedSince(*lookedAt_);
-        changed.emplace(hashes.begin(), hashes.end());
-    }
-    lookedAt_ = ledger_.version();
-    auto known = ledger_.all(db_.DBFullName);
-    std::sort(known.begin(), known.end(),
-              [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
-    for (const auto& one : known) {
-        if (changed && !changed->contains(guidHash(one.GUID))) {
-            continue;
-        }
-        auto event = heldBy(period_.mCol, one.GUID);
-        event = event ? event : heldBy(reminders_.mCol, one.GUID);
-        if (event && one.state.deleting) {
-            enqueueDeletion(*event);
-            continue;
-        }
-        for (const std::string_view name : kStateColumns) {
-            if (event && isWanted(*event, one.state, name)) {
-                enqueue({event->GUID, std::string(name), one.state.note(name)->after});
-            }
-        }
     }
 }
 

@@ -1,0 +1,183 @@
+// What acts write into rows: now, or when the file can be written again.
+#include <algorithm>
+#include <unordered_set>
+
+#include "ActParts.h"
+#include "base/ErrorState.h"
+#include "base/Text.h"
+#include "notify/Acts.h"
+
+namespace vl {
+
+namespace {
+
+/// Who writes which column, and of which type it is.
+struct Writer {
+    const char* column;
+    std::int64_t (calEvent::*save)(DBRemindUtils&) const;
+    int type;
+};
+constexpr Writer kWriters[] = {
+    {kNextReminder, &calEvent::SaveNextReminderDB, DBRemindUtils::kDateTime},
+    {kDismissed, &calEvent::SaveDismissedDB, DBRemindUtils::kDateTime},
+    {kHidden, &calEvent::SaveHiddenDB, DBRemindUtils::kYesNo},
+    {kStatus, &calEvent::SaveStatusDB, DBRemindUtils::kText}};
+
+// The statement named a column that the table has not (any more).
+bool lacksColumn(const DBRemindUtils& db) {
+    return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
+}
+
+// What was marked as done is the event's last occurrence; the host may have moved it since, or
+// added others.
+bool isStillDone(const calEvent& event, const EventState& state) {
+    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
+    const OccurrenceState* one = state.find(event.ToWall(last));
+    return one != nullptr && one->muted == Muted::ForEver;
+}
+
+// Whether that text is still to be written into the event's column.
+bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
+    const ColumnNote* note = state.note(column);
+    return note != nullptr && note->waits(columnText(event, column)) &&
+           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
+}
+
+}  // namespace
+
+void Acts::countWaiting() { state_.waitingWrites = static_cast<int>(Waiting()); }
+
+void Acts::leaveSets(const std::string& GUID) {
+    for (CalEvents* set : {&period_, &reminders_}) {
+        if (set->mCol) {
+            set->mCol->Remove(GUID);
+        }
+    }
+}
+
+// A later act on the same column takes the place of the earlier, which nobody has seen.
+void Acts::enqueue(Write write) {
+    const auto same = std::find_if(waiting_.begin(), waiting_.end(), [&](const Write& other) {
+        return other.column == write.column && text::equalsNoCase(other.GUID, write.GUID);
+    });
+    if (same != waiting_.end()) {
+        same->text = write.text;
+    } else {
+        waiting_.push_back(std::move(write));
+    }
+}
+
+bool Acts::write(const Write& write) {
+    const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+    const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+    // Where another copy has acted since, its word is to stand there.
+    const std::string& text = note != nullptr ? note->after : write.text;
+    calEvent carrier;
+    carrier.GUID = write.GUID;
+    if (!attempt([&] { carrier.setProperty(write.column, Variant(text)); })) {
+        return true;
+    }
+    for (const Writer& writer : kWriters) {
+        if (write.column != writer.column) {
+            continue;
+        }
+        (carrier.*writer.save)(db_);
+        if (lacksColumn(db_) &&
+            db_.AddField("Reminders", writer.column, writer.type) == ErrNo::None) {
+            (carrier.*writer.save)(db_);
+        }
+    }
+    trouble_ = db_.LastErrorText();
+    return !passes(db_);
+}
+
+void Acts::WriteWaiting() {
+    const ErrScope scope;
+    attempt([&] {
+        while (!waiting_.empty() && write(waiting_.front())) {
+            waiting_.pop_front();
+        }
+    });
+    attempt([&] { deleteWaiting(); });
+    countWaiting();
+}
+
+void Acts::RestoreWaiting() {
+    const ErrScope scope;
+    // Another copy may have acted since on what still waits here.
+    for (Write& write : waiting_) {
+        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+        const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+        if (note == nullptr || note->after == write.text) {
+            continue;
+        }
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            const auto event = heldBy(set->mCol, write.GUID);
+            if (event && columnText(*event, write.column) == write.text) {
+                attempt([&] { event->setProperty(write.column, Variant(note->after)); });
+            }
+        }
+        noteChange(write.GUID);
+        write.text = note->after;
+    }
+    // Who has written something else meanwhile has the last word.
+    std::erase_if(waiting_, [&](const Write& write) {
+        const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            const auto event = heldBy(set->mCol, write.GUID);
+            const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+            if (event && note != nullptr && columnText(*event, write.column) != note->after &&
+                !isWanted(*event, *known, write.column)) {
+                return true;
+            }
+        }
+        return false;
+    });
+    if (lookedAt_ != ledger_.version() && (reminders_.mCol || period_.mCol)) {
+        attempt([&] { findLeftOver(); });
+    }
+    for (const Deletion& one : deletions_) {
+        leaveSets(one.GUID);
+    }
+    for (const Write& write : waiting_) {
+        for (const CalEvents* set : {&period_, &reminders_}) {
+            if (const auto event = heldBy(set->mCol, write.GUID)) {
+                attempt([&] { event->setProperty(write.column, Variant(write.text)); });
+            }
+        }
+        noteChange(write.GUID);
+    }
+    countWaiting();
+}
+
+// What was noted and did not come to the row, by an earlier run, by another copy of the program or
+// by a command. Of what was looked at only what has changed since is looked at again.
+void Acts::findLeftOver() {
+    std::optional<std::unordered_set<std::uint64_t>> changed;
+    if (lookedAt_) {
+        const auto hashes = ledger_.changedSince(*lookedAt_);
+        changed.emplace(hashes.begin(), hashes.end());
+    }
+    lookedAt_ = ledger_.version();
+    auto known = ledger_.all(db_.DBFullName);
+    std::sort(known.begin(), known.end(),
+              [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
+    for (const auto& one : known) {
+        if (changed && !changed->contains(guidHash(one.GUID))) {
+            continue;
+        }
+        auto event = heldBy(period_.mCol, one.GUID);
+        event = event ? event : heldBy(reminders_.mCol, one.GUID);
+        if (event && one.state.deleting) {
+            enqueueDeletion(*event);
+            continue;
+        }
+        for (const std::string_view name : kStateColumns) {
+            if (event && isWanted(*event, one.state, name)) {
+                enqueue({event->GUID, std::string(name), one.state.note(name)->after});
+            }
+        }
+    }
+}
+
+}  // namespace vl
