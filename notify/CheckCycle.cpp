@@ -2,12 +2,8 @@
 
 #include <algorithm>
 
-#include "app/HtmlText.h"
-#include "app/TimeText.h"
 #include "app/platform/Memory.h"
 #include "base/ErrorState.h"
-#include "base/Text.h"
-#include "notify/PopUpMarkup.h"
 #include "notify/ReadAgain.h"
 
 namespace vl {
@@ -28,16 +24,6 @@ public:
 private:
     bool& flag_;
 };
-
-// Summary and reminder line.
-std::shared_ptr<ValueList> lineOf(const calEvent& event) {
-    std::string text;
-    attempt([&] { text = event.ReminderText(); });
-    auto list = std::make_shared<ValueList>();
-    list->items = {Variant(event.Summary().str()),
-                   Variant(" " + text + " (" + shortTimeText(event.RecordedReminderD()) + ")")};
-    return list;
-}
 
 }  // namespace
 
@@ -153,27 +139,6 @@ void CheckCycle::takeZone() {
     zone_ = here;
 }
 
-// The rows of the list show local times, and acts are on what they show.
-void CheckCycle::refillListed() {
-    const GenCollection listed = *state_.NewReminders;
-    for (const Variant& item : listed) {
-        const auto row = objectIn<calEvent>(item);
-        const auto held = row && reminders_.mCol && reminders_.mCol->Exists(row->GUID)
-                              ? objectAt<calEvent>(*reminders_.mCol, row->GUID)
-                              : nullptr;
-        if (!held || !held->HasOwnZone()) {
-            continue;
-        }
-        // A copy: what is listed is none of the sets'.
-        const auto event = std::make_shared<calEvent>(*held);
-        if (reminders_.RecordListed(*event)) {
-            state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
-            lines_.Add(Variant(lineOf(*event)), event->GUID, 0, 0, true);
-            attempt([&] { screen_.UpdateItemR(event, kNewRemindersGrid); });
-        }
-    }
-}
-
 DateTime CheckCycle::UncheckedSince() const {
     const DateTime last = lastAsked();
     return unseen_ ? std::min(last, earlierOf(*unseen_, TimeZone::local())) : last;
@@ -220,101 +185,6 @@ std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {
     return due;
 }
 
-void CheckCycle::takeIn(const GenCollection& due, std::string& message) {
-    state_.EvCol = std::make_shared<GenCollection>();
-    std::vector<std::shared_ptr<calEvent>> taken;
-    for (const Variant& item : due) {
-        const auto event = objectIn<calEvent>(item);
-        if (event && !state_.LastEventsReminded->Exists(event->GUID)) {
-            takeIn(event, message);
-            taken.push_back(event);
-        }
-    }
-    reminders_.NoteListed(taken);
-}
-
-void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& message) {
-    const auto entry = lineOf(*event);
-    message += entry->items[0].toText() + entry->items[1].toText() + "\r\n";
-    state_.EvCol->Add(Variant(entry), event->GUID);
-    lines_.Add(Variant(entry), event->GUID, 0, 0, true);
-    event->dLastReminder = event->RecordedReminderD();
-    state_.NewReminders->Add(Variant(event), event->GUID, 0, 0, true);
-    attempt([&] { screen_.AddItemR(event, kNewRemindersGrid); });
-    attempt([&] { screen_.UpdateItemR(event, kAllRemindersGrid); });
-    state_.dLastReminder = clock_.now();
-}
-
-void CheckCycle::rebuildIndex() {
-    state_.LastEventsReminded = std::make_shared<GenCollection>();
-    for (const Variant& item : *state_.NewReminders) {
-        if (const auto event = objectIn<calEvent>(item)) {
-            state_.LastEventsReminded->Add(Variant(event), event->GUID);
-        }
-    }
-    // Most of what was listed once is not any more.
-    auto listed = std::move(lines_);
-    lines_ = GenCollection();
-    for (const Variant& item : *state_.NewReminders) {
-        if (const auto event = objectIn<calEvent>(item); event && listed.Exists(event->GUID)) {
-            lines_.Add(listed.Item(event->GUID), event->GUID);
-        }
-    }
-}
-
-void CheckCycle::notify(const std::string& message) {
-    if (state_.NewReminders->Count() == 0 || state_.bMuted) {
-        return;
-    }
-    if (!state_.bSilent) {
-        attempt([&] { screen_.PlayReminderSound(); });
-    }
-    std::string heading;
-    attempt([&] { heading = title(); });
-    attempt([&] { deliver(heading, message); });
-}
-
-std::string CheckCycle::title() const {
-    const std::size_t listed = state_.NewReminders->Count();
-    if (listed > 1) {
-        return std::to_string(listed) + " new reminders";
-    }
-    const auto event = objectAt<calEvent>(*state_.NewReminders, 1);
-    return event ? period_.ReminderMSG(htmlToText(event->Summary())) : std::string();
-}
-
-void CheckCycle::deliver(const std::string& title, const std::string& message) {
-    const auto is = [&](const char* type) { return text::equalsNoCase(state_.sNotifType, type); };
-    if (is("D")) {
-        const auto& shown = state_.EvCol->Count() > 0 ? *state_.EvCol : *state_.NewReminders;
-        screen_.ShowNewReminders(shown.Key(1));
-    } else if (is("E")) {
-        screen_.ShowPopUp({"Email notifications...",
-                           "This feature is not yet implemented, but will send email reminders",
-                           5000, false, 250, 100, 100});
-    } else if (is("T")) {
-        // The tray icon is set at the end of every check.
-    } else if (is("P")) {
-        fillWithListed();
-        screen_.ShowPopUp({title, "", -1, false, 300, 100, 100});
-    } else if (is("S:")) {
-        // The menu stores "S": a check never shows the system's balloon.
-        screen_.ShowSystem(title, message, 5000);
-    }
-}
-
-// The toast of a check that took in nothing new shows every listed reminder, never an empty body.
-void CheckCycle::fillWithListed() {
-    if (state_.EvCol->Count() > 0) {
-        return;
-    }
-    for (const Variant& item : *state_.NewReminders) {
-        if (const auto event = objectIn<calEvent>(item)) {
-            state_.EvCol->Add(lines_.Item(event->GUID), event->GUID);
-        }
-    }
-}
-
 bool CheckCycle::refreshPeriod() {
     const bool isRead = readAgain(period_, db_, true, false);
     if (isRead) {
@@ -343,70 +213,6 @@ void CheckCycle::countWithoutStatus() {
     statusLook_ = look;
 }
 
-void CheckCycle::DoRemoveDeleted() {
-    const ErrScope scope;
-    const DBRemindUtils::Look look = db_.TakeLook();
-    if (look.same(deletedLook_)) {
-        return;  // the update timer asks every second
-    }
-    auto deleted = std::make_shared<GenCollection>();
-    attempt([&] { deleted = db_.GetDeletedCol(); });
-    deletedLook_ = db_.LastError() == ErrNo::None ? look : DBRemindUtils::Look();
-    for (const Variant& item : *deleted) {
-        attempt([&] { removeEvent(item.toText()); });
-    }
-    purgeWaits_ = false;
-    if (deleted->Count() > 0) {
-        purge();
-    }
-    // The host may put another file in this one's place: hold it no longer than a look takes.
-    attempt([&] { db_.CloseDB(); });
-}
-
-void CheckCycle::removeEvent(const std::string& GUID) {
-    RemoveGUIDAll(GUID);
-    for (CalEvents* set : {&period_, &reminders_}) {
-        if (set->mCol) {
-            set->mCol->Remove(GUID);
-        }
-    }
-    if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
-        state_.curEvent.reset();
-    }
-}
-
-// The rows stay where the file is held by somebody else. Our own attempt is no reason to look again
-// every second.
-void CheckCycle::purge() {
-    purgeWaits_ = !keepReplacedStarts();
-    if (!purgeWaits_) {
-        db_.DeleteAllDeleted();
-        purgeWaits_ = db_.LastError() != ErrNo::None;
-    }
-    deletedLook_ = db_.TakeLook();
-}
-
-// What a deleted exception has replaced does not ring again, and its row is the last that knows of
-// it. True when nothing is left to keep.
-bool CheckCycle::keepReplacedStarts() {
-    const auto rows = db_.OpenRS(
-        "SELECT recurringEventId, RExceptionStartTimeOrig FROM Reminders WHERE Deleted=True AND "
-        "RecurrenceState=3 AND RExceptionStartTimeOrig is not Null;");
-    std::vector<EventHistory::Replaced> starts;
-    for (; !rows->EOF_(); rows->MoveNext()) {
-        attempt([&] {
-            const Variant& master = rows->value("recurringEventId");
-            if (!master.isNull()) {
-                starts.push_back(
-                    {master.toText(), rows->value("RExceptionStartTimeOrig").toDateTime()});
-            }
-        });
-    }
-    history_.keepReplaced(starts);
-    // A file without these columns has no exceptions.
-    return rows->isOpen() || db_.LastError() == ErrNo::NotFound;
-}
-
 // The day stays that of the first check: from the next day on this is done with every check.
 void CheckCycle::changeDay() {
     if (state_.CheckDay.isZero()) {
@@ -419,18 +225,6 @@ void CheckCycle::changeDay() {
         acts_.RestoreWaiting();
         attempt([&] { period_.UpdateAllDone(&history_); });
         attempt([&] { reminders_.RemoveAllDoneOf(period_); });
-    }
-}
-
-void CheckCycle::RemoveGUIDAll(std::string_view GUID) {
-    const ErrScope scope;
-    for (int grid = 0; grid < kGridCount; ++grid) {
-        attempt([&] { screen_.RemoveGUID(GUID, grid); });
-    }
-    // What is not listed any more may come again at once.
-    for (GenCollection* list :
-         {state_.NewReminders.get(), state_.LastEventsReminded.get(), &lines_}) {
-        list->Remove(GUID);
     }
 }
 
