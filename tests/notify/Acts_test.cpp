@@ -85,7 +85,7 @@ protected:
     Ledger ledger{clock, (folder / "VLReminders.ledger").string()};
     ReminderState state;
     Acts acts{reminders, period, db, clock, ledger, state};
-    const EventState nothing;
+    const EventState nothing{};
 };
 
 TEST_F(ActsOnFile, SnoozeCountsFromNowAndIsSetEverywhereAtOnce) {
