@@ -66,13 +66,14 @@ void putNumeric(const Column& column, const Variant& value, std::span<std::byte>
     }
 }
 
-// The same instant must always give the same bits: indexes and comparisons go by them.
-double dateBits(const Variant& value) {
+// The same instant must always give the same bits: indexes and comparisons go by them. Only what is
+// copied has those that somebody else gave it.
+double dateBits(const Variant& value, Dates dates) {
     const DateTime date = value.toDateTime();
     if (!isStorable(date)) {
         tooLarge("a date of " + text::fromNumber(date.days()) + " days");
     }
-    return date.wholeSeconds().days();
+    return dates == Dates::AsTheyAre ? date.days() : date.wholeSeconds().days();
 }
 
 void putText(const Variant& value, std::span<std::byte> field) {
@@ -94,7 +95,8 @@ bool isStorable(DateTime date) noexcept {
     return std::isfinite(date.days()) && !(date < kFirst) && date < kBehindLast;
 }
 
-void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field) {
+void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field,
+                 Dates dates) {
     switch (column.type) {
         case ColumnType::Byte:
             store(field, 0, static_cast<std::uint8_t>(wholeNumber(value, 0, 255)));
@@ -116,7 +118,7 @@ void encodeFixed(const Column& column, const Variant& value, std::span<std::byte
             store(field, 0, std::bit_cast<std::uint64_t>(finite(value, DBL_MAX)));
             break;
         case ColumnType::Date:
-            store(field, 0, std::bit_cast<std::uint64_t>(dateBits(value)));
+            store(field, 0, std::bit_cast<std::uint64_t>(dateBits(value, dates)));
             break;
         case ColumnType::Text:
             putText(value, field);

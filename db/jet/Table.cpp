@@ -48,6 +48,10 @@ RowId Table::insert(std::span<const Change> changes) {
     return RowWriter(*file_, *definition_).insert(changes, rules());
 }
 
+RowId Table::insertCopy(std::span<const Change> changes) {
+    return RowWriter(*file_, *definition_).insert(changes, rules(), Dates::AsTheyAre);
+}
+
 void Table::update(RowId id, std::span<const Change> changes) {
     RowWriter(*file_, *definition_).update(id, changes, rules());
 }

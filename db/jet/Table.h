@@ -62,6 +62,10 @@ public:
     /// sorted in another language's order.
     RowId insert(std::span<const Change> changes);
 
+    /// The same with values that were read from another file's row: dates keep what they have
+    /// beyond whole seconds, bit for bit.
+    RowId insertCopy(std::span<const Change> changes);
+
     /// Writes columns of one row; a row that holds all of it already costs no write. Throws what
     /// `insert` throws; also `ErrNo::NotFound` when there is no such row, and `ErrNo::Unsupported`
     /// for an autonumber.

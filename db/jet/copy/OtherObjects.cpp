@@ -53,7 +53,7 @@ void addQueries(PageFile& source, PageFile& target, const std::set<std::int32_t>
     for (RowCursor row = from.scan(); row.next();) {
         const Variant id = row.value(object);
         if (const auto* number = id.get<std::int32_t>(); number && queries.contains(*number)) {
-            to.insert(valuesFor(to, from, row));
+            to.insertCopy(valuesFor(to, from, row));
         }
     }
 }
@@ -75,7 +75,7 @@ std::set<std::string> addRelationships(PageFile& source, PageFile& target,
         });
         const Variant label = row.value(name);
         if (const auto* text = label.get<std::string>(); text && whole) {
-            to.insert(valuesFor(to, from, row));
+            to.insertCopy(valuesFor(to, from, row));
             added.insert(text::foldCase(*text));
         }
     }

@@ -15,7 +15,7 @@ void RowBatch::add(const std::vector<Variant>& values) {
             changes.emplace_back(i, values[i]);
         }
     }
-    table_.insert(changes);
+    table_.insertCopy(changes);
     if (++rows_ == kMost) {
         finish();
     }

@@ -11,7 +11,7 @@ namespace vl::jet {
 
 /// Inserts rows, some thousands in one transaction: nobody reads the file before it is finished,
 /// and memory has an end. `db` must outlive it, and have no transaction open. Throws what
-/// `Table::insert` throws; a row that is refused is not there, those before it are.
+/// `Table::insertCopy` throws; a row that is refused is not there, those before it are.
 class RowBatch {
 public:
     RowBatch(Database& db, Table table) : db_(db), table_(std::move(table)) {}

@@ -105,7 +105,7 @@ void CatalogWriter::addObject(std::span<const std::pair<std::string, Variant>> v
             container = value.toInt32();
         }
     }
-    objects_.insert(row);
+    objects_.insertCopy(row);
     addPermissions(object, container, admin);
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "Bytes.h"
-#include "FixedValue.h"
 #include "LongValue.h"
 #include "TextCode.h"
 #include "Value.h"
@@ -40,13 +39,13 @@ std::vector<std::byte> binaryBytes(const Column& column, const Variant& value) {
     return out;
 }
 
-std::vector<std::byte> sizedBytes(const Column& column, const Variant& value) {
+std::vector<std::byte> sizedBytes(const Column& column, const Variant& value, Dates dates) {
     Column stored = column;
     if (column.type == ColumnType::Complex) {
         stored.type = ColumnType::Long;
     }
     std::vector<std::byte> bytes(column.length);
-    encodeFixed(stored, value, bytes);
+    encodeFixed(stored, value, bytes, dates);
     return bytes;
 }
 
@@ -92,7 +91,7 @@ void appendVariable(std::vector<std::byte>& row, const std::vector<ByteView>& sl
 
 }  // namespace
 
-Field fieldOf(const Column& column, const Variant& value) {
+Field fieldOf(const Column& column, const Variant& value, Dates dates) {
     if (column.type == ColumnType::Boolean) {
         return {!value.isNull() && value.toBool(), {}, false};
     }
@@ -113,7 +112,7 @@ Field fieldOf(const Column& column, const Variant& value) {
             }
             [[fallthrough]];
         default:
-            return {true, sizedBytes(column, value), false};
+            return {true, sizedBytes(column, value, dates), false};
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "FixedValue.h"
 #include "Row.h"
 #include "base/Variant.h"
 
@@ -19,10 +20,10 @@ struct Field {
 
 using Fields = std::vector<Field>;  ///< one for each of the table's `columns`
 
-/// `value` as the column stores it: numbers rounded (halves to even), dates to whole seconds.
+/// `value` as the column stores it: numbers rounded (halves to even), dates as `dates` says.
 /// Throws `Error`: `ErrNo::TypeMismatch` when it has no such form, `ErrNo::Overflow` when it does
 /// not fit, `ErrNo::Unsupported` for a text that cannot be stored. Source: docs/jet4.md, "Values".
-Field fieldOf(const Column& column, const Variant& value);
+Field fieldOf(const Column& column, const Variant& value, Dates dates = Dates::WholeSeconds);
 
 /// What the row holds already. Throws `Error` (`ErrNo::Corrupt`).
 Fields fieldsOf(const RowView& row, const TableDefinition& table);

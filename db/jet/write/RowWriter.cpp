@@ -82,9 +82,10 @@ RowWriter::RowWriter(PageFile& file, const TableDefinition& table)
 
 RowPages RowWriter::pages() { return {file_, table_.page, table_.ownedPages, table_.freePages}; }
 
-RowId RowWriter::insert(std::span<const Table::Change> changes, const ColumnRules& rules) {
+RowId RowWriter::insert(std::span<const Table::Change> changes, const ColumnRules& rules,
+                        Dates dates) {
     Fields fields(table_.columns.size());
-    assign(fields, changes);
+    assign(fields, changes, dates);
     number(fields);
     for (std::size_t i = 0; i < fields.size(); ++i) {
         checkRule(i, fields[i], rules);
@@ -107,7 +108,7 @@ void RowWriter::update(RowId id, std::span<const Table::Change> changes, const C
     const Stored row = read(id);
     const Origin& origin = row.place.page.origin();
     Fields fields = row.fields;
-    assign(fields, changes);
+    assign(fields, changes, Dates::WholeSeconds);
     bool changed = false;
     std::vector<bool> affected(fields.size());
     for (const auto& [position, value] : changes) {
@@ -205,12 +206,12 @@ RowWriter::Stored RowWriter::read(RowId id) {
                                      " on page " + std::to_string(id.page));
 }
 
-void RowWriter::assign(Fields& fields, std::span<const Table::Change> changes) {
+void RowWriter::assign(Fields& fields, std::span<const Table::Change> changes, Dates dates) {
     for (const auto& [position, value] : changes) {
         assert(position < fields.size());
         const Column& column = table_.columns[position];
         named([&] { return labelOf(file_, table_) + ", column \"" + column.name + "\""; },
-              [&, &v = value, at = position] { fields[at] = fieldOf(column, v); });
+              [&, &v = value, at = position] { fields[at] = fieldOf(column, v, dates); });
     }
 }
 

@@ -22,7 +22,8 @@ public:
     /// what `table` says any more.
     RowWriter(PageFile& file, const TableDefinition& table);
 
-    RowId insert(std::span<const Table::Change> changes, const ColumnRules& rules);
+    RowId insert(std::span<const Table::Change> changes, const ColumnRules& rules,
+                 Dates dates = Dates::WholeSeconds);
     void update(RowId id, std::span<const Table::Change> changes, const ColumnRules& rules);
     void remove(RowId id);
 
@@ -42,7 +43,7 @@ private:
     };
 
     Stored read(RowId id);
-    void assign(Fields& fields, std::span<const Table::Change> changes);
+    void assign(Fields& fields, std::span<const Table::Change> changes, Dates dates);
     void number(Fields& fields);
     void checkRule(std::size_t column, const Field& field, const ColumnRules& rules);
     std::vector<Variant> partsOf(std::size_t tree, const Fields& fields, const Origin& origin);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <iostream>
 #include <limits>
@@ -164,6 +165,94 @@ TEST(JetCopy, EveryFileIsCopiedWithTheSameRows) {
               << " sides of relationships\n";
     EXPECT_EQ(copied, static_cast<int>(files.size()));
     EXPECT_GE(salvaged, 2);
+}
+
+/// A file whose only table, "Things", has a row for each of `values` in its only column, and their
+/// bytes there replaced. What is found as it was stored is to be there once for each row.
+std::string filledWith(const jet::NewColumn& column, const std::vector<Variant>& values,
+                       const std::vector<std::string>& stored,
+                       const std::vector<std::string>& bytes) {
+    const test::TempFolder folder;
+    const std::string path = (folder / "source.mdb").string();
+    {
+        auto db = Database::create(path);
+        db.createTable("Things", std::vector<jet::NewColumn>{column});
+        jet::Transaction change(db);
+        Table table = db.table("Things");
+        for (const Variant& value : values) {
+            table.insert(std::vector<Table::Change>{{0, value}});
+        }
+        change.commit();
+    }
+    std::string file = test::readFile(path);
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+        const std::size_t at = file.find(stored[i]);
+        EXPECT_NE(at, std::string::npos) << i;
+        EXPECT_EQ(file.find(stored[i], at + 1), std::string::npos) << i;
+        if (at != std::string::npos) {
+            file.replace(at, bytes[i].size(), bytes[i]);
+        }
+    }
+    return file;
+}
+
+template <class Number>
+std::string bytesOf(Number number) {
+    std::string bytes(sizeof number, '\0');
+    std::memcpy(bytes.data(), &number, sizeof number);
+    return bytes;
+}
+
+// Other programs keep parts of a second, and what comes out of a sum of doubles.
+TEST(JetCopy, DatesKeepEveryBitAlsoInUniqueIndexes) {
+    const double second = 1.0 / 86400;
+    const double nine = 46346 + 34200 * second;
+    const std::vector<double> days = {nine,
+                                      nine + 0.3 * second,
+                                      nine + 0.9999 * second,
+                                      std::nextafter(nine, 50000.0),
+                                      -1.25 - 0.4 * second,
+                                      -0.0,
+                                      2958465.5 + 0.7 * second};
+    std::vector<Variant> values;
+    std::vector<std::string> stored;
+    std::vector<std::string> bytes;
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        const auto other = DateTime::fromCivil(2031, 3, 1 + static_cast<int>(i), 7, 11, 13);
+        values.emplace_back(other);
+        stored.push_back(bytesOf(other.days()));
+        bytes.push_back(bytesOf(days[i]));
+    }
+    Disk disk(filledWith({.name = "At", .type = jet::ColumnType::Date}, values, stored, bytes));
+    auto source = test::openMemory(disk, Access::ReadWrite);
+    source.createIndex("Things", {.name = "ByAt", .unique = true, .columns = {{"At"}}});
+    ASSERT_EQ(whatIsWrong(source), "");
+
+    const auto bitsIn = [](Database& db) {
+        std::vector<std::uint64_t> bits;
+        const Table table = db.table("Things");
+        EXPECT_TRUE(table.indexes().at(0).unique);
+        for (jet::RowCursor row = table.indexScan(0); row.next();) {
+            bits.push_back(std::bit_cast<std::uint64_t>(row.value(0).toDateTime().days()));
+        }
+        EXPECT_EQ(whatIsWrong(db), "");
+        return bits;
+    };
+    std::vector<double> ordered = days;
+    std::sort(ordered.begin(), ordered.end());
+    std::vector<std::uint64_t> expected;
+    for (const double day : ordered) {
+        expected.push_back(std::bit_cast<std::uint64_t>(day));
+    }
+    ASSERT_EQ(bitsIn(source), expected);
+    const test::TempFolder folder;
+    auto copy = Database::create((folder / "copy.mdb").string());
+    EXPECT_EQ(copyTables(source, copy).rows, days.size());
+    EXPECT_EQ(bitsIn(copy), expected);
+    auto saved = Database::create((folder / "saved.mdb").string());
+    EXPECT_TRUE(
+        jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved).lost.empty());
+    EXPECT_EQ(bitsIn(saved), expected);
 }
 
 // A copy would have to change it, so that only what saves the rest goes on.
