@@ -7,7 +7,8 @@ namespace vl {
 namespace {
 
 std::string whereText(std::string_view column, std::string_view value) {
-    return " FROM Reminders WHERE (" + std::string(column) + "=\"" + std::string(value) + "\");";
+    return " FROM Reminders WHERE (" + std::string(column) + "=" + DBRemindUtils::ToSQLText(value) +
+           ");";
 }
 
 }  // namespace

@@ -218,6 +218,10 @@ std::string DBRemindUtils::ToSQLDateTime(DateTime d, bool bHashTagEnclosed) {
     return bHashTagEnclosed ? "#" + text + "#" : text;
 }
 
+std::string DBRemindUtils::ToSQLText(std::string_view value) {
+    return "\"" + text::replaceAll(value, "\"", "\"\"") + "\"";
+}
+
 bool DBRemindUtils::FieldExistsDB(std::string_view TName, std::string_view FieldName) {
     const ErrScope scope;
     clearError();

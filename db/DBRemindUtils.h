@@ -103,6 +103,9 @@ public:
     /// "yyyy-mm-dd", with " hh:mm:ss" unless the time is midnight; a literal of the dialect when
     /// enclosed.
     static std::string ToSQLDateTime(DateTime d, bool bHashTagEnclosed);
+    /// In double quotes, those within doubled: a literal of the dialect, whatever stands in
+    /// `value`.
+    static std::string ToSQLText(std::string_view value);
 
     /// Whether the table and in it the column exist, without regard to case. Looks into the file
     /// by itself: the connection stays as it is.

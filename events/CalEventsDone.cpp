@@ -45,23 +45,16 @@ bool isFinished(const calEvent& event, DateTime now, const EventHistory* history
            !isOpen(event, last, now, history);
 }
 
-std::string statusStatement(std::string_view status, std::span<const std::string> GUIDs) {
-    std::string list;
-    for (const std::string& GUID : GUIDs) {
-        list += (list.empty() ? "\"" : ", \"") + text::replaceAll(GUID, "\"", "\"\"") + "\"";
-    }
-    return "UPDATE Reminders SET status = \"" + std::string(status) + "\" WHERE (GUID IN (" + list +
-           "));";
-}
-
 // The first start on a long calendar finds thousands of them: a statement for each, with its
 // waiting for the disk or for others, would take minutes. What cannot be written now is found
 // again at the next start.
 void writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std::string> GUIDs) {
     constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
+    calEvent carrier;
+    carrier.status = status;
     while (!GUIDs.empty()) {
         const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
-        db.Execute(statusStatement(status, some));
+        carrier.SaveStatusDB(db, some);
         if (db.LastError() != ErrNo::None) {
             return;
         }

@@ -138,16 +138,18 @@ void Ledger::write(const std::string& lines) {
     lines_ += static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
-// Under the lock the change is made on top of what others have added meanwhile. Where there is no
+// Under the lock a change is made on top of what others have added meanwhile. Where there is no
 // lock to be had it is made all the same, on what is known.
-bool Ledger::store(const std::function<std::string()>& makeLines) {
-    const ErrScope scope;
+SharedFile::Lock Ledger::begin() {
     SharedFile::Lock lock;
     if (file_) {
         attempt([&] { lock = file_->lock(kLockWait); });
         ReadAgain();
     }
-    attempt([&] { owed_ += makeLines(); });
+    return lock;
+}
+
+bool Ledger::flush(const SharedFile::Lock& lock) {
     if (!file_) {
         owed_.clear();
         return false;
@@ -157,6 +159,30 @@ bool Ledger::store(const std::function<std::string()>& makeLines) {
         attempt([&] { compact(false); });
     }
     return owed_.empty();
+}
+
+bool Ledger::store(const std::function<std::string()>& makeLines) {
+    const ErrScope scope;
+    const SharedFile::Lock lock = together_ > 0 ? heldTogether_ : begin();
+    attempt([&] { owed_ += makeLines(); });
+    return together_ == 0 && flush(lock);
+}
+
+Ledger::Together::Together(Ledger& ledger) : ledger_(ledger) {
+    const ErrScope scope;
+    if (ledger_.together_++ == 0) {
+        ledger_.heldTogether_ = ledger_.begin();
+    }
+}
+
+Ledger::Together::~Together() {
+    const ErrScope scope;
+    if (--ledger_.together_ == 0) {
+        if (!ledger_.owed_.empty()) {
+            ledger_.flush(ledger_.heldTogether_);
+        }
+        ledger_.heldTogether_.reset();
+    }
 }
 
 std::string Ledger::edited(std::string_view database, std::string_view GUID, std::string_view act,

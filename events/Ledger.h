@@ -84,6 +84,20 @@ public:
     bool forget(std::string_view database, std::string_view GUID, std::string_view act,
                 const std::function<void(EventState&)>& edit);
 
+    /// While it lives, changes are made under one lock, and they are on the disk, in one write,
+    /// when the last such scope ends. Until then `change` and `forget` say false. For several acts
+    /// in a row, not for anything that waits: other copies of the program do.
+    class Together {
+    public:
+        explicit Together(Ledger& ledger);
+        ~Together();
+        Together(const Together&) = delete;
+        Together& operator=(const Together&) = delete;
+
+    private:
+        Ledger& ledger_;
+    };
+
     /// When the database was last checked: not later than that, and on the same day. Where the
     /// computer's zone has changed since, the earlier of the same time and the same moment. 0:
     /// never.
@@ -121,6 +135,8 @@ private:
     void load();
     const std::string& nameOf(std::string_view database) const;
     void write(const std::string& lines);
+    SharedFile::Lock begin();
+    bool flush(const SharedFile::Lock& lock);
     bool store(const std::function<std::string()>& makeLines);
     std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
                        const std::function<void(EventState&)>& edit, bool forget);
@@ -137,6 +153,8 @@ private:
     std::size_t lines_ = 0;                                          // in the file
     std::size_t bytes_ = 0;                                          // the same
     bool torn_ = false;  // the file's last line has no end
+    int together_ = 0;   // scopes of `Together`
+    SharedFile::Lock heldTogether_;
 };
 
 }  // namespace vl

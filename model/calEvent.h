@@ -191,11 +191,13 @@ public:
 
     /// Each writes the property of its name into the row with the event's `GUID`, and nothing
     /// without one. The property keeps its value whatever happened to the row. Returns the number
-    /// of rows written; why there is none `DBRemindUtils::LastError` tells.
-    std::int64_t SaveStatusDB(DBRemindUtils& db) const;
-    std::int64_t SaveNextReminderDB(DBRemindUtils& db) const;
-    std::int64_t SaveHiddenDB(DBRemindUtils& db) const;
-    std::int64_t SaveDismissedDB(DBRemindUtils& db) const;
+    /// of rows written; why there is none `DBRemindUtils::LastError` tells. With `GUIDs` the rows
+    /// of these get the value, and no other, by one statement: some hundreds at most.
+    std::int64_t SaveStatusDB(DBRemindUtils& db, std::span<const std::string> GUIDs = {}) const;
+    std::int64_t SaveNextReminderDB(DBRemindUtils& db,
+                                    std::span<const std::string> GUIDs = {}) const;
+    std::int64_t SaveHiddenDB(DBRemindUtils& db, std::span<const std::string> GUIDs = {}) const;
+    std::int64_t SaveDismissedDB(DBRemindUtils& db, std::span<const std::string> GUIDs = {}) const;
 
     /// Does nothing: the row is the host's to remove. Always false.
     static bool DeleteDB() noexcept { return false; }
@@ -219,12 +221,12 @@ public:
     /// is first made an hour long: this one, whatever `E` is. Always false.
     bool FillRS(RecordSet& R, const calEvent* E = nullptr);
 
-    /// The statements of the writers above; empty without a `GUID`. Texts are not escaped: with a
-    /// double quote in it a statement is broken, and fails.
-    std::string StatusStatement() const;
-    std::string NextReminderStatement() const;
-    std::string HiddenStatement() const;
-    std::string DismissedStatement() const;
+    /// The statements of the writers above; empty without a `GUID`. `status` and `GUID` are not
+    /// escaped: with a double quote in it a statement is broken, and fails. `GUIDs` are.
+    std::string StatusStatement(std::span<const std::string> GUIDs = {}) const;
+    std::string NextReminderStatement(std::span<const std::string> GUIDs = {}) const;
+    std::string HiddenStatement(std::span<const std::string> GUIDs = {}) const;
+    std::string DismissedStatement(std::span<const std::string> GUIDs = {}) const;
 
     // ---- occurrences (calEventRecurrence.cpp)
 

@@ -10,12 +10,21 @@ namespace vl {
 
 namespace {
 
-std::string update(std::string_view column, const std::string& value, const std::string& GUID) {
-    if (GUID.empty()) {
+std::string oneOf(std::span<const std::string> GUIDs) {
+    std::string list;
+    for (const std::string& GUID : GUIDs) {
+        list += (list.empty() ? "" : ", ") + DBRemindUtils::ToSQLText(GUID);
+    }
+    return " IN (" + list + ")";
+}
+
+std::string update(std::string_view column, const std::string& value, const std::string& GUID,
+                   std::span<const std::string> GUIDs) {
+    if (GUID.empty() && GUIDs.empty()) {
         return {};
     }
-    return "UPDATE Reminders SET " + std::string(column) + " = " + value + " WHERE (GUID=\"" +
-           GUID + "\");";
+    return "UPDATE Reminders SET " + std::string(column) + " = " + value + " WHERE (GUID" +
+           (GUIDs.empty() ? "=\"" + GUID + "\"" : oneOf(GUIDs)) + ");";
 }
 
 std::int64_t write(DBRemindUtils& db, const std::string& statement) {
@@ -38,36 +47,38 @@ bool isNothing(const Variant& value) {
 
 }  // namespace
 
-std::string calEvent::StatusStatement() const {
-    return update("status", "\"" + status + "\"", GUID);
+std::string calEvent::StatusStatement(std::span<const std::string> GUIDs) const {
+    return update("status", "\"" + status + "\"", GUID, GUIDs);
 }
 
-std::string calEvent::NextReminderStatement() const {
-    return update("NextReminder", DBRemindUtils::ToSQLDateTime(NextReminder, true), GUID);
+std::string calEvent::NextReminderStatement(std::span<const std::string> GUIDs) const {
+    return update("NextReminder", DBRemindUtils::ToSQLDateTime(NextReminder, true), GUID, GUIDs);
 }
 
-std::string calEvent::HiddenStatement() const {
-    return update("Hidden", Variant(Variant(Hidden).toInt32()).toText(), GUID);
+std::string calEvent::HiddenStatement(std::span<const std::string> GUIDs) const {
+    return update("Hidden", Variant(Variant(Hidden).toInt32()).toText(), GUID, GUIDs);
 }
 
-std::string calEvent::DismissedStatement() const {
-    return update("Dismissed", DBRemindUtils::ToSQLDateTime(Dismissed, true), GUID);
+std::string calEvent::DismissedStatement(std::span<const std::string> GUIDs) const {
+    return update("Dismissed", DBRemindUtils::ToSQLDateTime(Dismissed, true), GUID, GUIDs);
 }
 
-std::int64_t calEvent::SaveStatusDB(DBRemindUtils& db) const {
-    return write(db, StatusStatement());
+std::int64_t calEvent::SaveStatusDB(DBRemindUtils& db, std::span<const std::string> GUIDs) const {
+    return write(db, StatusStatement(GUIDs));
 }
 
-std::int64_t calEvent::SaveNextReminderDB(DBRemindUtils& db) const {
-    return write(db, NextReminderStatement());
+std::int64_t calEvent::SaveNextReminderDB(DBRemindUtils& db,
+                                          std::span<const std::string> GUIDs) const {
+    return write(db, NextReminderStatement(GUIDs));
 }
 
-std::int64_t calEvent::SaveHiddenDB(DBRemindUtils& db) const {
-    return write(db, HiddenStatement());
+std::int64_t calEvent::SaveHiddenDB(DBRemindUtils& db, std::span<const std::string> GUIDs) const {
+    return write(db, HiddenStatement(GUIDs));
 }
 
-std::int64_t calEvent::SaveDismissedDB(DBRemindUtils& db) const {
-    return write(db, DismissedStatement());
+std::int64_t calEvent::SaveDismissedDB(DBRemindUtils& db,
+                                       std::span<const std::string> GUIDs) const {
+    return write(db, DismissedStatement(GUIDs));
 }
 
 bool calEvent::FillRS(RecordSet& R, const calEvent* E) {

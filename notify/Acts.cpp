@@ -54,6 +54,19 @@ Acts::Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clo
       ledger_(ledger),
       state_(state) {}
 
+Acts::Together::Together(Acts& acts) : acts_(acts) {
+    ledger_.emplace(acts_.ledger_);
+    ++acts_.together_;
+}
+
+// The ledger first, as with each act alone.
+Acts::Together::~Together() {
+    ledger_.reset();
+    if (--acts_.together_ == 0) {
+        acts_.WriteWaiting();
+    }
+}
+
 Acts::Objects Acts::objectsOf(const ActRow& row) const {
     const std::string& GUID = row.event->GUID;
     Objects objects;
@@ -229,7 +242,7 @@ void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
     noteChange(event->GUID);
     for (const std::string_view column : kStateColumns) {
         if (std::find(columns.begin(), columns.end(), column) != columns.end()) {
-            enqueue({event->GUID, std::string(column), columnText(wanted, column)});
+            enqueue(event->GUID, column, columnText(wanted, column));
         }
     }
     WriteWaiting();
@@ -238,6 +251,7 @@ void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
 // Both columns by which the row speaks are noted with every act, so that it is silent after each.
 void Acts::noteRow(EventState& state, const calEvent& before, const calEvent& wanted,
                    const std::vector<std::string>& columns) const {
+    const std::uint64_t hash = guidHash(before.GUID);
     const bool hideOnly = columns.size() == 1 && columns.front() == kHidden;
     for (const std::string_view name : kStateColumns) {
         const std::string column(name);
@@ -249,7 +263,7 @@ void Acts::noteRow(EventState& state, const calEvent& before, const calEvent& wa
         ColumnNote& note = state.row[column];
         const std::string text = columnText(before, column);
         const bool waits = std::any_of(waiting_.begin(), waiting_.end(), [&](const Write& write) {
-            return write.column == column && text::equalsNoCase(write.GUID, before.GUID);
+            return write.isOf(column, before.GUID, hash);
         });
         if (!waits) {
             note.before.clear();

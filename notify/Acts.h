@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,22 @@ public:
     /// What is handed in must outlive the acts. `period` is where an event is looked up first.
     Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
          Ledger& ledger, ReminderState& state);
+
+    /// While it lives, acts are only noted and set in the events; when the last such scope ends
+    /// they are in the ledger, by one flush, and then in the rows, those that get the same value by
+    /// one statement. For the rows of one command: nothing may wait for the user in it, and nothing
+    /// is deleted.
+    class Together {
+    public:
+        explicit Together(Acts& acts);
+        ~Together();
+        Together(const Together&) = delete;
+        Together& operator=(const Together&) = delete;
+
+    private:
+        Acts& acts_;
+        std::optional<Ledger::Together> ledger_;
+    };
 
     /// Shown again `minutes` from now, not from the reminder. False, and nothing is done, unless
     /// `minutes` is greater than 0.
@@ -93,6 +110,10 @@ private:
         std::string GUID;
         std::string column;
         std::string text;
+        std::uint64_t hash;  ///< `guidHash`
+
+        bool isOf(std::string_view otherColumn, std::string_view otherGUID,
+                  std::uint64_t otherHash) const;
     };
     struct Deletion {
         std::string GUID;
@@ -110,8 +131,10 @@ private:
     void noteChange(const std::string& GUID);
     void noteRow(EventState& state, const calEvent& before, const calEvent& wanted,
                  const std::vector<std::string>& columns) const;
-    void enqueue(Write write);
-    bool write(const Write& write);
+    void enqueue(const std::string& GUID, std::string_view column, const std::string& text);
+    const std::string& wantedText(const Write& write) const;
+    bool writeNext();
+    bool write(const Write& first, std::span<const std::string> alike);
     calEvent::Deletion deleteNow(const calEvent& event);
     void deleteWaiting();
     void enqueueDeletion(const calEvent& event);
@@ -127,6 +150,7 @@ private:
     ReminderState& state_;
     std::deque<Write> waiting_;
     std::deque<Deletion> deletions_;
+    int together_ = 0;  // scopes of `Together`
     std::string trouble_;
     std::optional<std::uint64_t>
         lookedAt_;  // the ledger's version, when left-overs were looked for

@@ -14,7 +14,7 @@ namespace {
 /// Who writes which column, and of which type it is.
 struct Writer {
     const char* column;
-    std::int64_t (calEvent::*save)(DBRemindUtils&) const;
+    std::int64_t (calEvent::*save)(DBRemindUtils&, std::span<const std::string>) const;
     int type;
 };
 constexpr Writer kWriters[] = {
@@ -55,47 +55,92 @@ void Acts::leaveSets(const std::string& GUID) {
     }
 }
 
+bool Acts::Write::isOf(std::string_view otherColumn, std::string_view otherGUID,
+                       std::uint64_t otherHash) const {
+    return hash == otherHash && column == otherColumn && text::equalsNoCase(GUID, otherGUID);
+}
+
 // A later act on the same column takes the place of the earlier, which nobody has seen.
-void Acts::enqueue(Write write) {
+void Acts::enqueue(const std::string& GUID, std::string_view column, const std::string& text) {
+    const std::uint64_t hash = guidHash(GUID);
     const auto same = std::find_if(waiting_.begin(), waiting_.end(), [&](const Write& other) {
-        return other.column == write.column && text::equalsNoCase(other.GUID, write.GUID);
+        return other.isOf(column, GUID, hash);
     });
     if (same != waiting_.end()) {
-        same->text = write.text;
+        same->text = text;
     } else {
-        waiting_.push_back(std::move(write));
+        waiting_.push_back({GUID, std::string(column), text, hash});
     }
 }
 
-bool Acts::write(const Write& write) {
+// Where another copy has acted since, its word is to stand there.
+const std::string& Acts::wantedText(const Write& write) const {
     const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
     const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-    // Where another copy has acted since, its word is to stand there.
-    const std::string& text = note != nullptr ? note->after : write.text;
+    return note != nullptr ? note->after : write.text;
+}
+
+// False when it has to wait. `alike` are the rows that get the same; the first is among them.
+bool Acts::write(const Write& first, std::span<const std::string> alike) {
     calEvent carrier;
-    carrier.GUID = write.GUID;
-    if (!attempt([&] { carrier.setProperty(write.column, Variant(text)); })) {
+    carrier.GUID = first.GUID;
+    if (!attempt([&] { carrier.setProperty(first.column, Variant(wantedText(first))); })) {
         return true;
     }
     for (const Writer& writer : kWriters) {
-        if (write.column != writer.column) {
+        if (first.column != writer.column) {
             continue;
         }
-        (carrier.*writer.save)(db_);
+        (carrier.*writer.save)(db_, alike);
         if (lacksColumn(db_) &&
             db_.AddField("Reminders", writer.column, writer.type) == ErrNo::None) {
-            (carrier.*writer.save)(db_);
+            (carrier.*writer.save)(db_, alike);
         }
     }
     trouble_ = db_.LastErrorText();
     return !passes(db_);
 }
 
+// The first that waits, and with it those that get the same value: many rows dismissed at once
+// would each wait for the disk. A statement that fails for one of them takes none with it.
+bool Acts::writeNext() {
+    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
+    const Write first = waiting_.front();
+    const auto isAlike = [&, text = wantedText(first)](const Write& one) {
+        return one.text == first.text && one.column == first.column && !one.GUID.empty() &&
+               wantedText(one) == text;
+    };
+    std::vector<std::string> GUIDs;
+    for (const Write& one : waiting_) {
+        if (GUIDs.size() < kAtOnce && isAlike(one)) {
+            GUIDs.push_back(one.GUID);
+        }
+    }
+    if (GUIDs.size() > 1) {
+        if (!write(first, GUIDs)) {
+            return false;
+        }
+        if (db_.LastError() == ErrNo::None) {
+            std::size_t left = GUIDs.size();  // in the order in which they were collected
+            std::erase_if(waiting_,
+                          [&](const Write& one) { return left > 0 && isAlike(one) && left-- > 0; });
+            return true;
+        }
+    }
+    if (!write(first, {})) {
+        return false;
+    }
+    waiting_.pop_front();
+    return true;
+}
+
 void Acts::WriteWaiting() {
     const ErrScope scope;
+    if (together_ > 0) {
+        return;
+    }
     attempt([&] {
-        while (!waiting_.empty() && write(waiting_.front())) {
-            waiting_.pop_front();
+        while (!waiting_.empty() && writeNext()) {
         }
     });
     attempt([&] { deleteWaiting(); });
@@ -174,7 +219,7 @@ void Acts::findLeftOver() {
         }
         for (const std::string_view name : kStateColumns) {
             if (event && isWanted(*event, one.state, name)) {
-                enqueue({event->GUID, std::string(name), one.state.note(name)->after});
+                enqueue(event->GUID, name, one.state.note(name)->after);
             }
         }
     }

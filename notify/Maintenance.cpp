@@ -39,18 +39,12 @@ std::string cleanUpQuestion(std::int64_t events, std::size_t files) {
            n + " events\rClean up database? \r";
 }
 
-// A file that is not there, or has no such table, has no events to look for.
-bool couldNotBeRead(const DBRemindUtils::Trouble& trouble) {
-    return trouble.number != ErrNo::None && trouble.number != ErrNo::NotFound;
-}
-
 }  // namespace
 
 Maintenance::Waste Maintenance::findWaste() {
     const Patient command(db_, Patience);
     Waste waste;
     waste.events = db_.DelDeletedVLBases(false);
-    waste.trouble = db_.ReadTrouble();
     if (waste.events > 0) {
         waste.files = db_.DeletedVLBasesCol()->Count();
     }
@@ -61,9 +55,7 @@ void Maintenance::CleanUp() {
     const ErrScope scope;
     const Waste waste = findWaste();
     if (waste.events < 1) {
-        boxes_.ShowBox({kCompleted, couldNotBeRead(waste.trouble)
-                                        ? "The events could not be read: " + waste.trouble.text
-                                        : "Nothing to clean up. All events can be located"});
+        boxes_.ShowBox({kCompleted, "Nothing to clean up. All events can be located"});
         return;
     }
     const BoxRequest question{"Clean up database...", cleanUpQuestion(waste.events, waste.files),

@@ -40,7 +40,6 @@ private:
     struct Waste {
         std::int64_t events = 0;
         std::size_t files = 0;  ///< that are gone
-        DBRemindUtils::Trouble trouble;
     };
 
     Waste findWaste();

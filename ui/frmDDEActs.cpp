@@ -91,8 +91,14 @@ void frmDDE::leaveEmptyList(int tab) {
 
 void frmDDE::doHide() {
     const bool hide = !isPeriod("H");
-    for (const ActRow& row : actRows(selectedGrid().selectedRows())) {
-        acts_.Hide(row, hide);
+    const std::vector<ActRow> rows = actRows(selectedGrid().selectedRows());
+    {
+        const Acts::Together together(acts_);
+        for (const ActRow& row : rows) {
+            acts_.Hide(row, hide);
+        }
+    }
+    for (const ActRow& row : rows) {
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
             RemoveGUID(row.event->GUID, index);
         }
@@ -123,8 +129,11 @@ void frmDDE::dismissAsked(bool choose) {
 void frmDDE::dismiss() {
     const int tab = tabs->currentIndex();
     const std::vector<ActRow> rows = actRows(grid(tab).selectedRows());
-    for (const ActRow& row : rows) {
-        acts_.Dismiss(row, DismissMode::This);
+    {
+        const Acts::Together together(acts_);
+        for (const ActRow& row : rows) {
+            acts_.Dismiss(row, DismissMode::This);
+        }
     }
     leaveGrids(rows, tab);
 }
@@ -201,8 +210,11 @@ void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
 
 void frmDDE::reactivate() {
     const std::vector<ActRow> rows = actRows(selectedGrid().selectedRows());
-    for (const ActRow& row : rows) {
-        acts_.Reactivate(row);
+    {
+        const Acts::Together together(acts_);
+        for (const ActRow& row : rows) {
+            acts_.Reactivate(row);
+        }
     }
     state_.curEvent.reset();
     if (isPeriod("Di")) {

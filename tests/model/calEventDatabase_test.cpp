@@ -53,6 +53,16 @@ TEST(StateStatements, EscapeNothing) {
     EXPECT_EQ(event.StatusStatement(), "UPDATE Reminders SET status = \"\" WHERE (GUID=\"x\");");
 }
 
+TEST(StateStatements, NameTheRowsOfOthersEscaped) {
+    calEvent event;
+    event.Dismissed = DateTime::fromCivil(2026, 11, 15);
+    const std::vector<std::string> GUIDs = {"a", "b\"c"};
+    EXPECT_EQ(event.DismissedStatement(GUIDs),
+              "UPDATE Reminders SET Dismissed = #2026-11-15# WHERE (GUID IN (\"a\", \"b\"\"c\"));");
+    EXPECT_EQ(known().HiddenStatement(std::span(GUIDs).first(1)),
+              "UPDATE Reminders SET Hidden = 0 WHERE (GUID IN (\"a\"));");
+}
+
 TEST(StateStatements, AreEmptyWithoutAGuid) {
     const calEvent event;
     EXPECT_EQ(event.StatusStatement(), "");
