@@ -204,7 +204,6 @@ private:
     void dismissAsked(bool choose);
     void dismiss();
     void chooseDismiss();
-    bool deleteItem(const ActRow& row);
     void fillDismiss(frmDismiss& dialog, const ActRow& row);
     void reactivate();
     void leaveGrids(const std::vector<ActRow>& rows, int tab);

@@ -144,6 +144,7 @@ void frmDDE::chooseDismiss() {
     }
     const int tab = tabs->currentIndex();
     std::vector<ActRow> handled;
+    QStringList kept;
     bool deleted = false;
     for (const ActRow& row : actRows(grid(tab).selectedRows())) {
         frmDismiss dialog(dialogParts(), this);
@@ -156,7 +157,9 @@ void frmDDE::chooseDismiss() {
             continue;
         }
         if (dialog.choice() == frmDismiss::Choice::DeleteItem) {
-            if (!deleteItem(row)) {
+            // What has to wait for the host counts as deleted: it is done as soon as it can be.
+            if (acts_.DeleteItem(row) == calEvent::Deletion::Failed) {
+                kept << qtText(row.event->Summary());
                 continue;
             }
             deleted = true;
@@ -172,15 +175,10 @@ void frmDDE::chooseDismiss() {
                    "Items were deleted. Opened grids and calendars may need to be refreshed", 5000,
                    false, 250, 100, 100});
     }
-}
-
-// What has to wait for the host counts as deleted: it is done as soon as it can be.
-bool frmDDE::deleteItem(const ActRow& row) {
-    if (acts_.DeleteItem(row) != calEvent::Deletion::Failed) {
-        return true;
+    if (!kept.isEmpty()) {  // at last: a notice goes when another row becomes current
+        sayOnce(kept.size() == 1 ? tr("%1 could not be deleted").arg(kept.front())
+                                 : tr("%1 items could not be deleted").arg(kept.size()));
     }
-    sayOnce(tr("%1 could not be deleted").arg(qtText(row.event->Summary())));
-    return false;
 }
 
 void frmDDE::fillDismiss(frmDismiss& dialog, const ActRow& row) {

@@ -292,6 +292,46 @@ TEST_F(frmDDEActs, DeletingTakesTheEventAwayAndSaysSo) {
               "Items were deleted. Opened grids and calendars may need to be refreshed");
 }
 
+// What others hold for good stays listed; what could be deleted is told once, and so is what could
+// not, though another row is current then.
+TEST_F(frmDDEActs, OfSeveralItemsTheOnesThatStayAreNamedAtTheEnd) {
+    loadThree();
+    haveDatabase();
+    const std::string foreign = (folder / "foreign.vlb").string();
+    std::string bytes("\0\1\0\0Standard ACE DB\0", 20);
+    bytes.resize(8192);
+    test::writeFile(foreign, bytes);
+    for (const char* GUID : {"{1}", "{2}", "{3}"}) {
+        held(GUID)->VLBase = (folder / "no such host.vlb").string();
+    }
+    held("{2}")->VLBase = foreign;
+    const auto deleteItems = [this](const Names& which) {
+        select(0, which);
+        std::size_t asked = 0;
+        const std::function<void(frmDismiss&)> answer = [&](frmDismiss& d) {
+            if (++asked < which.size()) {  // the next one opens when this one is left
+                QTimer::singleShot(0, qApp, [&] {
+                    auto* next = qobject_cast<frmDismiss*>(QApplication::activeModalWidget());
+                    ASSERT_NE(next, nullptr);
+                    answer(*next);
+                });
+            }
+            childOf<QRadioButton>(d, "radDeleteItem").click();
+            childOf<QPushButton>(d, "butOK").click();
+        };
+        test::whileOpen<frmDismiss>(
+            [this] { QTest::keyClick(&grid(0), Qt::Key_Delete, Qt::ShiftModifier); }, answer);
+        EXPECT_EQ(asked, which.size());
+    };
+    deleteItems({"{1}", "{2}"});
+    EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
+    EXPECT_EQ(child<QLabel>("lblStatus").text(), "Event 2 could not be deleted");
+    held("{3}")->VLBase = foreign;
+    deleteItems({"{2}", "{3}"});
+    EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
+    EXPECT_EQ(child<QLabel>("lblStatus").text(), "2 items could not be deleted");
+}
+
 // ---- reactivate
 
 TEST_F(frmDDEActs, TheButtonReactivatesWhatIsShownAsDismissed) {
