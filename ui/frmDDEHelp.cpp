@@ -51,8 +51,10 @@ void frmDDE::ShowHelp() {
 }
 
 void frmDDE::openHelp(int page, const char* place) {
-    if (!parts_.HelpBase.empty()) {
-        parts_.openDocument(parts_.HelpBase + std::to_string(page) + place);
+    if (parts_.HelpBase.empty()) {
+        sayOnce(tr("The help is not installed"));
+    } else if (!parts_.openDocument(parts_.HelpBase + std::to_string(page) + place)) {
+        sayOnce(tr("The help could not be opened"));
     }
 }
 

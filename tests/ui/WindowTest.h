@@ -68,7 +68,7 @@ protected:
                 .openDocument =
                     [this](std::string_view address) {
                         opened.emplace_back(address);
-                        return true;
+                        return opens;
                     },
                 .startProgram =
                     [this](const std::vector<std::string>& command) {
@@ -134,6 +134,7 @@ protected:
     std::vector<std::string> opened;                // documents and addresses
     std::vector<std::vector<std::string>> started;  // programs, with their arguments
     bool starts = true;
+    bool opens = true;
     Boxes boxes;
     bool hasTray = true;
     std::unique_ptr<frmDDE> window;

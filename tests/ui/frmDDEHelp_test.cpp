@@ -1,6 +1,7 @@
 // F1: the help at the place that is about the control in use, or about the question asked.
 #include <gtest/gtest.h>
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -57,6 +58,23 @@ TEST_F(frmDDEHelp, OfTheSnoozeButtonIsAboutWhatItDoes) {
     grid(kEventsGrid).selectFirst();
     EXPECT_EQ(helpAt(child<QPushButton>("butSnooze")), "5565");
     EXPECT_EQ(helpAt(grid(kEventsGrid)), "5565");
+}
+
+TEST_F(frmDDEHelp, ThatDoesNotOpenIsTold) {
+    haveDatabase();
+    loadShown();
+    opens = false;
+    EXPECT_EQ(helpAt(grid(0)), "5565");
+    EXPECT_EQ(child<QLabel>("lblStatus").text(), "The help could not be opened");
+}
+
+TEST_F(frmDDEHelp, ThatIsNotInstalledIsToldAndNotLookedFor) {
+    haveDatabase();
+    HelpBase.clear();
+    loadShown();
+    QTest::keyClick(&grid(0), Qt::Key_F1);
+    EXPECT_TRUE(opened.empty());
+    EXPECT_EQ(child<QLabel>("lblStatus").text(), "The help is not installed");
 }
 
 TEST_F(frmDDEHelp, InABoxIsAboutItsQuestion) {
