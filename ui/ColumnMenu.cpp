@@ -1,5 +1,7 @@
 #include "ui/ColumnMenu.h"
 
+#include <algorithm>
+
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QMenu>
@@ -46,6 +48,7 @@ void addShown(QMenu& menu, Grid& grid) {
 void addSorting(QMenu& menu, Grid& grid) {
     QMenu& by = *addMenu(menu, "mnuSortBy", QObject::tr("&Sort by"));
     auto* group = new QActionGroup(&by);
+    group->setObjectName("grpSortBy");
     const int sorted = grid.header()->sortIndicatorSection();
     for (int i = 0; i < grid.header()->count(); ++i) {
         QAction* entry = addChecked(by, "mnuSort" + idOf(grid, i), headingOf(grid, i), i == sorted);
@@ -82,18 +85,71 @@ void addMoves(QMenu& menu, Grid& grid, int by, const char* name, const QString& 
     }
 }
 
+// What dragging a heading's edge does, by a few characters.
+void addWidths(QMenu& menu, Grid& grid, int characters, const char* name, const QString& text) {
+    constexpr int kLeast = 4;  // characters
+    QMenu& size = *addMenu(menu, name, text);
+    const QHeaderView& header = *grid.header();
+    for (int place = 0; place < header.count(); ++place) {
+        const int column = header.logicalIndex(place);
+        const int width = grid.columnWidth(column) + characters * grid.unit();
+        if (grid.isColumnHidden(column) || width < kLeast * grid.unit()) {
+            continue;
+        }
+        QAction* entry = size.addAction(headingOf(grid, column));
+        entry->setObjectName(name + idOf(grid, column));
+        QObject::connect(entry, &QAction::triggered, &grid,
+                         [&grid, column, width] { grid.setColumnWidth(column, width); });
+    }
+}
+
+// Of the text, as a key gives it.
+QChar letterOf(const QString& text) {
+    const qsizetype at = text.indexOf(u'&');
+    return at < 0 || at + 1 == text.size() ? QChar() : text[at + 1].toLower();
+}
+
+// Each entry that has no letter gets the first of its own that is free; the shortest choose first.
+void giveLetters(const QMenu& menu) {
+    QList<QAction*> entries = menu.actions();
+    std::stable_sort(entries.begin(), entries.end(), [](const QAction* one, const QAction* other) {
+        return one->text().size() < other->text().size();
+    });
+    QString taken;
+    for (const QAction* entry : entries) {
+        taken += letterOf(entry->text());
+    }
+    for (QAction* entry : entries) {
+        QString text = entry->text();
+        for (qsizetype at = 0; letterOf(text).isNull() && at < text.size(); ++at) {
+            if (text[at].isLetter() && !taken.contains(text[at].toLower())) {
+                taken += text[at].toLower();
+                text.insert(at, u'&');
+                entry->setText(text);
+            }
+        }
+    }
+}
+
 }  // namespace
 
 void fillColumnMenu(QMenu& menu, Grid& grid) {
+    constexpr int kStep = 4;  // characters
     addShown(menu, grid);
     menu.addSeparator();
     addSorting(menu, grid);
     addMoves(menu, grid, -1, "mnuMoveLeft", QObject::tr("Move to the &left"));
     addMoves(menu, grid, 1, "mnuMoveRight", QObject::tr("Move to the ri&ght"));
+    addWidths(menu, grid, kStep, "mnuWider", QObject::tr("&Wider"));
+    addWidths(menu, grid, -kStep, "mnuNarrower", QObject::tr("&Narrower"));
     menu.addSeparator();
     QAction* reset = menu.addAction(QObject::tr("&Reset columns"));
     reset->setObjectName("mnuColumnsReset");
     QObject::connect(reset, &QAction::triggered, &grid, [&grid] { grid.InitGrid(); });
+    giveLetters(menu);
+    for (const QMenu* inside : menu.findChildren<QMenu*>()) {
+        giveLetters(*inside);
+    }
 }
 
 }  // namespace vl

@@ -172,8 +172,8 @@ TEST_F(frmDDEColumns, TheMenuOfTheHeadingsShowsAndHides) {
     {
         QMenu menu;
         fillColumnMenu(menu, all);
-        // eight columns, a line, sorting, two ways to move, a line, "Reset columns"
-        EXPECT_EQ(menu.actions().size(), 14);
+        // eight columns, a line, sorting, two ways to move and to size, a line, "Reset columns"
+        EXPECT_EQ(menu.actions().size(), 16);
         EXPECT_FALSE(entry(menu, "mnuColumnSubject")->isEnabled());
         EXPECT_TRUE(entry(menu, "mnuColumnField")->isChecked());
         entry(menu, "mnuColumnField")->trigger();
@@ -220,6 +220,59 @@ TEST_F(frmDDEColumns, TheMenuSortsAndMovesForWhoHasNoMouse) {
     EXPECT_EQ(menu.findChild<QAction*>("mnuMoveLeftDue"), nullptr) << "it is the first";
     EXPECT_TRUE(menu.findChild<QAction*>("mnuSortLocation")->isChecked());
     EXPECT_TRUE(menu.findChild<QAction*>("mnuSortDown")->isChecked());
+}
+
+TEST_F(frmDDEColumns, TheMenuSizesThemForWhoHasNoMouse) {
+    load();
+    Grid& all = grid(kAllRemindersGrid);
+    const auto choose = [&all](const char* name) {
+        QMenu menu;
+        fillColumnMenu(menu, all);
+        auto* entry = menu.findChild<QAction*>(name);
+        if (entry) {
+            entry->trigger();
+        }
+        return entry != nullptr;
+    };
+    const int due = column(1, CIDDue);
+    const int before = all.columnWidth(due);
+    EXPECT_TRUE(choose("mnuWiderDue"));
+    EXPECT_EQ(all.columnWidth(due), before + 4 * all.unit());
+    EXPECT_TRUE(all.columnLayout().sized) << "by the user: it no longer follows the window";
+    EXPECT_TRUE(choose("mnuNarrowerDue"));
+    EXPECT_EQ(all.columnWidth(due), before);
+    int times = 0;
+    while (times < 100 && choose("mnuNarrowerDue")) {
+        ++times;
+    }
+    EXPECT_GT(times, 0);
+    EXPECT_GE(all.columnWidth(due), 4 * all.unit()) << "it never goes";
+    EXPECT_LT(all.columnWidth(due), 8 * all.unit());
+    all.showColumn(due, false);
+    EXPECT_FALSE(choose("mnuWiderDue")) << "it is not shown";
+}
+
+TEST_F(frmDDEColumns, EachEntryOfTheMenuHasALetterOfItsOwn) {
+    load();
+    for (const int tab : {0, 1, 2}) {
+        QMenu menu;
+        fillColumnMenu(menu, grid(tab));
+        QList<QMenu*> menus = menu.findChildren<QMenu*>();
+        EXPECT_EQ(menus.size(), 5);
+        menus << &menu;
+        for (const QMenu* each : menus) {
+            QString letters;
+            for (const QAction* entry : each->actions()) {
+                if (!entry->isSeparator()) {
+                    const QString text = entry->text();
+                    const qsizetype at = text.indexOf(u'&');
+                    ASSERT_GE(at, 0) << plainText(text);
+                    EXPECT_FALSE(letters.contains(text[at + 1].toLower())) << plainText(text);
+                    letters += text[at + 1].toLower();
+                }
+            }
+        }
+    }
 }
 
 }  // namespace
