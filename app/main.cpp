@@ -9,6 +9,7 @@
 #include "app/CommandLine.h"
 #include "app/Module1.h"
 #include "base/ErrorState.h"
+#include "ui/FormFont.h"
 #include "ui/GridUtils.h"
 #include "ui/SessionEnd.h"
 #include "ui/frmDDE.h"
@@ -59,6 +60,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     // Hidden to the tray is the normal state; Exit ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
+    vl::applyTipFont();
 
     vl::Module1 shared(vl::readCommandLine(argumentsOf(application), vl::rawCommandLine()));
     vl::GridUtils gridUtils(shared.values.DebugMode);

@@ -3,10 +3,13 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QPushButton>
+#include <QToolTip>
 
 namespace vl {
 
 namespace {
+
+constexpr auto kFamily = "Arial";
 
 // A grid is left alone; it follows the tab it stands on.
 bool isOfAGrid(const QWidget* control) {
@@ -22,9 +25,15 @@ bool isOfAGrid(const QWidget* control) {
 
 QFont formFont(const QWidget& control) {
     QFont font = QApplication::font();
-    font.setFamily("Arial");
+    font.setFamily(kFamily);
     font.setBold(control.font().bold());
     return font;
+}
+
+void applyTipFont() {
+    QFont font = QToolTip::font();
+    font.setFamily(kFamily);
+    QToolTip::setFont(font);
 }
 
 void applyFormFont(QWidget& form) {

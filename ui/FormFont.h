@@ -14,4 +14,7 @@ void applyFormFont(QWidget& form);
 /// The font that such a control gets.
 QFont formFont(const QWidget& control);
 
+/// The same for the program's tool tips. Called before there are windows it costs nothing.
+void applyTipFont();
+
 }  // namespace vl

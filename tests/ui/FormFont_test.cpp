@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QToolTip>
 #include <QTreeView>
 
 namespace vl {
@@ -40,6 +41,14 @@ TEST(FormFont, MakesOKTheDefaultButton) {
     applyFormFont(form);
     EXPECT_TRUE(ok.isDefault());
     EXPECT_FALSE(cancel.isDefault());
+}
+
+TEST(FormFont, IsThatOfToolTips) {
+    const QFont before = QToolTip::font();
+    applyTipFont();
+    EXPECT_EQ(QToolTip::font().family(), "Arial");
+    EXPECT_EQ(QToolTip::font().pointSize(), before.pointSize());
+    QToolTip::setFont(before);
 }
 
 }  // namespace
