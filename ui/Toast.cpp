@@ -215,10 +215,10 @@ void Toast::startWaiting() {
 void Toast::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QColor base = palette().color(QPalette::Base);
-    painter.fillRect(rect(), base);
+    // The edge first: a line drawn around would lie beside the last pixels of a scaled screen.
+    painter.fillRect(rect(), mixed(palette().color(QPalette::Text), base, 0.3));
+    painter.fillRect(rect().adjusted(1, 1, -1, -1), base);
     painter.fillRect(band_->geometry(), mixed(palette().color(QPalette::Highlight), base, 0.16));
-    painter.setPen(mixed(palette().color(QPalette::Text), base, 0.3));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void Toast::changeEvent(QEvent* event) {

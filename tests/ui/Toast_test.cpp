@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QImage>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
@@ -148,6 +149,28 @@ TEST_F(ToastTest, GrowsWithItsContentUpToTheScreen) {
     EXPECT_EQ(links().size(), 100);
     toast.present(withLinks(1), kNowhere);
     EXPECT_EQ(toast.height(), one);
+}
+
+TEST_F(ToastTest, ItsEdgeIsTheSameAllAroundOnAnyScreen) {
+    toast.present(withLinks(2), kNowhere);
+    for (const int ratio : {1, 2, 3}) {
+        SCOPED_TRACE(ratio);
+        QImage seen(toast.size() * ratio, QImage::Format_RGB32);
+        seen.setDevicePixelRatio(ratio);
+        toast.render(&seen);
+        const int right = seen.width() - 1;
+        const int bottom = seen.height() - 1;
+        const QColor edge = seen.pixelColor(0, bottom / 2);
+        EXPECT_NE(edge, toast.palette().color(QPalette::Base));
+        for (int i = 0; i < ratio; ++i) {
+            EXPECT_EQ(seen.pixelColor(i, bottom / 2), edge) << i;
+            EXPECT_EQ(seen.pixelColor(right - i, bottom / 2), edge) << i;
+            EXPECT_EQ(seen.pixelColor(right / 2, i), edge) << i;
+            EXPECT_EQ(seen.pixelColor(right / 2, bottom - i), edge) << i;
+        }
+        EXPECT_NE(seen.pixelColor(ratio, bottom / 2), edge);
+        EXPECT_NE(seen.pixelColor(right / 2, bottom - ratio), edge);
+    }
 }
 
 TEST_F(ToastTest, ShowsATextOfItsOwnInsteadOfLinks) {
