@@ -20,10 +20,12 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Shortcut) {
-            QMetaObject::invokeMethod(watched, told_, Qt::QueuedConnection);
+        if (event->type() != QEvent::Shortcut) {
+            return QObject::eventFilter(watched, event);
         }
-        return QObject::eventFilter(watched, event);
+        watched->event(event);  // first it does what it does with it
+        told_();
+        return true;
     }
 
 private:
