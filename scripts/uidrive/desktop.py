@@ -51,6 +51,11 @@ def place(title, x, y, width, height):
     wait_for(lambda: geometry(title) == before, 5, f"{title!r} to come to rest", step=0.3)
 
 
+def wait_known(title, timeout=TIMEOUT):
+    """Until the window manager has the window, in front or minimized."""
+    wait_for(lambda: title in titles(), timeout, f"the window {title!r}")
+
+
 def activate(title):
     """Brings a window forward, as a click in the task bar does."""
     run("wmctrl", "-i", "-a", _id_of(title))

@@ -1,5 +1,8 @@
 """The tray icon, embedded (XEmbed) and over D-Bus (StatusNotifierItem)."""
+import os
 import re
+import signal
+import subprocess
 import time
 
 from gi.repository import Gio, GLib
@@ -41,15 +44,32 @@ def click(program, button=1):
     click_at(x + width // 2, y + height // 2, button)
 
 
-def tooltip(program, timeout=TIMEOUT):
-    """Rests the mouse on the icon; the text of the tip that appears."""
+def tooltip(program, timeout=TIMEOUT, across=0.5, down=0.5):
+    """Rests the mouse on the icon, so far across and down; the text of the tip that appears."""
     x, y, width, height = icon(program)
-    move_to(x + width // 2 - 3, y + height // 2)
+    at = x + int(width * across), y + int(height * down)
+    move_to(at[0] + 3, at[1])
     time.sleep(0.1)  # two movements, or the program takes the mouse for passing by
-    move_to(x + width // 2, y + height // 2)
+    move_to(*at)
     return wait_for(lambda: next((name(w) for w in windows(showing=False)
                                   if role(w) == "tool tip" and name(w)), None),
                     timeout, "the tray icon's tip")
+
+
+def start():
+    """A tray that embeds icons, as a desktop has it below on the right."""
+    return subprocess.Popen(("trayer", "--edge", "bottom", "--align", "right", "--widthtype",
+                             "request", "--heighttype", "pixel", "--height", "24",
+                             "--SetDockType", "true"),
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def end():
+    """Ends the desktop's own: from then on there is none."""
+    os.kill(int(run("xdotool", "search", "--class", "trayer", "getwindowpid").split()[0]),
+            signal.SIGTERM)
+    wait_for(lambda: not run("xdotool", "search", "--class", "trayer", check=False).strip(),
+             10, "the end of the tray")
 
 
 # ---- over D-Bus -----------------------------------------------------------------------------------

@@ -2,7 +2,7 @@
 import re
 import time
 
-from stage import EARLIER, LATER, OneDay, check
+from stage import EARLIER, LATER, OneDay, check, dialog, wait_left
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.reminders import ALL, EVENTS, NEW
 from uidrive.waiting import NotThere, run, wait_for, wait_gone
@@ -13,16 +13,6 @@ THIS, ALL_BUT_AFTER, ALL_OF_IT, DELETE = (
     "Dismiss all reminders and DELETE item")
 HOUR = 3600
 CHECK = 30  # seconds until a check has surely been made; when time has passed it is one
-
-
-def dialog(caption):
-    return wait_for(lambda: next((w for w in tree.windows() if tree.name(w).startswith(caption)),
-                                 None), 10, f"the dialog {caption!r}")
-
-
-def wait_left(caption):
-    wait_gone(lambda: any(tree.name(w).startswith(caption) for w in tree.windows()), 10,
-              f"the dialog {caption!r}")
 
 
 def type_text(text):
@@ -150,7 +140,6 @@ class Keys:
     def open_snooze(self):
         act.key("alt+s")
         dialog(SNOOZE)
-        wait_keys(SNOOZE)
 
     def snooze(self, text):
         self.open_snooze()
@@ -160,7 +149,6 @@ class Keys:
 
     def cancel(self, caption):
         dialog(caption)
-        wait_keys(caption)
         act.key("Escape")
         wait_left(caption)
 
@@ -176,7 +164,6 @@ class Keys:
         else:
             act.key("shift+Delete")
         dialog(DISMISS)
-        wait_keys(DISMISS)
         if choice in self.LETTERS:
             act.key("alt+" + self.LETTERS[choice])
         else:
@@ -253,7 +240,6 @@ class Keys:
 
     def answer(self, caption, button):
         dialog(caption)
-        wait_keys(caption)
         act.key({"Cancel": "Escape", "OK": "Return"}.get(button, button[0].lower()))
         wait_left(caption)
 

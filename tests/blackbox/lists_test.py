@@ -1,18 +1,13 @@
 #!/usr/bin/python3
 """The lists in the window: searched, sorted, stepped through, their columns, several rows at once."""
-from stage import EARLIER, LATER, OneDay, check
+import time
+
+from stage import EARLIER, LATER, OneDay, check, dialog, wait_left
 from uidrive import act, desktop, reminders, tree
 from uidrive.reminders import ALL, NEW
 from uidrive.waiting import run, wait_for, wait_gone
 
 SNOOZE, DISMISS = "Snooze reminder for", "Dismiss Reminder"
-
-
-def dialog(caption):
-    found = wait_for(lambda: next((w for w in tree.windows() if tree.name(w).startswith(caption)),
-                                  None), 10, caption)
-    wait_for(lambda: (desktop.active_title() or "").startswith(caption), 10, f"{caption} in front")
-    return found
 
 
 def wait_subjects(wanted, grid=NEW):
@@ -37,6 +32,11 @@ def search(text):
     run("xdotool", "type", "--delay", "20", text)
 
 
+def in_the_list(grid):
+    """The keyboard is in it."""
+    return "focused" in tree.states(tree.grid(grid, reminders.TITLE))
+
+
 def step(up):
     x, y, width, height = tree.box(tree.find("spin button", None, reminders.TITLE))
     act.click_at(x + width // 2, y + height * (1 if up else 3) // 4)
@@ -53,13 +53,24 @@ with OneDay(timers_too=True) as program:
     desktop.place(reminders.TITLE, 60, 60, 1100, 500)
     wait_subjects([EARLIER, due, LATER])
 
-    search("insurance")
+    search("t")
+    wait_subjects([EARLIER, due, LATER])
+    for letter, shown in zip("he i", ([due, LATER], [LATER], [LATER], [LATER])):
+        run("xdotool", "type", letter)
+        wait_for(lambda shown=shown: set(reminders.subjects(NEW)) <= set(shown), 5, f"{shown}")
     wait_subjects([LATER])
+    check(True, "with each letter the list shows less")
     act.key("Down")
     wait_for(lambda: reminders.selected_subjects(NEW) == [LATER], 5, "the row that was found")
     act.key("ctrl+f", "Escape")
     wait_subjects([EARLIER, due, LATER])
     check(reminders.selected_subjects(NEW) == [LATER], "searched, found, and still chosen afterwards")
+    for key in ("Return", "Down", "alt+n"):
+        act.key("ctrl+f")
+        wait_gone(lambda: in_the_list(NEW), 5, "the keyboard's leaving the list")
+        act.key(key)
+        wait_for(lambda: in_the_list(NEW), 5, f"the keyboard back in the list after {key}")
+    check(reminders.selected_subjects(NEW) == [LATER], "from the field the keys come back to the row")
 
     act.click(heading("Subject"))
     by_subject = sorted([EARLIER, due, LATER], key=str.casefold)
@@ -75,7 +86,19 @@ with OneDay(timers_too=True) as program:
     for up, period in ((True, "Previous 30 days"), (False, "Hidden"), (False, "Dismissed")):
         step(up)
         tree.find("combo box", period, reminders.TITLE)
+        wait_for(lambda: in_the_list(ALL), 5, "the keyboard in the list")
     check(True, "the arrows step through the periods, past both ends")
+    for _ in range(8):
+        step(False)
+    tree.find("combo box", "Today", reminders.TITLE)
+    wait_for(lambda: {EARLIER, due, LATER} <= set(reminders.subjects(ALL)), 10, "today's reminders")
+    check(True, "and the list shows the period that they stop at")
+    x, y, width, height = tree.box(tree.find("combo box", "Today", reminders.TITLE))
+    act.move_to(x + width // 2, y + height // 2)
+    run("xdotool", "click", "--repeat", 3, 5)
+    time.sleep(0.3)
+    tree.find("combo box", "Today", reminders.TITLE)
+    check(in_the_list(ALL), "the wheel over the periods changes none of them, nor the focus")
     act.select_tab(NEW, reminders.TITLE)
 
     act.select_row(EARLIER, NEW, reminders.TITLE)

@@ -1,14 +1,10 @@
 #!/usr/bin/python3
 """A desktop without a tray, and one that gets its tray late."""
-import subprocess
-
 from stage import EARLIER, Elsewhere, OneDay, check
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.waiting import wait_for, wait_gone
 
 NOTICE = "This desktop shows no tray icons; the window is minimized instead of hidden"
-TRAY = ("trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request",
-        "--heighttype", "pixel", "--height", "24", "--SetDockType", "true")
 
 
 def in_task_bar():
@@ -17,10 +13,6 @@ def in_task_bar():
 
 def minimized():
     return in_task_bar() and "HIDDEN" in desktop.states(reminders.TITLE)
-
-
-def start_tray():
-    return subprocess.Popen(TRAY, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 def stop(program):
@@ -50,12 +42,12 @@ with Elsewhere() as elsewhere, OneDay("NotifType=T") as program:
     desktop.wait_active(reminders.TITLE)
     check(not says_so(), "it was said once")
 
-    late = start_tray()
+    late = tray.start()
     try:
         tray.icon(reminders.PROGRAM, timeout=20)
         check(True, "a tray that comes later has the icon")
         stop(late)
-        late = start_tray()
+        late = tray.start()
         tray.icon(reminders.PROGRAM, timeout=20)
         check(True, "also one that is started again")
         before = desktop.geometry(reminders.TITLE)

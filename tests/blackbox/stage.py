@@ -78,10 +78,13 @@ class Stage(Program):
         with open(path, "w"):
             return path
 
+    def belongs_to(self, subject, path):
+        """The event's item is in that file of the host's."""
+        self.sql(f'UPDATE Reminders SET VLBase="{path}" WHERE Subject="{subject}"')
 
-    def make_host_of(self, subject):
+    def make_host_of(self, subject, name="Items.vlb"):
         """A database of the host that holds the item of that event, and another one."""
-        path = os.path.join(self.folder, "Items.vlb")
+        path = os.path.join(self.folder, name)
         subprocess.run([self._remindb, "new", path], check=True)
         event = self.sql(f'SELECT GUID FROM Reminders WHERE Subject="{subject}"')[0]
         for statement in (
@@ -93,7 +96,7 @@ class Stage(Program):
                 'INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (11, "Its item")',
                 'INSERT INTO [\u00AFItems] (ItemID, Title) VALUES (12, "Another\'s")'):
             self.sql(statement, path)
-        self.sql(f'UPDATE Reminders SET VLBase="{path}" WHERE Subject="{subject}"')
+        self.belongs_to(subject, path)
         return path
 
 
@@ -106,6 +109,40 @@ class OneDay(Stage):
         time.tzset()
         super().__init__(*settings, **more)
         self.sql("DELETE FROM Reminders WHERE RecurrenceState <> 0")
+
+
+class Opener:
+    """What the program finds when it looks for who opens documents: notes what it is to open."""
+
+    def __init__(self):
+        tmp = os.environ["DESKTOP_TMP"]
+        self._folder, self._asked = os.path.join(tmp, "opener"), os.path.join(tmp, "opened")
+        self._path = os.path.join(self._folder, "xdg-open")
+        os.makedirs(self._folder)
+        self.install()
+
+    def install(self):
+        with open(self._path, "w") as file:
+            file.write(f'#!/bin/sh\necho "$1" >> {self._asked}\n')
+        os.chmod(self._path, 0o755)
+
+    def environment(self, alone=False):
+        """`alone`: besides it nothing can be started."""
+        return {"PATH": self._folder if alone else f"{self._folder}:{os.environ['PATH']}"}
+
+    def remove(self):
+        os.remove(self._path)
+
+    def opened(self):
+        """All addresses so far."""
+        if not os.path.exists(self._asked):
+            return []
+        with open(self._asked) as file:
+            return file.read().splitlines()
+
+    def wait_opened(self, count):
+        return wait_for(lambda: (lambda found: found if len(found) >= count else None)(
+            self.opened()), 10, f"{count} addresses to be opened")
 
 
 class Elsewhere:
@@ -130,6 +167,20 @@ class Elsewhere:
     def __exit__(self, *_):
         self._program.terminate()
         self._program.wait()
+
+
+def dialog(caption):
+    """The dialog whose caption begins so, once it has the keys."""
+    def in_front():
+        found = next((w for w in tree.windows() if tree.name(w).startswith(caption)), None)
+        return found if found and "active" in tree.states(found) and (
+            desktop.active_title() or "").startswith(caption) else None
+    return wait_for(in_front, 10, f"the dialog {caption!r} in front")
+
+
+def wait_left(caption):
+    wait_gone(lambda: any(tree.name(w).startswith(caption) for w in tree.windows()), 10,
+              f"the dialog {caption!r}")
 
 
 def check(condition, text):

@@ -2,24 +2,12 @@
 """No database, no settings file: the program comes up, says so, and finds the database on F5."""
 import os
 
-from stage import Stage, check
+from stage import Opener, Stage, check
 from uidrive import act, desktop, reminders, tray, tree
 from uidrive.waiting import wait_for, wait_gone
 
 TMP = os.environ["DESKTOP_TMP"]
 TRACE = os.path.join(TMP, "trace")
-OPENED = os.path.join(TMP, "opened")
-
-
-def fake_opener():
-    """A folder with an xdg-open that only notes what it is to open."""
-    folder = os.path.join(TMP, "bin")
-    os.makedirs(folder)
-    path = os.path.join(folder, "xdg-open")
-    with open(path, "w") as file:
-        file.write(f'#!/bin/sh\necho "$1" >> {OPENED}\n')
-    os.chmod(path, 0o755)
-    return folder
 
 
 def text_of(path):
@@ -35,8 +23,8 @@ def first_row_top():
     return tree.box(tree.cells(tree.grid(reminders.EVENTS, reminders.TITLE))[0][0])[1]
 
 
-stage = Stage(environment={"VL_TRACE": TRACE,
-                           "PATH": f"{fake_opener()}:{os.environ['PATH']}"})
+opener = Opener()
+stage = Stage(environment={"VL_TRACE": TRACE, **opener.environment()})
 database = os.path.join(stage.folder, "db", "Velmora.RemindDB")
 os.rename(database, database + ".away")
 with open(os.path.dirname(stage.settings), "w") as file:  # where the data folder should be
@@ -73,7 +61,7 @@ with stage as program:
     check(True, "the wheel scrolls the grid under the pointer")
 
     act.key("F1")
-    address = wait_for(lambda: os.path.exists(OPENED) and text_of(OPENED).strip(), 10, "the help")
+    address = opener.wait_opened(1)[0]
     check(address.startswith("file:///") and address.endswith("/help/index.html#5565"), address)
     page = address[len("file://"):].split("#")[0]
     check('id="5565"' in text_of(page), "F1 opens the installed help at the window's place")
