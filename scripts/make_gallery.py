@@ -89,6 +89,12 @@ class Gallery:
         x, y, width, height = (round(v * scale) for v in tree.box(node))
         return x - margin, y - margin, x + width + margin, y + height + margin
 
+    @staticmethod
+    def together(first, *others):
+        """The area around all of them."""
+        lefts, tops, rights, bottoms = zip(first, *others)
+        return min(lefts), min(tops), max(rights), max(bottoms)
+
     def keep(self, name, area):
         time.sleep(0.6)  # the last repaint
         screen = desktop.picture()
@@ -198,7 +204,7 @@ class Gallery:
     def tray(self):
         with self.scene(kind="T"):
             x, y, width, height = tray.icon(reminders.PROGRAM, 30)
-            tray.tooltip(reminders.PROGRAM)
+            tray.tooltip(reminders.PROGRAM, across=0.1, down=0.9)  # or the pointer hides the icon
             self.keep("tray", (x - 250, y - 70, x + width + 12, y + height))
 
     def menu(self):
@@ -221,8 +227,9 @@ class Gallery:
                       button=3)
             wait_for(tree.open_menus, 10)
             act.key("s")
-            wait_for(lambda: len(tree.open_menus()) > 1, 10, "the menu of sorting")
-            self.keep("columns", self.frame())
+            menus = wait_for(lambda: (lambda m: m if len(m) > 1 else None)(tree.open_menus()), 10,
+                             "the menu of sorting")
+            self.keep("columns", self.together(self.frame(), *map(self.around, menus)))
 
     def cleanup(self):
         with self.window():
@@ -245,6 +252,20 @@ class Gallery:
             act.key("a")
             title = wait_for(lambda: next((t for t in desktop.titles() if "Events and" in t), None))
             self.keep("about", self.frame(title))
+
+    def no_tray(self):
+        """In its end's place a desktop has its tray again."""
+        tray.end()
+        try:
+            with self.scene(kind="T"):
+                desktop.wait_known(TITLE, 30)
+                desktop.activate(TITLE)
+                self.shown()
+                wait_for(lambda: any("tray icons" in tree.name(n)
+                                     for n in tree.find_all("label", within=TITLE)), 15, "the notice")
+                self.keep("no-tray", self.frame())
+        finally:
+            tray.start()
 
     def empty(self):
         with self.scene(events=(), kind="D"):
@@ -314,7 +335,7 @@ class Gallery:
 PICTURES = {name: value for name, value in vars(Gallery).items()
             if callable(value) and not name.startswith("_")
             and name not in ("scene", "keep", "window", "frame", "around", "shown", "titled",
-                             "choose_period")}
+                             "choose_period", "together")}
 
 
 def main():
