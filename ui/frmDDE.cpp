@@ -299,6 +299,8 @@ void frmDDE::changeEvent(QEvent* event) {
     if (event->type() == QEvent::WindowStateChange && !loading_ && isWatched()) {
         TimerUpdate.start();
         TimerUpdate_Tick();
+        fieldNames_.Doubt();
+        wantFields();
         sayTrayMissing();
     } else if (event->type() == QEvent::PaletteChange && lblNotice != nullptr) {
         // The desktop has turned dark, or light: the line has a colour of its own.

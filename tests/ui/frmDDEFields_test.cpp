@@ -105,6 +105,16 @@ TEST_F(frmDDEFields, AFieldThatWasRenamedIsSeenAtTheNextLook) {
     EXPECT_TRUE(becomes(kEventsGrid, "{b}", "Anniversaries"));
 }
 
+TEST_F(frmDDEFields, AWindowThatIsBroughtBackFromTheTaskBarAsksForThem) {
+    hasTray = false;  // it starts minimized
+    loadTwo();
+    window->showMinimized();
+    window->DoPeriod();
+    EXPECT_FALSE(isAsking());
+    window->showNormal();
+    EXPECT_TRUE(becomes(kEventsGrid, "{b}", "Birthdays"));
+}
+
 TEST_F(frmDDEFields, RowsAreSortedByTheNamesThatCameLate) {
     load();
     add(eventOf("{a}", 7));
