@@ -95,9 +95,11 @@ class Gallery:
         lefts, tops, rights, bottoms = zip(first, *others)
         return min(lefts), min(tops), max(rights), max(bottoms)
 
-    def keep(self, name, area):
+    def keep(self, name, area, when=lambda screen: True):
+        """`when`: what is to be seen on the screen."""
         time.sleep(0.6)  # the last repaint
-        screen = desktop.picture()
+        screen = wait_for(lambda: (lambda s: s if when(s) else None)(desktop.picture()), 10,
+                          f"what {name} is to show")
         left, top, right, bottom = area
         area = (max(left, 0), max(top, 0), min(right, screen.width), min(bottom, screen.height))
         path = os.path.join(self.folder, name + ".png")
@@ -205,7 +207,12 @@ class Gallery:
         with self.scene(kind="T"):
             x, y, width, height = tray.icon(reminders.PROGRAM, 30)
             tray.tooltip(reminders.PROGRAM, across=0.1, down=0.9)  # or the pointer hides the icon
-            self.keep("tray", (x - 250, y - 70, x + width + 12, y + height))
+
+            def with_dot(screen):
+                return any(red > 200 and green < 60 and blue < 60 for red, green, blue in
+                           screen.crop((x, y, x + width, y + height)).getdata())
+
+            self.keep("tray", (x - 250, y - 70, x + width + 12, y + height), with_dot)
 
     def menu(self):
         with self.scene(kind="T"):

@@ -22,9 +22,6 @@
 namespace vl {
 namespace {
 
-using test::childOf;
-using test::someFriday;
-
 QString said(QObject* control) {
     QAccessibleInterface* known = QAccessible::queryAccessibleInterface(control);
     return known ? known->text(QAccessible::Name) : QString();
@@ -116,6 +113,7 @@ TEST_F(Access, AGridIsReadCellByCell) {
     QAccessibleTableInterface& table = *known->tableInterface();
     ASSERT_EQ(table.rowCount(), 1);
     std::vector<std::string> cells;
+    cells.reserve(4);
     for (int column = 0; column < 4; ++column) {
         cells.push_back(plainText(table.columnDescription(column)) + ": " +
                         plainText(table.cellAt(0, column)->text(QAccessible::Name)));
