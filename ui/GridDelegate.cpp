@@ -109,10 +109,8 @@ void GridDelegate::paintSubject(QPainter& painter, const QStyleOptionViewItem& c
                      cell.fontMetrics.elidedText(summary, Qt::ElideRight, area.width()));
     if (!detail.isEmpty()) {
         painter.setFont(second);
-        painter.setPen(
-            isSelected(cell)
-                ? mixed(text, cell.palette.color(groupOf(cell), QPalette::Highlight), 0.8)
-                : tone.dimmed);
+        // The highlight leaves the desktop's own text little contrast: nothing of it is given away.
+        painter.setPen(isSelected(cell) ? text : tone.dimmed);
         painter.drawText(QRect(area.left(), top + cell.fontMetrics.height(), area.width(),
                                smallMetrics.height()),
                          align, smallMetrics.elidedText(detail, Qt::ElideRight, area.width()));

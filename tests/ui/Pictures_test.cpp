@@ -1,7 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <QImage>
+#include <algorithm>
 
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <QStandardItemModel>
+
+#include "ui/GridDelegate.h"
+#include "ui/GridModel.h"
 #include "ui/Tones.h"
 #include "ui/TrayPictures.h"
 
@@ -62,6 +69,41 @@ TEST(Tones, CanBeReadOnAnyBase) {
         EXPECT_GE(contrast(tones.dimmed, base), 3.0);
         EXPECT_LT(contrast(tones.dimmed, base), contrast(palette.color(QPalette::Text), base));
     }
+}
+
+// The strongest contrast to the ground in these lines of the picture.
+double contrastIn(const QImage& picture, int from, int to) {
+    const QColor ground = picture.pixelColor(picture.width() - 2, picture.height() / 2);
+    double most = 1;
+    for (int y = from; y < to; ++y) {
+        for (int x = 0; x < picture.width() / 2; ++x) {
+            most = std::max(most, contrast(picture.pixelColor(x, y), ground));
+        }
+    }
+    return most;
+}
+
+TEST(GridDelegate, OfASelectedRowBothLinesCanBeReadAlike) {
+    QStandardItemModel model(1, 1);
+    model.setData(model.index(0, 0), "HHHHHH", GridModel::SummaryRole);
+    model.setData(model.index(0, 0), "HHHHHH", GridModel::DetailRole);
+    const GridDelegate delegate(0, 1);
+    QStyleOptionViewItem option;
+    option.palette = QApplication::palette();
+    option.font = QApplication::font();
+    option.fontMetrics = QFontMetrics(option.font);
+    option.state = QStyle::State_Enabled | QStyle::State_Active | QStyle::State_Selected;
+    option.showDecorationSelected = true;
+    option.rect = QRect(0, 0, 400, delegate.sizeHint(option, model.index(0, 0)).height());
+    QImage picture(option.rect.size(), QImage::Format_RGB32);
+    picture.fill(option.palette.color(QPalette::Base));
+    QPainter painter(&picture);
+    delegate.paint(&painter, option, model.index(0, 0));
+    painter.end();
+    const int middle = 2 + option.fontMetrics.height();
+    const double first = contrastIn(picture, 3, middle);
+    EXPECT_GT(first, 2);
+    EXPECT_GE(contrastIn(picture, middle + 1, picture.height() - 3), 0.9 * first);
 }
 
 TEST(Tones, ContrastIsThatOfTheStandard) {
