@@ -66,6 +66,13 @@ void putNumeric(const Column& column, const Variant& value, std::span<std::byte>
     }
 }
 
+// The years from 100 to 9999. Damaged files hold others.
+bool isStorable(DateTime date) noexcept {
+    static const DateTime kFirst = DateTime::fromCivil(100, 1, 1);
+    static const DateTime kBehindLast = DateTime::fromCivil(10000, 1, 1);
+    return std::isfinite(date.days()) && !(date < kFirst) && date < kBehindLast;
+}
+
 // The same instant must always give the same bits: indexes and comparisons go by them. Only what is
 // copied has those that somebody else gave it.
 double dateBits(const Variant& value, Dates dates) {
@@ -88,12 +95,6 @@ void putText(const Variant& value, std::span<std::byte> field) {
 }
 
 }  // namespace
-
-bool isStorable(DateTime date) noexcept {
-    static const DateTime kFirst = DateTime::fromCivil(100, 1, 1);
-    static const DateTime kBehindLast = DateTime::fromCivil(10000, 1, 1);
-    return std::isfinite(date.days()) && !(date < kFirst) && date < kBehindLast;
-}
 
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field,
                  Dates dates) {

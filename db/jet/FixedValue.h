@@ -22,7 +22,4 @@ enum class Dates {
 void encodeFixed(const Column& column, const Variant& value, std::span<std::byte> field,
                  Dates dates = Dates::WholeSeconds);
 
-/// Whether a date lies in the years that are stored, 100 to 9999. Damaged files hold others.
-bool isStorable(DateTime date) noexcept;
-
 }  // namespace vl::jet

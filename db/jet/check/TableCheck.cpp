@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "Bytes.h"
-#include "FixedValue.h"
 #include "LongValue.h"
 #include "RowPlace.h"
 #include "UsageMap.h"
@@ -185,10 +184,9 @@ void TableCheck::checkRow(const RowView& row, RowId id, const Origin& origin) {
             checkLongValue(i, fields[i].bytes, origin);
         }
         values.push_back(valueOf(file_, column, fields[i], origin));
-        if (const auto* date = values.back().get<DateTime>(); date && !isStorable(*date)) {
-            findings_.add(id.page, rowText(id.row) +
-                                       " has a date of no year from 100 to 9999 in column \"" +
-                                       column.name + "\" of " + label());
+        if (const std::string why = whyUnstorable(column, values.back()); !why.empty()) {
+            findings_.add(id.page, rowText(id.row) + " has a value in column \"" + column.name +
+                                       "\" of " + label() + " that it cannot hold: " + why);
         }
     }
     for (std::size_t i = 0; i < table_.trees.size(); ++i) {

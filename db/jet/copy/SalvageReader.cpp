@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "Bytes.h"
-#include "FixedValue.h"
 #include "RowPlace.h"
 #include "UsageMap.h"
 #include "write/Field.h"
@@ -171,9 +170,9 @@ std::vector<Variant> SalvageReader::valuesOf(const RowView& row, const TableDefi
                 value =
                     valueOf(file_, column, {true, {bytes->begin(), bytes->end()}, false}, origin);
             }
-            if (const auto* date = value.get<DateTime>(); date && !isStorable(*date)) {
+            if (const std::string why = whyUnstorable(column, value); !why.empty()) {
                 value = Null{};
-                origin.corrupt("a date of no year from 100 to 9999");
+                origin.corrupt(why);
             }
         } catch (const Error& e) {
             if (e.number() != ErrNo::Corrupt) {

@@ -116,6 +116,29 @@ Field fieldOf(const Column& column, const Variant& value, Dates dates) {
     }
 }
 
+std::string whyUnstorable(const Column& column, const Variant& value) {
+    switch (column.type) {
+        // Whatever their bytes are, they are one of the type's values.
+        case ColumnType::Boolean:
+        case ColumnType::Byte:
+        case ColumnType::Integer:
+        case ColumnType::Long:
+        case ColumnType::Complex:
+        case ColumnType::Money:
+        case ColumnType::Guid:
+        case ColumnType::Ole:
+            return {};
+        default:
+            break;
+    }
+    try {
+        fieldOf(column, value, Dates::AsTheyAre);
+    } catch (const Error& e) {
+        return e.what();
+    }
+    return {};
+}
+
 Fields fieldsOf(const RowView& row, const TableDefinition& table) {
     Fields fields(table.columns.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {

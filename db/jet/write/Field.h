@@ -25,6 +25,11 @@ using Fields = std::vector<Field>;  ///< one for each of the table's `columns`
 /// not fit, `ErrNo::Unsupported` for a text that cannot be stored. Source: docs/jet4.md, "Values".
 Field fieldOf(const Column& column, const Variant& value, Dates dates = Dates::WholeSeconds);
 
+/// Why `fieldOf` refuses a value that was read from such a column; empty: it takes it. A file that
+/// was damaged, or written by others, has values that nobody can write again: no number, infinite,
+/// of more digits, longer than the column, of no year that is stored.
+std::string whyUnstorable(const Column& column, const Variant& value);
+
 /// What the row holds already. Throws `Error` (`ErrNo::Corrupt`).
 Fields fieldsOf(const RowView& row, const TableDefinition& table);
 

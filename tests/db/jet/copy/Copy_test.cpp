@@ -167,30 +167,36 @@ TEST(JetCopy, EveryFileIsCopiedWithTheSameRows) {
     EXPECT_GE(salvaged, 2);
 }
 
-/// A file whose only table, "Things", has a row for each of `values` in its only column, and their
-/// bytes there replaced. What is found as it was stored is to be there once for each row.
-std::string filledWith(const jet::NewColumn& column, const std::vector<Variant>& values,
-                       const std::vector<std::string>& stored,
-                       const std::vector<std::string>& bytes) {
+/// What is found in a file once, and what is to stand there instead.
+using Patches = std::vector<std::pair<std::string, std::string>>;
+
+/// A file whose only table is "Things", patched.
+std::string patchedFile(const std::vector<jet::NewColumn>& columns,
+                        const std::vector<jet::NewIndex>& indexes,
+                        const std::vector<test::Row>& rows, const Patches& patches) {
     const test::TempFolder folder;
     const std::string path = (folder / "source.mdb").string();
     {
         auto db = Database::create(path);
-        db.createTable("Things", std::vector<jet::NewColumn>{column});
+        db.createTable("Things", columns, indexes);
         jet::Transaction change(db);
         Table table = db.table("Things");
-        for (const Variant& value : values) {
-            table.insert(std::vector<Table::Change>{{0, value}});
+        for (const test::Row& row : rows) {
+            std::vector<Table::Change> values;
+            for (const Variant& value : row) {
+                values.emplace_back(values.size(), value);
+            }
+            table.insert(values);
         }
         change.commit();
     }
     std::string file = test::readFile(path);
-    for (std::size_t i = 0; i < stored.size(); ++i) {
-        const std::size_t at = file.find(stored[i]);
-        EXPECT_NE(at, std::string::npos) << i;
-        EXPECT_EQ(file.find(stored[i], at + 1), std::string::npos) << i;
+    for (const auto& [from, to] : patches) {
+        const std::size_t at = file.find(from);
+        EXPECT_NE(at, std::string::npos);
+        EXPECT_EQ(file.find(from, at + 1), std::string::npos);
         if (at != std::string::npos) {
-            file.replace(at, bytes[i].size(), bytes[i]);
+            file.replace(at, to.size(), to);
         }
     }
     return file;
@@ -214,16 +220,14 @@ TEST(JetCopy, DatesKeepEveryBitAlsoInUniqueIndexes) {
                                       -1.25 - 0.4 * second,
                                       -0.0,
                                       2958465.5 + 0.7 * second};
-    std::vector<Variant> values;
-    std::vector<std::string> stored;
-    std::vector<std::string> bytes;
+    std::vector<test::Row> rows;
+    Patches patches;
     for (std::size_t i = 0; i < days.size(); ++i) {
         const auto other = DateTime::fromCivil(2031, 3, 1 + static_cast<int>(i), 7, 11, 13);
-        values.emplace_back(other);
-        stored.push_back(bytesOf(other.days()));
-        bytes.push_back(bytesOf(days[i]));
+        rows.push_back({other});
+        patches.emplace_back(bytesOf(other.days()), bytesOf(days[i]));
     }
-    Disk disk(filledWith({.name = "At", .type = jet::ColumnType::Date}, values, stored, bytes));
+    Disk disk(patchedFile({{.name = "At", .type = jet::ColumnType::Date}}, {}, rows, patches));
     auto source = test::openMemory(disk, Access::ReadWrite);
     source.createIndex("Things", {.name = "ByAt", .unique = true, .columns = {{"At"}}});
     ASSERT_EQ(whatIsWrong(source), "");
@@ -255,42 +259,94 @@ TEST(JetCopy, DatesKeepEveryBitAlsoInUniqueIndexes) {
     EXPECT_EQ(bitsIn(saved), expected);
 }
 
+// As numeric columns keep a number of hundredths.
+std::string hundredths(std::uint32_t number) { return std::string(13, '\0') + bytesOf(number); }
+
+// The last of what the definition says of its last column, and how the first one begins.
+std::string lengthOf(std::uint16_t bytes) { return bytesOf(bytes) + std::string("\6\0K\0", 4); }
+
 // A copy would have to change it, so that only what saves the rest goes on.
-TEST(JetCopy, ADateThatCannotBeStoredIsLostAloneWhereRowsAreSaved) {
-    const std::string whole = test::firstLight();
-    Disk disk(whole);
-    const test::Rows before = test::rowsOf(test::openMemory(disk).table("Reminders"));
-    const std::size_t end =
-        test::position(test::openMemory(disk).table("Reminders"), "EndDateTime");
-    const auto bits = std::bit_cast<std::array<char, 8>>(before.values[0][end].toDateTime().days());
-    const std::size_t at = whole.find(std::string_view(bits.data(), bits.size()));
-    ASSERT_NE(at, std::string::npos);
+TEST(JetCopy, AValueThatNoColumnHoldsIsLostAloneWhereRowsAreSaved) {
+    using jet::ColumnType;
+    using Doubles = std::numeric_limits<double>;
+    using Singles = std::numeric_limits<float>;
+    const jet::NewColumn date{.name = "A", .type = ColumnType::Date};
+    const jet::NewColumn single{.name = "A", .type = ColumnType::Single};
+    const jet::NewColumn number{.name = "A", .type = ColumnType::Double};
+    const jet::NewColumn numeric{
+        .name = "A", .type = ColumnType::Numeric, .precision = 5, .scale = 2};
+    const jet::NewColumn shortText{.name = "A", .type = ColumnType::Text, .length = 77};
+    const jet::NewColumn binary{.name = "A", .type = ColumnType::Binary, .length = 77};
+    const DateTime day = DateTime::fromCivil(2031, 3, 1, 7, 11, 13);
+    const std::string was = bytesOf(day.days());
+    const std::string text = std::string(35, 'x');
+    const vl::Bytes bytes(35, std::byte{7});
     struct Case {
-        double days;
+        const char* what;
+        jet::NewColumn column;
+        Variant value;
+        std::string from;
+        std::string to;
         ErrNo copying;
     };
-    for (const Case& c : {Case{-5.5e303, ErrNo::Overflow}, Case{2958466, ErrNo::Overflow},
-                          Case{-657435, ErrNo::Overflow},
-                          Case{std::numeric_limits<double>::quiet_NaN(), ErrNo::Corrupt},
-                          Case{std::numeric_limits<double>::infinity(), ErrNo::Corrupt}}) {
-        SCOPED_TRACE(c.days);
-        Disk damaged(whole);
-        std::memcpy(damaged.bytes.data() + at, &c.days, sizeof c.days);
-        auto source = test::openMemory(damaged);
-        EXPECT_NE(whatIsWrong(source).find("EndDateTime"), std::string::npos);
+    const Case cases[] = {
+        {"a date long ago", date, day, was, bytesOf(-5.5e303), ErrNo::Overflow},
+        {"a date of the year 10000", date, day, was, bytesOf(2958466.0), ErrNo::Overflow},
+        {"the last date", date, day, was, bytesOf(2958465.75), ErrNo::None},
+        {"a date of the year 99", date, day, was, bytesOf(-657435.0), ErrNo::Overflow},
+        {"the first date", date, day, was, bytesOf(-657434.0), ErrNo::None},
+        {"a date that is no number", date, day, was, bytesOf(Doubles::quiet_NaN()), ErrNo::Corrupt},
+        {"an infinite date", date, day, was, bytesOf(Doubles::infinity()), ErrNo::Corrupt},
+        {"no single", single, 1234.5, bytesOf(1234.5F), bytesOf(Singles::quiet_NaN()),
+         ErrNo::Overflow},
+        {"an infinite single", single, 1234.5, bytesOf(1234.5F), bytesOf(Singles::infinity()),
+         ErrNo::Overflow},
+        {"the largest single", single, 1234.5, bytesOf(1234.5F), bytesOf(Singles::max()),
+         ErrNo::None},
+        {"no double", number, 1234.567, bytesOf(1234.567), bytesOf(Doubles::quiet_NaN()),
+         ErrNo::Overflow},
+        {"a double below all", number, 1234.567, bytesOf(1234.567), bytesOf(-Doubles::infinity()),
+         ErrNo::Overflow},
+        {"the largest double", number, 1234.567, bytesOf(1234.567), bytesOf(Doubles::max()),
+         ErrNo::None},
+        {"a numeric of six digits", numeric, "123.45", hundredths(12345), hundredths(100000),
+         ErrNo::Overflow},
+        {"a numeric of five digits", numeric, "123.45", hundredths(12345), hundredths(99999),
+         ErrNo::None},
+        {"a text longer than its column", shortText, text, lengthOf(154), lengthOf(68),
+         ErrNo::Overflow},
+        {"a text as long as its column", shortText, text, lengthOf(154), lengthOf(70), ErrNo::None},
+        {"bytes longer than their column", binary, bytes, lengthOf(77), lengthOf(34),
+         ErrNo::Overflow},
+        {"bytes as long as their column", binary, bytes, lengthOf(77), lengthOf(35), ErrNo::None},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const jet::NewColumn key{.name = "Key", .type = ColumnType::Long};
+        Disk disk(patchedFile({key, c.column}, {}, {{1, c.value}, {2, Null{}}}, {{c.from, c.to}}));
+        auto source = test::openMemory(disk);
+        const bool holds = c.copying == ErrNo::None;
+        EXPECT_EQ(whatIsWrong(source).empty(), holds);
+        EXPECT_THAT(whatIsWrong(source), testing::HasSubstr(holds ? "" : "\"A\""));
         const test::TempFolder folder;
         auto copy = Database::create((folder / "copy.mdb").string());
         EXPECT_EQ(test::errorOf([&] { copyTables(source, copy); }), c.copying);
 
         auto saved = Database::create((folder / "saved.mdb").string());
         const jet::CopyReport report =
-            jet::salvage(std::make_unique<test::MemoryFile>(damaged), "memory", saved);
-        ASSERT_EQ(report.lost.size(), 1U);
-        EXPECT_THAT(report.lost[0].what, testing::HasSubstr("loses column \"EndDateTime\""));
+            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
         EXPECT_EQ(whatIsWrong(saved), "");
-        test::Rows expected = before;
-        expected.values[0][end] = Null{};
-        EXPECT_EQ(test::rowsOf(saved.table("Reminders")).values, expected.values);
+        if (holds) {
+            EXPECT_TRUE(report.lost.empty());
+            expectSameTables(source, copy);
+            expectSameTables(source, saved);
+            continue;
+        }
+        ASSERT_EQ(report.lost.size(), 1U);
+        EXPECT_THAT(report.lost[0].what,
+                    testing::StartsWith("row 0 of table \"Things\" loses column \"A\": "));
+        const std::vector<test::Row> expected = {{1, Null{}}, {2, Null{}}};
+        EXPECT_EQ(test::rowsOf(saved.table("Things")).values, expected);
     }
 }
 
