@@ -30,14 +30,15 @@ struct CopyReport {
 CopyReport copyTables(Database& source, Database& target);
 
 /// The same with what can still be read of the file at `path`, however damaged. A value that cannot
-/// be read becomes null; a row without a key that it needs, or with one that another row has, is
-/// lost. Definitions that the catalog has lost are found page by page; these tables are named by
-/// their page. Rows are taken from the pages that a table's map says are its own, or where the map
-/// is lost from all pages that say so and are not free. Queries, linked tables and relationships
-/// are lost. The file stays as it is; what it held before a change that was broken off is read from
-/// its journal, and writers are kept out meanwhile. Throws `Error`: `ErrNo::Format` for a file
-/// of another kind, `ErrNo::Locked` when somebody writes for longer than we wait, what the system
-/// refuses, what writing throws.
+/// be read, or that its column cannot hold, becomes null. An index that the rows are against (two
+/// with the same values, or null where a value is required) is made a plain one. Definitions that
+/// the catalog has lost are found page by page; these tables are named by their page. Rows are
+/// taken from the pages that a table's map says are its own, or where the map is lost from all
+/// pages that say so and are not free. Queries, linked tables and relationships are lost. The file
+/// stays as it is; what it held before a change that was broken off is read from its journal, and
+/// writers are kept out meanwhile. Throws `Error`: `ErrNo::Format` for a file of another kind,
+/// `ErrNo::Locked` when somebody writes for longer than we wait, what the system refuses, what
+/// writing throws.
 CopyReport salvage(const std::string& path, Database& target, const OpenOptions& options = {});
 /// The same of an open file that nobody else has; `name` stands in the texts of errors.
 CopyReport salvage(std::unique_ptr<File> source, const std::string& name, Database& target);

@@ -56,15 +56,42 @@ std::uint64_t copyRows(SalvageReader& reader, const TableDefinition& table, Data
     return count;
 }
 
+// Values that were lost, or rows that other programs wrote, may be against what an index asks for:
+// the index goes before a row does.
+void makeIndex(Database& target, const TableDefinition& table, NewIndex index, Findings& findings) {
+    const auto refusal = [&]() -> std::string {
+        try {
+            target.createIndex(table.name, index);
+            return {};
+        } catch (const Error& e) {
+            if (e.number() == ErrNo::Io || e.number() == ErrNo::Corrupt) {
+                throw;
+            }
+            return e.what();
+        }
+    };
+    const std::string label = "index \"" + index.name + "\" of table \"" + table.name + "\"";
+    const std::string why = refusal();
+    if (why.empty()) {
+        return;
+    }
+    index.primary = index.unique = index.required = false;
+    if (const std::string plain = refusal(); !plain.empty()) {
+        findings.add(table.page, label + " is lost: " + plain);
+    } else {
+        findings.add(table.page, label + " is made a plain one: " + why);
+    }
+}
+
 CopyReport salvageTables(PageFile& file, Database& target, PageFile& targetFile,
                          Findings& findings) {
     lookAtHeader(file.file(), file.name(), findings);
     SalvageReader reader(file, findings);
     CopyReport report;
     for (const TableDefinition& table : reader.tables()) {
-        TablePlan plan = planOf(table, propertiesOf(file, table.page, findings));
+        const TablePlan plan = planOf(table, propertiesOf(file, table.page, findings));
         try {
-            target.createTable(table.name, plan.columns, plan.indexes);
+            target.createTable(table.name, plan.columns);
         } catch (const Error& e) {
             if (e.number() == ErrNo::Io || e.number() == ErrNo::Corrupt) {
                 throw;
@@ -73,6 +100,9 @@ CopyReport salvageTables(PageFile& file, Database& target, PageFile& targetFile,
             continue;
         }
         report.rows += copyRows(reader, table, target, findings);
+        for (const NewIndex& index : plan.indexes) {
+            makeIndex(target, table, index, findings);
+        }
         Transaction change(target);
         finishTable(targetFile, definitionPageOf(target, table.name), plan);
         change.commit();

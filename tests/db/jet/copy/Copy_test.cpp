@@ -350,6 +350,64 @@ TEST(JetCopy, AValueThatNoColumnHoldsIsLostAloneWhereRowsAreSaved) {
     }
 }
 
+// What the rows are against.
+TEST(JetCopy, AnIndexGoesBeforeARowDoesWhereRowsAreSaved) {
+    const std::vector<jet::NewColumn> columns = {{.name = "Key", .type = jet::ColumnType::Long},
+                                                 {.name = "At", .type = jet::ColumnType::Double}};
+    const auto index = [](bool primary, bool unique, bool required) {
+        return jet::NewIndex{"I", primary, unique, false, required, {{"Key"}, {"At"}}};
+    };
+    const std::int32_t one = 0x11223344;
+    const std::int32_t two = 0x55667701;
+    const std::pair<std::string, std::string> sameKey{bytesOf(two), bytesOf(one)};
+    const std::pair<std::string, std::string> sameTime{bytesOf(2.625), bytesOf(1.375)};
+    const std::string noNumber = bytesOf(std::numeric_limits<double>::quiet_NaN());
+    const std::pair<std::string, std::string> firstNull{bytesOf(1.375), noNumber};
+    const std::pair<std::string, std::string> secondNull{bytesOf(2.625), noNumber};
+    struct Case {
+        const char* what;
+        jet::NewIndex index;
+        Patches patches;
+        bool staysAsItIs;
+        std::size_t lost;
+    };
+    const Case cases[] = {
+        {"a key twice", index(false, true, false), {sameKey, sameTime}, false, 1},
+        {"a primary key twice", index(true, true, true), {sameKey, sameTime}, false, 1},
+        {"a key that differs", index(true, true, true), {sameKey}, true, 0},
+        {"a plain index", index(false, false, false), {sameKey, sameTime}, true, 0},
+        {"null where a value is required", index(false, false, true), {firstNull}, false, 2},
+        {"null in a primary key", index(true, true, true), {firstNull}, false, 2},
+        {"null in a unique index", index(false, true, false), {firstNull}, true, 1},
+        {"both", index(true, true, true), {sameKey, firstNull, secondNull}, false, 3},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Disk disk(patchedFile(columns, {c.index}, {{one, 1.375}, {two, 2.625}}, c.patches));
+        const test::TempFolder folder;
+        auto saved = Database::create((folder / "saved.mdb").string());
+        const jet::CopyReport report =
+            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
+        EXPECT_EQ(whatIsWrong(saved), "");
+        EXPECT_EQ(report.rows, 2U);
+        const Table table = saved.table("Things");
+        EXPECT_EQ(sortedRows(table).size(), 2U);
+        ASSERT_EQ(table.indexes().size(), 1U);
+        const jet::Index& made = table.indexes()[0];
+        EXPECT_EQ(made.primary, c.staysAsItIs && c.index.primary);
+        EXPECT_EQ(made.unique, c.staysAsItIs && c.index.unique);
+        EXPECT_EQ(made.required, c.staysAsItIs && c.index.required);
+        EXPECT_EQ(table.indexRows(0).size(), 2U);
+        EXPECT_EQ(report.lost.size(), c.lost);
+        if (!c.staysAsItIs) {
+            ASSERT_FALSE(report.lost.empty());
+            EXPECT_THAT(
+                report.lost.back().what,
+                testing::StartsWith("index \"I\" of table \"Things\" is made a plain one: "));
+        }
+    }
+}
+
 /// Another engine writes to it in the middle of being read.
 class Disturbed : public test::MemoryFile {
 public:
