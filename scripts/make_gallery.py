@@ -27,8 +27,8 @@ CROP = 8  # around a piece of the screen
 class Scene(Program):
     """The program on the gallery's events; the window is up unless the type says otherwise."""
 
-    def __init__(self, build, events, kind="D", scale=None, dark=False, lost=None):
-        """`lost`: the subject of an event whose file is gone."""
+    def __init__(self, build, events, kind="D", scale=None, dark=False, lost=()):
+        """`lost`: the subjects of events whose files are gone."""
         folder = os.path.join(os.environ["DESKTOP_TMP"], "gallery")
         shutil.rmtree(folder, ignore_errors=True)
         variables = make_profile.environment(folder)
@@ -44,14 +44,14 @@ class Scene(Program):
                            stdout=subprocess.DEVNULL)
         for number, event in enumerate(events, 1):
             make_profile.insert(remindb, database, gallery_events.columns(number, event, host))
-        if lost:
-            gone = os.path.join(folder, "Gone.vlb")
+        for number, subject in enumerate(lost):
+            gone = os.path.join(folder, f"Gone{number}.vlb")
             subprocess.run([remindb, "sql", database, f'UPDATE Reminders SET VLBase="{gone}" '
-                            f'WHERE Subject="{lost}"'], check=True, stdout=subprocess.DEVNULL)
+                            f'WHERE Subject="{subject}"'], check=True, stdout=subprocess.DEVNULL)
         self.settings = os.path.join(variables["XDG_DATA_HOME"], "Velmora", "VLReminders.ini")
         os.makedirs(os.path.dirname(self.settings))
         with open(self.settings, "w") as file:
-            width, height = {2: (560, 330), 1.5: (760, 350)}.get(scale, (920, 440))
+            width, height = {2: (560, 330), 1.5: (760, 400)}.get(scale, (920, 440))
             file.write(f"[Reminders]\nNotifType={kind}\n[Window]\nLeft=20\nTop=20\n"
                        f"Width={width}\nHeight={height}\n")
         if dark:
@@ -255,7 +255,7 @@ class Gallery:
             self.keep("columns", self.together(self.frame(), *map(self.around, menus)))
 
     def cleanup(self):
-        with self.window(lost="Choir"):
+        with self.window(lost=("Choir", "Water the plants")):
             self.open_menu()
             act.key("c")
             self.keep("cleanup", self.frame(self.titled("Clean up")))

@@ -80,6 +80,24 @@ with OneDay(timers_too=True) as program:
     act.choose("Repeats")
     wait_for(lambda: "Repeats" not in columns(), 5, "the column to be hidden")
     check(True, "sorted by a heading, and a column hidden")
+    act.select_row(due, NEW, reminders.TITLE)
+    before = tree.box(heading("Due"))[2]
+    act.key("Menu")
+    for letter in ("c", "w", "d"):  # Columns, Wider, Due
+        wait_for(tree.open_menus, 5, "the menu")
+        act.key(letter)
+    wait_for(lambda: tree.box(heading("Due"))[2] > before, 5, "the column to be wider")
+    check(not tree.open_menus(), "by the keyboard a column is made wider")
+    act.click(tree.cells(tree.grid(NEW, reminders.TITLE))[1][0], button=3)
+    act.choose("Columns", "Reset columns")
+    wait_for(lambda: "Repeats" in columns(), 5, "all columns")
+    wait_subjects([EARLIER, due, LATER])
+    check(tree.box(heading("Due"))[2] == before, "from a row's menu the columns are as at first")
+    act.click(heading("Subject"))
+    wait_subjects(by_subject)
+    act.click(heading("Repeats"), button=3)
+    act.choose("Repeats")
+    wait_for(lambda: "Repeats" not in columns(), 5, "the column to be hidden")
 
     act.select_tab(ALL, reminders.TITLE)
     act.pick_from_list("Hidden", tree.find("combo box", None, reminders.TITLE))
@@ -132,6 +150,10 @@ with OneDay(timers_too=True) as program:
     with program:
         reminders.wait_listed(by_subject[1], 30)
         check("Repeats" not in columns(), "a hidden column is hidden after a restart")
+        act.click(tree.cells(tree.grid(NEW, reminders.TITLE))[0][0], button=3)
+        act.choose("Dismiss this reminder")
+        reminders.wait_hidden()
+        check(True, "dismissed from the menu that a right click opens")
         reminders.exit_by_tray()
         check(program.wait_end() == 0, "ended again")
     with open(program.settings) as file:

@@ -19,6 +19,7 @@ using test::someFriday;
 
 std::vector<GridRow> manyRows(int n) {
     std::vector<GridRow> rows;
+    rows.reserve(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) {
         // Out of order on purpose: 7919 is a prime.
         rows.push_back(reminderRow("{" + std::to_string(i) + "}",

@@ -29,7 +29,7 @@ protected:
     /// Three reminders of today listed as new; the window shown on its first tab.
     void loadThree() {
         load();
-        for (int i = 1; i <= 3; ++i) {
+        for (std::int64_t i = 1; i <= 3; ++i) {
             const std::string GUID = "{" + std::to_string(i) + "}";
             const auto e =
                 event(GUID, "Event " + std::to_string(i), someFriday().addMinutes(i * 10), 30);

@@ -76,7 +76,7 @@ TEST_F(frmDDELoad, SaysWhatIsWrongWithTheDatabase) {
     std::string later = sample();
     later[0x14] = 2;
     std::string damaged = sample();
-    for (std::size_t i = 2 * 4096; i < damaged.size(); ++i) {
+    for (std::size_t i = 2 * std::size_t{4096}; i < damaged.size(); ++i) {
         damaged[i] = '\x7F';
     }
     const Case cases[] = {
@@ -249,7 +249,7 @@ TEST_F(frmDDELoad, SaysThatTheDatabaseIsDamaged) {
     load();
     auto& notice = child<QLabel>("lblNotice");
     std::string bytes = sample();
-    bytes[36 * 4096] = 9;  // the page holds the JSON of one event
+    bytes[36 * std::size_t{4096}] = 9;  // the page holds the JSON of one event
     writeFile(path, bytes);
     refresh();
     EXPECT_EQ(notice.text(), "The database is damaged: one event is missing, or a part of it");
