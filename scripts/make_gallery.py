@@ -274,20 +274,6 @@ class Gallery:
             title = wait_for(lambda: next((t for t in desktop.titles() if "Events and" in t), None))
             self.keep("about", self.frame(title))
 
-    def no_tray(self):
-        """In its end's place a desktop has its tray again."""
-        tray.end()
-        try:
-            with self.scene(kind="T"):
-                desktop.wait_known(TITLE, 30)
-                desktop.activate(TITLE)
-                self.shown()
-                wait_for(lambda: any("tray icons" in tree.name(n)
-                                     for n in tree.find_all("label", within=TITLE)), 15, "the notice")
-                self.keep("no-tray", self.frame())
-        finally:
-            tray.start()
-
     def empty(self):
         with self.scene(events=(), kind="D"):
             tray.click(reminders.PROGRAM)
@@ -350,6 +336,17 @@ class Gallery:
 
     def scaled_2_toast(self):
         self.toast("scale-2-toast", scale=2)
+
+    def no_tray(self):
+        """The last one: it ends the desktop's tray."""
+        tray.end()
+        with self.scene(kind="T"):
+            desktop.wait_known(TITLE, 30)
+            desktop.activate(TITLE)
+            self.shown()
+            wait_for(lambda: any("tray icons" in tree.name(n)
+                                 for n in tree.find_all("label", within=TITLE)), 15, "the notice")
+            self.keep("no-tray", self.frame())
 
 
 PICTURES = {name: value for name, value in vars(Gallery).items()

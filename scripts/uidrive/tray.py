@@ -34,8 +34,9 @@ def _embedded():
 
 
 def icon(program, timeout=TIMEOUT):
-    """(x, y, width, height) of the program's embedded icon."""
-    return wait_for(lambda: next((i[1:] for i in _embedded() if i[0] == program), None), timeout,
+    """(x, y, width, height) of the program's embedded icon, once the tray has given it its place."""
+    return wait_for(lambda: next((i[1:] for i in _embedded()
+                                  if i[0] == program and min(i[1:3]) >= 0), None), timeout,
                     f"a tray icon of {program}")
 
 
