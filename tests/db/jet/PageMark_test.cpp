@@ -138,6 +138,15 @@ std::vector<std::byte> plain() {
 
 constexpr std::uint32_t kLongValues = 0x4C41564C;
 
+class Identified final : public test::MemoryFile {
+public:
+    Identified(Disk& disk, jet::FileIdentity identity) : MemoryFile(disk), identity_(identity) {}
+    jet::FileIdentity identity() const override { return identity_; }
+
+private:
+    jet::FileIdentity identity_;
+};
+
 /// Page 3: a plain row and one that has moved to page 4. Page 4: that row's body and a row with a
 /// memo on page 5.
 struct Sample {
@@ -160,8 +169,9 @@ struct Sample {
         return all;
     }
     /// Which of the pages hold what the marks say, "3", "4", "34" or "".
-    std::string held(const std::vector<PageMark>& marks) {
-        jet::PageFile file = test::pagesOf(disk);
+    std::string held(const std::vector<PageMark>& marks, jet::FileIdentity identity = {}) {
+        jet::PageFile file(std::make_unique<Identified>(disk, identity), "memory",
+                           jet::Access::Read);
         RowCursor cursor(file, table);
         std::string pages;
         for (const PageMark& mark : marks) {
@@ -225,6 +235,15 @@ TEST(JetPageMark, KnowsNothingWhenColumnsAreOthers) {
     sample.table = numberAndMemo();
     sample.table->columns[0].type = jet::ColumnType::Single;
     EXPECT_EQ(sample.held(marks), "");
+}
+
+// One that was put into its place may have the same pages, and other rows behind the same numbers.
+TEST(JetPageMark, KnowsNothingOfAnotherFile) {
+    Sample sample;
+    const auto marks = sample.marks();
+    EXPECT_EQ(sample.held(marks, {0, 0}), "34");
+    EXPECT_EQ(sample.held(marks, {1, 0}), "");
+    EXPECT_EQ(sample.held(marks, {0, 1}), "");
 }
 
 TEST(JetPageMark, DoesNotKnowAPageWhoseRowsCannotBeRead) {

@@ -504,6 +504,22 @@ TEST_F(Several, AFileWithTwoNamesOfItsOwnIsReadAndNotWritten) {
     EXPECT_TRUE(folder.bytes(kDatabase) != test::firstLight());
 }
 
+// Who writes by the other name has another journal and another lock file.
+TEST_F(Several, AChangeThatWasBrokenOffIsNotTakenBackInAFileWithTwoNames) {
+    const auto rows = [](test::MemoryFolder& in) {
+        const Database db = Database::open(kDatabase, Access::Read, test::fewPages(in));
+        return test::rowsOf(db.table("Reminders")).ids.size();
+    };
+    const auto left = test::brokenOff();
+    left->hardLink(kDatabase, "elsewhere/same.mdb");
+    const std::string broken = left->bytes(kDatabase);
+    EXPECT_EQ(rows(*left), 12U) << "by the journal";
+    EXPECT_TRUE(left->bytes(kDatabase) == broken);
+    left->remove("elsewhere/same.mdb");
+    EXPECT_EQ(rows(*left), 12U);
+    EXPECT_TRUE(left->bytes(kDatabase) == test::firstLight());
+}
+
 // Where a folder is mounted twice, or a file, one of them may have a lock file of its own.
 TEST_F(Several, OneWritesAtATimeAlsoWithoutTheSameLockFile) {
     constexpr std::uint64_t kWriting = 0xC0000004;

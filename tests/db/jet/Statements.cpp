@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Journal.h"
 #include "Rows.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
@@ -117,6 +118,32 @@ void runStatements(MemoryFolder& folder, std::size_t first, std::size_t& done,
     }
     if (images != nullptr) {
         images->push_back(folder.bytes(kDatabase));
+    }
+}
+
+std::unique_ptr<MemoryFolder> brokenOff() {
+    const std::string before = firstLight();
+    for (int at = 1;; ++at) {
+        MemoryFolder folder;
+        folder.put(kDatabase, before);
+        folder.fail(MemoryFolder::Fault::Stop, at);
+        std::size_t done = 0;
+        try {
+            runStatements(folder, 0, done);
+        } catch (const Error&) {
+            auto left = std::make_unique<MemoryFolder>();
+            folder.copyTo(*left, MemoryFolder::Left::All);
+            const std::string bytes = left->bytes(kDatabase);
+            const bool changed = bytes.substr(0, before.size()).substr(jet::kPageSize) !=
+                                 before.substr(jet::kPageSize);
+            if (changed && done == 0 && jet::tellsOfAChange(*left, kDatabase)) {
+                return left;
+            }
+        }
+        if (!folder.hit() || done > 0) {
+            ADD_FAILURE() << "the first statement was never broken off in the middle";
+            return std::make_unique<MemoryFolder>();
+        }
     }
 }
 

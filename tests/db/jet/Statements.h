@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,10 @@ jet::OpenOptions fewPages(MemoryFolder& folder);
 /// the file holds after each goes to `images`, when asked for. Throws what a statement throws.
 void runStatements(MemoryFolder& folder, std::size_t first, std::size_t& done,
                    std::vector<std::string>* images = nullptr);
+
+/// What a program that died in the middle of a statement has left: pages of the file half written,
+/// and the journal that tells what they held.
+std::unique_ptr<MemoryFolder> brokenOff();
 
 /// A failure of the test where the check finds something in the file.
 void expectSound(const std::string& bytes);
