@@ -110,9 +110,10 @@ public:
     /// `bPending` is the check's question: what is to be taken into the list of new reminders, and
     /// which of the listed events are due again, less what the user has dealt with. By time, in
     /// copies of the set's events. Where nothing has happened since the last such question no event
-    /// is looked at (see `DueBook`).
+    /// is looked at (see `DueBook`). What fell due from `since` on counts, too, though no listed
+    /// event is due again by it; 0: from `FromTime` on.
     std::shared_ptr<GenCollection> RemindCol(DateTime FromTime, DateTime ToTime,
-                                             bool bPending = false);
+                                             bool bPending = false, DateTime since = {});
 
     /// Notes in the ledger that these events were taken into the list of new reminders, each with
     /// the reminder that the question has left in it.
@@ -155,7 +156,7 @@ private:
 
     struct DonePass;  // what the last look for finished events has found
 
-    std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime);
+    std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime, DateTime since);
     void keepLeft();
     void noteMoved();
     void takeRowsWord(std::string_view GUID);

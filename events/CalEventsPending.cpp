@@ -28,15 +28,17 @@ void CalEvents::UseLedger(Ledger& ledger, std::function<bool(std::string_view)> 
     book_ = std::make_unique<DueBook>();
 }
 
-std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime ToTime) {
+std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime ToTime,
+                                                     DateTime since) {
     auto answer = std::make_shared<GenCollection>();
     if (!mCol) {
         return answer;
     }
     std::vector<DueBook::Found> found;
     attempt([&] {
-        found = book_->ask(*mCol,
-                           {FromTime, ToTime, clock_.now(), db_.DBFullName, *ledger_, isListed_});
+        found = book_->ask(*mCol, {FromTime, ToTime, clock_.now(),
+                                   since.isZero() ? FromTime : std::min(since, FromTime),
+                                   db_.DBFullName, *ledger_, isListed_});
     });
     keepLeft();
     noteMoved();

@@ -147,10 +147,10 @@ private:
 }  // namespace
 
 std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime ToTime,
-                                                    bool bPending) {
+                                                    bool bPending, DateTime since) {
     const ErrScope scope;
     if (bPending) {
-        return pendingCol(FromTime, ToTime);
+        return pendingCol(FromTime, ToTime, since);
     }
     separate();
     const Window window{FromTime, ToTime};

@@ -215,9 +215,9 @@ void DueBook::markChanged(const Asked& asked) {
 }
 
 // From when on reminders of the event may be left.
-DateTime DueBook::sinceOf(const Slot& slot, const EventState* state, DateTime from) const {
+DateTime DueBook::sinceOf(const Slot& slot, const EventState* state, DateTime asked) const {
     const calEvent& event = *slot.event;
-    const DateTime since = slot.since.isZero() ? from : std::min(slot.since, from);
+    const DateTime since = slot.since.isZero() ? asked : std::min(slot.since, asked);
     const DateTime noted = slot.asked ? DateTime() : notedOpenSince(event, state);
     return noted.isZero() ? since : std::min(since, noted);
 }
@@ -228,7 +228,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     if (state != nullptr && state->deleting) {
         return;
     }
-    const DateTime since = sinceOf(slot, state, asked.from);
+    const DateTime since = sinceOf(slot, state, asked.since);
     const bool firstMet = slot.firstMet || (!slot.asked && isReactivated(state));
     const DueQuestion question{asked.from, asked.to, asked.now, since, firstMet};
     const DueFacts facts{state, replaced(event), *zone_};

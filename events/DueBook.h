@@ -29,6 +29,7 @@ public:
         DateTime from;
         DateTime to;
         DateTime now;
+        DateTime since;  // not later than `from`: no check has seen what fell due from here on
         std::string_view database;
         const Ledger& ledger;
         std::function<bool(std::string_view GUID)> isListed;
@@ -83,7 +84,7 @@ private:
     void findKept(const Ledger& ledger, std::string_view database, Starts& starts) const;
     void takeZone(const TimeZone& zone);
     void markChanged(const Asked& asked);
-    DateTime sinceOf(const Slot& slot, const EventState* state, DateTime from) const;
+    DateTime sinceOf(const Slot& slot, const EventState* state, DateTime asked) const;
     void askOne(Slot& slot, const Asked& asked, std::vector<Found>& found);
 
     std::vector<Slot> slots_;                               // in the order of the collection

@@ -82,7 +82,7 @@ void CheckCycle::check(int interval) {
     const DateTime since = UncheckedSince();
     bool isRead = readSets();
     const DateTime upTo = clock_.now().addSeconds(interval / 1000);
-    const auto due = askForDue(upTo);
+    const auto due = askForDue(since, upTo);
     if (due->Count() > 0) {
         std::string message;
         takeIn(*due, message);
@@ -176,12 +176,13 @@ void CheckCycle::removeDealtWith() {
     dealtList_ = state_.NewReminders->Stamp();
 }
 
-std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime upTo) {
-    state_.dLastUpdated = UncheckedSince();
+std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime since, DateTime upTo) {
+    // Not from `since` on: while the file cannot be read what is listed would be heard every time.
+    state_.dLastUpdated = lastAsked();
     // A clock turned back leaves the last check ahead of now.
     const DateTime from = std::min(state_.dLastUpdated, clock_.now());
     auto due = std::make_shared<GenCollection>();
-    attempt([&] { due = reminders_.RemindCol(from, upTo, true); });
+    attempt([&] { due = reminders_.RemindCol(from, upTo, true, since); });
     return due;
 }
 

@@ -36,10 +36,10 @@ public:
     /// returns at once: a message box inside it lets timers tick.
     void Tick(int interval);
 
-    /// From when on the next check asks: the last check, or for the first one of a run midnight,
-    /// or the last check of an earlier run when that lies before it, at most 30 days back. A check
-    /// that could not read the file does not count. Where the computer's zone has changed since, it
-    /// is the earlier of the same time and the same moment.
+    /// What fell due from here on may not have been seen: the last check, or for the first one of a
+    /// run midnight, or the last check of an earlier run when that lies before it, at most 30 days
+    /// back. A check that could not read the file does not count. Where the computer's zone has
+    /// changed since, it is the earlier of the same time and the same moment.
     DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets, and purges their
@@ -51,12 +51,6 @@ public:
     void RemoveGUIDAll(std::string_view GUID);
 
 private:
-    /// A due event as the check found it: later queries overwrite what is in the event.
-    struct Taken {
-        std::shared_ptr<calEvent> event;
-        std::shared_ptr<ValueList> line;  // summary, reminder line
-    };
-
     void check(int interval);
     bool readSets();
     void takeZone();
@@ -68,7 +62,7 @@ private:
     void removeEvent(const std::string& GUID);
     void purge();
     bool keepReplacedStarts();
-    std::shared_ptr<GenCollection> askForDue(DateTime upTo);
+    std::shared_ptr<GenCollection> askForDue(DateTime since, DateTime upTo);
     void takeIn(const GenCollection& due, std::string& message);
     void takeIn(const std::shared_ptr<calEvent>& event, std::string& message);
     void rebuildIndex();
