@@ -59,7 +59,7 @@ void CalEvents::Add(const std::shared_ptr<calEvent>& event, std::string_view sKe
 bool CalEvents::isUnchanged(const Source& now) const {
     return mCol && (source_.full || !now.full) && source_.filled.lock() == mCol &&
            source_.look.same(now.look) && source_.IncludeAllDone == now.IncludeAllDone &&
-           source_.Dismissed == now.Dismissed;
+           source_.Dismissed == now.Dismissed && db_.ReadTrouble().number == ErrNo::None;
 }
 
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
@@ -80,15 +80,17 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
         // A host whose clock is ahead writes rows that every such query gives.
         const bool gives = Reload ? source_.result != 0 : source_.modified > dLastRead;
         dLastRead = clock_.now();
+        isRead_ = true;
         return gives ? 1 : 0;
     }
     source_ = Source();
+    isRead_ = false;
     if (now.full) {
         dLastRead = DateTime();
     }
     const std::string statement = ReadStatement(IncludeAllDone, Dismissed, dLastRead);
-    const bool complete = now.full ? readAll(statement, now) : readChanged(statement, now);
-    if (complete) {
+    isRead_ = now.full ? readAll(statement, now) : readChanged(statement, now);
+    if (isRead_) {
         now.filled = mCol;
         source_ = now;
     } else {
@@ -109,11 +111,11 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
     const auto all =
         fullRead_->read(db_, statement, before, clock_.now(),
                         [this](const FullRead::Fill& fill) { return readEvent(fill); });
-    keepPassedOver();
-    writeTakenBack();
     if (!all) {
         return false;
     }
+    keepPassedOver();
+    writeTakenBack();
     index_->forgetQueries(before);
     mCol = all;
     damage_ = fullRead_->damage();

@@ -66,6 +66,9 @@ public:
     /// nobody has written the file since the last read that succeeded, there is nothing to ask for:
     /// the set then keeps what it has, at the cost of a look at the file.
     int ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed = {});
+    /// Whether the last `ReadDB` came to its end. One that did not may have left the set without
+    /// events that its file has.
+    bool IsRead() const noexcept { return isRead_; }
 
     /// Rows that the last full read could not read, or not all of: the file is damaged. Their
     /// events are as they were before where the set held them, else without what cannot be read,
@@ -162,7 +165,8 @@ private:
     void takeRowsWord(std::string_view GUID);
     void keepPassedOver();
 
-    bool isUnchanged(const Source& now) const;  // nothing that it could read has changed
+    // Nothing that it could read has changed, and nothing has failed to be read since.
+    bool isUnchanged(const Source& now) const;
     bool readAll(const std::string& statement, Source& source);
     bool readChanged(const std::string& statement, Source& source);
     bool isOpenAgain(const calEvent& event) const;
@@ -182,6 +186,7 @@ private:
     Ledger* ledger_;
     std::function<bool(std::string_view)> isListed_;
     std::unique_ptr<DueBook> book_;
+    bool isRead_ = false;
     Damage damage_;         // of the rows of the last full read
     Source source_;         // of the last read that succeeded
     bool adopted_ = false;  // another set may hold the events of `mCol`, too

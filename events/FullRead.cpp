@@ -165,7 +165,11 @@ bool FullRead::readDamaged(DBRemindUtils& db, const GenCollection& before, const
         damage_.inPart = known.inPart;  // which of those that are held are no whole ones
         pages = streamDamaged(rowStream, before, make);
     });
-    return isRead && look.same(db.TakeLook());
+    if (!isRead || !look.same(db.TakeLook())) {
+        damage_ = known;
+        return false;
+    }
+    return true;
 }
 
 namespace {
@@ -272,7 +276,6 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
         statement_ = statement;
     }
     now_ = now;
-    takenBack_.clear();
     std::sort(touched_.begin(), touched_.end());
     Changes changes;
     Pages pages;
@@ -280,7 +283,6 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
     const bool isRead = db.ForRows(statement, [&](sql::RowStream& rowStream) {
         if (++readings > 1) {
             lookAtAll();  // what was seen while others wrote may not belong together
-            takenBack_.clear();
         }
         changes = {};
         changes.noted = stamp_ != 0 && before.Stamp() == stamp_ && before.Count() == count_;

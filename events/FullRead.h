@@ -28,7 +28,8 @@ public:
 
     /// Reads all rows of `statement` into a new collection, by GUID, in the order of the rows; of
     /// rows with the same GUID the last one counts. `before` is what the set held. Null when the
-    /// rows could not be read to their end; who gets that forgets.
+    /// rows could not be read to their end: what that reading has met is good for nothing, and the
+    /// next one takes every row's word.
     ///
     /// Where the table is damaged, what can be read of it counts: a row without the values that
     /// cannot be read, and of a row that cannot be read at all the event that it gave before.
@@ -42,7 +43,7 @@ public:
         std::string master;
         DateTime start;
     };
-    /// Those that the reads have met since the last call, but for what they had met before.
+    /// Those that the last read has met, but for what earlier ones had met, once.
     std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
 
     /// Told of each event with the status "AllDone" that the condition passes over and that may
@@ -50,7 +51,7 @@ public:
     /// long as its row is the same it stays. Events with nothing to come are not decoded.
     using IsOpenAgain = std::function<bool(const calEvent&)>;
     void takeBack(IsOpenAgain isOpenAgain) { isOpenAgain_ = std::move(isOpenAgain); }
-    /// The `GUID`s of those that were taken in since the last call.
+    /// The `GUID`s of those that the last read has taken in, once.
     std::vector<std::string> takeTakenBack() { return std::exchange(takenBack_, {}); }
     /// The next read looks at those again that the condition passed over.
     void forgetPassedOver();

@@ -39,7 +39,11 @@ FullRead::PageReader::PageReader(FullRead& owner, sql::RowStream& stream,
       local_(TimeZone::local()),
       reader_(fieldsOf(stream), local_, owner.pool_),
       exceptions_(stream.fields()),
-      finished_(stream.fields()) {}
+      finished_(stream.fields()) {
+    // What a reading has met that was given up may be torn.
+    owner.passedOver_.clear();
+    owner.takenBack_.clear();
+}
 
 void FullRead::PageReader::add(PageRows& page, std::shared_ptr<calEvent> event,
                                std::uint16_t slot) {

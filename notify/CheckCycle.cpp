@@ -54,7 +54,7 @@ void CheckCycle::ReadAtStart() {
     history_.isMet = [last](const calEvent& event) {
         return last.isZero() || event.Modified < last;
     };
-    readAtStart(reminders_, period_, db_, &history_);
+    readAtStart(reminders_, period_, &history_);
     history_.uncheckedSince = DateTime();
     history_.isMet = [this](const calEvent& event) {
         return reminders_.mCol && objectAt<calEvent>(*reminders_.mCol, event.GUID).get() == &event;
@@ -117,7 +117,7 @@ bool CheckCycle::readSets() {
     }
     DoRemoveDeleted();
     takeZone();
-    const bool isRead = readAgain(reminders_, db_, false, false);
+    const bool isRead = readAgain(reminders_, false, false);
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
     removeDealtWith();
@@ -129,7 +129,7 @@ bool CheckCycle::readSets() {
 void CheckCycle::takeZone() {
     const TimeZone here = TimeZone::local();
     if (zone_ && !zone_->same(here)) {
-        if (readAgain(period_, db_, true, false)) {
+        if (readAgain(period_, true, false)) {
             reminders_.Adopt(period_);
         }
         period_.TakeZone(here);
@@ -187,7 +187,7 @@ std::shared_ptr<GenCollection> CheckCycle::askForDue(DateTime since, DateTime up
 }
 
 bool CheckCycle::refreshPeriod() {
-    const bool isRead = readAgain(period_, db_, true, false);
+    const bool isRead = readAgain(period_, true, false);
     if (isRead) {
         reminders_.Adopt(period_);
         acts_.RestoreWaiting();
@@ -222,7 +222,7 @@ void CheckCycle::changeDay() {
     if (clock_.today() != state_.CheckDay) {
         // What the host has moved meanwhile is not finished: the set is of the last check.
         // What is new in it, the next check asks for first.
-        readAgain(period_, db_, true, false);
+        readAgain(period_, true, false);
         acts_.RestoreWaiting();
         attempt([&] { period_.UpdateAllDone(&history_); });
         attempt([&] { reminders_.RemoveAllDoneOf(period_); });

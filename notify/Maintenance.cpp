@@ -90,7 +90,7 @@ void Maintenance::DeleteAll() {
 void Maintenance::readAndShow() {
     const Patient command(db_, Patience);
     for (CalEvents* set : {&reminders_, &period_}) {
-        readAgain(*set, db_, true, false);
+        readAgain(*set, true, false);
     }
     forgetRemoved();
     attempt([&] { screen_.DoPeriod(); });

@@ -1,17 +1,16 @@
 #include "notify/ReadAgain.h"
 
 #include "base/ErrorState.h"
-#include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
 
 namespace vl {
 
-bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool IncludeAllDone) {
+bool readAgain(CalEvents& set, bool Reload, bool IncludeAllDone) {
     const ErrScope scope;
     const auto held = set.mCol;
     const DateTime lastRead = set.dLastRead;
     attempt([&] { set.ReadDB(Reload, IncludeAllDone); });
-    if (db.ReadTrouble().number == ErrNo::None) {
+    if (set.IsRead()) {
         return true;
     }
     set.mCol = held;
@@ -19,12 +18,11 @@ bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool Includ
     return false;
 }
 
-void readAtStart(CalEvents& reminders, CalEvents& period, const DBRemindUtils& db,
-                 EventHistory* history) {
-    readAgain(period, db, true, false);
+void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history) {
+    readAgain(period, true, false);
     period.UpdateAllDone(history);
     period.RemoveAllDone();
-    readAgain(period, db, false, false);
+    readAgain(period, false, false);
     reminders.Adopt(period);
 }
 

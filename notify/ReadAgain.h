@@ -4,19 +4,17 @@
 namespace vl {
 
 class CalEvents;
-class DBRemindUtils;
 class EventHistory;
 
-/// `ReadDB`, but while the file cannot be read the set keeps what it has, and the failed read does
-/// not count: the next one fetches what this one should have. (`ReadDB` itself empties a set that
-/// it reloads, and notes the time of a read that failed.) True when the file was read. Never
-/// throws.
-bool readAgain(CalEvents& set, const DBRemindUtils& db, bool Reload, bool IncludeAllDone);
+/// `ReadDB`, but while the file cannot be read to its end the set keeps what it has, and the failed
+/// read does not count: the next one fetches what this one should have. (`ReadDB` itself empties a
+/// set that it reloads, and notes the time of a read that failed.) True when the file was read.
+/// Never throws.
+bool readAgain(CalEvents& set, bool Reload, bool IncludeAllDone);
 
 /// What the program does once when it starts: reads the events, marks what is finished as all done,
 /// leaves that out, and reads what was changed meanwhile; both sets then hold the same. Never
 /// throws.
-void readAtStart(CalEvents& reminders, CalEvents& period, const DBRemindUtils& db,
-                 EventHistory* history);
+void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history);
 
 }  // namespace vl

@@ -52,8 +52,11 @@ EventsOfFile::EventsOfFile(const std::string& path, DateTime now) : clock_(now),
     db_.DBFullName = path;
     db_.Patience = jet::OpenOptions().patience;
     set.ReadDB(true, false);
-    if (const auto& trouble = db_.ReadTrouble(); trouble.number != ErrNo::None) {
-        throw Error(trouble.number, trouble.text);
+    if (!set.IsRead()) {
+        const auto& trouble = db_.ReadTrouble();
+        throw trouble.number != ErrNo::None
+            ? Error(trouble.number, trouble.text)
+            : Error(ErrNo::Locked, path + " is being written by others");
     }
 }
 

@@ -235,7 +235,7 @@ void frmDDE::mnuRefresh_Click() {
     const ErrScope scope;
     canSave_ = parts_.settings.CanSave();
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
-        readAgain(*set, parts_.db, true, true);
+        readAgain(*set, true, true);
     }
     state_.damagedRows = static_cast<int>(parts_.period.DamagedRows());
     // Rows do not have yet what waits to be written.

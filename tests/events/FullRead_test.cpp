@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +14,8 @@
 
 namespace vl {
 namespace {
+
+namespace fs = std::filesystem;
 
 const DateTime kNow = DateTime::fromCivil(2026, 11, 20, 14, 0);
 constexpr const char* kOpen = "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\"";
@@ -121,6 +125,57 @@ TEST_F(TakenBack, WhatWasPassedOverIsLookedAtAgainThoughThePageHoldsTheSame) {
     EXPECT_EQ(asked, Names{"Done"});
     EXPECT_EQ(keys(), (Names{"Done", "Again", "Open"}));
     EXPECT_EQ(objectAt<calEvent>(*held, "Again"), again);
+}
+
+// ---- a damaged file that somebody writes while it is read
+
+class TouchedWhileRead : public testing::Test {
+protected:
+    TouchedWhileRead() {
+        std::string bytes = test::readFile(test::repoFile("data/first-light.RemindDB"));
+        bytes.at(36 * 4096) = 9;  // a page with the JSON of one event
+        test::writeFile(path, bytes);
+        db.DBFullName = path.string();
+    }
+    std::shared_ptr<GenCollection> read(const GenCollection& before) {
+        auto all = full.read(db, kOpen, before, kNow, [this](const FullRead::Fill& fill) {
+            if (touches) {
+                fs::last_write_time(path, written += std::chrono::seconds(1));
+            }
+            auto event = std::make_shared<calEvent>();
+            fill(*event);
+            return event;
+        });
+        db.CloseDB();
+        return all;
+    }
+
+    test::TempFolder folder;
+    fs::path path = folder / "Velmora.RemindDB";
+    fs::file_time_type written = fs::file_time_type::clock::now();
+    DBRemindUtils db;
+    FullRead full;
+    bool touches = false;
+};
+
+TEST_F(TouchedWhileRead, IsNotReadAtAll) {
+    const auto before = read(GenCollection());
+    ASSERT_TRUE(before);
+    EXPECT_EQ(before->Count(), 10U);
+    EXPECT_EQ(full.damage().rows, 1U);
+    const auto inPart = full.damage().inPart;
+    EXPECT_EQ(inPart.size(), 1U);
+
+    touches = true;
+    EXPECT_FALSE(read(*before)) << "what looks damaged may only be torn";
+    EXPECT_EQ(db.ReadTrouble().number, ErrNo::None) << "to its end it could be read";
+    EXPECT_EQ(full.damage().rows, 1U);
+    EXPECT_EQ(full.damage().inPart, inPart);
+
+    touches = false;
+    const auto after = read(*before);
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->Count(), 10U);
 }
 
 }  // namespace

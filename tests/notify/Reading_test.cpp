@@ -103,18 +103,18 @@ TEST_F(Reading, KeepsBothSetsWhileTheFileCannotBeRead) {
 
 TEST_F(Reading, AFailedReadDoesNotCount) {
     fs::remove(path);
-    EXPECT_FALSE(readAgain(reminders, db, false, false));
+    EXPECT_FALSE(readAgain(reminders, false, false));
     EXPECT_EQ(reminders.mCol, nullptr);
     EXPECT_TRUE(reminders.dLastRead.isZero());
     put();
     clock.time = clock.time.addMinutes(5);
-    EXPECT_TRUE(readAgain(reminders, db, false, false)) << "so this one reads all";
+    EXPECT_TRUE(readAgain(reminders, false, false)) << "so this one reads all";
     EXPECT_GT(reminders.mCol->Count(), 0U);
     EXPECT_EQ(reminders.dLastRead, clock.time);
     const DateTime last = clock.time;
     fs::remove(path);
     clock.time = clock.time.addMinutes(5);
-    EXPECT_FALSE(readAgain(reminders, db, false, false));
+    EXPECT_FALSE(readAgain(reminders, false, false));
     EXPECT_EQ(reminders.dLastRead, last);
 }
 

@@ -70,5 +70,18 @@ TEST_F(Unreadable, WhatFellDueUnseenComesWhenTheFileIsBack) {
     EXPECT_EQ(back.sounds, 1) << "that was long ago";
 }
 
+// The window looks an event up when it is to be opened.
+TEST_F(Unreadable, ALookUpThatFailsIsNoFailedCheck) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 0));
+    desk.takeFileAway();
+    EXPECT_EQ(desk.program->period.EventByGUID("A"), nullptr);
+    desk.bringFileBack();
+    EXPECT_NE(desk.program->db.ReadTrouble().number, ErrNo::None);
+    EXPECT_EQ(desk.check(at(9, 10)), "");
+    EXPECT_EQ(desk.program->cycle.UncheckedSince(), at(9, 10));
+    EXPECT_EQ(desk.program->db.ReadTrouble().number, ErrNo::None) << "for the status line";
+}
+
 }  // namespace
 }  // namespace vl
