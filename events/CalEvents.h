@@ -70,6 +70,10 @@ public:
     /// events that its file has.
     bool IsRead() const noexcept { return isRead_; }
 
+    /// The next full read gives what was taken out of the set and stands in the file, although
+    /// nobody has written that since.
+    void ReadAnew() { source_ = Source(); }
+
     /// Rows that the last full read could not read, or not all of: the file is damaged. Their
     /// events are as they were before where the set held them, else without what cannot be read,
     /// else missing.

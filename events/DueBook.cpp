@@ -82,7 +82,7 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
     old.swap(slots_);
     slots_.reserve(events.Count());
     // Most stand where they stood, or next to it; only the others are looked up.
-    std::unordered_map<std::uint64_t, Slot> before;
+    std::unordered_map<std::uint64_t, Slot> before = std::exchange(deleting_, {});
     std::vector<std::size_t> strangers;
     std::size_t at = 0;
     for (const Variant& item : events) {
@@ -131,10 +131,20 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
         slot.event = std::move(event);
         slots_[i] = std::move(slot);
     }
-    for (const auto& [hash, slot] : before) {
-        if (slot.event && replacesOne(*slot.event)) {
+    for (auto& [hash, slot] : before) {
+        if (!slot.event) {
+            continue;
+        }
+        if (replacesOne(*slot.event)) {
             exceptionsChanged_ = true;
             left_.push_back({slot.event->recurringEventId, slot.event->RExceptionStartTimeOrig});
+        }
+        // A deletion that fails leaves the event as it was: nothing of it is met for the first
+        // time, and nothing that falls due meanwhile is lost.
+        const EventState* state = asked.ledger.find(asked.database, slot.event->GUID);
+        if (state != nullptr && state->deleting) {
+            slot.since = slot.since.isZero() ? asked.since : slot.since;
+            deleting_.emplace(hash, std::move(slot));
         }
     }
     stamp_ = events.Stamp();

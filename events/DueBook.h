@@ -88,6 +88,7 @@ private:
     void askOne(Slot& slot, const Asked& asked, std::vector<Found>& found);
 
     std::vector<Slot> slots_;                               // in the order of the collection
+    std::unordered_map<std::uint64_t, Slot> deleting_;      // not in it now, and may come back
     std::uint64_t stamp_ = 0;                               // of the collection
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
     Starts replaced_;

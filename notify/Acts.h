@@ -78,7 +78,7 @@ public:
 
     /// Deletes the item in the host's file, then its row. The event leaves both sets at once. Where
     /// the host's file is held by others (`Waits`) the act stands in the ledger and is done later;
-    /// `Failed`: it cannot be done, and the event stays.
+    /// `Failed`: it cannot be done, and the event stays; one that has waited comes back.
     calEvent::Deletion DeleteItem(const ActRow& row);
 
     /// The event under a row's `GUID` as the sets hold it now, else the row's own: what the

@@ -61,11 +61,17 @@ void Acts::deleteWaiting() {
         calEvent carrier;
         carrier.GUID = one.GUID;
         carrier.VLBase = one.VLBase;
-        const bool waits = deleteNow(carrier) == calEvent::Deletion::Waits;
-        if (waits) {
+        const auto result = deleteNow(carrier);
+        if (result == calEvent::Deletion::Waits) {
             held.push_back(one.VLBase);
+            return false;
         }
-        return !waits;
+        if (result == calEvent::Deletion::Failed) {
+            for (CalEvents* set : {&period_, &reminders_}) {
+                set->ReadAnew();  // both have done without it
+            }
+        }
+        return true;
     });
 }
 

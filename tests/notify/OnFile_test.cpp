@@ -232,26 +232,73 @@ TEST_F(OnFile, TheWholeListShowsTheTimesOfWhereItsReaderIs) {
     EXPECT_EQ(listed->InstanceStart, at(10, 0));
 }
 
-// A deletion that cannot be done leaves the event as it was: its reminder was before the first run.
-TEST_F(OnFile, ADeletionThatFailsMakesNothingNew) {
-    const std::string host = (desk.folder / "Host.vldb").string();
-    jet::Database::create(host).createTable(
-        "Event", std::vector<jet::NewColumn>{{"GUID", jet::ColumnType::Text, 50}});
-    const auto event = single("A", at(10, 0, 0, 23), {7 * 1440, 15});
-    event->VLBase = host;
-    desk.clock.time = at(8, 0, 0, 19);
-    desk.put(event);
-    EXPECT_EQ(desk.check(at(9, 0, 0, 19)), "");
-    {
+/// An event whose item lies in a host's file of a version that is not written.
+class DeletionThatFails : public OnFile {
+protected:
+    DeletionThatFails() {
+        jet::Database::create(host).createTable(
+            "Event", std::vector<jet::NewColumn>{{"GUID", jet::ColumnType::Text, 50}});
         std::fstream file(host, std::ios::in | std::ios::out | std::ios::binary);
         file.seekp(4);
-        file << "Standard ACE DB";  // of a version that is not written
+        file << "Standard ACE DB";
     }
-    const auto held = objectAt<calEvent>(*desk.program->period.mCol, "A");
-    EXPECT_EQ(desk.program->acts.DeleteItem({held, held->StartDateTime, {}}),
-              calEvent::Deletion::Failed);
+    /// Its first reminder was before the first run.
+    void putAndCheck() {
+        const auto event = single("A", at(10, 0, 0, 23), {7 * 1440, 15});
+        event->VLBase = host;
+        desk.clock.time = at(8, 0, 0, 19);
+        desk.put(event);
+        EXPECT_EQ(desk.check(at(9, 0, 0, 19)), "");
+    }
+    calEvent::Deletion deleteIt() {
+        const auto held = objectAt<calEvent>(*desk.program->period.mCol, "A");
+        return desk.program->acts.DeleteItem({held, held->StartDateTime, {}});
+    }
+    /// The file cannot be opened at all.
+    void takeHostAway() {
+        std::filesystem::rename(host, desk.folder / "held");
+        std::filesystem::create_directory(host);
+    }
+    void bringHostBack() {
+        std::filesystem::remove(host);
+        std::filesystem::rename(desk.folder / "held", host);
+    }
+
+    const std::string host = (desk.folder / "Host.vldb").string();
+};
+
+TEST_F(DeletionThatFails, LeavesTheEventAsItWas) {
+    putAndCheck();
+    EXPECT_EQ(deleteIt(), calEvent::Deletion::Failed);
     EXPECT_EQ(desk.check(at(9, 1, 0, 19)), "");
     EXPECT_EQ(desk.check(at(9, 45, 0, 23)), "A 09:45");
+}
+
+TEST_F(DeletionThatFails, DoesSoAlsoAfterItHasWaited) {
+    putAndCheck();
+    takeHostAway();
+    EXPECT_EQ(deleteIt(), calEvent::Deletion::Waits);
+    EXPECT_EQ(desk.check(at(9, 1, 0, 19)), "");
+    EXPECT_EQ(desk.check(at(9, 2, 0, 19)), "");
+    EXPECT_FALSE(desk.program->period.mCol->Exists("A"));
+    EXPECT_EQ(desk.program->state.waitingWrites, 1);
+    bringHostBack();
+    EXPECT_EQ(desk.check(at(9, 3, 0, 19)), "");
+    EXPECT_EQ(desk.program->state.waitingWrites, 0);
+    EXPECT_TRUE(desk.program->period.mCol->Exists("A"));
+    EXPECT_EQ(desk.check(at(9, 4, 0, 19)), "") << "it is nothing new";
+    EXPECT_EQ(desk.check(at(9, 45, 0, 23)), "A 09:45");
+}
+
+TEST_F(DeletionThatFails, WhatFellDueWhileItWaitedIsShown) {
+    putAndCheck();
+    takeHostAway();
+    EXPECT_EQ(deleteIt(), calEvent::Deletion::Waits);
+    EXPECT_EQ(desk.check(at(9, 1, 0, 19)), "");
+    EXPECT_EQ(desk.check(at(12, 0, 0, 24)), "");
+    bringHostBack();
+    EXPECT_EQ(desk.check(at(12, 0, 10, 24)), "");
+    EXPECT_EQ(desk.check(at(12, 0, 20, 24)), "A 09:45");
 }
 
 }  // namespace
