@@ -48,18 +48,6 @@ void takeOverRow(EventState& state, const ActOn& act) {
     state.word = word;
 }
 
-// Whether a reminder of the single event comes at that moment by its schedule.
-bool isScheduled(const calEvent& event, DateTime moment) {
-    const DateTime time = event.FromMoment(moment);
-    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
-        const auto reminder = objectIn<clsReminder>(item);
-        if (reminder && event.StartDateTime.addMinutes(-reminder->Minutes) == time) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // A single event's occurrence is one, also under a start that it had before the host moved it. Who
 // acts on a row from before a move has not seen what is scheduled since; a snooze was the row's
 // own. What is yet to come, after a journey west, comes at its time.
@@ -71,8 +59,9 @@ void endOldEntries(EventState& state, const ActOn& act) {
     const DateTime moved = act.event.ToWall(act.event.StartDateTime);
     for (OccurrenceState& one : state.occurrences) {
         one.snoozed = DateTime();
-        if (!isOldRow || one.start != moved || !isScheduled(act.event, one.listed) ||
-            act.event.FromMoment(one.listed) > act.now) {
+        const DateTime time = act.event.FromMoment(one.listed);
+        if (!isOldRow || one.start != moved ||
+            !isScheduled(act.event, act.event.StartDateTime, time) || time > act.now) {
             one.listed = DateTime();
         }
     }
@@ -133,8 +122,14 @@ RowSays rowSays(const calEvent& event, const RowWord& word) {
     return says;
 }
 
-const OccurrenceState* stateOf(const calEvent& event, const EventState& state, DateTime start) {
-    return state.find(event.ToWall(start));
+bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
+    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
+        const auto reminder = objectIn<clsReminder>(item);
+        if (reminder && start.addMinutes(-reminder->Minutes) == time) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool isDoneByUser(const calEvent& event, const EventState* state) {

@@ -32,9 +32,9 @@ struct RowSays {
 /// first reminder is not later.
 RowSays rowSays(const calEvent& event, const RowWord& word);
 
-/// The entry that holds for an occurrence; null when there is none. A single event has one
-/// occurrence, wherever the host moves it.
-const OccurrenceState* stateOf(const calEvent& event, const EventState& state, DateTime start);
+/// Whether a reminder of the occurrence that begins at `start` comes at `time` by the event's
+/// schedule. Local times.
+bool isScheduled(const calEvent& event, DateTime start, DateTime time);
 
 /// Whether the event's user has marked it as done, as far as it is still as it was then: here, or
 /// in another program, whose dismissal is not older than what the host has written.

@@ -6,6 +6,7 @@
 #include "FullRead.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "events/ActRules.h"
 #include "events/CalEvents.h"
 #include "events/EventIndex.h"
 
@@ -13,11 +14,21 @@ namespace vl {
 
 namespace {
 
-// Where the host does not say which start an exception replaces, it is taken for the one that
-// would have been shown together with it.
+// Where the host does not say which start an exception replaces, it is taken for the one of its day
+// that would have been shown together with it.
 bool replacesUnknown(const calEvent& event) {
     return event.IsException() && !event.recurringEventId.empty() &&
            event.RExceptionStartTimeOrig.isZero();
+}
+
+// Not what its user has put off, or has seen in the list: that was shown before.
+bool wouldBeShownWith(const calEvent& exception, const calEvent& series, const Due& due,
+                      const EventState* state) {
+    const OccurrenceState* one =
+        state != nullptr ? state->find(series.ToWall(due.instance)) : nullptr;
+    const bool isNew = one == nullptr || (one->snoozed.isZero() && one->listed.isZero());
+    return isNew && due.instance.date() == exception.StartDateTime.date() &&
+           isScheduled(series, due.instance, due.time);
 }
 
 }  // namespace
@@ -55,10 +66,15 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
     for (const DueBook::Found& one : found) {
         if (replacesUnknown(*one.event)) {
             const auto master = series.find(text::foldCase(one.event->recurringEventId));
-            if (master != series.end()) {
-                answer->Remove(master->second->event->GUID);
-                ledger_->keepReplaced(db_.DBFullName, one.event->recurringEventId,
-                                      master->second->due.instance);
+            if (master == series.end()) {
+                continue;
+            }
+            const calEvent& event = *master->second->event;
+            const Due& due = master->second->due;
+            if (wouldBeShownWith(*one.event, event, due,
+                                 ledger_->find(db_.DBFullName, event.GUID))) {
+                answer->Remove(event.GUID);
+                ledger_->keepReplaced(db_.DBFullName, one.event->recurringEventId, due.instance);
             }
         }
     }

@@ -71,6 +71,35 @@ TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesTakesTheOccurrenceThatFa
     EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "M 21 10:00 (21 09:45)");
 }
 
+// What was put off is no occurrence that would have been shown with it.
+TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesLeavesASnoozeAlone) {
+    desk.clock.time = at(8, 0, 0, 19);
+    const auto master = series("M", at(10, 0, 0, 19), "FREQ=WEEKLY", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", DateTime(), at(16, 0, 0, 19)));
+    EXPECT_EQ(desk.check(at(9, 45, 0, 19)), "M 19 10:00 (19 09:45)");
+    desk.snooze("M", 6 * 60);
+    desk.check(at(10, 0, 0, 19));
+    EXPECT_EQ(desk.check(at(17, 0, 0, 19)), "M 19 10:00 (19 15:45), X 19 16:00 (19 15:45)")
+        << "both fell due in a sleep";
+    EXPECT_EQ(desk.check(at(17, 0, 10, 19)), "");
+    desk.start();
+    EXPECT_EQ(desk.check(at(17, 1, 0, 19)), "M 19 10:00 (19 15:45), X 19 16:00 (19 15:45)");
+}
+
+TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesTakesNoOccurrenceOfAnotherDay) {
+    desk.clock.time = at(8, 0);
+    const auto master = series("M", at(10, 0, 0, 23), "FREQ=WEEKLY", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", DateTime(), at(16, 0, 0, 25)));
+    desk.check(at(9, 0));
+    EXPECT_EQ(desk.check(at(17, 0, 0, 25)), "M 23 10:00 (23 09:45), X 25 16:00 (25 15:45)")
+        << "missed in a sleep";
+    EXPECT_EQ(desk.check(at(17, 0, 10, 25)), "");
+    desk.start();
+    EXPECT_EQ(desk.check(at(17, 1, 0, 25)), "M 23 10:00 (23 09:45), X 25 16:00 (25 15:45)");
+}
+
 TEST_F(PendingException, ADeletedExceptionHasNoOccurrenceAndReplacesItsStart) {
     const auto master = series("M", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
     const auto gone = exceptionTo(*master, "X", at(10, 0, 0, 21), at(10, 0, 0, 21));
