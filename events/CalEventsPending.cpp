@@ -143,12 +143,8 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
 
 bool CalEvents::RecordListed(calEvent& event) const {
     const EventState* state = ledger_->find(db_.DBFullName, event.GUID);
-    if (state == nullptr) {
-        return false;
-    }
-    const auto one = std::find_if(state->occurrences.begin(), state->occurrences.end(),
-                                  [](const auto& entry) { return !entry.listed.isZero(); });
-    if (one == state->occurrences.end()) {
+    const OccurrenceState* one = state != nullptr ? state->listed() : nullptr;
+    if (one == nullptr) {
         return false;
     }
     recordDue(event, {event.FromWall(one->start), event.FromMoment(one->listed)});

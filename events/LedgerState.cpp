@@ -49,6 +49,12 @@ const ColumnNote* EventState::note(std::string_view column) const {
     return found != row.end() ? &found->second : nullptr;
 }
 
+const OccurrenceState* EventState::listed() const {
+    const auto last = std::find_if(occurrences.rbegin(), occurrences.rend(),
+                                   [](const auto& one) { return !one.listed.isZero(); });
+    return last != occurrences.rend() ? &*last : nullptr;
+}
+
 void EventState::tidy() {
     std::erase_if(occurrences, [](const OccurrenceState& one) { return !one.saysAnything(); });
 }

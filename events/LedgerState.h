@@ -91,6 +91,9 @@ struct EventState {
     const OccurrenceState* find(DateTime start) const;
     /// The entry of that start, made when there is none.
     OccurrenceState& at(DateTime start);
+    /// The occurrence whose reminder stands in the list, null when none does: the last of those
+    /// that are noted as listed. An earlier one may be left from before a restart.
+    const OccurrenceState* listed() const;
     /// Removes the entries that say nothing.
     void tidy();
 

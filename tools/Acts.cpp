@@ -113,13 +113,11 @@ private:
             return event.StartDateTime;
         }
         const EventState* known = ledger_.find(db_.DBFullName, event.GUID);
-        DateTime listed;
-        for (const OccurrenceState& one :
-             known != nullptr ? known->occurrences : std::vector<OccurrenceState>()) {
-            listed = one.listed.isZero() ? listed : event.FromWall(one.start);
-        }
-        if (!listed.isZero() && !event.ICalRecEvents(listed, listed, 1).empty()) {
-            return listed;
+        if (const auto* one = known != nullptr ? known->listed() : nullptr) {
+            const DateTime listed = event.FromWall(one->start);
+            if (!event.ICalRecEvents(listed, listed, 1).empty()) {
+                return listed;
+            }
         }
         const DateTime begun = clock_.now().addMinutes(event.RemindersMaxOffsetMin).addSeconds(1);
         const DateTime last = event.PreviousInstance(begun);

@@ -194,6 +194,18 @@ TEST_F(PendingClock, ARowThatTheHostHasNotWrittenAnewMeansItsTimesHere) {
         << "it is six hours later than what was dismissed";
 }
 
+// The rows of the list are filled anew after a journey.
+TEST_F(PendingClock, OfTwoOccurrencesThatAreListedTheRowIsOfTheLaterOne) {
+    desk.clock.time = at(8, 0, 0, 19);
+    desk.put(series("A", at(10, 0, 0, 19), "FREQ=DAILY", {15}, "Europe/Berlin"));
+    EXPECT_EQ(desk.check(at(9, 45, 0, 19)), "A 19 10:00 (19 09:45)");
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 50)), "A 20 10:00 (20 09:45)");
+    calEvent row(*desk.rows.at("A"));
+    ASSERT_TRUE(desk.program->reminders.RecordListed(row));
+    EXPECT_EQ(row.InstanceStart, desk.listed.at("A").InstanceStart);
+}
+
 TEST_F(PendingClock, AnHourThatComesTwiceElsewhereSilencesNothing) {
     const test::ZoneForTest berlin("Europe/Berlin");
     const auto on = [](int hour, int minute) {
