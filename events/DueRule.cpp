@@ -270,11 +270,12 @@ public:
         }
     }
 
-    void snoozed(DateTime earliest) {
+    /// Those whose time has come; with `earliest` not before it.
+    void snoozed(std::optional<DateTime> earliest = {}) {
         view_.forEachSnooze([&](DateTime start, DateTime time) {
             if (time > question_.to) {
                 noteNext(time);
-            } else if (time >= earliest) {
+            } else if (!earliest || time >= *earliest) {
                 best_.offer({{start, time, calEvent::kNoReminder}, isOver(start)});
             }
         });
@@ -392,7 +393,7 @@ DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion
         earliest = std::min(earliest, question.now.date());
     }
     all.scheduled(earliest, question.firstMet);
-    all.snoozed(DateTime(-1e6));
+    all.snoozed();
     all.listed();
     answer.taken = all.best();
     answer.next = all.next();
