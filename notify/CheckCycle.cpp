@@ -12,6 +12,8 @@ namespace {
 
 // Days that the program can have been off without missing a reminder.
 constexpr int kLongestOff = 30;
+// So much ahead the last check may lie by the right clock: an hour comes twice when clocks go back.
+constexpr int kMostAheadMinutes = 65;
 
 /// Sets a flag for the time of a scope.
 class Raised {
@@ -152,7 +154,15 @@ DateTime CheckCycle::lastAsked() const {
     }
     const DateTime today = clock_.today();
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
-    return last.isZero() ? today : std::min(today, std::max(last, today.addDays(-kLongestOff)));
+    if (last.isZero()) {
+        return today;
+    }
+    const DateTime longAgo = today.addDays(-kLongestOff);
+    // By a clock that was ahead: since when the program was off, nobody knows.
+    if (last > clock_.now().addMinutes(kMostAheadMinutes)) {
+        return longAgo;
+    }
+    return std::min(today, std::max(last, longAgo));
 }
 
 // What another copy of the program, or a command, has dealt with leaves the list here, too.
@@ -164,11 +174,7 @@ void CheckCycle::removeDealtWith() {
     for (const Variant& item : *state_.NewReminders) {
         const auto event = objectIn<calEvent>(item);
         const EventState* known = event ? ledger_.find(db_.DBFullName, event->GUID) : nullptr;
-        const bool listed =
-            known == nullptr ||
-            std::any_of(known->occurrences.begin(), known->occurrences.end(),
-                        [](const OccurrenceState& one) { return !one.listed.isZero(); });
-        if (!listed) {
+        if (known != nullptr && known->listed() == nullptr) {
             attempt([&] { screen_.RemoveGUID(event->GUID, kNewRemindersGrid); });
             acts_.LeaveNewList(event->GUID);
         }

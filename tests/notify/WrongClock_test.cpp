@@ -65,6 +65,25 @@ TEST_F(WrongClock, WhatWasFinishedUnderAClockAheadComesAllTheSame) {
     EXPECT_EQ(desk.check(day(2026, 11, 23, 7, 45)), "S 07:45");
 }
 
+// The last check that is known lies ahead: how long the program was off is not.
+TEST_F(WrongClock, WhatFellDueWhileTheProgramWasOffComesAlsoWhereItEndedUnderAClockAhead) {
+    for (const bool wrong : {false, true}) {
+        SCOPED_TRACE(wrong);
+        FileDesk fresh;
+        fresh.clock.time = at(8, 0);
+        fresh.put(single("Done", at(9, 30), {15}));
+        fresh.put(single("A", at(10, 0, 0, 21), {15}));
+        EXPECT_EQ(fresh.check(at(9, 15)), "Done 09:15");
+        fresh.program->acts.Dismiss(fresh.listed.at("Done"), DismissMode::This);
+        if (wrong) {
+            fresh.program.reset();
+            fresh.check(day(2027, 2, 20));
+        }
+        fresh.program.reset();
+        EXPECT_EQ(fresh.check(at(12, 0, 0, 22)), "A 09:45");
+    }
+}
+
 // The events of months without the program go a start later, or the day after.
 TEST_F(WrongClock, AfterMonthsWithoutTheProgramWhatIsPastIsFinishedTheDayAfter) {
     desk.put(single("A", day(2026, 11, 21, 18), {15}));
