@@ -20,6 +20,9 @@ constexpr std::size_t kSpareLines = 256;
 
 std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
 
+// Somebody has removed it since it was last seen.
+bool isGone(const SharedFile& file) { return file.changed() && !fileExists(file.path()); }
+
 // How many days ago `when` was, as seen from `now`.
 bool longAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
 
@@ -104,13 +107,20 @@ const std::string& Ledger::nameOf(std::string_view database) const {
 
 void Ledger::ReadAgain() {
     const ErrScope scope;
+    takeChanges();
+    if (file_ && isGone(*file_)) {
+        store([] { return std::string(); });
+    }
+}
+
+void Ledger::takeChanges() {
     // A link may lead elsewhere by now; one that leads nowhere for a while is what it was.
     for (auto& [given, name] : names_) {
         if (fileExists(given)) {
             name = fullPath(given);
         }
     }
-    if (file_ && file_->changed()) {
+    if (file_ && file_->changed() && !isGone(*file_)) {
         attempt([&] { load(); });
     }
 }
@@ -144,7 +154,7 @@ SharedFile::Lock Ledger::begin() {
     SharedFile::Lock lock;
     if (file_) {
         attempt([&] { lock = file_->lock(kLockWait); });
-        ReadAgain();
+        takeChanges();
     }
     return lock;
 }
@@ -154,7 +164,16 @@ bool Ledger::flush(const SharedFile::Lock& lock) {
         owed_.clear();
         return false;
     }
-    if (lock && attempt([&] { write(owed_); })) {
+    const auto writeOwed = [&] {
+        if (!isGone(*file_)) {
+            return write(owed_);
+        }
+        torn_ = false;
+        lines_ = 0;
+        bytes_ = 0;
+        write(compacted(DateTime()));  // what stood in it, and what is owed
+    };
+    if (lock && attempt(writeOwed)) {
         owed_.clear();
         attempt([&] { compact(false); });
     }
@@ -348,7 +367,7 @@ void Ledger::compact(bool starting) {
     SharedFile::Lock lock;
     if (starting) {  // else the one who adds a line holds it
         lock = file_->lock(kLockWait);
-        ReadAgain();
+        takeChanges();
     }
     // A clock that is far ahead for once must not make everything look old.
     DateTime latest;

@@ -40,7 +40,8 @@ std::uint64_t guidHash(std::string_view GUID);
 /// Several copies of the program share the file: each change is made under a lock, after what
 /// others have added was read, and is on the disk when the method returns. Where the file cannot be
 /// written the ledger goes on in memory, and writes what it owes with the next change that can be
-/// written. No method throws; the pending error stays as it was.
+/// written. A file that somebody removes is written anew by who knows what stood in it. No method
+/// throws; the pending error stays as it was.
 class Ledger {
 public:
     /// In memory only.
@@ -132,6 +133,7 @@ public:
 private:
     struct Content;
 
+    void takeChanges();
     void load();
     const std::string& nameOf(std::string_view database) const;
     void write(const std::string& lines);

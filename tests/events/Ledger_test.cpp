@@ -288,6 +288,52 @@ TEST_F(LedgerFile, WhatItOwesStandsOverWhatOthersWrote) {
     EXPECT_EQ(two.find(kDb, "{A}")->occurrences.size(), 3U);
 }
 
+TEST_F(LedgerFile, AFileThatIsRemovedWhileItRunsIsWrittenAnew) {
+    for (const bool isRead : {true, false}) {
+        SCOPED_TRACE(isRead);
+        Ledger ledger(clock, path.string());
+        put(ledger, "{A}", at(10, 0));
+        put(ledger, "{A}", at(11, 0));
+        ledger.noteCheck(kDb, at(9, 0));
+        ledger.keepReplaced(kDb, "master", at(10, 0, 27));
+        const auto version = ledger.version();
+        fs::remove(path);
+        if (isRead) {
+            ledger.ReadAgain();
+            EXPECT_EQ(ledger.version(), version) << "nothing has changed";
+        } else {
+            put(ledger, "{B}", at(12, 0));
+        }
+        EXPECT_TRUE(ledger.onDisk());
+        const Ledger again(clock, path.string());
+        EXPECT_EQ(again.find(kDb, "{B}") != nullptr, !isRead);
+        for (const Ledger* one : {&static_cast<const Ledger&>(ledger), &again}) {
+            ASSERT_TRUE(one->find(kDb, "{A}"));
+            EXPECT_EQ(one->find(kDb, "{A}")->occurrences.size(), 2U);
+            EXPECT_EQ(one->lastCheck(kDb), at(9, 0));
+            EXPECT_EQ(one->replaced(kDb, "master").size(), 1U);
+        }
+    }
+}
+
+TEST_F(LedgerFile, WithItsWholeFolderItIsWrittenAnewWhenThatIsBack) {
+    const fs::path home = folder / "home";
+    fs::create_directory(home);
+    Ledger ledger(clock, (home / "VLReminders.ledger").string());
+    put(ledger, "{A}", at(10, 0));
+    fs::remove_all(home);
+    ledger.ReadAgain();
+    put(ledger, "{B}", at(10, 0));
+    EXPECT_TRUE(ledger.find(kDb, "{A}"));
+    EXPECT_FALSE(ledger.onDisk());
+    fs::create_directory(home);
+    ledger.ReadAgain();
+    EXPECT_TRUE(ledger.onDisk());
+    const Ledger again(clock, (home / "VLReminders.ledger").string());
+    EXPECT_TRUE(again.find(kDb, "{A}"));
+    EXPECT_TRUE(again.find(kDb, "{B}"));
+}
+
 TEST_F(LedgerFile, NotesTheFirstCheckOfEachDay) {
     Ledger ledger(clock, path.string());
     EXPECT_TRUE(ledger.lastCheck(kDb).isZero());
