@@ -4,6 +4,7 @@
 
 #include "base/ErrorState.h"
 #include "base/Text.h"
+#include "events/Ledger.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
 
@@ -201,6 +202,36 @@ TEST(ReadStatement, IsBuiltPieceByPiece) {
     EXPECT_EQ(CalEvents::ReadStatement(false, true, at(14, 30, 5)),
               "SELECT * FROM Reminders WHERE Deleted=0 AND Status <> \"AllDone\" AND Dismissed is "
               "not Null AND Modified > #2026-11-20 14:30:05#");
+}
+
+// What is asked for again and again is remembered.
+TEST_F(Queries, AnEventChangedInPlaceIsLookedAtAgain) {
+    const auto e = put(event("A", at(10, 0), "15"));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(due(at(9, 0), at(9, 59)), "A");
+        EXPECT_EQ(held(at(9, 0), at(10, 59)), "A");
+    }
+    e->StartDateTime = at(12, 0);
+    set.LookAgain("a");
+    EXPECT_EQ(due(at(9, 0), at(9, 59)), "");
+    EXPECT_EQ(held(at(9, 0), at(10, 59)), "");
+}
+
+TEST_F(Queries, OfAListedEventWhatIsPendingInAnEarlierWindowIsDueAgain) {
+    Ledger ledger(clock);
+    bool listed = false;
+    set.UseLedger(ledger, [&](std::string_view) { return listed; });
+    put(event("A", at(10, 0), "15"));
+    clock.time = at(9, 45);
+    const auto pending = [&](DateTime from, DateTime to) {
+        return keys(*set.RemindCol(from, to, true));
+    };
+    EXPECT_EQ(pending(at(9, 44), at(9, 45)), "A");
+    listed = true;
+    EXPECT_EQ(pending(at(9, 45), at(9, 46)), "A");
+    EXPECT_EQ(pending(at(9, 46), at(9, 47)), "");
+    EXPECT_EQ(pending(at(9, 47), at(9, 48)), "");
+    EXPECT_EQ(pending(at(9, 44), at(9, 49)), "A") << "the window went back";
 }
 
 /// The real file, with the clock at the day its events lie around.

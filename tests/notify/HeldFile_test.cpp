@@ -148,6 +148,19 @@ TEST_F(OtherCopy, ALaterActOfItStands) {
     EXPECT_EQ(waiting(), 0);
 }
 
+// An act on something else writes what waits, before a check has read.
+TEST_F(OtherCopy, ALaterActOfItStandsAlsoWithoutACheck) {
+    {
+        const HoldingProcess holder(desk.file.path());
+        desk.program->acts.Snooze(desk.listed.at("A"), 20);
+    }
+    desk.clock.time = at(9, 1);
+    actAndEnd("A", [](Acts& acts, const ActRow& row) { acts.Snooze(row, 120); });
+    desk.program->acts.Snooze(desk.listed.at("B"), 20);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_EQ(stored("A")->NextReminder, at(11, 1));
+}
+
 TEST_F(HeldFile, WhatIsReactivatedMeanwhileIsNotTakenForSomebodyElsesAct) {
     Acts& acts = desk.program->acts;
     acts.Snooze(desk.listed.at("A"), 20);

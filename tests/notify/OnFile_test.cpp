@@ -186,6 +186,18 @@ TEST_F(OnFile, WhatTheHostMovesWhenTheDayChangesIsNotFinished) {
     EXPECT_EQ(desk.check(at(0, 15, 0, 21)), "A 00:15");
 }
 
+// Its stamp is older than the last read: the full read alone finds it, and there it looks finished.
+TEST_F(OnFile, WhatTheCheckHasNotMetYetIsNotFinishedWhenTheDayHasChanged) {
+    desk.check(at(9, 0));
+    desk.check(at(9, 0, 0, 21));
+    const auto fair = single("A", at(9, 0, 0, 19), {60});
+    fair->EndDateTime = at(18, 0, 0, 24);
+    fair->Modified = at(8, 59, 0, 21);
+    desk.file.put(*fair);
+    EXPECT_EQ(desk.check(at(9, 0, 10, 21)), "");
+    EXPECT_EQ(desk.check(at(9, 0, 20, 21)), "A 08:00") << "it goes on";
+}
+
 TEST_F(OnFile, ARowOfTheListShowsTheTimesOfWhereItsReaderIs) {
     const auto entry = [](int hour) {
         return series("M", at(hour, 0), "FREQ=DAILY", {15}, "America/New_York");
