@@ -10,6 +10,10 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
+QSize ElidedLabel::sizeHint() const { return minimumSizeHint(); }
+
+QSize ElidedLabel::minimumSizeHint() const { return {0, fontMetrics().height() + 2 * margin()}; }
+
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QRect area = contentsRect();

@@ -2,9 +2,11 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include "ui/Balloon.h"
 #include "ui/ElidedLabel.h"
+#include "ui/FormFont.h"
 #include "ui/UpDown.h"
 
 namespace vl {
@@ -64,6 +66,24 @@ TEST(ElidedLabel, CutsAtALetterAndSaysSo) {
     same.resize(label.size());
     EXPECT_EQ(cut, same.grab().toImage());
     EXPECT_EQ(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
+}
+
+// What stands above it would move with every row that becomes current.
+TEST(ElidedLabel, IsAsHighWithoutAText) {
+    QWidget form;
+    auto* rows = new QVBoxLayout(&form);
+    auto* above = new QWidget(&form);
+    auto* line = new ElidedLabel(&form);
+    line->setFont(formFont(*line));
+    rows->addWidget(above, 1);
+    rows->addWidget(line);
+    form.resize(300, 200);
+    form.show();
+    const int before = above->height();
+    line->setText("Project meeting, Today 14:45-15:30, Room 2");
+    rows->activate();
+    EXPECT_EQ(above->height(), before);
+    EXPECT_GE(line->height(), line->fontMetrics().height());
 }
 
 }  // namespace
