@@ -25,43 +25,7 @@ std::string inParentheses(const std::string& text) {
     return text.empty() ? text : '(' + text + ')';
 }
 
-RowOccurrence recorded(calEvent& event, DateTime start, DateTime reminder) {
-    event.InstanceStart = start;
-    event.dReminder = reminder;
-    event.iRemMinutes = reminder.isZero()
-                            ? calEvent::kNoReminder
-                            : static_cast<std::int32_t>(minutesBetween(reminder, start));
-    return {start, reminder};
-}
-
 }  // namespace
-
-RowOccurrence recordedOccurrence(const calEvent& event) {
-    const DateTime start = event.InstanceStart.isZero() ? event.StartDateTime : event.InstanceStart;
-    return {start, event.RecordedReminderD()};
-}
-
-RowOccurrence nearestOccurrence(calEvent& event, DateTime now) {
-    const ErrScope scope;
-    DateTime start = event.StartDateTime;
-    if (event.IsRepeating()) {
-        attempt([&] {
-            const DateTime next = event.NextInstance(now);
-            start = next.isZero() ? event.LastInstance() : next;
-        });
-    }
-    event.InstanceStart = start;
-    DateTime reminder = event.NextReminderD(now);
-    if (reminder.isZero() && event.RemindersCol && event.RemindersCol->Count() > 0) {
-        reminder = event.FirstReminderD();
-    }
-    return recorded(event, start, reminder);
-}
-
-RowOccurrence snoozedOccurrence(calEvent& event, DateTime start) {
-    event.iRemMinutesNext = calEvent::kNoReminder;
-    return recorded(event, start, event.NextReminder);
-}
 
 GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,
               const TimeText& time) {

@@ -222,13 +222,8 @@ private:
     void ShowPeriod();
     void showPeriodAnew();
     bool isWatched() const;
-    void DoPeriodSS();
-    void DoShowHidden();
-    void sortPeriodGrids();
     GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
                    int grid) const;
-    std::vector<GridRow> rowsOf(const GenCollection& events, int grid) const;
-    bool isListed(const calEvent& event) const;
     Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
     Grid& selectedGrid() const;
     void showCaptions();

@@ -9,6 +9,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "db/DBRemindUtils.h"
+#include "notify/PeriodRows.h"
 #include "notify/Periods.h"
 #include "ui/QtText.h"
 #include "ui/Tips.h"
@@ -60,50 +61,18 @@ void frmDDE::DoPeriod() {
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
             grid(index).setDismissedView(isPeriod("Di"));
         }
-        if (isPeriod("H")) {
-            DoShowHidden();
-        } else {
-            DoPeriodSS();
+        std::vector<GridRow> rows[kGridCount];
+        listPeriod(parts_.period, state_.sPeriod, now,
+                   [&](const auto& event, const RowOccurrence& occurrence, int index) {
+                       rows[index].push_back(rowFor(event, occurrence, index));
+                   });
+        for (const int index : {kAllRemindersGrid, kEventsGrid}) {
+            grid(index).setRows(std::move(rows[index]));
+            grid(index).DoSort();
         }
     });
     UpdateUI();
     wantFields();
-}
-
-// Reminders before events, and each row copied at once: the second query changes what the first
-// one left in the events.
-void frmDDE::DoPeriodSS() {
-    const auto due = parts_.period.RemindCol(state_.dShownStart, state_.dShownEnd);
-    grid(kAllRemindersGrid).setRows(rowsOf(*due, kAllRemindersGrid));
-    const auto held = parts_.period.EventCol(state_.dShownStart, state_.dShownEnd);
-    grid(kEventsGrid).setRows(rowsOf(*held, kEventsGrid));
-    sortPeriodGrids();
-}
-
-void frmDDE::DoShowHidden() {
-    std::vector<GridRow> reminders;
-    std::vector<GridRow> events;
-    const auto all = parts_.period.mCol;
-    for (std::size_t i = 1; all && i <= all->Count(); ++i) {
-        const auto event = objectAt<calEvent>(*all, i);
-        if (event && event->Hidden) {
-            const RowOccurrence nearest = nearestOccurrence(*event, parts_.clock.now());
-            parts_.period.LookAgain(event->GUID);
-            if (!nearest.reminder.isZero()) {
-                reminders.push_back(rowFor(event, nearest, kAllRemindersGrid));
-            }
-            events.push_back(rowFor(event, nearest, kEventsGrid));
-        }
-    }
-    grid(kAllRemindersGrid).setRows(std::move(reminders));
-    grid(kEventsGrid).setRows(std::move(events));
-    sortPeriodGrids();
-}
-
-void frmDDE::sortPeriodGrids() {
-    for (const int index : {kAllRemindersGrid, kEventsGrid}) {
-        grid(index).DoSort();
-    }
 }
 
 GridRow frmDDE::rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
@@ -112,25 +81,10 @@ GridRow frmDDE::rowFor(const std::shared_ptr<calEvent>& event, const RowOccurren
     return rowOf(event, occurrence, grid, timeText_);
 }
 
-std::vector<GridRow> frmDDE::rowsOf(const GenCollection& events, int grid) const {
-    std::vector<GridRow> rows;
-    for (std::size_t i = 1; i <= events.Count(); ++i) {
-        const auto event = objectAt<calEvent>(events, i);
-        if (event && isListed(*event)) {
-            rows.push_back(rowFor(event, recordedOccurrence(*event), grid));
-        }
-    }
-    return rows;
-}
-
-bool frmDDE::isListed(const calEvent& event) const {
-    return !event.Hidden && (!isPeriod("Di") || event.Dismissed > DateTime());
-}
-
 void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
     const ErrScope scope;
     attempt([&] {
-        if (index == kNewRemindersGrid || isListed(*event)) {
+        if (index == kNewRemindersGrid || isListedIn(state_.sPeriod, *event)) {
             grid(index).putRow(rowFor(event, recordedOccurrence(*event), index));
             wantFields();
         }
