@@ -23,8 +23,7 @@ std::shared_ptr<GenCollection> AnswerMemo::recall(EventIndex& index, const Windo
 
 void AnswerMemo::keep(const EventIndex& index, const Window& window, std::uint64_t asked,
                       const GenCollection& answer) {
-    static std::uint64_t last = 0;
-    id_ = ++last;
+    ++id_;
     asked_ = asked;
     version_ = index.version();
     window_ = window;

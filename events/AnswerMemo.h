@@ -25,7 +25,7 @@ public:
     void keep(const EventIndex& index, const Window& window, std::uint64_t asked,
               const GenCollection& answer);
 
-    /// Of what it keeps; never 0 and never the same twice.
+    /// Of what it keeps: 0 for nothing yet, and never the same twice.
     std::uint64_t id() const noexcept { return id_; }
 
 private:

@@ -101,7 +101,7 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
         }
         // It is read no more, and still stands for an occurrence of its series.
         if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
-            replaced.push_back({event->recurringEventId, event->RExceptionStartTimeOrig});
+            replaced.push_back({seriesOf(*event), event->RExceptionStartTimeOrig});
         }
     }
     if (history != nullptr) {

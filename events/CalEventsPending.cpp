@@ -1,6 +1,5 @@
 // The check's question, and what is noted of its answer.
 #include <algorithm>
-#include <unordered_map>
 
 #include "DueBook.h"
 #include "FullRead.h"
@@ -31,6 +30,38 @@ bool wouldBeShownWith(const calEvent& exception, const calEvent& series, const D
            isScheduled(series, due.instance, due.time);
 }
 
+bool isOf(const calEvent& event, const SeriesName& series, bool anyBase) {
+    return text::equalsNoCase(event.id, series.id) &&
+           (anyBase || text::equalsNoCase(event.VLBase, series.VLBase));
+}
+
+// The exception's series among what was found: that in its own host's database, or where that has
+// none, any with the id. Null when it was not found.
+const DueBook::Found* seriesOf(const calEvent& exception, const std::vector<DueBook::Found>& found,
+                               const GenCollection& events) {
+    const SeriesName series = seriesOf(exception);
+    const auto among = [&](bool anyBase) -> const DueBook::Found* {
+        const auto master = std::find_if(
+            found.begin(), found.end(),
+            [&](const DueBook::Found& one) { return isOf(*one.event, series, anyBase); });
+        return master != found.end() ? &*master : nullptr;
+    };
+    const DueBook::Found* other = among(true);
+    if (other == nullptr) {
+        return nullptr;
+    }
+    if (const auto* own = among(false)) {
+        return own;
+    }
+    for (const Variant& item : events) {
+        const auto event = objectIn<calEvent>(item);
+        if (event && isOf(*event, series, false)) {
+            return nullptr;
+        }
+    }
+    return other;
+}
+
 }  // namespace
 
 void CalEvents::UseLedger(Ledger& ledger, std::function<bool(std::string_view)> isListed) {
@@ -53,28 +84,23 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
     });
     keepLeft();
     noteMoved();
-    std::unordered_map<std::string, const DueBook::Found*> series;  // by id
     for (const DueBook::Found& one : found) {
         // In a copy: what the views' questions leave in the set's own is none of the list's.
         const auto copy = std::make_shared<calEvent>(*one.event);
         recordDue(*copy, one.due);
         answer->Add(Variant(copy), copy->GUID);
-        if (!one.event->id.empty()) {
-            series.emplace(text::foldCase(one.event->id), &one);
-        }
     }
     for (const DueBook::Found& one : found) {
         if (replacesUnknown(*one.event)) {
-            const auto master = series.find(text::foldCase(one.event->recurringEventId));
-            if (master == series.end()) {
+            const auto* master = seriesOf(*one.event, found, *mCol);
+            if (master == nullptr) {
                 continue;
             }
-            const calEvent& event = *master->second->event;
-            const Due& due = master->second->due;
-            if (wouldBeShownWith(*one.event, event, due,
+            const calEvent& event = *master->event;
+            if (wouldBeShownWith(*one.event, event, master->due,
                                  ledger_->find(db_.DBFullName, event.GUID))) {
                 answer->Remove(event.GUID);
-                ledger_->keepReplaced(db_.DBFullName, one.event->recurringEventId, due.instance);
+                ledger_->keepReplaced(db_.DBFullName, seriesOf(*one.event), master->due.instance);
             }
         }
     }
@@ -84,7 +110,7 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
 // The row of an exception may be purged, or be read no more: its series must not ring instead.
 void CalEvents::keepLeft() {
     for (const DueBook::Left& left : book_->takeLeft()) {
-        ledger_->keepReplaced(db_.DBFullName, left.master, left.replaced);
+        ledger_->keepReplaced(db_.DBFullName, left.series, left.replaced);
     }
 }
 
@@ -113,7 +139,7 @@ void CalEvents::noteMoved() {
 void CalEvents::keepPassedOver() {
     std::vector<Ledger::Replaced> replaced;
     for (auto& one : fullRead_->takePassedOver()) {
-        replaced.push_back({std::move(one.master), {notedNow(one.start)}});
+        replaced.push_back({std::move(one.series), {notedNow(one.start)}});
     }
     ledger_->keepReplaced(db_.DBFullName, replaced);
 }

@@ -1,6 +1,5 @@
 // The set's two questions: which reminders fall due in a window, which events occur in a period.
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -113,33 +112,18 @@ public:
         }
     }
 
-    /// The events without the series that are replaced.
-    std::shared_ptr<GenCollection> finish() {
-        if (!exceptions_.empty()) {
-            const auto masters = byId();
-            for (const auto& exception : exceptions_) {
-                const auto master = masters.find(text::foldCase(exception->recurringEventId));
-                if (master != masters.end()) {
-                    found_->Remove(master->second);
-                }
+    /// The events without the series that are replaced. Of an id that stands twice the first is
+    /// the series, as where the database is asked for it (`EventByID`).
+    std::shared_ptr<GenCollection> finish(EventIndex& index) {
+        for (const auto& exception : exceptions_) {
+            if (const calEvent* master = index.firstWithId(exception->recurringEventId)) {
+                found_->Remove(master->GUID);
             }
         }
         return found_;
     }
 
 private:
-    // Only what was found can be taken out again, so the masters are looked up there, in one pass.
-    std::unordered_map<std::string, std::string> byId() const {
-        std::unordered_map<std::string, std::string> guids;
-        for (const Variant& item : *found_) {
-            const auto event = objectIn<calEvent>(item);
-            if (event && !event->id.empty()) {
-                guids.emplace(text::foldCase(event->id), event->GUID);
-            }
-        }
-        return guids;
-    }
-
     std::shared_ptr<GenCollection> found_ = std::make_shared<GenCollection>();
     std::vector<std::shared_ptr<calEvent>> exceptions_;
 };
@@ -187,7 +171,7 @@ std::shared_ptr<GenCollection> CalEvents::RemindCol(DateTime FromTime, DateTime 
             }
         });
     }
-    auto found = answer.finish();
+    auto found = answer.finish(*index_);
     if (clean) {
         reminded_->keep(*index_, window, 0, *found);
         remindedNow_ = reminded_->id();
@@ -230,7 +214,7 @@ std::shared_ptr<GenCollection> CalEvents::EventCol(DateTime FromDate, DateTime T
             }
         });
     }
-    auto found = answer.finish();
+    auto found = answer.finish(*index_);
     if (before != 0) {
         started_->keep(*index_, period, before, *found);
     }

@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "PlaceIn.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 
@@ -57,20 +58,6 @@ bool DueBook::isSame(const GenCollection& events) const {
     return events.Stamp() == stamp_ && events.Count() == slots_.size();
 }
 
-// Where the object stands in `slots` from `at` on, or their number: looked for a few places ahead,
-// since where one was taken out or put in the others follow.
-template <class Slots>
-static std::size_t placeIn(const Slots& slots, std::size_t at, const Object* wanted) {
-    constexpr std::size_t kAhead = 4;
-    const std::size_t end = std::min(slots.size(), at + kAhead);
-    for (std::size_t i = at; wanted != nullptr && i < end; ++i) {
-        if (slots[i].event.get() == wanted) {
-            return i;
-        }
-    }
-    return slots.size();
-}
-
 // Takes over what is in the list now, with what is known of the events that were there before.
 // What is there at the first question of a run has been met by an earlier run, unless the host has
 // touched it since.
@@ -88,7 +75,8 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
     for (const Variant& item : events) {
         const auto* object = item.get<ObjectRef>();
         const Object* wanted = object != nullptr ? object->get() : nullptr;
-        const std::size_t known = placeIn(old, at, wanted);
+        const std::size_t known =
+            placeIn(old, at, wanted, [](const Slot& slot) { return slot.event.get(); });
         if (known < old.size()) {
             for (; at < known; ++at) {
                 before.emplace(old[at].hash, std::move(old[at]));
@@ -137,7 +125,7 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
         }
         if (replacesOne(*slot.event)) {
             exceptionsChanged_ = true;
-            left_.push_back({slot.event->recurringEventId, slot.event->RExceptionStartTimeOrig});
+            left_.push_back({seriesOf(*slot.event), slot.event->RExceptionStartTimeOrig});
         }
         // A deletion that fails leaves the event as it was: nothing of it is met for the first
         // time, and nothing that falls due meanwhile is lost.
@@ -151,57 +139,36 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
 }
 
 void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
-    Starts starts;
+    ReplacedStarts now;
     for (const Slot& slot : slots_) {
         if (slot.event && replacesOne(*slot.event)) {
-            starts[text::foldCase(slot.event->recurringEventId)].push_back(
-                slot.event->RExceptionStartTimeOrig);
+            now.say(seriesOf(*slot.event), {slot.event->RExceptionStartTimeOrig, {}});
         }
     }
-    findKept(ledger, database, starts);
+    // Of exceptions that are read no more the ledger knows which starts they have taken over.
+    for (const Ledger::Replaced& kept : ledger.allReplaced(database)) {
+        for (const Noted& start : kept.starts) {
+            now.say(kept.series, start);
+        }
+    }
     for (const Left& left : left_) {
-        starts[text::foldCase(left.master)].push_back(left.replaced);
+        now.say(left.series, {left.replaced, {}});
     }
-    for (auto& [master, list] : starts) {
-        std::sort(list.begin(), list.end());
-        list.erase(std::unique(list.begin(), list.end()), list.end());
-    }
-    if (starts != replaced_) {
-        for (Slot& slot : slots_) {
-            if (slot.event && slot.event->IsRepeating()) {
-                const std::string id = text::foldCase(slot.event->id);
-                const auto before = replaced_.find(id);
-                const auto now = starts.find(id);
-                const bool none = before == replaced_.end() && now == starts.end();
-                slot.look =
-                    slot.look || !(none || (before != replaced_.end() && now != starts.end() &&
-                                            before->second == now->second));
-            }
-        }
-        replaced_ = std::move(starts);
-    }
-}
-
-// Of exceptions that are read no more the ledger knows which starts they have taken over.
-void DueBook::findKept(const Ledger& ledger, std::string_view database, Starts& starts) const {
-    std::unordered_map<std::string, std::vector<Noted>> kept;
-    for (auto& [master, list] : ledger.allReplaced(database)) {
-        kept.emplace(text::foldCase(master), std::move(list));
-    }
-    if (kept.empty()) {
+    if (now.empty() && replaced_.empty()) {
         return;
     }
+    std::vector<const calEvent*> series;
     for (const Slot& slot : slots_) {
-        if (!slot.event || !slot.event->IsRepeating() || slot.event->id.empty()) {
-            continue;
-        }
-        const auto known = kept.find(text::foldCase(slot.event->id));
-        if (known != kept.end()) {
-            for (const Noted& start : known->second) {
-                starts[known->first].push_back(startIn(*slot.event, start, *zone_));
-            }
+        if (slot.event && slot.event->IsRepeating()) {
+            series.push_back(slot.event.get());
         }
     }
+    now.settle(series, *zone_);
+    for (Slot& slot : slots_) {
+        slot.look = slot.look || (slot.event && !std::ranges::equal(now.of(*slot.event),
+                                                                    replaced_.of(*slot.event)));
+    }
+    replaced_ = std::move(now);
 }
 
 void DueBook::markChanged(const Asked& asked) {
@@ -241,7 +208,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     const DateTime since = sinceOf(slot, state, asked.since);
     const bool firstMet = slot.firstMet || (!slot.asked && isReactivated(state));
     const DueQuestion question{asked.from, asked.to, asked.now, since, firstMet};
-    const DueFacts facts{state, replaced(event), *zone_};
+    const DueFacts facts{state, replaced_.of(event), *zone_};
     const DueAnswer answer = askDue(event, facts, question);
     const bool pending = answer.taken.has_value();
     slot.since = pending ? answer.since : DateTime();
@@ -336,15 +303,6 @@ void DueBook::look(std::string_view GUID) {
 DateTime DueBook::openSince(const calEvent& event) const {
     const auto found = found_.find(guidHash(event.GUID));
     return found != found_.end() ? event.ToMoment(slots_[found->second].since) : DateTime();
-}
-
-const std::vector<DateTime>& DueBook::replaced(const calEvent& event) const {
-    static const std::vector<DateTime> none;
-    if (replaced_.empty() || event.id.empty()) {
-        return none;
-    }
-    const auto found = replaced_.find(text::foldCase(event.id));
-    return found != replaced_.end() ? found->second : none;
 }
 
 std::vector<DueBook::Left> DueBook::takeLeft() { return std::exchange(left_, {}); }

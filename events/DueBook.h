@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "DueRule.h"
+#include "ReplacedStarts.h"
 #include "events/GenCollection.h"
 #include "events/Ledger.h"
 
@@ -53,11 +54,8 @@ public:
     /// for `EventState::openSince`.
     DateTime openSince(const calEvent& event) const;
 
-    /// The starts of a series that exceptions have taken over, as of the last `ask`.
-    const std::vector<DateTime>& replaced(const calEvent& event) const;
-
     struct Left {
-        std::string master;  // the id of its series
+        SeriesName series;
         DateTime replaced;
     };
     /// Exceptions that were there in an earlier `ask` and are not any more.
@@ -75,13 +73,11 @@ private:
         bool pending = false;  // at the last look
         bool quiet = false;    // listed then, and nothing of it was due again
     };
-    using Starts = std::unordered_map<std::string, std::vector<DateTime>>;  // by folded id
 
     void bring(const GenCollection& events, const Asked& asked);
     bool isSame(const GenCollection& events) const;
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
     void findReplaced(const Ledger& ledger, std::string_view database);
-    void findKept(const Ledger& ledger, std::string_view database, Starts& starts) const;
     void takeZone(const TimeZone& zone);
     void markChanged(const Asked& asked);
     DateTime sinceOf(const Slot& slot, const EventState* state, DateTime asked) const;
@@ -91,7 +87,7 @@ private:
     std::unordered_map<std::uint64_t, Slot> deleting_;      // not in it now, and may come back
     std::uint64_t stamp_ = 0;                               // of the collection
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
-    Starts replaced_;
+    ReplacedStarts replaced_;
     std::vector<Left> left_;
     std::vector<Found> moved_;
     std::uint64_t ledgerVersion_ = 0;

@@ -1,14 +1,12 @@
 // What the record of the user's acts tells to those who clean up.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "base/DateTime.h"
+#include "events/LedgerState.h"
 
 namespace vl {
-
-class calEvent;
 
 /// Asked before an event counts as finished, told before a row is purged. Methods do not throw.
 class EventHistory {
@@ -21,10 +19,10 @@ public:
     /// for.
     virtual bool isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const = 0;
 
-    /// The series with the id `master` does not occur at `start` (local time) any more, although
-    /// the exception that says so is about to go.
+    /// The series does not occur at `start` (local time) any more, although the exception that
+    /// says so is about to go.
     struct Replaced {
-        std::string master;
+        SeriesName series;
         DateTime start;
     };
     virtual void keepReplaced(const std::vector<Replaced>& starts) = 0;

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "PlaceIn.h"
+#include "base/Text.h"
+#include "events/Ledger.h"
 #include "model/clsReminder.h"
 
 namespace vl {
@@ -85,19 +88,6 @@ bool isInside(double from, double to, const Window& window) {
     return window.from.days() >= from && window.to.days() < to - kSlack;
 }
 
-// Where the object stands from `at` on, or the number of all: looked for a few places ahead, since
-// where one was taken out or put in the others follow.
-std::size_t placeIn(const std::vector<calEvent*>& events, std::size_t at, const Object* wanted) {
-    constexpr std::size_t kAhead = 4;
-    const std::size_t end = std::min(events.size(), at + kAhead);
-    for (std::size_t i = at; wanted != nullptr && i < end; ++i) {
-        if (events[i] == wanted) {
-            return i;
-        }
-    }
-    return events.size();
-}
-
 }  // namespace
 
 void EventIndex::bring(const GenCollection& collection) {
@@ -109,6 +99,7 @@ void EventIndex::bring(const GenCollection& collection) {
     std::vector<State> states;
     std::vector<Stretch> reminders;
     std::vector<Stretch> starts;
+    std::vector<std::uint32_t> ids(ids_.empty() ? 0 : count);
     events.reserve(count);
     states.reserve(count);
     reminders.reserve(count);
@@ -117,7 +108,8 @@ void EventIndex::bring(const GenCollection& collection) {
     std::size_t at = 0;
     for (const Variant& item : collection) {
         const auto* object = item.get<ObjectRef>();
-        const std::size_t known = placeIn(events_, at, object != nullptr ? object->get() : nullptr);
+        const std::size_t known = placeIn(events_, at, object != nullptr ? object->get() : nullptr,
+                                          [](const calEvent* event) { return event; });
         const bool isKnown = known < events_.size();
         events.push_back(isKnown             ? events_[known]
                          : object != nullptr ? dynamic_cast<calEvent*>(object->get())
@@ -125,6 +117,9 @@ void EventIndex::bring(const GenCollection& collection) {
         states.push_back(isKnown ? states_[known] : State());
         reminders.push_back(isKnown ? reminders_[known] : Stretch());
         starts.push_back(isKnown ? starts_[known] : Stretch());
+        if (isKnown && !ids_.empty()) {
+            ids[events.size() - 1] = ids_[known];
+        }
         at = isKnown ? known + 1 : at;
         states.back().listed = states.back().left;
         if (states.back().left) {
@@ -135,6 +130,7 @@ void EventIndex::bring(const GenCollection& collection) {
     states_ = std::move(states);
     reminders_ = std::move(reminders);
     starts_ = std::move(starts);
+    ids_ = std::move(ids);
     collection_ = collection;
     ++version_;
 }
@@ -230,6 +226,21 @@ bool EventIndex::seriesMayStart(std::size_t i, const Window& window) {
     return !isInside(starts_[i].from, starts_[i].to, window);
 }
 
+calEvent* EventIndex::firstWithId(std::string_view id) {
+    ids_.resize(events_.size());
+    const auto wanted = static_cast<std::uint32_t>(guidHash(id));
+    for (std::size_t i = 0; i < events_.size(); ++i) {
+        calEvent* event = events_[i];
+        if (event != nullptr && ids_[i] == 0) {
+            ids_[i] = static_cast<std::uint32_t>(guidHash(event->id));
+        }
+        if (event != nullptr && ids_[i] == wanted && text::equalsNoCase(event->id, id)) {
+            return event;
+        }
+    }
+    return nullptr;
+}
+
 void EventIndex::noteListed(std::size_t i) {
     if (!states_[i].listed) {
         states_[i].listed = true;
@@ -250,6 +261,9 @@ void EventIndex::look(std::string_view GUID) {
     if (position > 0) {
         const std::size_t i = position - 1;
         states_[i].reminders = states_[i].starts = Kind::Unknown;
+        if (!ids_.empty()) {
+            ids_[i] = 0;
+        }
         noteLeft(i, true);
     }
 }

@@ -13,6 +13,7 @@
 #include "db/DBRemindUtils.h"
 #include "events/Damage.h"
 #include "events/GenCollection.h"
+#include "events/LedgerState.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -37,10 +38,10 @@ public:
                                         const GenCollection& before, DateTime now,
                                         const Make& make);
 
-    /// An exception to the series `master` (its id) that the condition of a statement passed over:
-    /// it is finished or deleted, and `start` is no occurrence of the series all the same.
+    /// An exception that the condition of a statement passed over: it is finished or deleted, and
+    /// `start` is no occurrence of its series all the same.
     struct PassedOver {
-        std::string master;
+        SeriesName series;
         DateTime start;
     };
     /// Those that the last read has met, but for what earlier ones had met, once.

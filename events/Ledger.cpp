@@ -268,53 +268,57 @@ void Ledger::noteCheck(std::string_view database, DateTime when) {
     });
 }
 
-std::vector<Noted> Ledger::replaced(std::string_view database, std::string_view master) const {
-    const auto found = content_->replaced.find(ledger::keyOf(nameOf(database), master));
-    if (found == content_->replaced.end()) {
-        return {};
+std::vector<Noted> Ledger::replaced(std::string_view database, const SeriesName& series) const {
+    std::set<Noted> starts;
+    for (const std::string& base : {series.VLBase, std::string()}) {
+        const auto found =
+            content_->replaced.find(ledger::keyOf(nameOf(database), SeriesName{series.id, base}));
+        if (found != content_->replaced.end()) {
+            starts.insert(found->second.begin(), found->second.end());
+        }
     }
-    return {found->second.begin(), found->second.end()};
+    return {starts.begin(), starts.end()};
 }
 
 std::vector<Ledger::Replaced> Ledger::allReplaced(std::string_view database) const {
     const std::string& name = nameOf(database);
     std::vector<Replaced> all;
     for (const auto& [key, starts] : content_->replaced) {
-        const auto& [base, master] = content_->masters.at(key);
-        if (base == name) {
-            all.push_back({master, {starts.begin(), starts.end()}});
+        const auto& [owner, series] = content_->masters.at(key);
+        if (owner == name) {
+            all.push_back({series, {starts.begin(), starts.end()}});
         }
     }
     return all;
 }
 
-void Ledger::keepReplaced(std::string_view database, std::string_view master, DateTime start) {
-    keepReplaced(database, {{std::string(master), {notedNow(start)}}});
+void Ledger::keepReplaced(std::string_view database, const SeriesName& series, DateTime start) {
+    keepReplaced(database, {{series, {notedNow(start)}}});
 }
 
 void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>& all) {
     const std::string name = nameOf(database);
-    const auto isNew = [&](const std::string& master, const Noted& start) {
-        const auto known = content_->replaced.find(ledger::keyOf(name, master));
+    const auto isNew = [&](const SeriesName& series, const Noted& start) {
+        const auto known = content_->replaced.find(ledger::keyOf(name, series));
         return !longAgo(start.local, clock_.now()) &&
                (known == content_->replaced.end() || !known->second.contains(start));
     };
     const auto anyNew = [&](const Replaced& one) {
         return std::any_of(one.starts.begin(), one.starts.end(),
-                           [&](const Noted& start) { return isNew(one.master, start); });
+                           [&](const Noted& start) { return isNew(one.series, start); });
     };
     if (std::none_of(all.begin(), all.end(), anyNew)) {
         return;
     }
     store([&] {
         std::string lines;
-        for (const auto& [master, starts] : all) {
+        for (const auto& [series, starts] : all) {
             for (const Noted& start : starts) {
-                if (isNew(master, start)) {
-                    const std::string key = ledger::keyOf(name, master);
-                    content_->masters[key] = {name, master};
+                if (isNew(series, start)) {
+                    const std::string key = ledger::keyOf(name, series);
+                    content_->masters[key] = {name, series};
                     content_->replaced[key].insert(start);
-                    lines += lineEnd(ledger::replacedLine(name, master, start));
+                    lines += lineEnd(ledger::replacedLine(name, series, start));
                 }
             }
         }
@@ -343,10 +347,10 @@ std::string Ledger::compacted(DateTime reference) const {
         lines += lineEnd(ledger::checkLine(database, when));
     }
     for (const auto& [key, starts] : content_->replaced) {
-        const auto& [database, master] = content_->masters.at(key);
+        const auto& [database, series] = content_->masters.at(key);
         for (const Noted& start : starts) {
             if (!longAgo(start.local, reference)) {
-                lines += lineEnd(ledger::replacedLine(database, master, start));
+                lines += lineEnd(ledger::replacedLine(database, series, start));
             }
         }
     }

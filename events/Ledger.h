@@ -29,7 +29,8 @@ std::uint64_t guidHash(std::string_view GUID);
 ///    "endedBefore":,"openSince":,"acted":,"said":{"NextReminder":,"Dismissed":},
 ///    "newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
-///   {"db":PATH,"master":ID,"replaced":TIME,"utc":}   a start that an exception has taken over
+///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken
+///     over: of the series with that id in the host's database "base"
 ///
 /// PATH is the database's full path without links, however its name was given. Times are
 /// "yyyy-mm-dd hh:mm:ss"; what is not there is none. A line holds the whole state of the
@@ -107,15 +108,16 @@ public:
     /// finds nothing that is not known.
     void noteCheck(std::string_view database, DateTime when);
 
-    /// The starts of the series `master` (its id) that exceptions have taken over, although these
-    /// may not be there any more; local times, ascending.
-    std::vector<Noted> replaced(std::string_view database, std::string_view master) const;
+    /// The starts of the series that exceptions have taken over, although these may not be there
+    /// any more; also those of a series with that id of which it is not known in which of the
+    /// host's databases it is. Local times, ascending.
+    std::vector<Noted> replaced(std::string_view database, const SeriesName& series) const;
     struct Replaced {
-        std::string master;
+        SeriesName series;
         std::vector<Noted> starts;
     };
     std::vector<Replaced> allReplaced(std::string_view database) const;
-    void keepReplaced(std::string_view database, std::string_view master, DateTime start);
+    void keepReplaced(std::string_view database, const SeriesName& series, DateTime start);
     /// The same for several, flushed once. What is so old that it would soon be dropped is not
     /// kept.
     void keepReplaced(std::string_view database, const std::vector<Replaced>& all);

@@ -16,8 +16,10 @@ bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTim
     const EventState* state = ledger_.find(db_.DBFullName, event.GUID);
     const TimeZone here = TimeZone::local();
     std::vector<DateTime> replaced;
-    for (const Noted& start : ledger_.replaced(db_.DBFullName, event.id)) {
-        replaced.push_back(startIn(event, start, here));
+    if (event.IsRepeating()) {
+        for (const Noted& start : ledger_.replaced(db_.DBFullName, {event.id, event.VLBase})) {
+            replaced.push_back(startIn(event, start, here));
+        }
     }
     std::sort(replaced.begin(), replaced.end());
     return hasOpenReminder(event, {state, replaced, here}, now);
@@ -25,9 +27,9 @@ bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTim
 
 void LedgerHistory::keepReplaced(const std::vector<Replaced>& starts) {
     std::vector<Ledger::Replaced> all;
-    for (const auto& [master, start] : starts) {
-        if (!master.empty() && !start.isZero()) {
-            all.push_back({master, {notedNow(start)}});
+    for (const auto& [series, start] : starts) {
+        if (!series.id.empty() && !start.isZero()) {
+            all.push_back({series, {notedNow(start)}});
         }
     }
     ledger_.keepReplaced(db_.DBFullName, all);

@@ -123,6 +123,10 @@ std::string keyOf(std::string_view database, std::string_view id) {
     return std::string(database) + '\n' + text::foldCase(id);
 }
 
+std::string keyOf(std::string_view database, const SeriesName& series) {
+    return keyOf(database, series.id) + '\n' + text::foldCase(series.VLBase);
+}
+
 void Content::take(const std::string& line) {
     const Json json = Json::parse(line);
     if (!json.is_object()) {
@@ -134,10 +138,10 @@ void Content::take(const std::string& line) {
         checked[json.at("db").get<std::string>()] = {time(json, "checked"), time(json, "utc")};
     } else if (json.contains("replaced")) {
         const auto database = json.at("db").get<std::string>();
-        const auto master = json.at("master").get<std::string>();
+        const SeriesName series{json.at("master").get<std::string>(), json.value("base", "")};
         const Noted start{time(json, "replaced"), time(json, "utc")};
-        masters[keyOf(database, master)] = {database, master};
-        replaced[keyOf(database, master)].insert(start);
+        masters[keyOf(database, series)] = {database, series};
+        replaced[keyOf(database, series)].insert(start);
     } else {
         foreign.push_back(line);
     }
@@ -197,8 +201,12 @@ std::string checkLine(std::string_view database, const Noted& when) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string replacedLine(std::string_view database, std::string_view master, const Noted& start) {
-    Json json{{"db", database}, {"master", master}, {"replaced", formatDateTime(start.local)}};
+std::string replacedLine(std::string_view database, const SeriesName& series, const Noted& start) {
+    Json json{{"db", database}, {"master", series.id}};
+    if (!series.VLBase.empty()) {
+        json["base"] = series.VLBase;
+    }
+    json["replaced"] = formatDateTime(start.local);
     put(json, "utc", start.utc);
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

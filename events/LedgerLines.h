@@ -24,11 +24,11 @@ struct Entry {
 
 /// Everything the lines say, the later over the earlier.
 struct Content {
-    std::unordered_map<std::string, Entry> events;    // by `keyOf`
-    std::map<std::string, Noted> checked;             // by database
-    std::map<std::string, std::set<Noted>> replaced;  // by `keyOf` of the master's id
-    std::map<std::string, std::pair<std::string, std::string>> masters;  // the same: database, id
-    std::vector<std::string> foreign;  // lines of an unknown shape
+    std::unordered_map<std::string, Entry> events;                      // by `keyOf`
+    std::map<std::string, Noted> checked;                               // by database
+    std::map<std::string, std::set<Noted>> replaced;                    // by `keyOf` of the series
+    std::map<std::string, std::pair<std::string, SeriesName>> masters;  // the same: with database
+    std::vector<std::string> foreign;                                   // lines of an unknown shape
 
     /// Takes one line in. Throws when it is no line of ours; nothing is changed then.
     void take(const std::string& line);
@@ -36,11 +36,12 @@ struct Content {
 
 /// Paths are told apart by case, GUIDs and ids are not.
 std::string keyOf(std::string_view database, std::string_view id);
+std::string keyOf(std::string_view database, const SeriesName& series);
 
 /// One line without its end: what is different in `now` from `before`.
 std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,
                       DateTime when);
 std::string checkLine(std::string_view database, const Noted& when);
-std::string replacedLine(std::string_view database, std::string_view master, const Noted& start);
+std::string replacedLine(std::string_view database, const SeriesName& series, const Noted& start);
 
 }  // namespace vl::ledger

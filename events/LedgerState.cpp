@@ -71,6 +71,10 @@ DateTime earlierOf(const Noted& when, const TimeZone& here) {
     return when.utc.isZero() ? when.local : std::min(when.local, here.fromUtc(when.utc));
 }
 
+SeriesName seriesOf(const calEvent& exception) {
+    return {exception.recurringEventId, exception.VLBase};
+}
+
 DateTime startIn(const calEvent& series, const Noted& start, const TimeZone& here) {
     return series.HasOwnZone() && !start.utc.isZero() ? here.fromUtc(start.utc) : start.local;
 }

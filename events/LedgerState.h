@@ -21,6 +21,16 @@ struct Noted {
     DateTime utc;  ///< 0: not known
     friend auto operator<=>(const Noted&, const Noted&) = default;
 };
+
+/// A series, as its exceptions name it. Two of the host's databases may hold the same calendar, so
+/// an id may stand twice.
+struct SeriesName {
+    std::string id = {};
+    std::string VLBase = {};  ///< the host's database that it is in; empty: not known
+};
+/// That of an exception's series: both are in one database.
+SeriesName seriesOf(const calEvent& exception);
+
 /// `local`, as the computer's clock shows it now.
 Noted notedNow(DateTime local);
 /// The earlier of the same time and the same moment on the clock of `here`.

@@ -45,6 +45,7 @@ ReplacedIn::ReplacedIn(const std::vector<sql::Field>& fields)
     : state_(fieldNamed(fields, "RecurrenceState")),
       master_(fieldNamed(fields, "recurringEventId")),
       start_(fieldNamed(fields, "RExceptionStartTimeOrig")),
+      base_(fieldNamed(fields, "VLBase")),
       known_(std::max({state_, master_, start_}) < fields.size()) {}
 
 std::optional<FullRead::PassedOver> ReplacedIn::of(const sql::RowStream& row) const {
@@ -58,7 +59,8 @@ std::optional<FullRead::PassedOver> ReplacedIn::of(const sql::RowStream& row) co
     if (date == nullptr || date->isZero() || master.isNull() || master.toText().empty()) {
         return std::nullopt;
     }
-    return FullRead::PassedOver{master.toText(), *date};
+    const bool hasBase = base_ < row.fields().size();
+    return FullRead::PassedOver{{master.toText(), hasBase ? textOf(row.value(base_)) : ""}, *date};
 }
 
 }  // namespace vl

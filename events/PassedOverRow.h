@@ -27,7 +27,7 @@ private:
     bool known_;
 };
 
-/// Which start of which series a row has taken over, told from three of its fields.
+/// Which start of which series a row has taken over, told from four of its fields.
 class ReplacedIn {
 public:
     explicit ReplacedIn(const std::vector<sql::Field>& fields);
@@ -39,6 +39,7 @@ private:
     std::size_t state_;
     std::size_t master_;
     std::size_t start_;
+    std::size_t base_;
     bool known_;
 };
 

@@ -172,7 +172,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
             columns.emplace_back(kStatus);
             // It is read no more, and still stands for an occurrence of its series.
             if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
-                ledger_.keepReplaced(db_.DBFullName, event->recurringEventId,
+                ledger_.keepReplaced(db_.DBFullName, seriesOf(*event),
                                      event->RExceptionStartTimeOrig);
             }
         }

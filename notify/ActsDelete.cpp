@@ -15,8 +15,7 @@ calEvent::Deletion Acts::DeleteItem(const ActRow& row) {
         const calEvent& event = *row.event;
         if (event.IsException() && !event.RExceptionStartTimeOrig.isZero()) {
             // No check may have seen it yet, and its row is the last that knows.
-            ledger_.keepReplaced(db_.DBFullName, event.recurringEventId,
-                                 event.RExceptionStartTimeOrig);
+            ledger_.keepReplaced(db_.DBFullName, seriesOf(event), event.RExceptionStartTimeOrig);
         }
         // Not acted upon: a deletion that fails leaves all as it was.
         ledger_.change(db_.DBFullName, event.GUID, "delete",

@@ -52,16 +52,18 @@ void CheckCycle::purge() {
 // it. True when nothing is left to keep.
 bool CheckCycle::keepReplacedStarts() {
     const auto rows = db_.OpenRS(
-        "SELECT recurringEventId, RExceptionStartTimeOrig FROM Reminders WHERE Deleted=True AND "
-        "RecurrenceState=3 AND RExceptionStartTimeOrig is not Null;");
+        "SELECT * FROM Reminders WHERE Deleted=True AND RecurrenceState=3 AND "
+        "RExceptionStartTimeOrig is not Null;");
+    const auto textOf = [&](const char* column) {
+        const Variant& value = rows->value(column);
+        return value.isNull() ? std::string() : value.toText();
+    };
     std::vector<EventHistory::Replaced> starts;
     for (; !rows->EOF_(); rows->MoveNext()) {
         attempt([&] {
-            const Variant& master = rows->value("recurringEventId");
-            if (!master.isNull()) {
-                starts.push_back(
-                    {master.toText(), rows->value("RExceptionStartTimeOrig").toDateTime()});
-            }
+            SeriesName series{textOf("recurringEventId")};
+            attempt([&] { series.VLBase = textOf("VLBase"); });  // not every file has it
+            starts.push_back({series, rows->value("RExceptionStartTimeOrig").toDateTime()});
         });
     }
     history_.keepReplaced(starts);

@@ -157,6 +157,32 @@ TEST_F(AllDone, LeavesTheSetWhateverItsCase) {
     EXPECT_EQ(set.mCol->Key(1), "{1}");
 }
 
+TEST_F(AllDone, IsTakenFromAllRowsAndNothingElseIs) {
+    const test::TempFolder folder;
+    test::EventFile file((folder / "Velmora.RemindDB").string());
+    db.DBFullName = file.path();
+    const std::pair<const char*, const char*> rows[] = {
+        {"A", "AllDone"}, {"B", "confirmed"}, {"C", ""}, {"D", "ALLDONE"}, {"E", "AllDone too"}};
+    for (const auto& [GUID, status] : rows) {
+        calEvent event;
+        event.GUID = GUID;
+        event.Subject = "AllDone";
+        event.status = status;
+        event.deleted = *GUID == 'D';
+        file.put(event);
+    }
+    db.ReConnect();
+    set.RemoveAllDoneStatus();
+    EXPECT_FALSE(db.isOpen);
+    const auto stored = db.OpenRS("SELECT * FROM Reminders ORDER BY GUID");
+    std::string statuses;
+    for (; !stored->EOF_(); stored->MoveNext()) {
+        statuses += stored->value("GUID").toText() + "=" + stored->value("status").toText() + " ";
+        EXPECT_EQ(stored->value("Subject"), Variant("AllDone"));
+    }
+    EXPECT_EQ(statuses, "A= B=confirmed C= D= E=AllDone too ");
+}
+
 TEST_F(AllDone, LeavesAnotherSetByItsGUID) {
     put(at(10, 0)).status = "AllDone";
     put(at(10, 0));

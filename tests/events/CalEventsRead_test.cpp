@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -10,6 +12,7 @@
 
 #include "base/ErrorState.h"
 #include "events/CalEvents.h"
+#include "support/EventFile.h"
 #include "support/ManualClock.h"
 #include "support/Support.h"
 
@@ -70,6 +73,112 @@ TEST_F(ReadAgain, AnUnchangedFileKeepsTheEventsAndResetsWhatQueriesLeft) {
     EXPECT_EQ(set.dLastRead, at(14, 1));
     EXPECT_EQ(set.ReadDB(false, false), 0);
     EXPECT_FALSE(db.isOpen);
+}
+
+/// A row for each answer to what the query of a read asks: "..AD..." is all done and dismissed.
+class ReadQuestion : public testing::Test {
+protected:
+    struct Row {
+        bool deleted, allDone, dismissed, old;
+    };
+    static std::string nameOf(const Row& row) {
+        return std::string(row.deleted ? "X" : ".") + (row.allDone ? "A" : ".") +
+               (row.dismissed ? "D" : ".") + (row.old ? "O" : ".");
+    }
+    ReadQuestion() {
+        for (int bits = 0; bits < 16; ++bits) {
+            const Row row{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0};
+            rows.push_back(row);
+            calEvent event;
+            event.GUID = nameOf(row);
+            event.StartDateTime = at(10, 0);
+            event.deleted = row.deleted;
+            event.status = row.allDone ? "AllDone" : "";
+            // The old one is of the very second of the last read.
+            event.Modified = row.old ? at(12, 0) : at(12, 0, 1);
+            file.put(event);
+            if (row.dismissed) {
+                file.change(event.GUID, {{"Dismissed", Variant(at(9, 50))}});
+            }
+        }
+        db.DBFullName = file.path();
+        db.Execute(
+            "INSERT INTO Reminders (GUID, Deleted, Modified) VALUES (\"null\", False, "
+            "#2026-11-20 13:00:00#)");
+    }
+    static std::string keys(const CalEvents& set) {
+        std::set<std::string> all;
+        for (std::size_t i = 1; i <= set.mCol->Count(); ++i) {
+            all.insert(set.mCol->Key(static_cast<std::int64_t>(i)));
+        }
+        std::string out;
+        for (const std::string& key : all) {
+            out += key + " ";
+        }
+        return out;
+    }
+    std::string wanted(bool IncludeAllDone, std::optional<bool> Dismissed, bool sinceThen) const {
+        std::set<std::string> names;
+        for (const Row& row : rows) {
+            if (!row.deleted && (IncludeAllDone || !row.allDone) &&
+                (!Dismissed || *Dismissed == row.dismissed) && (!sinceThen || !row.old)) {
+                names.insert(nameOf(row));
+            }
+        }
+        if (IncludeAllDone && Dismissed != true) {
+            names.insert("null");  // what has no status is not unlike "AllDone"
+        }
+        std::string out;
+        for (const std::string& name : names) {
+            out += name + " ";
+        }
+        return out;
+    }
+
+    test::TempFolder folder;
+    test::ManualClock clock{at(14, 0)};
+    test::EventFile file{(folder / "Velmora.RemindDB").string()};
+    DBRemindUtils db;
+    std::vector<Row> rows;
+};
+
+TEST_F(ReadQuestion, IsSentAsItIsBuilt) {
+    for (const bool IncludeAllDone : {false, true}) {
+        for (const std::optional<bool> Dismissed :
+             {std::optional<bool>(), std::optional(false), std::optional(true)}) {
+            SCOPED_TRACE(CalEvents::ReadStatement(IncludeAllDone, Dismissed, {}));
+            CalEvents full(db, clock);
+            full.dLastRead = at(12, 0);
+            EXPECT_EQ(full.ReadDB(false, IncludeAllDone, Dismissed), 1);
+            EXPECT_EQ(keys(full), wanted(IncludeAllDone, Dismissed, false)) << "the first is full";
+            EXPECT_EQ(full.dLastRead, at(14, 0));
+
+            CalEvents since(db, clock);
+            since.mCol = std::make_shared<GenCollection>();
+            since.dLastRead = at(12, 0);
+            EXPECT_EQ(since.ReadDB(false, IncludeAllDone, Dismissed), 1);
+            EXPECT_EQ(keys(since), wanted(IncludeAllDone, Dismissed, true));
+
+            since.dLastRead = at(12, 0);
+            EXPECT_EQ(since.ReadDB(true, IncludeAllDone, Dismissed), 1);
+            EXPECT_EQ(keys(since), wanted(IncludeAllDone, Dismissed, false));
+        }
+    }
+}
+
+TEST_F(ReadQuestion, OfAnEmptyTableGivesNothing) {
+    db.Execute("DELETE FROM Reminders");
+    CalEvents set(db, clock);
+    EXPECT_EQ(set.ReadDB(true, false), 0);
+    EXPECT_EQ(set.mCol->Count(), 0U);
+    EXPECT_EQ(set.ReadDB(true, true), 0);
+    clock.time = at(14, 1);
+    EXPECT_EQ(set.ReadDB(false, false), 0);
+    calEvent event;
+    event.GUID = "A";
+    event.Modified = at(14, 1, 1);
+    file.put(event);
+    EXPECT_EQ(set.ReadDB(false, true), 1);
 }
 
 TEST_F(ReadAgain, EqualTextsOfTwoEventsAreOne) {

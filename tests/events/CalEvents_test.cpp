@@ -133,6 +133,41 @@ TEST_F(Queries, AStoredNextReminderStandsForItsEventsReminder) {
     EXPECT_EQ(e->iRemMinutes, 15);
 }
 
+// Mondays at 10:00, asked on a Friday from 9:00 to 9:50: instances up to 10:05 are looked for.
+TEST_F(Queries, WithoutAnInstanceNearTheStoredNextReminderSpeaksForOne) {
+    struct Case {
+        const char* what;
+        DateTime NextReminder;
+        DateTime InstanceStart;  // as the last query left it
+        DateTime instance;       // 0: it is not due
+        int minutes;
+    };
+    const DateTime none;
+    const Case cases[] = {
+        {"for the instance that stands in the event", at(9, 55), at(10, 0), at(10, 0), 15},
+        {"which may have another reminder in the window", at(9, 55), at(9, 30), at(9, 30), 15},
+        {"or none", at(9, 55), at(11, 0), none, 0},
+        {"else for itself", at(9, 55), none, at(9, 55), 15},
+        {"up to the widened end", at(10, 5), none, at(10, 5), 15},
+        {"and no further", at(10, 5, 1), none, none, 0},
+        {"inside the window it is the reminder", at(9, 50), none, at(10, 0, 0, 16), -5750},
+        {"from the start of the window on", at(9, 0), at(9, 5), at(10, 0, 0, 16), -5700},
+        {"and not before", at(8, 59, 59), at(9, 15), none, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        set.mCol = std::make_shared<GenCollection>();
+        const auto e = put(series("A", at(10, 0, 0, 2), "FREQ=WEEKLY", "15"));
+        e->NextReminder = c.NextReminder;
+        e->InstanceStart = c.InstanceStart;
+        set.LookAgain("A");
+        EXPECT_EQ(due(at(9, 0), at(9, 50)), c.instance.isZero() ? "" : "A");
+        EXPECT_EQ(e->InstanceStart, c.instance);
+        EXPECT_EQ(e->iRemMinutes, c.instance.isZero() ? -100000 : c.minutes);
+        EXPECT_EQ(e->iRemMinutesNext, -100000);
+    }
+}
+
 TEST_F(Queries, AnExceptionInTheWindowTakesItsSeriesAway) {
     put(series("M", at(10, 0, 0, 16), "FREQ=DAILY", "15"));
     const auto exception = put(event("X", at(16, 0), "15"));
@@ -269,6 +304,31 @@ TEST_F(FirstLight, ReadsWhatIsNeitherDeletedNorDone) {
     EXPECT_EQ(all.mCol->Count(), 1U);
     all.ReadDB(true, true, false);
     EXPECT_EQ(all.mCol->Count(), 10U);
+}
+
+// Two of the host's databases hold the same calendar: the series is the one that a database gives
+// for the id, also where the other stands in the window.
+TEST_F(FirstLight, OfAnIdThatStandsTwiceTheFirstIsTheSeries) {
+    const std::string id = "2fbnt5ha62tosd8fhgnm7l1kc5";
+    db.Execute("UPDATE Reminders SET id=\"" + id + "\" WHERE EventID=1001;");
+    db.Execute("UPDATE Reminders SET RecurrenceState=3, recurringEventId=\"" + id +
+               "\" WHERE EventID=1012;");
+    db.Execute("UPDATE Reminders SET StartDateTime=#2026-11-20 12:00:00# WHERE EventID=1012;");
+    set.ReadDB(true, false);
+    const std::string first = set.EventByID(id)->GUID;
+    const std::string standUp = named("Stand-up")->GUID;
+    const std::string dentist = named("Dentist")->GUID;
+    ASSERT_TRUE(first == standUp || first == dentist);
+    const auto held = set.EventCol(at(0, 0), at(23, 59));
+    EXPECT_FALSE(held->Exists(first));
+    EXPECT_TRUE(held->Exists(first == standUp ? dentist : standUp));
+    EXPECT_TRUE(held->Exists(named("Café")->GUID));
+    // The other one alone in the window.
+    const DateTime other = first == standUp ? at(14, 0) : at(9, 30);
+    db.Execute("UPDATE Reminders SET StartDateTime=" + DBRemindUtils::ToSQLDateTime(other, true) +
+               " WHERE EventID=1012;");
+    set.ReadDB(true, false);
+    EXPECT_EQ(set.EventCol(other, other)->Count(), 2U);
 }
 
 TEST_F(FirstLight, FillsEventsColumnByColumn) {

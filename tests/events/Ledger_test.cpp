@@ -349,22 +349,30 @@ TEST_F(LedgerFile, NotesTheFirstCheckOfEachDay) {
 TEST_F(LedgerFile, KeepsTheStartsThatExceptionsHaveTakenOver) {
     {
         Ledger ledger(clock, path.string());
-        ledger.keepReplaced(kDb, "Master", at(10, 0, 27));
-        ledger.keepReplaced(kDb, "master", at(10, 0, 27));
-        ledger.keepReplaced(kDb, "master", at(10, 0).addDays(-80));
+        ledger.keepReplaced(kDb, {"Master"}, at(10, 0, 27));
+        ledger.keepReplaced(kDb, {"master"}, at(10, 0, 27));
+        ledger.keepReplaced(kDb, {"master"}, at(10, 0).addDays(-80));
         EXPECT_EQ(lines(), 2U);
+        ledger.keepReplaced(kDb, {"master", "C:\\Work.vldb"}, at(10, 0, 28));
+        ledger.keepReplaced(kDb, {"MASTER", "c:\\work.vldb"}, at(10, 0, 28));
+        EXPECT_EQ(lines(), 3U);
     }
     ledgerStarts(at(10, 0).addDays(20));
     const Ledger again(clock, path.string());
-    EXPECT_EQ(again.replaced(kDb, "MASTER"), (std::vector<Noted>{notedNow(at(10, 0, 27))}));
-    EXPECT_TRUE(again.replaced(kDb, "other").empty());
+    const std::vector<Noted> ofAny{notedNow(at(10, 0, 27))};
+    EXPECT_EQ(again.replaced(kDb, {"MASTER"}), ofAny);
+    EXPECT_EQ(again.replaced(kDb, {"MASTER", "C:\\Home.vldb"}), ofAny);
+    EXPECT_EQ(again.replaced(kDb, {"MASTER", "C:\\WORK.vldb"}),
+              (std::vector<Noted>{ofAny[0], notedNow(at(10, 0, 28))}));
+    EXPECT_TRUE(again.replaced(kDb, {"other"}).empty());
+    EXPECT_EQ(again.allReplaced(kDb).size(), 2U);
 }
 
 TEST_F(LedgerFile, ManyStartsAreKeptAtOnceAndOldOnesNotAtAll) {
     Ledger ledger(clock, path.string());
     const std::vector<Ledger::Replaced> all = {
-        {"a", {notedNow(at(10, 0, 27)), notedNow(at(10, 0).addDays(-200))}},
-        {"b", {notedNow(at(10, 0, 28))}}};
+        {{"a"}, {notedNow(at(10, 0, 27)), notedNow(at(10, 0).addDays(-200))}},
+        {{"b"}, {notedNow(at(10, 0, 28))}}};
     ledger.keepReplaced(kDb, all);
     EXPECT_EQ(lines(), 2U);
     const std::uint64_t version = ledger.replacedVersion();
@@ -372,10 +380,10 @@ TEST_F(LedgerFile, ManyStartsAreKeptAtOnceAndOldOnesNotAtAll) {
     EXPECT_EQ(lines(), 2U);
     EXPECT_EQ(ledger.replacedVersion(), version);
     Ledger other(clock, path.string());
-    other.keepReplaced(kDb, "a", at(10, 0, 29));
+    other.keepReplaced(kDb, {"a"}, at(10, 0, 29));
     ledger.ReadAgain();
     EXPECT_NE(ledger.replacedVersion(), version) << "what another copy has kept";
-    EXPECT_EQ(ledger.replaced(kDb, "a").size(), 2U);
+    EXPECT_EQ(ledger.replaced(kDb, {"a"}).size(), 2U);
 }
 
 TEST_F(LedgerFile, KnowsADatabaseHoweverItsPathIsWritten) {

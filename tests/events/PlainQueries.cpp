@@ -21,14 +21,14 @@ std::vector<std::int32_t> minutesOf(const calEvent& event) {
     return minutes;
 }
 
-// Takes the series of changed occurrences out again.
+// Takes the series of changed occurrences out again: what a database gives first for the id.
 void takeOut(std::vector<Answered>& found, const Events& events, const Events& exceptions) {
     for (const auto& exception : exceptions) {
-        for (const auto& master : events) {
-            if (!master->id.empty() &&
-                text::equalsNoCase(master->id, exception->recurringEventId)) {
-                std::erase_if(found, [&](const Answered& a) { return a.GUID == master->GUID; });
-            }
+        const auto master = std::find_if(events.begin(), events.end(), [&](const auto& event) {
+            return text::equalsNoCase(event->id, exception->recurringEventId);
+        });
+        if (master != events.end()) {
+            std::erase_if(found, [&](const Answered& a) { return a.GUID == (*master)->GUID; });
         }
     }
 }

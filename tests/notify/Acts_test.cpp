@@ -556,7 +556,7 @@ TEST_F(Deleting, OfAnExceptionTheStartThatItReplacedStaysReplaced) {
     row.event->recurringEventId = "master";
     row.event->RExceptionStartTimeOrig = at(10, 0);
     EXPECT_EQ(acts.DeleteItem(row), calEvent::Deletion::Gone);
-    const auto replaced = ledger.replaced(db.DBFullName, "master");
+    const auto replaced = ledger.replaced(db.DBFullName, seriesOf(*row.event));
     ASSERT_EQ(replaced.size(), 1U);
     EXPECT_EQ(replaced.front().local, at(10, 0));
 }

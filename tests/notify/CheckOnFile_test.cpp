@@ -53,6 +53,44 @@ TEST_F(CheckOnFile, GoesFromTheFileToTheScreenStepByStep) {
     EXPECT_FALSE(db.isOpen);
 }
 
+/// Also writes down when it is asked for the focus.
+class FocusScreen : public test::RecordingScreen {
+public:
+    bool GetHasFocus() const override {
+        const_cast<FocusScreen*>(this)->note("GetHasFocus");  // NOLINT: of a test's own object
+        return hasFocus;
+    }
+};
+
+TEST_F(CheckOnFile, TheUpdateTickOfAVisibleWindowRemovesWhatTheHostHasDeleted) {
+    period.ReadDB(true, false);
+    FocusScreen seen;
+    seen.interval = 20000;
+    CheckCycle checks(reminders, period, db, clock, state, seen, ledger, acts);
+    UpdateCycle update(checks, clock, state, seen, false);
+    db.Execute(std::string("UPDATE Reminders SET Deleted = True WHERE GUID=\"") + kDentist + "\";");
+    update.Tick();
+    EXPECT_EQ(seen.count("RemoveGUID"), 0U) << "hidden";
+    EXPECT_TRUE(period.mCol->Exists(kDentist));
+    seen.forget();
+    seen.visible = true;
+    state.CurrentDate = at(0, 0, 0, 19);
+    update.Tick();
+    const std::string gone[] = {std::string("RemoveGUID ") + kDentist,
+                                "RemoveGUID {AAB5536C-C33C-4286-B8E3-52AED7DF151C}"};
+    std::vector<std::string> order{"ShowTime", "DoPeriod", "GetHasFocus"};
+    for (std::size_t first = seen.calls[3].starts_with(gone[0]) ? 0 : 1; order.size() < 9;
+         first = 1 - first) {
+        for (const char* grid : {" 0", " 1", " 2"}) {
+            order.push_back(gone[first] + grid);
+        }
+    }
+    order.insert(order.end(), {"UpdateUI", "SetCheckInterval 10000"});
+    EXPECT_EQ(seen.calls, order);
+    EXPECT_FALSE(period.mCol->Exists(kDentist));
+    EXPECT_EQ(db.GetDeletedCol()->Count(), 0U) << "the rows are purged";
+}
+
 TEST_F(CheckOnFile, WhatTheHostMarksAsDeletedLeavesGridsSetsAndTheCurrentEvent) {
     tick();
     state.curEvent = objectAt<calEvent>(*period.mCol, kDentist);
@@ -76,17 +114,17 @@ TEST_F(CheckOnFile, PurgesWhatIsMarkedAsDeletedAndSaysFirstWhatExceptionsReplace
     };
     const std::size_t all = rows("GUID is not Null");
     ASSERT_EQ(rows("Deleted=True"), 1U);
-    const std::string master =
-        db.OpenRS("SELECT recurringEventId FROM Reminders WHERE RecurrenceState=3")
-            ->value("recurringEventId")
-            .toText();
+    const auto exception = db.OpenRS("SELECT * FROM Reminders WHERE RecurrenceState=3");
+    const SeriesName master{exception->value("recurringEventId").toText(),
+                            exception->value("VLBase").toText()};
     db.Execute("UPDATE Reminders SET Deleted = True WHERE RecurrenceState=3;");
     const std::size_t marked = rows("Deleted=True");
     ASSERT_GT(marked, 1U);
     cycle.DoRemoveDeleted();
     EXPECT_EQ(rows("Deleted=True"), 0U);
     EXPECT_EQ(rows("GUID is not Null"), all - marked);
-    ASSERT_FALSE(master.empty());
+    ASSERT_FALSE(master.id.empty() || master.VLBase.empty());
+    EXPECT_TRUE(ledger.replaced(db.DBFullName, {master.id, "another.vldb"}).empty());
     EXPECT_EQ(ledger.replaced(db.DBFullName, master),
               std::vector<Noted>{notedNow(at(10, 0, 0, 23))});
 }

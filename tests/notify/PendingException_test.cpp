@@ -36,6 +36,88 @@ TEST_F(PendingException, TheStartThatAnExceptionReplacesIsNoOccurrenceAnyMore) {
     EXPECT_EQ(desk.run(at(9, 45, 0, 22), 60), "M 22 10:00 (22 09:45)");
 }
 
+// Two of the host's databases hold the same calendar.
+class TwoBases : public PendingException {
+protected:
+    TwoBases() {
+        for (const char* base : {"Home.vldb", "Work.vldb"}) {
+            const auto master = series(base, at(10, 0), "FREQ=DAILY", {15});
+            master->id = "the same";
+            master->VLBase = base;
+            desk.put(master);
+        }
+    }
+    std::shared_ptr<calEvent> ofWork(DateTime replaced, DateTime start) {
+        auto e = exceptionTo(*desk.rows.at("Work.vldb"), "X", replaced, start);
+        e->VLBase = "WORK.vldb";
+        return e;
+    }
+    /// Also what was due behind it.
+    void dismissAll() {
+        desk.listed.erase("X");
+        do {
+            for (const auto& [GUID, row] : desk.listed) {
+                desk.dismiss(GUID);
+            }
+            desk.listed.clear();
+        } while (!desk.check().empty());
+    }
+};
+
+TEST_F(TwoBases, AnExceptionInOneTakesNothingAwayInTheOther) {
+    desk.put(ofWork(at(10, 0, 0, 21), at(16, 0, 0, 21)));
+    desk.run(at(12, 0));
+    dismissAll();
+    EXPECT_EQ(desk.run(at(17, 0, 0, 21), 60),
+              "Home.vldb 21 10:00 (21 09:45), X 21 16:00 (21 15:45)");
+}
+
+TEST_F(TwoBases, NorDoesItWhenItIsFinishedOrDeleted) {
+    for (const bool deleted : {false, true}) {
+        SCOPED_TRACE(deleted);
+        const int day = deleted ? 25 : 22;
+        desk.put(ofWork(at(10, 0, 0, day), at(9, 0, 0, day - 1)));
+        desk.run(at(12, 0, 0, day - 1), 60);
+        if (deleted) {
+            desk.remove("X");
+        } else {
+            desk.dismiss("X", DismissMode::This, true);
+            desk.rows.erase("X");
+        }
+        dismissAll();
+        desk.start();
+        const std::string wanted =
+            std::to_string(day) + " 10:00 (" + std::to_string(day) + " 09:45)";
+        EXPECT_EQ(desk.run(at(12, 0, 0, day), 60), "Home.vldb " + wanted);
+        dismissAll();
+    }
+}
+
+TEST_F(TwoBases, NorDoesOneThatDoesNotSayWhatItReplaces) {
+    desk.put(ofWork(DateTime(), at(10, 0)));
+    EXPECT_EQ(desk.run(at(9, 45)), "Home.vldb 20 10:00 (20 09:45), X 20 10:00 (20 09:45)");
+}
+
+TEST_F(TwoBases, WhereItsOwnSeriesIsNotThereItSpeaksOfTheOther) {
+    const auto exception = ofWork(at(10, 0, 0, 21), at(16, 0, 0, 21));
+    desk.rows.erase("Work.vldb");
+    desk.put(exception);
+    desk.run(at(12, 0));
+    dismissAll();
+    EXPECT_EQ(desk.run(at(17, 0, 0, 21), 60), "X 21 16:00 (21 15:45)");
+}
+
+TEST_F(TwoBases, ADatabaseThatTheHostHasMovedKeepsItsExceptions) {
+    desk.put(ofWork(at(10, 0, 0, 22), at(9, 0, 0, 21)));
+    desk.run(at(12, 0, 0, 21), 60);
+    desk.dismiss("X", DismissMode::This, true);
+    desk.rows.erase("X");
+    dismissAll();
+    desk.change("Work.vldb", [](calEvent& e) { e.VLBase = "D:\\Work.vldb"; });
+    desk.start();
+    EXPECT_EQ(desk.run(at(12, 0, 0, 22), 60), "") << "of which of both it was nobody can tell";
+}
+
 TEST_F(PendingException, AnExceptionBroughtForwardAndFinishedDoesNotLetTheOldTimeRing) {
     const auto master = series("M", at(10, 0, 0, 13), "FREQ=WEEKLY", {15});  // Fridays
     desk.put(master);
