@@ -7,7 +7,7 @@
 namespace vl {
 
 enum class BoxButtons : std::uint8_t { Ok, YesNoCancel };
-enum class BoxIcon : std::uint8_t { Question, Critical };
+enum class BoxIcon : std::uint8_t { None, Question, Critical };
 enum class BoxAnswer : std::uint8_t { Ok, Yes, No, Cancel };
 
 /// A box as its caller words it. Lines of the text are parted by CR LF or by CR.

@@ -28,7 +28,7 @@ bool OpenGUID(const CalEvents& events, std::string_view GUID, const HostHelper& 
         }
         const auto command = openCommand(helper.folder, base, event->GUID);
         if (helper.DebugMode) {
-            screen.ShowBox({"", command[0] + ' ' + command[1], BoxButtons::Ok, BoxIcon::Question});
+            screen.ShowBox({"", command[0] + ' ' + command[1], BoxButtons::Ok, BoxIcon::None});
         } else {
             started = helper.start(command);
         }

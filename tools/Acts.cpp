@@ -183,7 +183,6 @@ Command act(std::string_view name, std::string_view synopsis, std::string_view d
             int (*run)(const Arguments&, const Streams&)) {
     constexpr std::size_t kMostGuids = 1000;
     flags.push_back("--json");
-    options.push_back("--at");
     options.push_back("--ledger");
     return {.name = name,
             .synopsis = synopsis,
@@ -203,7 +202,7 @@ Command snoozeCommand() {
                "reminds of the events again after a time from now; --at names the\n"
                "occurrence (yyyy-mm-ddThh:mm:ss, local), else it is the one that the\n"
                "window shows; --ledger is the program's own unless it is given",
-               {}, {"--for"}, snooze);
+               {}, {"--for", "--at"}, snooze);
 }
 
 Command dismissCommand() {
@@ -212,7 +211,7 @@ Command dismissCommand() {
                "               [--ledger FILE] [--json]",
                "deals with this reminder of the occurrence, with all but those after\n"
                "its start, or with all; --done marks it as done",
-               {"--done"}, {"--mode"}, dismiss);
+               {"--done"}, {"--mode", "--at"}, dismiss);
 }
 
 Command reactivateCommand() {

@@ -28,6 +28,18 @@ BoxAnswer answerOf(int button) {
     }
 }
 
+QMessageBox::Icon iconOf(BoxIcon icon) {
+    switch (icon) {
+        case BoxIcon::Question:
+            return QMessageBox::Question;
+        case BoxIcon::Critical:
+            return QMessageBox::Critical;
+        case BoxIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
 // Qt's own texts lack the underlined letter on some desktops.
 void nameButtons(QMessageBox& box) {
     static constexpr std::pair<QMessageBox::StandardButton, const char*> kTexts[] = {
@@ -60,8 +72,7 @@ QString lines(const std::string& text) {
 
 BoxAnswer MessageBoxes::ShowBox(const BoxRequest& box) {
     const bool asks = box.buttons == BoxButtons::YesNoCancel;
-    QMessageBox shown(box.icon == BoxIcon::Critical ? QMessageBox::Critical : QMessageBox::Question,
-                      qtText(box.title), lines(box.text),
+    QMessageBox shown(iconOf(box.icon), qtText(box.title), lines(box.text),
                       asks ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
                            : QMessageBox::StandardButtons(QMessageBox::Ok),
                       owner_.isVisible() ? &owner_ : nullptr);

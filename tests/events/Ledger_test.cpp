@@ -295,7 +295,7 @@ TEST_F(LedgerFile, AFileThatIsRemovedWhileItRunsIsWrittenAnew) {
         put(ledger, "{A}", at(10, 0));
         put(ledger, "{A}", at(11, 0));
         ledger.noteCheck(kDb, at(9, 0));
-        ledger.keepReplaced(kDb, "master", at(10, 0, 27));
+        ledger.keepReplaced(kDb, {"master"}, at(10, 0, 27));
         const auto version = ledger.version();
         fs::remove(path);
         if (isRead) {
@@ -311,7 +311,7 @@ TEST_F(LedgerFile, AFileThatIsRemovedWhileItRunsIsWrittenAnew) {
             ASSERT_TRUE(one->find(kDb, "{A}"));
             EXPECT_EQ(one->find(kDb, "{A}")->occurrences.size(), 2U);
             EXPECT_EQ(one->lastCheck(kDb), at(9, 0));
-            EXPECT_EQ(one->replaced(kDb, "master").size(), 1U);
+            EXPECT_EQ(one->replaced(kDb, {"master"}).size(), 1U);
         }
     }
 }

@@ -1,9 +1,14 @@
 #include "notify/OpenGUID.h"
 
-#include <filesystem>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "app/Files.h"
 #include "base/ErrorState.h"
 #include "events/CalEvents.h"
 #include "support/ManualClock.h"
@@ -61,6 +66,28 @@ TEST_F(OpenGUIDTest, HandsTheAddressToTheHelper) {
     EXPECT_TRUE(boxes.empty());
 }
 
+#ifndef _WIN32
+// The whole way to the other process, with blanks wherever there may be some.
+TEST_F(OpenGUIDTest, TheHelperBesideTheProgramIsStartedWithTheAddressAlone) {
+    base = "C:\\My Data\\a \"b\" $(date).vlb";
+    db.Execute("UPDATE Reminders SET VLBase='" + base + "' WHERE GUID=\"" + GUID + "\"");
+    makeBase();
+    const auto program = folder / "Program Files";
+    const auto pipe = folder / "note";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_directory(program);
+    const auto helper = program / "VelmoraClipper.exe";
+    test::writeFile(helper, "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" > '" + pipe.string() + "'\n");
+    std::filesystem::permissions(helper, std::filesystem::perms(0755));
+    EXPECT_TRUE(OpenGUID(set, GUID, {program.string(), startProgram, false}, *this));
+    EXPECT_EQ(test::readFile(pipe), "1|VL://" + base + "/EvGUID/" + GUID)
+        << "read when the helper has written it";
+    std::filesystem::remove(helper);
+    EXPECT_FALSE(OpenGUID(set, GUID, {program.string(), startProgram, false}, *this));
+    EXPECT_TRUE(boxes.empty());
+}
+#endif
+
 TEST_F(OpenGUIDTest, SaysWhenTheHostsFileIsGone) {
     EXPECT_TRUE(open(GUID));
     EXPECT_TRUE(started.empty());
@@ -82,8 +109,9 @@ TEST_F(OpenGUIDTest, ADevelopmentRunOnlySaysTheCommand) {
     makeBase();
     EXPECT_TRUE(open(GUID));
     EXPECT_TRUE(started.empty());
-    ASSERT_EQ(boxes.size(), 1U);
-    EXPECT_EQ(boxes[0].text, "/opt/vl/VelmoraClipper.exe VL://" + base + "/EvGUID/" + GUID);
+    const BoxRequest said{"", "/opt/vl/VelmoraClipper.exe VL://" + base + "/EvGUID/" + GUID,
+                          BoxButtons::Ok, BoxIcon::None};
+    EXPECT_EQ(boxes, std::vector{said});
 }
 
 TEST_F(OpenGUIDTest, TellsThatTheHelperDoesNotStart) {

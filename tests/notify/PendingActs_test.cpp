@@ -14,6 +14,18 @@ using test::single;
 
 class PendingActs : public testing::Test {
 protected:
+    /// Enters a series whose occurrences last thirty hours. Two of them go on, whose reminders were
+    /// before it was entered: the first is listed and dismissed, then the second listed.
+    void meetTwoThatGoOn() {
+        const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
+        e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
+        desk.check(at(9, 0));
+        desk.put(e);
+        EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
+        desk.dismiss("A");
+        EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    }
+
     Desk desk;
 };
 
@@ -175,14 +187,7 @@ TEST_F(PendingActs, ReactivatedItCountsAsNewlyMet) {
 }
 
 TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetWhateverIsDoneToOneOccurrenceBeforeTheCheck) {
-    // Each lasts thirty hours: two go on.
-    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
-    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
-    desk.check(at(9, 0));
-    desk.put(e);
-    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
-    desk.dismiss("A");
-    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    meetTwoThatGoOn();
     desk.dismiss("A");
     desk.reactivate("A");
     desk.snooze("A", 60);
@@ -204,14 +209,7 @@ TEST_F(PendingActs, AnOccurrenceThatWasSnoozedWhenOthersEndedStillHasItsLaterRem
 }
 
 TEST_F(PendingActs, OfOccurrencesThatWereMetTogetherEachIsListed) {
-    // Each lasts thirty hours; of two that go on both reminders were before it was entered.
-    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
-    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
-    desk.check(at(9, 0));
-    desk.put(e);
-    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
-    desk.dismiss("A");
-    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    meetTwoThatGoOn();
     desk.start();
     EXPECT_EQ(desk.check(at(9, 3)), "A 20 08:00 (20 07:45)");
     desk.dismiss("A");
@@ -244,14 +242,7 @@ TEST_F(PendingActs, ReactivatedItCountsAsNewlyMetAlsoByTheNextRun) {
 }
 
 TEST_F(PendingActs, SoItDoesWhereThatRunHasLeftTheActOnOneOccurrence) {
-    // Each lasts thirty hours: two go on.
-    const auto e = series("A", at(8, 0, 0, 18), "FREQ=DAILY", {15});
-    e->EndDateTime = e->StartDateTime.addMinutes(30 * 60);
-    desk.check(at(9, 0));
-    desk.put(e);
-    EXPECT_EQ(desk.check(at(9, 1)), "A 19 08:00 (19 07:45)");
-    desk.dismiss("A");
-    EXPECT_EQ(desk.check(at(9, 2)), "A 20 08:00 (20 07:45)");
+    meetTwoThatGoOn();
     desk.dismiss("A");
     desk.reactivate("A");
     desk.snooze("A", 60);

@@ -28,7 +28,8 @@ protected:
     Json stored(const std::string& GUID) {
         const auto rows = test::remindb(
             {"sql", file,
-             "SELECT NextReminder, Dismissed, Hidden FROM Reminders WHERE GUID=\"" + GUID + "\"",
+             "SELECT NextReminder, Dismissed, Hidden, status FROM Reminders WHERE GUID=\"" + GUID +
+                 "\"",
              "--json"});
         return linesOf(rows.out).at(0);
     }
@@ -64,6 +65,51 @@ TEST_F(RemindbActs, DismissAndReactivate) {
     EXPECT_EQ(noted().back()["forget"], true);
 }
 
+// What the ledger keeps of the occurrence after each way of dismissing.
+TEST_F(RemindbActs, DismissesInEachMode) {
+    struct Case {
+        std::vector<std::string> options;
+        const char* muted;
+        const char* act;
+    };
+    const Case cases[] = {{{}, "", "this"},
+                          {{"--mode", "this"}, "", "this"},
+                          {{"--mode", "except-after"}, "start", "all but after"},
+                          {{"--mode", "all"}, "ever", "all"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.options));
+        fs::remove(ledger);
+        std::vector<std::string> arguments{"dismiss", kDentist};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        const auto run = act(arguments);
+        ASSERT_EQ(run.code, 0) << run.err;
+        EXPECT_EQ(linesOf(run.out).at(0)["Dismissed"], stored(kDentist)["Dismissed"]);
+        EXPECT_FALSE(stored(kDentist)["Dismissed"].is_null());
+        const Json line = noted().at(0);
+        EXPECT_EQ(line["act"], c.act);
+        EXPECT_EQ(line["occurrences"][0].value("muted", ""), c.muted);
+        EXPECT_EQ(line["occurrences"][0].contains("handled"), true);
+        EXPECT_EQ(stored(kDentist)["status"], "confirmed");
+    }
+}
+
+TEST_F(RemindbActs, DoneEndsASingleEventAndOneOccurrenceOfASeries) {
+    const auto found = test::remindb(
+        {"sql", file, "SELECT GUID FROM Reminders WHERE Subject = \"Project review\"", "--json"});
+    const auto series = linesOf(found.out).at(0)["GUID"].get<std::string>();
+    const auto run = act({"dismiss", kDentist, series, "--done"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(linesOf(run.out).at(0)["status"], "AllDone");
+    EXPECT_EQ(stored(kDentist)["status"], "AllDone");
+    EXPECT_EQ(stored(series)["status"], "confirmed") << "others are to come";
+    for (const Json& line : noted()) {
+        EXPECT_EQ(line["act"], "done");
+        EXPECT_EQ(line["occurrences"][0]["muted"], "ever");
+    }
+    ASSERT_EQ(act({"reactivate", kDentist}).code, 0);
+    EXPECT_EQ(stored(kDentist)["status"], "");
+}
+
 TEST_F(RemindbActs, HideAndShow) {
     ASSERT_EQ(act({"hide", kDentist}).code, 0);
     EXPECT_EQ(stored(kDentist)["Hidden"], true);
@@ -88,6 +134,9 @@ TEST_F(RemindbActs, SaysWhatFailed) {
     EXPECT_EQ(act({"dismiss", "{nobody}"}).code, 1);
     EXPECT_EQ(act({"dismiss", kDentist, "--mode", "some"}).code, 2);
     EXPECT_EQ(act({"snooze", kDentist, "--for", "0"}).code, 2);
+    for (const char* ofAllOccurrences : {"reactivate", "hide"}) {
+        EXPECT_EQ(act({ofAllOccurrences, kDentist, "--at", "2026-11-20T14:00:00"}).code, 2);
+    }
     EXPECT_EQ(test::remindb({"snooze", file}).code, 2);
     EXPECT_FALSE(fs::exists(ledger)) << "nothing was done";
     ledger = (folder / "no" / "ledger").string();
