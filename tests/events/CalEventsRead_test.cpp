@@ -360,6 +360,22 @@ TEST_F(ReadAgain, KeepsPendingError) {
     ErrorState::clear();
 }
 
+// What the views ask for again and again is remembered as long as nothing has changed.
+TEST_F(ReadAgain, AnEventChangedInPlaceIsLookedAtAgain) {
+    const auto asked = [&] {
+        set.ReadDB(true, false);
+        const bool reminds = set.RemindCol(at(0, 0), at(23, 59))->Exists(kDentist);
+        const bool starts = set.EventCol(at(0, 0), at(23, 59))->Exists(kDentist);
+        return std::pair(reminds, starts);
+    };
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(asked(), std::pair(true, true));
+    }
+    in(set, kDentist)->StartDateTime = at(15, 0, 0, 27);
+    set.LookAgain(kDentist);
+    EXPECT_EQ(asked(), std::pair(false, false));
+}
+
 // A host whose clock is ahead writes rows that each query since the last read gives.
 TEST_F(ReadAgain, SaysThatAnUnchangedFileGivesRowsWhereItsQueryWould) {
     EXPECT_EQ(set.ReadDB(false, false), 0);

@@ -239,19 +239,6 @@ TEST(ReadStatement, IsBuiltPieceByPiece) {
               "not Null AND Modified > #2026-11-20 14:30:05#");
 }
 
-// What is asked for again and again is remembered.
-TEST_F(Queries, AnEventChangedInPlaceIsLookedAtAgain) {
-    const auto e = put(event("A", at(10, 0), "15"));
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(due(at(9, 0), at(9, 59)), "A");
-        EXPECT_EQ(held(at(9, 0), at(10, 59)), "A");
-    }
-    e->StartDateTime = at(12, 0);
-    set.LookAgain("a");
-    EXPECT_EQ(due(at(9, 0), at(9, 59)), "");
-    EXPECT_EQ(held(at(9, 0), at(10, 59)), "");
-}
-
 TEST_F(Queries, OfAListedEventWhatIsPendingInAnEarlierWindowIsDueAgain) {
     Ledger ledger(clock);
     bool listed = false;

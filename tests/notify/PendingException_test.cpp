@@ -169,6 +169,26 @@ TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesLeavesASnoozeAlone) {
     EXPECT_EQ(desk.check(at(17, 1, 0, 19)), "M 19 10:00 (19 15:45), X 19 16:00 (19 15:45)");
 }
 
+// Another program has put it off.
+TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesLeavesASnoozeInTheRowAlone) {
+    const auto master = series("M", at(10, 0), "FREQ=WEEKLY", {15});
+    master->NextReminder = at(15, 45);
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", DateTime(), at(16, 0)));
+    desk.check(at(9, 0));
+    EXPECT_EQ(desk.check(at(17, 0)), "M 20 10:00 (20 15:45), X 20 16:00 (20 15:45)");
+}
+
+TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesLeavesWhatStoodInTheListAlone) {
+    const auto master = series("M", at(10, 0), "FREQ=WEEKLY", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", DateTime(), at(16, 0)));
+    EXPECT_EQ(desk.check(at(9, 45)), "M 20 10:00 (20 09:45)");
+    EXPECT_EQ(desk.check(at(15, 45)), "X 20 16:00 (20 15:45)");
+    desk.start();
+    EXPECT_EQ(desk.check(at(15, 46)), "M 20 10:00 (20 09:45), X 20 16:00 (20 15:45)");
+}
+
 TEST_F(PendingException, OneThatDoesNotSayWhatItReplacesTakesNoOccurrenceOfAnotherDay) {
     desk.clock.time = at(8, 0);
     const auto master = series("M", at(10, 0, 0, 23), "FREQ=WEEKLY", {15});

@@ -45,12 +45,12 @@ TEST_F(Unreadable, WhatIsListedMeanwhileIsHeardNoMoreThanWithTheFileThere) {
     EXPECT_EQ(there.sounds, 3);
     EXPECT_EQ(there.popUps, 3);
     desk.takeFileAway();
-    const Heard away = checks(at(10, 0, 10), at(11, 30));
+    const Heard away = checks(at(10, 40), at(11, 0));
     EXPECT_EQ(away.taken, "B 10:45");
     EXPECT_EQ(away.sounds, 3);
     EXPECT_EQ(away.popUps, 3);
     desk.bringFileBack();
-    const Heard back = checks(at(11, 30, 10), at(11, 40));
+    const Heard back = checks(at(11, 0, 10), at(11, 10));
     EXPECT_EQ(back.taken, "");
     EXPECT_EQ(back.sounds, 0);
 }
@@ -59,14 +59,14 @@ TEST_F(Unreadable, WhatFellDueUnseenComesWhenTheFileIsBack) {
     desk.put(single("A", at(10, 0), {15}));
     desk.check(at(9, 0));
     desk.clock.time = at(9, 1);
-    const auto unseen = single("B", at(10, 0), {20});
-    unseen->EndDateTime = unseen->StartDateTime;  // over when the file is back
-    desk.put(unseen);
+    desk.put(single("B", at(23, 30), {20}));
     desk.takeFileAway();
-    EXPECT_EQ(checks(at(9, 2), at(10, 30)).taken, "A 09:45");
+    EXPECT_EQ(checks(at(9, 30), at(10, 0)).taken, "A 09:45");
+    EXPECT_EQ(desk.check(at(23, 20)), "");
+    EXPECT_EQ(desk.check(at(8, 0, 0, 21)), "");
     desk.bringFileBack();
-    const Heard back = checks(at(10, 30, 10), at(10, 40));
-    EXPECT_EQ(back.taken, "B 09:40");
+    const Heard back = checks(at(8, 0, 10, 21), at(8, 10, 0, 21));
+    EXPECT_EQ(back.taken, "B 23:10");
     EXPECT_EQ(back.sounds, 1) << "that was long ago";
 }
 
