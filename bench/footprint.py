@@ -9,7 +9,8 @@ Measured on a profile that was started before, as on every day but the first:
   the start: the last moment after which the process takes less than QUIET of the processor until
   the look ends;
 * with DejaVu as the only font;
-* memory that no other process shares, above that of the bare program running beside it;
+* memory that no other process shares, above that of the bare program running beside it. Both use
+  copies of the libraries and the font, so that it does not matter which other programs run;
 * wake-ups (voluntary context switches of all threads) and processor time while nothing happens.
 
 Times of a start are the least and the median of the starts: other programs on the machine only add.
@@ -42,9 +43,10 @@ class TrayBar:
         with open(os.environ["DESKTOP_SCREEN"], "rb") as file:
             self.screen = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)
         head = struct.unpack(">25I", self.screen[:100])
-        size, height, line, colours = head[0], head[5], head[12], head[19]
-        self.begin = size + colours * 12 + (height - TRAY_LINES) * line
-        self.end = self.begin + TRAY_LINES * line
+        size, height, self.line, colours = head[0], head[5], head[12], head[19]
+        self.top = size + colours * 12
+        self.begin = self.top + (height - TRAY_LINES) * self.line
+        self.end = self.begin + TRAY_LINES * self.line
 
     def pixels(self):
         return self.screen[self.begin:self.end]
@@ -53,7 +55,7 @@ class TrayBar:
 FONTS = """<?xml version="1.0"?>
 <!DOCTYPE fontconfig SYSTEM "fonts.dtd">
 <fontconfig>
-<dir>/usr/share/fonts/truetype/dejavu</dir>
+<dir>FOLDER</dir>
 <include ignore_missing="yes">/etc/fonts/conf.d</include>
 <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
@@ -62,10 +64,36 @@ FONTS = """<?xml version="1.0"?>
 
 def with_fonts(variables, folder):
     """The same font on every machine: some have one that is kept in memory whole."""
+    fonts = os.path.join(folder, "fonts")
+    shutil.copytree("/usr/share/fonts/truetype/dejavu", fonts)
     file = os.path.join(folder, "fonts.conf")
     with open(file, "w") as out:
-        out.write(FONTS)
+        out.write(FONTS.replace("FOLDER", fonts))
     return {**variables, "FONTCONFIG_FILE": file}
+
+
+def with_libraries(variables, folder, pid):
+    """Copies of the libraries that the process has mapped: pages of them are shared by those
+    programs only that are started for the measurement."""
+    libraries = os.path.join(folder, "libraries")
+    plugins = os.path.join(folder, "plugins")
+    os.makedirs(libraries)
+    with open(f"/proc/{pid}/maps") as file:
+        mapped = {line.split(maxsplit=5)[5].strip() for line in file if ".so" in line}
+    for path in mapped:
+        kind, name = path.split(os.sep)[-2:]
+        # The loader itself is named in the programs, and the C library has to fit to it.
+        if name.startswith(("ld-", "libc.so")):
+            continue
+        is_plugin = "/plugins/" in path
+        target = os.path.join(plugins, kind) if is_plugin else libraries
+        os.makedirs(target, exist_ok=True)
+        shutil.copy(path, os.path.join(target, name))
+        if not is_plugin:  # programs ask for it by the short name: libX.so.6, not libX.so.6.4.2
+            parts = name.split(".")
+            for end in range(parts.index("so") + 2, len(parts)):
+                os.symlink(name, os.path.join(libraries, ".".join(parts[:end])))
+    return {**variables, "LD_LIBRARY_PATH": libraries, "QT_PLUGIN_PATH": plugins}
 
 
 def tasks(pid):
@@ -184,6 +212,7 @@ def measure(asked):
 
     first = Running(command, variables)
     told("first start", [first.watch_start(FIRST_LOOK)])
+    variables = with_libraries(variables, profile, first.pid)
     first.end()
     told("bare", [start(bare) for _ in range(asked.starts)])
     starts = [start(command) for _ in range(asked.starts)]
