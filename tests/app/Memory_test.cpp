@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ctime>
@@ -11,6 +12,14 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#ifdef __linux__
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+#include "support/Support.h"
 
 namespace vl::platform {
 namespace {
@@ -59,6 +68,53 @@ TEST(GiveBackMemory, GivesBackCodeThatComesAgainWhenItIsRun) {
     EXPECT_GT(used, least);
     giveBackMemory();
     EXPECT_LT(inUse("RssFile"), used);
+}
+
+/// A file of `kSize` letters, mapped for this process alone.
+class Mapped {
+public:
+    static constexpr std::size_t kSize = std::size_t{8} << 20;
+
+    Mapped() {
+        const std::string path = (folder_ / "table").string();
+        test::writeFile(path, std::string(kSize, 'x'));
+        const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        at_ = static_cast<char*>(
+            ::mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE, file, 0));
+        ::close(file);
+    }
+    ~Mapped() { ::munmap(at_, kSize); }
+    Mapped(const Mapped&) = delete;
+    Mapped& operator=(const Mapped&) = delete;
+
+    char* at() { return at_; }
+    void protect() { ASSERT_EQ(::mprotect(at_, kSize, PROT_READ), 0); }
+    std::size_t letters(char letter) const {
+        return static_cast<std::size_t>(std::count(at_, at_ + kSize, letter));
+    }
+
+private:
+    test::TempFolder folder_;
+    char* at_;
+};
+
+TEST(GiveBackMemory, GivesBackTablesThatComeAgainWhenTheyAreRead) {
+    Mapped table;
+    table.protect();
+    ASSERT_EQ(table.letters('x'), Mapped::kSize);
+    const long used = inUse("RssFile");
+    giveBackMemory();
+    EXPECT_LT(inUse("RssFile"), used - 7 * 1024);
+    EXPECT_EQ(table.letters('x'), Mapped::kSize);
+}
+
+TEST(GiveBackMemory, KeepsWhatWasWritten) {
+    Mapped table;
+    table.at()[Mapped::kSize / 2] = 'y';
+    table.protect();
+    giveBackMemory();
+    EXPECT_EQ(table.letters('y'), 1U);
+    EXPECT_EQ(table.letters('x'), Mapped::kSize - 1);
 }
 #endif
 
