@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include <QIconEngine>
-#include <QImage>
+#include <QImageReader>
 #include <QMap>
 #include <QPainter>
 #include <QPixmap>
@@ -20,7 +20,7 @@ namespace {
 constexpr int kSizes[] = {16, 20, 22, 24, 32, 48, 64};
 
 /// A picture of data/icons, each size read when it is first asked for: hidden, the program shows
-/// one of them. Qt's own engine reads all at once, and looks for their format in every plugin.
+/// one of them. Qt's own engine reads all at once.
 class PictureEngine final : public QIconEngine {
 public:
     explicit PictureEngine(QString name) : name_(std::move(name)) {}
@@ -65,7 +65,9 @@ private:
         QPixmap& picture = read_[size];
         if (picture.isNull()) {
             const QString file = QStringLiteral(":/icons/%1-%2.png").arg(name_).arg(size);
-            picture = QPixmap::fromImage(QImage(file, "PNG"));
+            QImageReader reader(file, "PNG");
+            reader.setAutoDetectImageFormat(false);  // or every plugin is loaded and asked
+            picture = QPixmap::fromImage(reader.read());
         }
         return picture;
     }
