@@ -51,16 +51,17 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const int count = argc > 1 ? std::atoi(argv[1]) : 10'000;
-    vl::Grid grid(0, vl::test::clockText);
+    vl::GridList list(0, vl::test::clockText);
+    vl::Grid grid(list);
     grid.InitGrid();
-    grid.setNow(vl::test::someFriday());
+    list.setNow(vl::test::someFriday());
     grid.resize(760, 400);
     grid.show();
     QApplication::processEvents();
 
     const double fill = median(5, [&] {
-        grid.setRows({});
-        grid.setRows(manyRows(count));
+        list.setRows({});
+        list.setRows(manyRows(count));
         grid.viewport()->repaint();
     });
     QScrollBar& bar = *grid.verticalScrollBar();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <optional>
 
 #include "base/Text.h"
@@ -48,6 +49,49 @@ void readColumn(std::string_view piece, std::vector<ColumnLayout::Column>& rest,
     read.columns.push_back(std::move(column));
 }
 
+// What a column gets, and when it gives some of it away.
+struct Share {
+    int wanted;
+    int least;
+    int turn;
+};
+
+Share shareOf(const GridColumn& column, int unit, int need) {
+    const int first = column.width * unit;
+    const int least = column.least * unit;
+    if (column.says == Says::Text) {
+        return {first, least, column.id == std::string_view(CIDSubject) ? 1 : 0};
+    }
+    if (column.says == Says::Moment && need > 0) {
+        return {need, need, 2};
+    }
+    return {std::max(first, need), least, 2};
+}
+
+// Takes up to `over` pixels from the columns whose turn it is, from each in proportion to what it
+// can spare; tells how many.
+int giveAway(ColumnLayout& layout, const std::vector<Share>& shares, int turn, int over) {
+    int spare = 0;
+    for (std::size_t i = 0; i < shares.size(); ++i) {
+        const bool isAsked = shares[i].turn == turn && !layout.columns[i].hidden;
+        spare += isAsked ? shares[i].wanted - shares[i].least : 0;
+    }
+    if (over <= 0 || spare == 0) {
+        return 0;
+    }
+    const double part = std::min(1.0, static_cast<double>(over) / spare);
+    int given = 0;
+    for (std::size_t i = 0; i < shares.size(); ++i) {
+        if (shares[i].turn == turn) {
+            const double of = shares[i].wanted - shares[i].least;
+            const int gives = static_cast<int>(std::ceil(part * of));
+            layout.columns[i].width -= gives;
+            given += layout.columns[i].hidden ? 0 : gives;
+        }
+    }
+    return given;
+}
+
 }  // namespace
 
 ColumnLayout firstLayout(int grid, int unit) {
@@ -60,34 +104,26 @@ ColumnLayout firstLayout(int grid, int unit) {
     return layout;
 }
 
-void fitColumns(ColumnLayout& layout, int grid, int unit, int room) {
-    const auto columns = gridColumns(grid);
-    const auto first = [&](const ColumnLayout::Column& column) -> const GridColumn& {
-        return columns[static_cast<std::size_t>(columnIndex(columns, column.id))];
-    };
+void fitColumns(ColumnLayout& layout, int grid, int unit, int room, const std::vector<int>& needs) {
+    std::vector<Share> shares;
     int wanted = 0;
-    int least = 0;
-    for (const ColumnLayout::Column& column : layout.columns) {
-        wanted += column.hidden ? 0 : first(column).width * unit;
-        least += column.hidden ? 0 : first(column).least * unit;
-    }
-    // What each gives of what it can spare, so that all of it fits.
-    const double given = wanted > room && wanted > least
-                             ? std::min(1.0, static_cast<double>(wanted - room) / (wanted - least))
-                             : 0.0;
-    ColumnLayout::Column* subject = nullptr;
-    int taken = 0;
     for (ColumnLayout::Column& column : layout.columns) {
-        const GridColumn& of = first(column);
-        column.width = static_cast<int>((of.width - given * (of.width - of.least)) * unit);
-        if (column.id == CIDSubject) {
-            subject = &column;
-        } else if (!column.hidden) {
-            taken += column.width;
-        }
+        const int index = columnIndex(gridColumns(grid), column.id);
+        const auto at = static_cast<std::size_t>(index);
+        const Share share = shareOf(gridColumns(grid)[at], unit, at < needs.size() ? needs[at] : 0);
+        column.width = share.wanted;
+        shares.push_back(share);
+        wanted += column.hidden ? 0 : share.wanted;
     }
-    if (subject != nullptr) {
-        subject->width = std::max(subject->width, room - taken);
+    int over = wanted - room;
+    for (const int turn : {0, 1, 2}) {
+        over -= giveAway(layout, shares, turn, over);
+    }
+    if (over < 0) {
+        const auto subject =
+            std::find_if(layout.columns.begin(), layout.columns.end(),
+                         [](const ColumnLayout::Column& c) { return c.id == CIDSubject; });
+        subject->width -= over;
     }
 }
 

@@ -32,10 +32,13 @@ struct ColumnLayout {
 /// As the grid is at first. `unit` is the width of an average character.
 ColumnLayout firstLayout(int grid, int unit);
 
-/// Widths for what is shown of `layout` in `room` pixels: each column as at first, the subject with
-/// what is left over. Where that is not enough, the columns of texts get narrower, down to a
-/// heading's width, before dates and the subject; only then it is more than the room.
-void fitColumns(ColumnLayout& layout, int grid, int unit, int room);
+/// Widths for what is shown of `layout` in `room` pixels: each column as at first, or as wide as it
+/// `needs` to be where that is told, the subject with what is left over. Where that is not enough,
+/// columns give of theirs down to their least: first those of texts, then the subject, then what is
+/// left; only then it is more than the room. `needs` is by column, in pixels, 0 where the first
+/// width will do; dates give nothing of it.
+void fitColumns(ColumnLayout& layout, int grid, int unit, int room,
+                const std::vector<int>& needs = {});
 
 /// "Subject:252,Due:147,Ends:161:hidden"; without the widths, "Ends::hidden", where they are not
 /// the user's.

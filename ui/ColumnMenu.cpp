@@ -17,7 +17,7 @@ QString headingOf(const Grid& grid, int column) {
 }
 
 QString idOf(const Grid& grid, int column) {
-    return grid.rows().columns()[static_cast<std::size_t>(column)].id;
+    return grid.list().rows().columns()[static_cast<std::size_t>(column)].id;
 }
 
 QMenu* addMenu(QMenu& menu, const char* name, const QString& text) {

@@ -4,38 +4,34 @@
 #include <utility>
 
 #include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 
+#include "ui/ColumnNeeds.h"
 #include "ui/GridDelegate.h"
 #include "ui/QtText.h"
 
 namespace vl {
 
-/// What a refill must not disturb. Rows are remembered by GUID: indexes do not outlive a reset.
+/// What a refill must not disturb. The row is remembered by GUID: indexes do not outlive a reset.
 struct Grid::Place {
-    std::vector<std::string> selected;
-    std::string current;
-    int currentRow = -1;  // for when the current row is gone
-    int currentColumn = 0;
     std::string top;  // the row at the upper edge, and how far it is scrolled out of view
     int topOffset = 0;
     int scroll = 0;
     int scrollX = 0;
 };
 
-Grid::Grid(int grid, TimeText timeText, QWidget* parent)
-    : QTreeView(parent),
-      model_(gridColumns(grid), std::move(timeText)),
-      proxy_(model_),
-      widths_(gridColumns(grid).size()),
-      grid_(grid) {
-    const auto columns = model_.columns();
+Grid::Grid(GridList& list, QWidget* parent)
+    : QTreeView(parent), list_(list), widths_(list.rows().columns().size()) {
+    const auto columns = list_.rows().columns();
     setItemDelegate(
         new GridDelegate(columnIndex(columns, CIDSubject), columnIndex(columns, CIDDue), this));
-    setModel(&proxy_);
+    setModel(&list_.proxy());
+    const std::unique_ptr<QItemSelectionModel> itsOwn(selectionModel());
+    setSelectionModel(&list_.selection());
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
@@ -43,15 +39,45 @@ Grid::Grid(int grid, TimeText timeText, QWidget* parent)
     setEditTriggers(NoEditTriggers);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollMode(ScrollPerPixel);
-    setSortingEnabled(true);
     header()->setStretchLastSection(false);
     header()->setHighlightSections(false);
     header()->setSectionsMovable(true);
     header()->setFirstSectionMovable(true);
+    // As the list is sorted, or it would be sorted anew by whatever column comes first.
+    header()->setSortIndicator(list_.proxy().sortColumn(), list_.proxy().sortOrder());
+    setSortingEnabled(true);
     wireHeader();
-    connect(&model_, &QAbstractItemModel::rowsInserted, this, &Grid::countChanged);
-    connect(&model_, &QAbstractItemModel::rowsRemoved, this, &Grid::countChanged);
-    connect(&model_, &QAbstractItemModel::modelReset, this, &Grid::countChanged);
+    wireList();
+}
+
+Grid::~Grid() = default;
+
+void Grid::wireList() {
+    connect(&list_, &GridList::rowAsked, this, &Grid::onRowAsked);
+    connect(&list_, &GridList::rowInView, this, &Grid::showCurrentRow);
+    connect(&list_, &GridList::refilling, this,
+            [this] { before_ = std::make_unique<Place>(place()); });
+    connect(&list_, &GridList::refilled, this, [this] {
+        measure();
+        restore(*before_);
+    });
+    measuring_.setSingleShot(true);
+    connect(&measuring_, &QTimer::timeout, this, &Grid::measure);
+    connect(&list_.rows(), &QAbstractItemModel::rowsInserted, this, &Grid::measureSoon);
+    connect(&list_.rows(), &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& from, const QModelIndex& to) {
+                const int live = columnIndex(list_.rows().columns(), CIDDue);
+                if (from.column() != live || to.column() != live) {  // which a minute changes
+                    measureSoon();
+                }
+            });
+}
+
+// One row may follow the other.
+void Grid::measureSoon() {
+    if (isVisible()) {
+        measuring_.start(0);
+    }
 }
 
 void Grid::wireHeader() {
@@ -71,19 +97,20 @@ void Grid::wireHeader() {
     });
 }
 
-void Grid::InitGrid() { arrange(firstLayout(grid_, unit())); }
+void Grid::InitGrid() { arrange(firstLayout(list_.grid(), unit())); }
 
 void Grid::arrange(const ColumnLayout& layout) {
     int place = 0;
     for (const ColumnLayout::Column& column : layout.columns) {
-        const int index = columnIndex(model_.columns(), column.id);
+        const int index = columnIndex(list_.rows().columns(), column.id);
         header()->moveSection(header()->visualIndex(index), place++);
         setColumnHidden(index, column.hidden);
     }
     setWidths(layout);
     sized_ = layout.sized;
-    fit();
-    sortByColumn(columnIndex(model_.columns(), layout.sortedBy),
+    needs_.clear();
+    measure();
+    sortByColumn(columnIndex(list_.rows().columns(), layout.sortedBy),
                  layout.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
     emit columnsChanged();
 }
@@ -91,24 +118,42 @@ void Grid::arrange(const ColumnLayout& layout) {
 void Grid::setWidths(const ColumnLayout& layout) {
     fitting_ = true;
     for (const ColumnLayout::Column& column : layout.columns) {
-        const int index = columnIndex(model_.columns(), column.id);
+        const int index = columnIndex(list_.rows().columns(), column.id);
         widths_[static_cast<std::size_t>(index)] = column.width;
         setColumnWidth(index, column.width);  // a hidden one has it when it is shown
     }
     fitting_ = false;
 }
 
+void Grid::measure() {
+    if (sized_) {
+        return;
+    }
+    std::vector<int> needs = neededWidths(list_.rows(), fontMetrics());
+    // A little more than the cell's margins, or the next column's text would seem to go on with it.
+    const int margins =
+        2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + unit();
+    for (int column = 0; column < header()->count(); ++column) {
+        int& need = needs[static_cast<std::size_t>(column)];
+        need = need == 0 ? 0 : std::max(need + margins, header()->sectionSizeHint(column));
+    }
+    if (needs != needs_) {
+        needs_ = std::move(needs);
+        fit();
+    }
+}
+
 void Grid::fit() {
     if (!sized_) {
         ColumnLayout layout = columnLayout();
-        fitColumns(layout, grid_, unit(), viewport()->width());
+        fitColumns(layout, list_.grid(), unit(), viewport()->width(), needs_);
         setWidths(layout);
     }
 }
 
 ColumnLayout Grid::columnLayout() const {
     ColumnLayout layout;
-    const auto columns = model_.columns();
+    const auto columns = list_.rows().columns();
     for (int place = 0; place < header()->count(); ++place) {
         const int column = header()->logicalIndex(place);
         const auto at = static_cast<std::size_t>(column);
@@ -130,57 +175,13 @@ void Grid::showColumn(int column, bool shown) {
     }
 }
 
-void Grid::DoSort() {
-    sortByColumn(header()->sortIndicatorSection(), header()->sortIndicatorOrder());
-}
-
-void Grid::setRows(std::vector<GridRow> rows) {
-    const Place before = place();
-    bool reset = false;
-    const auto onReset =
-        connect(&model_, &QAbstractItemModel::modelReset, this, [&] { reset = true; });
-    model_.setRows(std::move(rows));
-    disconnect(onReset);
-    if (reset) {
-        restore(before);
+// From there on the user goes on by the keyboard: it is where a choice of several rows begins. With
+// a key held down the view would take it for a choice of the user's.
+void Grid::onRowAsked(const QModelIndex& at) {
+    if (QGuiApplication::keyboardModifiers() == Qt::NoModifier) {
+        setCurrentIndex(at);
     }
-    // Also where all looks the same: the rows stand for other event objects now.
-    emit currentRowChanged();
-}
-
-void Grid::putRow(GridRow row) { model_.putRow(std::move(row)); }
-
-bool Grid::RemoveGUID(std::string_view GUID) {
-    const QModelIndex index = proxy_.indexOf(GUID);
-    const bool chosen = index.isValid() && selectionModel()->isSelected(index);
-    const bool current = index.isValid() && currentIndex().row() == index.row();
-    const std::string next = current ? neighbourOf(GUID) : std::string();
-    const bool removed = model_.removeRow(GUID);
-    // Who works through a list has the next row at hand; Qt would go to the one above.
-    if (removed && !next.empty()) {
-        selectionModel()->setCurrentIndex(proxy_.indexOf(next), QItemSelectionModel::NoUpdate);
-    }
-    if (chosen && removed && !selectionModel()->hasSelection() && currentIndex().isValid()) {
-        setCurrentIndex(currentIndex());
-    }
-    return removed;
-}
-
-bool Grid::SelectGUID(std::string_view GUID) {
-    const QModelIndex index = proxy_.indexOf(GUID);
-    if (!index.isValid()) {
-        return false;
-    }
-    setCurrentIndex(index);
-    scrollTo(index);
-    return true;
-}
-
-void Grid::selectFirst() {
-    if (proxy_.rowCount() > 0) {
-        setCurrentIndex(proxy_.index(0, 0));
-        scrollToTop();
-    }
+    scrollTo(at);
 }
 
 void Grid::showCurrentRow() {
@@ -203,72 +204,6 @@ void Grid::ScrollDown(int down, int right) {
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() + right);
 }
 
-std::string Grid::neighbourOf(std::string_view GUID) const {
-    const int current = proxy_.indexOf(GUID).row();
-    if (current < 0 || proxy_.rowCount() < 2) {
-        return {};
-    }
-    const bool isLast = current == proxy_.rowCount() - 1;
-    return plainText(proxy_.row(isLast ? current - 1 : current + 1).GUID);
-}
-
-std::vector<int> Grid::selectedPositions() const {
-    const QModelIndexList selected = selectionModel()->selectedRows();
-    std::vector<int> rows;
-    rows.reserve(static_cast<std::size_t>(selected.size()));
-    for (const QModelIndex& index : selected) {
-        rows.push_back(index.row());
-    }
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
-
-std::vector<std::string> Grid::SelectedGUIDs() const {
-    std::vector<std::string> GUIDs;
-    for (const int row : selectedPositions()) {
-        GUIDs.push_back(plainText(proxy_.row(row).GUID));
-    }
-    return GUIDs;
-}
-
-std::vector<GridRow> Grid::selectedRows() const {
-    std::vector<GridRow> rows;
-    for (const int row : selectedPositions()) {
-        rows.push_back(proxy_.row(row));
-    }
-    return rows;
-}
-
-const GridRow* Grid::currentRow() const {
-    const QModelIndex index = currentIndex();
-    return index.isValid() ? &proxy_.row(index.row()) : nullptr;
-}
-
-void Grid::setDismissedView(bool on) { model_.setDismissedView(on); }
-
-void Grid::setSearch(const QString& search) {
-    filtering_ = true;
-    proxy_.setSearch(search);
-    chooseAgain();
-    filtering_ = false;
-}
-
-// Not its neighbour, which nobody chose, where it is not shown.
-void Grid::chooseAgain() {
-    QItemSelection selection;
-    for (const std::string& GUID : chosen_) {
-        const QModelIndex index = proxy_.indexOf(GUID);
-        if (index.isValid()) {
-            selection.select(index, index);
-        }
-    }
-    selectionModel()->setCurrentIndex(proxy_.indexOf(chosenCurrent_),
-                                      QItemSelectionModel::NoUpdate);
-    selectionModel()->select(selection,
-                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    showCurrentRow();
-}
-
 void Grid::setEmptyText(const QString& text) {
     if (text != emptyText_) {
         emptyText_ = text;
@@ -277,11 +212,9 @@ void Grid::setEmptyText(const QString& text) {
     }
 }
 
-bool Grid::allFilteredOut() const { return rowCount() > 0 && proxy_.rowCount() == 0; }
-
 void Grid::paintEvent(QPaintEvent* event) {
     QTreeView::paintEvent(event);
-    if (proxy_.rowCount() > 0 || emptyText_.isEmpty()) {
+    if (list_.proxy().rowCount() > 0 || emptyText_.isEmpty()) {
         return;
     }
     QPainter painter(viewport());
@@ -289,6 +222,11 @@ void Grid::paintEvent(QPaintEvent* event) {
     const QRect area = viewport()->rect().adjusted(24, 24, -24, -24);
     painter.drawText(area, static_cast<int>(Qt::AlignHCenter | Qt::AlignTop) | Qt::TextWordWrap,
                      emptyText_);
+}
+
+void Grid::showEvent(QShowEvent* event) {
+    measure();
+    QTreeView::showEvent(event);
 }
 
 void Grid::resizeEvent(QResizeEvent* event) {
@@ -301,6 +239,7 @@ void Grid::resizeEvent(QResizeEvent* event) {
 void Grid::changeEvent(QEvent* event) {
     QTreeView::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
+        measure();
         fit();
     }
 }
@@ -336,8 +275,8 @@ void Grid::contextMenuEvent(QContextMenuEvent* event) {
 void Grid::focusInEvent(QFocusEvent* event) {
     QTreeView::focusInEvent(event);
     if (event->reason() != Qt::MouseFocusReason && !selectionModel()->hasSelection() &&
-        proxy_.rowCount() > 0) {
-        setCurrentIndex(currentIndex().isValid() ? currentIndex() : proxy_.index(0, 0));
+        list_.proxy().rowCount() > 0) {
+        setCurrentIndex(currentIndex().isValid() ? currentIndex() : list_.proxy().index(0, 0));
     }
 }
 
@@ -349,45 +288,11 @@ void Grid::mouseDoubleClickEvent(QMouseEvent* event) {
     }
 }
 
-void Grid::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
-    QTreeView::selectionChanged(selected, deselected);
-    if (!filtering_) {
-        chosen_ = SelectedGUIDs();
-    }
-    emit chosenRowsChanged();
-}
-
-void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QTreeView::currentChanged(current, previous);
-    if (!filtering_) {
-        chosenCurrent_ =
-            current.isValid() ? plainText(proxy_.row(current.row()).GUID) : std::string();
-    }
-    if (current.row() != previous.row() || !previous.isValid()) {
-        emit currentRowChanged();
-    }
-}
-
-void Grid::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
-                       const QList<int>& roles) {
-    QTreeView::dataChanged(topLeft, bottomRight, roles);
-    const int current = currentIndex().row();
-    if (current >= topLeft.row() && current <= bottomRight.row()) {
-        emit currentRowChanged();
-    }
-}
-
 Grid::Place Grid::place() const {
     Place place;
-    place.selected = SelectedGUIDs();
-    if (const GridRow* row = currentRow()) {
-        place.current = plainText(row->GUID);
-        place.currentRow = currentIndex().row();
-        place.currentColumn = currentIndex().column();
-    }
     const QModelIndex top = indexAt(QPoint(1, 1));
     if (top.isValid()) {
-        place.top = plainText(proxy_.row(top.row()).GUID);
+        place.top = plainText(list_.proxy().row(top.row()).GUID);
         place.topOffset = visualRect(top).top();
     }
     place.scroll = verticalScrollBar()->value();
@@ -396,28 +301,9 @@ Grid::Place Grid::place() const {
 }
 
 void Grid::restore(const Place& place) {
-    QItemSelection selection;
-    for (const std::string& GUID : place.selected) {
-        const QModelIndex index = proxy_.indexOf(GUID);
-        if (index.isValid()) {
-            selection.select(index, index);
-        }
-    }
-    QItemSelectionModel& chosen = *selectionModel();
-    chosen.select(selection, QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    QModelIndex current = place.current.empty() ? QModelIndex() : proxy_.indexOf(place.current);
-    if (!current.isValid() && place.currentRow >= 0 && proxy_.rowCount() > 0) {
-        current = proxy_.index(std::min(place.currentRow, proxy_.rowCount() - 1), 0);
-    }
-    if (current.isValid()) {
-        const bool alone = selection.isEmpty() && !place.selected.empty();
-        chosen.setCurrentIndex(current.siblingAtColumn(place.currentColumn),
-                               alone ? QItemSelectionModel::Select | QItemSelectionModel::Rows
-                                     : QItemSelectionModel::NoUpdate);
-    }
     // The rows are laid out first, or the scroll bar still has no range.
     doItemsLayout();
-    const QModelIndex top = proxy_.indexOf(place.top);
+    const QModelIndex top = list_.proxy().indexOf(place.top);
     verticalScrollBar()->setValue(place.scroll);
     // At its top a list stays there: what comes above the first row is to be seen.
     if (place.scroll > 0 && !place.top.empty() && top.isValid()) {

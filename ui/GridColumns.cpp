@@ -65,16 +65,18 @@ SortKey byText(Row r, Context) {
     return r.*member;
 }
 
-constexpr GridColumn kSubject{
-    CIDSubject, "Subject", "Subject", 30, 22, subject, byText<&GridRow::summary>, nullptr};
-constexpr GridColumn kDue{CIDDue, "Due", "Due", 19, 18, due, dueKey, dueTip};
-constexpr GridColumn kEventDate{CIDEventD, "Event Date", "Dismissed",  20,
-                                18,        eventDate,    eventDateKey, eventDateTip};
+constexpr GridColumn kSubject{CIDSubject, "Subject",  "Subject", 42,
+                              22,         Says::Text, subject,   byText<&GridRow::summary>,
+                              nullptr};
+constexpr GridColumn kDue{CIDDue, "Due", "Due", 19, 18, Says::Moment, due, dueKey, dueTip};
+constexpr GridColumn kEventDate{CIDEventD,    "Event Date", "Dismissed",  20,          18,
+                                Says::Moment, eventDate,    eventDateKey, eventDateTip};
 constexpr GridColumn kRepeats{CIDRepeats,
                               "Repeats",
                               "Repeats",
                               17,
                               9,
+                              Says::Text,
                               plain<&GridRow::repeats>,
                               byText<&GridRow::repeats>,
                               plain<&GridRow::repeats>};
@@ -83,6 +85,7 @@ constexpr GridColumn kLocation{CIDLocation,
                                "Location",
                                16,
                                9,
+                               Says::Text,
                                plain<&GridRow::location>,
                                byText<&GridRow::location>,
                                plain<&GridRow::location>};
@@ -91,14 +94,16 @@ constexpr GridColumn kField{CIDField,
                             "Field",
                             13,
                             7,
+                            Says::Word,
                             plain<&GridRow::field>,
                             byText<&GridRow::field>,
                             plain<&GridRow::field>};
 constexpr GridColumn kSource{CIDSource,
                              "Source",
                              "Source",
-                             13,
+                             9,
                              8,
+                             Says::Word,
                              plain<&GridRow::source>,
                              byText<&GridRow::source>,
                              plain<&GridRow::source>};
@@ -106,7 +111,7 @@ constexpr GridColumn kSource{CIDSource,
 constexpr GridColumn kReminderColumns[] = {
     kSubject,
     kDue,
-    {CIDReminderD, "Reminder", "Reminder", 20, 18, reminder,
+    {CIDReminderD, "Reminder", "Reminder", 20, 18, Says::Moment, reminder,
      [](Row r, Context) { return inTime(r.reminder); }, reminderTip},
     kEventDate,
     kRepeats,
@@ -119,8 +124,8 @@ constexpr GridColumn kEventColumns[] = {
     kSubject,
     kDue,
     kEventDate,
-    {CIDEnds, "Ends", "Ends", 20, 18, ends, [](Row r, Context) { return inTime(r.span.end); },
-     endsTip},
+    {CIDEnds, "Ends", "Ends", 20, 18, Says::Moment, ends,
+     [](Row r, Context) { return inTime(r.span.end); }, endsTip},
     kRepeats,
     kLocation,
     kField,

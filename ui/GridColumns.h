@@ -33,12 +33,16 @@ inline constexpr const char* CIDLocation = "Location";
 inline constexpr const char* CIDField = "Field";
 inline constexpr const char* CIDSource = "Source";
 
+/// How long a column's texts are: a moment's and a word's are to be read whole.
+enum class Says : std::uint8_t { Text, Moment, Word };
+
 struct GridColumn {
     const char* id;
     const char* heading;
     const char* dismissedHeading;  ///< in the dismissed view
-    int width;                     ///< at first, in average characters
+    int width;                     ///< at first, in average characters; what it says may need more
     int least;                     ///< where the room is short
+    Says says;
     QString (*text)(const GridRow&, const GridContext&);
     SortKey (*key)(const GridRow&, const GridContext&);
     /// The full form for the tool tip; null: the row's own tool tip.

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <QPointer>
@@ -26,6 +27,7 @@
 #include "notify/UpdateCycle.h"
 #include "ui/DialogParts.h"
 #include "ui/Grid.h"
+#include "ui/GridList.h"
 #include "ui/GridUtils.h"
 #include "ui/MessageBoxes.h"
 #include "ui/RowFill.h"
@@ -69,9 +71,11 @@ struct WindowParts {
     MessageScreen* boxes = nullptr;  ///< who shows message boxes; null: the window itself
 };
 
-/// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. The window
-/// wires and shows; what is decided is decided below it. Slots and the screen's methods are
-/// procedures: nothing is thrown out of them.
+/// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. Its
+/// controls are made when it is first shown: most days it waits for hours, and what nobody sees
+/// costs memory for nothing. What they show is in the lists and in the state, with or without them.
+/// The window wires and shows; what is decided is decided below it. Slots and the screen's methods
+/// are procedures: nothing is thrown out of them.
 class frmDDE final : public QWidget, public ReminderScreen {
     Q_OBJECT
 
@@ -82,6 +86,9 @@ public:
     /// The load handler: settings, period list, events, timers. The first check runs as soon as
     /// the event loop does. Call it once; the window stays hidden.
     void Load();
+    /// Makes the controls, as a first show does by itself. The window is loaded.
+    void furnish();
+    void setVisible(bool visible) override;
 
     /// Writes placement and settings, in the order of the settings' table.
     void SaveSettings();
@@ -110,6 +117,8 @@ public:
     /// Opens the page of the window's help number, at the place of the control that has the focus.
     void ShowHelp();
     bool isNewRemindersTab() const;
+    /// The rows of a grid, whether it has been made or not.
+    const GridList& list(int grid) const { return *lists_[static_cast<std::size_t>(grid)]; }
 
     // ReminderScreen
     void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
@@ -161,37 +170,43 @@ private:
     void lookForTray();
     void sayTrayMissing();
 
-    // building (frmDDE.cpp)
-    void build();
-    void wire();
+    // building (frmDDE.cpp, frmDDEBuild.cpp)
+    void wireTimers();
+    void wireList(GridList& each);
     void wireTray();
+    bool isFurnished() const { return furnished_; }
+    void build();
+    void buildGrids();
+    void layOutControls();
+    void wireControls();
     void wireGrid(Grid& each);
     void wireKeys();
+    void fillPeriods();
+    void setTabFont();
+    void initGrids();
+    void layOut();
+    void applyFont();
+    void subclassGrids();
+    Toast& popUp();
 
     // the load handler's steps (frmDDELoad.cpp)
     void beginLoading();
     void placeWindow();
     void readSettings();
-    void rememberCaptions();
     void readPeriodSettings();
     void upgradeDatabase();
     void prepareActions();
-    void fillPeriods();
     void showTray();
     void readEvents();
     void setCheckTimer();
-    void setTabFont();
+    void readColumns();
     void startTimers();
-    void layOut();
-    void applyFont();
     void endLoading();
     void selectSavedPeriod();
-    void subclassGrids();
     void removeSubclasses();
     int numberSetting(const char* key) const;  // of the section "Reminders"; 0 when not there
 
     // columns (frmDDEColumns.cpp)
-    void initGrids();
     void columnsChanged();
     void saveColumns();
     void saveColumnsThatWait();
@@ -215,17 +230,26 @@ private:
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
     void updateButtons();
+    void updateSnooze(bool anySelected);
     void updateDismiss(bool anySelected);
 
     // views (frmDDEViews.cpp)
     bool isPeriod(std::string_view code) const;
+    int tab() const;
     void ShowPeriod();
+    void choosePeriod(std::string code);
     void showPeriodAnew();
     bool isWatched() const;
     GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
                    int grid) const;
+    GridList& listOf(int grid) { return *lists_[static_cast<std::size_t>(grid)]; }
+    GridList& selectedList() { return listOf(tab()); }
+    const GridList& selectedList() const { return list(tab()); }
+    // Only where `isFurnished`.
     Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
-    Grid& selectedGrid() const;
+    Grid& selectedGrid() const { return grid(tab()); }
+    void focusRows();
+    void selectTab(int grid);
     void showCaptions();
     void showEmptyTexts();
     void showStatus();
@@ -262,7 +286,7 @@ private:
     CheckCycle check_;
     UpdateCycle update_;
     Tray tray_;
-    Toast popup_;
+    std::unique_ptr<Toast> popup_;  // made when there is something to say
     QTimer TimerCheck{this};
     QTimer TimerUpdate{this};
     QTimer TimerFlash{this};
@@ -274,7 +298,12 @@ private:
     FieldNames fieldNames_;
     std::vector<std::shared_ptr<calEvent>> unnamed_;  // one for each name still to be asked for
     TimeText timeText_;
+    std::array<std::unique_ptr<GridList>, kGridCount> lists_;
+    // What the settings told of each grid's columns at the start: columns and sorting.
+    std::array<std::pair<std::string, std::string>, kGridCount> columns_;
 
+    // The controls: null until the window is first shown.
+    QLabel* lblPeriod = nullptr;
     QComboBox* cboPeriod = nullptr;
     UpDown* UpDown1 = nullptr;
     QLineEdit* txtSearch = nullptr;
@@ -297,6 +326,7 @@ private:
     QPoint frame_;  // from the window's corner to its inside, when last seen in normal size
     int helpNumber_ = 0;
     bool canSave_ = true;  // the settings file could be written when last looked at
+    bool furnished_ = false;
     bool loading_ = false;
     bool exiting_ = false;
     bool flashOn_ = false;

@@ -1,7 +1,6 @@
 // What the buttons do to rows. Rows are copied before anything is asked: while a box is open
 // checks go on and refill the grids.
 #include <QApplication>
-#include <QTabWidget>
 
 #include "base/ErrorState.h"
 #include "notify/Acts.h"
@@ -43,7 +42,7 @@ DialogParts frmDDE::dialogParts() {
     return {parts_.settings, parts_.clock, state_.bOnTop, [this](int page) { openHelp(page); }};
 }
 
-bool frmDDE::isNewRemindersTab() const { return tabs->currentIndex() == kNewRemindersGrid; }
+bool frmDDE::isNewRemindersTab() const { return tab() == kNewRemindersGrid; }
 
 void frmDDE::butSnooze_Click() {
     const ErrScope scope;
@@ -51,8 +50,8 @@ void frmDDE::butSnooze_Click() {
 }
 
 void frmDDE::doSnooze() {
-    const int tab = tabs->currentIndex();
-    const GridRow* current = grid(tab).currentRow();
+    const int from = tab();
+    const GridRow* current = listOf(from).currentRow();
     if (!current || bringDialogForward()) {
         return;
     }
@@ -66,7 +65,7 @@ void frmDDE::doSnooze() {
         !acts_.Snooze(row, *minutes)) {
         return;
     }
-    const std::string neighbour = grid(tab).neighbourOf(GUID);
+    const std::string neighbour = listOf(from).neighbourOf(GUID);
     RemoveGUID(GUID, kNewRemindersGrid);
     RemoveGUID(GUID, kAllRemindersGrid);
     attempt([&] {
@@ -75,14 +74,14 @@ void frmDDE::doSnooze() {
         AddItemR(event, kAllRemindersGrid);
     });
     if (!neighbour.empty()) {
-        grid(tab).SelectGUID(neighbour);
+        listOf(from).SelectGUID(neighbour);
     }
-    leaveEmptyList(tab);
+    leaveEmptyList(from);
 }
 
 // The last new reminder was dealt with: there is nothing left to look at.
 void frmDDE::leaveEmptyList(int tab) {
-    if (tab == kNewRemindersGrid && grid(kNewRemindersGrid).rowCount() == 0) {
+    if (tab == kNewRemindersGrid && list(kNewRemindersGrid).rowCount() == 0) {
         HideMe();
     }
     UpdateUI();
@@ -91,7 +90,7 @@ void frmDDE::leaveEmptyList(int tab) {
 
 void frmDDE::doHide() {
     const bool hide = !isPeriod("H");
-    const std::vector<ActRow> rows = actRows(selectedGrid().selectedRows());
+    const std::vector<ActRow> rows = actRows(selectedList().selectedRows());
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : rows) {
@@ -127,26 +126,26 @@ void frmDDE::dismissAsked(bool choose) {
 }
 
 void frmDDE::dismiss() {
-    const int tab = tabs->currentIndex();
-    const std::vector<ActRow> rows = actRows(grid(tab).selectedRows());
+    const int from = tab();
+    const std::vector<ActRow> rows = actRows(listOf(from).selectedRows());
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : rows) {
             acts_.Dismiss(row, DismissMode::This);
         }
     }
-    leaveGrids(rows, tab);
+    leaveGrids(rows, from);
 }
 
 void frmDDE::chooseDismiss() {
     if (bringDialogForward()) {
         return;
     }
-    const int tab = tabs->currentIndex();
+    const int from = tab();
     std::vector<ActRow> handled;
     QStringList kept;
     bool deleted = false;
-    for (const ActRow& row : actRows(grid(tab).selectedRows())) {
+    for (const ActRow& row : actRows(listOf(from).selectedRows())) {
         frmDismiss dialog(dialogParts(), this);
         fillDismiss(dialog, row);
         dialog.ShowModal();
@@ -168,9 +167,9 @@ void frmDDE::chooseDismiss() {
         }
         handled.push_back(row);
     }
-    leaveGrids(handled, tab);
+    leaveGrids(handled, from);
     if (deleted) {
-        selectedGrid().setFocus();
+        focusRows();
         ShowPopUp({"Items deleted...",
                    "Items were deleted. Opened grids and calendars may need to be refreshed", 5000,
                    false, 250, 100, 100});
@@ -207,7 +206,7 @@ void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
 }
 
 void frmDDE::reactivate() {
-    const std::vector<ActRow> rows = actRows(selectedGrid().selectedRows());
+    const std::vector<ActRow> rows = actRows(selectedList().selectedRows());
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : rows) {

@@ -9,17 +9,6 @@
 
 namespace vl {
 
-void frmDDE::initGrids() {
-    const auto setting = [this](const std::string& key) {
-        return parts_.settings.GetIni(kColumnsSection, key, "");
-    };
-    for (int i = 0; i < kGridCount; ++i) {
-        Grid& each = grid(i);
-        each.arrange(readLayout(i, each.unit(), setting(columnsKey(i)), setting(sortKey(i))));
-        savedColumns_[static_cast<std::size_t>(i)] = each.columnLayout();
-    }
-}
-
 // An edge that is dragged moves by every pixel; it is written when it has come to rest.
 void frmDDE::columnsChanged() {
     if (!loading_) {

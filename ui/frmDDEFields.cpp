@@ -10,7 +10,7 @@ namespace vl {
 
 std::vector<std::shared_ptr<calEvent>> frmDDE::listedEvents() const {
     std::vector<std::shared_ptr<calEvent>> events;
-    for (const Grid* each : grids_) {
+    for (const auto& each : lists_) {
         for (const GridRow& row : each->rows().rows()) {
             events.push_back(row.event);
         }
@@ -19,9 +19,9 @@ std::vector<std::shared_ptr<calEvent>> frmDDE::listedEvents() const {
 }
 
 bool frmDDE::showsFields() const {
-    return std::any_of(grids_.begin(), grids_.end(), [](const Grid* each) {
-        return !each->isColumnHidden(columnIndex(each->rows().columns(), CIDField));
-    });
+    return isFurnished() && std::any_of(grids_.begin(), grids_.end(), [](const Grid* each) {
+               return !each->isColumnHidden(columnIndex(each->list().rows().columns(), CIDField));
+           });
 }
 
 void frmDDE::wantFields() {
@@ -56,7 +56,7 @@ void frmDDE::showFields() {
     for (const auto& event : listedEvents()) {
         fieldNames_.Recall(*event);
     }
-    for (Grid* each : grids_) {
+    for (const auto& each : lists_) {
         each->renewFields();
     }
 }

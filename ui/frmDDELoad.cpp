@@ -1,12 +1,9 @@
 // The load handler and the settings it reads; what it reads, `SaveSettings` writes.
 #include <algorithm>
 
-#include <QComboBox>
 #include <QGuiApplication>
-#include <QLayout>
 #include <QScreen>
 #include <QStyle>
-#include <QTabWidget>
 
 #include "app/Placement.h"
 #include "app/Settings.h"
@@ -16,9 +13,7 @@
 #include "notify/Periods.h"
 #include "notify/ReadAgain.h"
 #include "notify/SchemaUpgrade.h"
-#include "ui/FormFont.h"
 #include "ui/HelpNumbers.h"
-#include "ui/QtText.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
@@ -44,17 +39,16 @@ const char* flagText(bool flag) { return flag ? "-1" : "0"; }
 
 }  // namespace
 
-// In this order: each step finds what those before it have left.
+// In this order: each step finds what those before it have left. What the controls need of it waits
+// for them (`furnish`).
 void frmDDE::Load() {
     const ErrScope scope;
     for (const auto step :
-         {&frmDDE::beginLoading,    &frmDDE::placeWindow,       &frmDDE::readSettings,
-          &frmDDE::SetOnTop,        &frmDDE::rememberCaptions,  &frmDDE::readPeriodSettings,
-          &frmDDE::upgradeDatabase, &frmDDE::prepareActions,    &frmDDE::fillPeriods,
-          &frmDDE::showTray,        &frmDDE::readEvents,        &frmDDE::setCheckTimer,
-          &frmDDE::setTabFont,      &frmDDE::initGrids,         &frmDDE::startTimers,
-          &frmDDE::layOut,          &frmDDE::SetIcon,           &frmDDE::applyFont,
-          &frmDDE::endLoading,      &frmDDE::selectSavedPeriod, &frmDDE::subclassGrids}) {
+         {&frmDDE::beginLoading, &frmDDE::placeWindow, &frmDDE::readSettings, &frmDDE::SetOnTop,
+          &frmDDE::readPeriodSettings, &frmDDE::upgradeDatabase, &frmDDE::prepareActions,
+          &frmDDE::showTray, &frmDDE::readEvents, &frmDDE::setCheckTimer, &frmDDE::readColumns,
+          &frmDDE::startTimers, &frmDDE::SetIcon, &frmDDE::endLoading,
+          &frmDDE::selectSavedPeriod}) {
         attempt([&] { (this->*step)(); });
     }
     UpdateUI();
@@ -108,12 +102,6 @@ void frmDDE::readSettings() {
     state_.bOnTop = numberSetting("OnTop") != 0;
 }
 
-void frmDDE::rememberCaptions() {
-    for (int i = 0; i < tabs->count(); ++i) {
-        captions_ << tabs->tabText(i);
-    }
-}
-
 void frmDDE::readPeriodSettings() {
     state_.sPeriod = parts_.settings.GetIni(kReminders, "Period", "T");
     const std::string shown = parts_.settings.GetIni(kReminders, "LastShown", "");
@@ -131,13 +119,6 @@ void frmDDE::prepareActions() {
     state_.pendingActions = std::make_shared<GenCollection>();
 }
 
-void frmDDE::fillPeriods() {
-    for (const Period& period : periods()) {
-        cboPeriod->addItem(tr(period.text), QString(period.code));
-    }
-    cboPeriod->setCurrentIndex(-1);
-}
-
 void frmDDE::showTray() { tray_.show(); }
 
 void frmDDE::readEvents() { check_.ReadAtStart(); }
@@ -146,8 +127,19 @@ void frmDDE::setCheckTimer() {
     TimerCheck.setInterval(parts_.DebugMode ? kCheckDebug : kCheckVisible);
 }
 
-// The grids are left out by the form's font, they follow their tab.
-void frmDDE::setTabFont() { tabs->setFont(formFont(*tabs)); }
+// The rows are in their order before anybody sees them.
+void frmDDE::readColumns() {
+    const auto setting = [this](const std::string& key) {
+        return parts_.settings.GetIni(kColumnsSection, key, "");
+    };
+    for (int i = 0; i < kGridCount; ++i) {
+        auto& [columns, sort] = columns_[static_cast<std::size_t>(i)];
+        columns = setting(columnsKey(i));
+        sort = setting(sortKey(i));
+        const ColumnLayout layout = readLayout(i, 0, columns, sort);
+        listOf(i).sortBy(layout.sortedBy, layout.descending);
+    }
+}
 
 void frmDDE::startTimers() {
     TimerFlash.setInterval(kFlash);
@@ -158,30 +150,17 @@ void frmDDE::startTimers() {
     }
 }
 
-void frmDDE::layOut() { layout()->activate(); }
-
-void frmDDE::applyFont() {
-    applyFormFont(*this);
-    applyFormFont(popup_);
-}
-
-void frmDDE::subclassGrids() {
-    for (Grid* each : grids_) {
-        parts_.gridUtils.subclass(*each, [this, each](QAbstractScrollArea&, const WheelTurn& turn) {
-            RequestMouseWheel(*each, turn);
-        });
-    }
-}
-
 void frmDDE::removeSubclasses() {
     for (Grid* each : grids_) {
-        parts_.gridUtils.removeSubclass(*each);
+        if (each != nullptr) {
+            parts_.gridUtils.removeSubclass(*each);
+        }
     }
 }
 
 void frmDDE::selectSavedPeriod() {
     const auto saved = periodIndex(state_.sPeriod);
-    cboPeriod->setCurrentIndex(static_cast<int>(saved.value_or(*periodIndex("T"))));
+    choosePeriod(periods()[saved.value_or(*periodIndex("T"))].code);
 }
 
 void frmDDE::SaveSettings() {

@@ -43,7 +43,7 @@ void frmDDE::mnuCleanUp_Click() {
     attempt([&] { maintenance().CleanUp(); });
     UpdateUI();
     SetIcon();
-    selectedGrid().setFocus();
+    focusRows();
 }
 
 void frmDDE::mnuDeleteAll_Click() {
@@ -54,12 +54,12 @@ void frmDDE::mnuDeleteAll_Click() {
     attempt([&] { maintenance().DeleteAll(); });
     UpdateUI();
     SetIcon();
-    selectedGrid().setFocus();
+    focusRows();
 }
 
 void frmDDE::butOpen_Click() {
     const ErrScope scope;
-    const GridRow* row = selectedGrid().currentRow();
+    const GridRow* row = selectedList().currentRow();
     if (!row || bringDialogForward()) {
         return;
     }
@@ -104,13 +104,19 @@ void frmDDE::fillGridMenu(QMenu& menu) {
 }
 
 void frmDDE::updateButtons() {
-    const bool current = selectedGrid().currentRow() != nullptr;
-    const bool anySelected = selectedGrid().selectionModel()->hasSelection();
-    butOpen->setEnabled(current);
+    const bool anySelected = selectedList().selection().hasSelection();
+    updateDismiss(anySelected);
+    if (isFurnished()) {
+        updateSnooze(anySelected);
+        butOpen->setEnabled(selectedList().currentRow() != nullptr);
+    }
+}
+
+void frmDDE::updateSnooze(bool anySelected) {
     if (isNewRemindersTab()) {
         butSnooze->setText(tr("&Snooze..."));
         butSnooze->setToolTip(tr("Be reminded of the current row again later"));
-        butSnooze->setEnabled(current);
+        butSnooze->setEnabled(selectedList().currentRow() != nullptr);
     } else {
         const bool hidden = isPeriod("H");
         butSnooze->setText(hidden ? tr("Un&hide") : tr("&Hide"));
@@ -119,18 +125,20 @@ void frmDDE::updateButtons() {
                    : tr("List the selected events in the view \"Hidden\" only; they still remind"));
         butSnooze->setEnabled(anySelected);
     }
-    updateDismiss(anySelected);
 }
 
 // Only rows that are shown as dismissed can be reactivated; a mixed choice is dismissed.
 void frmDDE::updateDismiss(bool anySelected) {
     bool allDismissed = anySelected && !isNewRemindersTab();
     if (allDismissed) {
-        const std::vector<GridRow> rows = selectedGrid().selectedRows();
+        const std::vector<GridRow> rows = selectedList().selectedRows();
         allDismissed = std::all_of(rows.begin(), rows.end(),
                                    [](const GridRow& row) { return row.dismissed > DateTime(); });
     }
     state_.bIsDismiss = !allDismissed;
+    if (!isFurnished()) {
+        return;
+    }
     butDismiss->setText(allDismissed ? tr("&Reactivate") : tr("&Dismiss..."));
     butDismiss->setToolTip(
         allDismissed

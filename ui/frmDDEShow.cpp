@@ -1,6 +1,5 @@
 // Showing and hiding: the window, the pop-up, the tray icon; and what the menu does.
 #include <QApplication>
-#include <QTabWidget>
 #include <QWindow>
 
 #include "app/Settings.h"
@@ -9,6 +8,7 @@
 #include "notify/PopUpMarkup.h"
 #include "notify/ReadAgain.h"
 #include "notify/TrayText.h"
+#include "ui/FormFont.h"
 #include "ui/QtText.h"
 #include "ui/SystemHelpers.h"
 #include "ui/frmDDE.h"
@@ -23,7 +23,7 @@ constexpr auto kIconMayTake = std::chrono::milliseconds(500);
 
 void frmDDE::ShowNewReminders(std::string_view GUID) {
     showWindow();
-    tabs->setCurrentIndex(kNewRemindersGrid);
+    selectTab(kNewRemindersGrid);
     grid(kNewRemindersGrid).scrollToTop();
     grid(kNewRemindersGrid).setFocus();
     SelectGUID(GUID);
@@ -46,7 +46,7 @@ bool frmDDE::bringDialogForward() {
 void frmDDE::showWindow() {
     keepPlace();
     if (!isVisible()) {
-        selectedGrid().setFocus();
+        focusRows();
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);  // a maximized one is maximized again
     show();
@@ -140,16 +140,28 @@ void frmDDE::ShowPopUp(const PopUpRequest& request) {
             content.delay = std::chrono::milliseconds(request.ShowDelay);
         }
         const QRect icon = tray_.geometry();
-        popup_.present(content, icon);
+        popUp().present(content, icon);
         if (icon.isEmpty()) {  // at the start, no panel may have taken it in yet
-            QTimer::singleShot(kIconMayTake, &popup_,
-                               [this] { popup_.moveNextTo(tray_.geometry()); });
+            QTimer::singleShot(kIconMayTake, popup_.get(),
+                               [this] { popup_->moveNextTo(tray_.geometry()); });
         }
     });
 }
 
+Toast& frmDDE::popUp() {
+    if (popup_ == nullptr) {
+        popup_ = std::make_unique<Toast>(pictures_.Pic2);
+        applyFormFont(*popup_);
+        connect(popup_.get(), &Toast::linkClicked, this, &frmDDE::MarkupHyperlinkClick);
+        connect(popup_.get(), &Toast::closed, this, &frmDDE::HidePopUp);
+    }
+    return *popup_;
+}
+
 void frmDDE::HidePopUp() {
-    popup_.hide();
+    if (popup_ != nullptr) {
+        popup_->hide();
+    }
     state_.dLastShown = parts_.clock.now();
 }
 
@@ -161,7 +173,7 @@ void frmDDE::MarkupHyperlinkClick(int tag) {
         if (!bringDialogForward()) {
             showWindow();
         }
-        tabs->setCurrentIndex(kNewRemindersGrid);
+        selectTab(kNewRemindersGrid);
         SelectGUID(GUID);
     }
     HidePopUp();
@@ -177,7 +189,7 @@ void frmDDE::PlayReminderSound() {
 }
 
 void frmDDE::SetIcon() {
-    const bool anyNew = grid(kNewRemindersGrid).rowCount() > 0;
+    const bool anyNew = list(kNewRemindersGrid).rowCount() > 0;
     tray_.setNew(anyNew && (!TimerFlash.isActive() || flashOn_));
     GetIconText();
 }
@@ -185,8 +197,8 @@ void frmDDE::SetIcon() {
 void frmDDE::SetFlashingIcon(bool on) { tray_.setNew(on); }
 
 QString frmDDE::GetIconText() {
-    QString text = qtText(iconText(tabs->currentIndex(), selectedGrid().rowCount(),
-                                   grid(kNewRemindersGrid).rowCount(), IsWindowVisible()));
+    QString text = qtText(iconText(tab(), selectedList().rowCount(),
+                                   list(kNewRemindersGrid).rowCount(), IsWindowVisible()));
     tray_.setToolTip(text);
     return text;
 }

@@ -35,8 +35,10 @@ void frmDDE::DoUD() {
     cboPeriod->setCurrentIndex(UpDown1->value() - 1);
 }
 
-void frmDDE::ShowPeriod() {
-    state_.sPeriod = plainText(cboPeriod->currentData().toString());
+void frmDDE::ShowPeriod() { choosePeriod(plainText(cboPeriod->currentData().toString())); }
+
+void frmDDE::choosePeriod(std::string code) {
+    state_.sPeriod = std::move(code);
     showPeriodAnew();
     TimerUpdate_Tick();
 }
@@ -45,7 +47,21 @@ void frmDDE::ShowPeriod() {
 // who is typing.
 void frmDDE::showPeriodAnew() {
     DoPeriod();
-    selectedGrid().setFocus();
+    focusRows();
+}
+
+int frmDDE::tab() const { return isFurnished() ? tabs->currentIndex() : kNewRemindersGrid; }
+
+void frmDDE::selectTab(int grid) {
+    if (isFurnished()) {
+        tabs->setCurrentIndex(grid);
+    }
+}
+
+void frmDDE::focusRows() {
+    if (isFurnished()) {
+        selectedGrid().setFocus();
+    }
 }
 
 void frmDDE::DoPeriod() {
@@ -55,11 +71,11 @@ void frmDDE::DoPeriod() {
         const PeriodRange range = periodRange(state_.sPeriod, now);
         state_.dShownStart = range.from;
         state_.dShownEnd = range.to;
-        for (Grid* each : grids_) {
+        for (const auto& each : lists_) {
             each->setNow(now);
         }
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
-            grid(index).setDismissedView(isPeriod("Di"));
+            listOf(index).setDismissedView(isPeriod("Di"));
         }
         std::vector<GridRow> rows[kGridCount];
         listPeriod(parts_.period, state_.sPeriod, now,
@@ -67,8 +83,8 @@ void frmDDE::DoPeriod() {
                        rows[index].push_back(rowFor(event, occurrence, index));
                    });
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
-            grid(index).setRows(std::move(rows[index]));
-            grid(index).DoSort();
+            listOf(index).setRows(std::move(rows[index]));
+            listOf(index).DoSort();
         }
     });
     UpdateUI();
@@ -85,7 +101,7 @@ void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
     const ErrScope scope;
     attempt([&] {
         if (index == kNewRemindersGrid || isListedIn(state_.sPeriod, *event)) {
-            grid(index).putRow(rowFor(event, recordedOccurrence(*event), index));
+            listOf(index).putRow(rowFor(event, recordedOccurrence(*event), index));
             wantFields();
         }
     });
@@ -96,23 +112,21 @@ void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
 }
 
 void frmDDE::UpdateItemR(const std::shared_ptr<calEvent>& event, int index) {
-    if (grid(index).contains(event->GUID)) {
+    if (listOf(index).contains(event->GUID)) {
         AddItemR(event, index);
     }
 }
 
-void frmDDE::RemoveGUID(std::string_view GUID, int index) { grid(index).RemoveGUID(GUID); }
-
-Grid& frmDDE::selectedGrid() const { return grid(tabs->currentIndex()); }
+void frmDDE::RemoveGUID(std::string_view GUID, int index) { listOf(index).RemoveGUID(GUID); }
 
 bool frmDDE::SelectGUID(std::string_view GUID) {
-    if (!selectedGrid().SelectGUID(GUID) && selectedGrid().contains(GUID)) {
+    if (!selectedList().SelectGUID(GUID) && selectedList().contains(GUID)) {
         txtSearch->clear();  // it is the search that hides the row
     }
-    return selectedGrid().SelectGUID(GUID);
+    return selectedList().SelectGUID(GUID);
 }
 
-void frmDDE::FirstNewRowCurrent() { grid(kNewRemindersGrid).selectFirst(); }
+void frmDDE::FirstNewRowCurrent() { listOf(kNewRemindersGrid).selectFirst(); }
 
 void frmDDE::tabs_Changed() {
     selectedGrid().showCurrentRow();
@@ -121,7 +135,7 @@ void frmDDE::tabs_Changed() {
 }
 
 void frmDDE::txtSearch_Changed(const QString& search) {
-    for (Grid* each : grids_) {
+    for (const auto& each : lists_) {
         each->setSearch(search);
     }
     UpdateUI();
@@ -131,7 +145,7 @@ void frmDDE::currentRowChanged() {
     if (currentGUID() != noticeRow_) {
         notice_.clear();
     }
-    const GridRow* row = selectedGrid().currentRow();
+    const GridRow* row = selectedList().currentRow();
     state_.curEvent = row ? row->event : nullptr;
     showStatus();
     updateButtons();
@@ -139,29 +153,35 @@ void frmDDE::currentRowChanged() {
 
 void frmDDE::ShowTime() {
     const DateTime now = parts_.clock.now();
-    lblTime->setText(qtText(timeText_(now)));
-    for (Grid* each : grids_) {
+    if (isFurnished()) {
+        lblTime->setText(qtText(timeText_(now)));
+    }
+    for (const auto& each : lists_) {
         each->setNow(now);
     }
 }
 
 void frmDDE::UpdateUI() {
-    showCaptions();
     GetIconText();
-    showEmptyTexts();
+    if (isFurnished()) {
+        showCaptions();
+        showEmptyTexts();
+    }
     showStatus();
     updateButtons();
 }
 
 void frmDDE::UpdateG1() {
     for (Grid* each : grids_) {
-        each->viewport()->update();
+        if (each != nullptr) {
+            each->viewport()->update();
+        }
     }
 }
 
 void frmDDE::showCaptions() {
     for (int i = 0; i < captions_.size(); ++i) {
-        const QString caption = qtText(tabCaption(plainText(captions_[i]), grid(i).rowCount()));
+        const QString caption = qtText(tabCaption(plainText(captions_[i]), listOf(i).rowCount()));
         if (tabs->tabText(i) != caption) {
             tabs->setTabText(i, caption);
         }
@@ -174,7 +194,7 @@ void frmDDE::showEmptyTexts() {
     for (int i = 0; i < kGridCount; ++i) {
         EmptyReason reason;
         reason.grid = i;
-        reason.searching = grid(i).allFilteredOut();
+        reason.searching = listOf(i).allFilteredOut();
         reason.trouble = trouble;
         reason.periodCode = state_.sPeriod;
         reason.periodText = period;
@@ -189,7 +209,7 @@ std::string frmDDE::troubleText() const {
 
 QString frmDDE::rowStatus() const {
     QString line;
-    if (const GridRow* row = selectedGrid().currentRow()) {
+    if (const GridRow* row = selectedList().currentRow()) {
         attempt([&] {
             const DateWords words = wordsOf(timeText_, parts_.clock.now());
             line = qtText(row->event->SBMessage(row->span.start, words));
@@ -199,7 +219,7 @@ QString frmDDE::rowStatus() const {
 }
 
 std::string frmDDE::currentGUID() const {
-    const GridRow* row = selectedGrid().currentRow();
+    const GridRow* row = selectedList().currentRow();
     return row ? plainText(row->GUID) : std::string();
 }
 
@@ -210,6 +230,9 @@ void frmDDE::sayOnce(const QString& notice) {
 }
 
 void frmDDE::showStatus() {
+    if (!isFurnished()) {
+        return;
+    }
     const ErrScope scope;
     const QString trouble = qtText(troubleText());
     QString line;

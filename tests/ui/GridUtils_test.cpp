@@ -40,7 +40,7 @@ protected:
         }
         grid.resize(300, 200);
         grid.InitGrid();
-        grid.setRows(std::move(rows));
+        list.setRows(std::move(rows));
         grid.show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&grid));
     }
@@ -52,7 +52,8 @@ protected:
     }
     int place() const { return grid.verticalScrollBar()->value(); }
 
-    Grid grid{1, [](DateTime) { return std::string(); }};
+    GridList list{1, [](DateTime) { return std::string(); }};
+    Grid grid{list};
     std::vector<QPoint> turns;
 };
 
@@ -100,7 +101,8 @@ TEST_F(Subclassing, IsNotDoneInADevelopmentRun) {
 TEST_F(Subclassing, OutlivesTheGrid) {
     GridUtils utils;
     {
-        Grid other(2, [](DateTime) { return std::string(); });
+        GridList others(2, [](DateTime) { return std::string(); });
+        Grid other(others);
         utils.subclass(other, note());
     }
     utils.subclass(grid, note());

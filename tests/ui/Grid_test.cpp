@@ -32,31 +32,32 @@ class GridTest : public testing::Test {
 protected:
     GridTest() {
         grid.InitGrid();
-        grid.setNow(someFriday());
+        list.setNow(someFriday());
         grid.resize(500, 300);
         grid.show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&grid));
     }
     std::string current() const {
-        return grid.currentRow() ? plainText(grid.currentRow()->GUID) : "";
+        return list.currentRow() ? plainText(list.currentRow()->GUID) : "";
     }
 
-    Grid grid{0, clockText};
+    GridList list{0, clockText};
+    Grid grid{list};
 };
 
 TEST_F(GridTest, BeginsSortedByTheReminder) {
-    grid.setRows({reminderRow("late", "a", 50), reminderRow("early", "b", 10)});
-    grid.selectFirst();
+    list.setRows({reminderRow("late", "a", 50), reminderRow("early", "b", 10)});
+    list.selectFirst();
     EXPECT_EQ(current(), "early");
 }
 
 TEST_F(GridTest, ARefillKeepsSelectionCurrentRowAndPlace) {
     std::vector<GridRow> rows = manyRows(200);
-    grid.setRows(rows);
-    ASSERT_TRUE(grid.SelectGUID("{100}"));
+    list.setRows(rows);
+    ASSERT_TRUE(list.SelectGUID("{100}"));
     grid.selectionModel()->select(grid.indexBelow(grid.currentIndex()),
                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    const auto selected = grid.SelectedGUIDs();
+    const auto selected = list.SelectedGUIDs();
     ASSERT_EQ(selected.size(), 2U);
     const int y = grid.visualRect(grid.currentIndex()).top();
 
@@ -66,27 +67,27 @@ TEST_F(GridTest, ARefillKeepsSelectionCurrentRowAndPlace) {
     std::reverse(rows.begin(), rows.end());
     rows.push_back(reminderRow("new", "new", 5000));
     QSignalSpy resets(grid.model(), &QAbstractItemModel::modelReset);
-    grid.setRows(rows);
+    list.setRows(rows);
     ASSERT_EQ(resets.count(), 1);
     EXPECT_EQ(current(), "{100}");
-    EXPECT_EQ(grid.SelectedGUIDs(), selected);
+    EXPECT_EQ(list.SelectedGUIDs(), selected);
     EXPECT_EQ(grid.visualRect(grid.currentIndex()).top(), y);
 }
 
 TEST_F(GridTest, AtItsTopAListStaysThere) {
     std::vector<GridRow> rows = manyRows(50);
-    grid.setRows(rows);
-    grid.selectFirst();
+    list.setRows(rows);
+    list.selectFirst();
     rows.push_back(reminderRow("first", "above all others", -100));
-    grid.setRows(rows);
+    list.setRows(rows);
     EXPECT_EQ(grid.verticalScrollBar()->value(), 0);
     EXPECT_TRUE(grid.indexAt(QPoint(1, 1)).data(GridModel::SummaryRole).toString() ==
                 "above all others");
 }
 
 TEST_F(GridTest, HomeAndEndBringTheirRowWherever) {
-    grid.setRows(manyRows(50));
-    grid.selectFirst();
+    list.setRows(manyRows(50));
+    list.selectFirst();
     grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
     QTest::keyClick(&grid, Qt::Key_Home);
     EXPECT_EQ(grid.verticalScrollBar()->value(), 0);
@@ -99,57 +100,57 @@ TEST_F(GridTest, HomeAndEndBringTheirRowWherever) {
 TEST_F(GridTest, WhenTheCurrentRowIsGoneItsNeighbourIsCurrent) {
     std::vector<GridRow> rows{reminderRow("a", "a", 1), reminderRow("b", "b", 2),
                               reminderRow("c", "c", 3)};
-    grid.setRows(rows);
-    grid.SelectGUID("b");
+    list.setRows(rows);
+    list.SelectGUID("b");
     rows.erase(rows.begin() + 1);
-    grid.setRows(rows);
+    list.setRows(rows);
     EXPECT_EQ(current(), "c");
-    EXPECT_EQ(grid.SelectedGUIDs(), std::vector<std::string>{"c"});
-    grid.setRows({});
+    EXPECT_EQ(list.SelectedGUIDs(), std::vector<std::string>{"c"});
+    list.setRows({});
     EXPECT_EQ(current(), "");
-    EXPECT_TRUE(grid.SelectedGUIDs().empty());
+    EXPECT_TRUE(list.SelectedGUIDs().empty());
 }
 
 TEST_F(GridTest, WhenTheCurrentRowIsTakenOutTheNextOneIsCurrent) {
-    grid.setRows({reminderRow("a", "a", 1), reminderRow("b", "b", 2), reminderRow("c", "c", 3)});
-    grid.SelectGUID("b");
-    grid.RemoveGUID("b");
+    list.setRows({reminderRow("a", "a", 1), reminderRow("b", "b", 2), reminderRow("c", "c", 3)});
+    list.SelectGUID("b");
+    list.RemoveGUID("b");
     EXPECT_EQ(current(), "c");
-    EXPECT_EQ(grid.SelectedGUIDs(), std::vector<std::string>{"c"});
-    grid.RemoveGUID("c");
+    EXPECT_EQ(list.SelectedGUIDs(), std::vector<std::string>{"c"});
+    list.RemoveGUID("c");
     EXPECT_EQ(current(), "a") << "there is none after it";
 }
 
 TEST_F(GridTest, PutsARowOnceAndRemovesItOnce) {
-    grid.putRow(reminderRow("a", "x", 0));
-    grid.putRow(reminderRow("A", "y", 0));
-    EXPECT_EQ(grid.rowCount(), 1U);
-    EXPECT_TRUE(grid.RemoveGUID("A"));
-    EXPECT_FALSE(grid.RemoveGUID("A"));
+    list.putRow(reminderRow("a", "x", 0));
+    list.putRow(reminderRow("A", "y", 0));
+    EXPECT_EQ(list.rowCount(), 1U);
+    EXPECT_TRUE(list.RemoveGUID("A"));
+    EXPECT_FALSE(list.RemoveGUID("A"));
 }
 
 TEST_F(GridTest, TellsWhenTheCurrentRowShowsSomethingElse) {
-    grid.setRows({reminderRow("a", "x", 0), reminderRow("b", "y", 1)});
-    QSignalSpy told(&grid, &Grid::currentRowChanged);
-    grid.SelectGUID("a");
+    list.setRows({reminderRow("a", "x", 0), reminderRow("b", "y", 1)});
+    QSignalSpy told(&list, &GridList::currentRowChanged);
+    list.SelectGUID("a");
     EXPECT_EQ(told.count(), 1);
-    grid.putRow(reminderRow("b", "z", 1));
+    list.putRow(reminderRow("b", "z", 1));
     EXPECT_EQ(told.count(), 1);
-    grid.putRow(reminderRow("a", "z", 0));
+    list.putRow(reminderRow("a", "z", 0));
     EXPECT_EQ(told.count(), 2);
 }
 
 TEST_F(GridTest, ASearchThatFindsNothingIsKnownAsSuch) {
-    EXPECT_FALSE(grid.allFilteredOut());
-    grid.setRows({reminderRow("a", "x", 0)});
-    grid.setSearch("nowhere");
-    EXPECT_TRUE(grid.allFilteredOut());
-    EXPECT_FALSE(grid.SelectGUID("a"));
-    EXPECT_EQ(grid.rowCount(), 1U);
+    EXPECT_FALSE(list.allFilteredOut());
+    list.setRows({reminderRow("a", "x", 0)});
+    list.setSearch("nowhere");
+    EXPECT_TRUE(list.allFilteredOut());
+    EXPECT_FALSE(list.SelectGUID("a"));
+    EXPECT_EQ(list.rowCount(), 1U);
 }
 
 TEST_F(GridTest, TheSubjectTakesTwoLines) {
-    grid.setRows({reminderRow("a", "x", 0)});
+    list.setRows({reminderRow("a", "x", 0)});
     EXPECT_GE(grid.visualRect(grid.model()->index(0, 0)).height(),
               grid.fontMetrics().height() * 9 / 5);
 }
@@ -166,15 +167,15 @@ TEST_F(GridTest, TenThousandRowsAreNoHitch) {
         EXPECT_LT(took, limit) << what;
     };
     // Limits are ten times what it takes on a slow machine: they are to catch squares.
-    measure("first fill", 2500, [&] { grid.setRows(rows); });
-    measure("equal refill", 1000, [&] { grid.setRows(rows); });
+    measure("first fill", 2500, [&] { list.setRows(rows); });
+    measure("equal refill", 1000, [&] { list.setRows(rows); });
     measure("sort by subject", 2500, [&] { grid.sortByColumn(0, Qt::AscendingOrder); });
     std::vector<GridRow> fewer(rows.begin() + 1, rows.end());
-    measure("refill less one", 2500, [&] { grid.setRows(fewer); });
-    measure("a minute later", 1000, [&] { grid.setNow(someFriday().addMinutes(1)); });
-    measure("search", 1000, [&] { grid.setSearch("999"); });
-    measure("search undone", 2500, [&] { grid.setSearch(""); });
-    measure("one row", 200, [&] { grid.putRow(reminderRow("one", "more", 7)); });
+    measure("refill less one", 2500, [&] { list.setRows(fewer); });
+    measure("a minute later", 1000, [&] { list.setNow(someFriday().addMinutes(1)); });
+    measure("search", 1000, [&] { list.setSearch("999"); });
+    measure("search undone", 2500, [&] { list.setSearch(""); });
+    measure("one row", 200, [&] { list.putRow(reminderRow("one", "more", 7)); });
 }
 
 }  // namespace

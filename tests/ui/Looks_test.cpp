@@ -218,17 +218,18 @@ TEST_F(Looks, TheBoxesOfAMenuAreSeenInTheDark) {
 
 TEST_F(Looks, ScrollingLooksAtTheRowsInViewAlone) {
     int told = 0;
-    Grid grid(0, [&told](DateTime d) {
+    GridList list(0, [&told](DateTime d) {
         ++told;
         return test::clockText(d);
     });
+    Grid grid(list);
     grid.InitGrid();
-    grid.setNow(someFriday());
+    list.setNow(someFriday());
     std::vector<GridRow> rows;
     for (int i = 0; i < 10'000; ++i) {
         rows.push_back(test::reminderRow("{" + std::to_string(i) + "}", "Reminder", i));
     }
-    grid.setRows(std::move(rows));
+    list.setRows(std::move(rows));
     grid.resize(600, 400);
     grid.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -93,13 +94,19 @@ protected:
     }
     void add(const std::shared_ptr<calEvent>& e) { period.Add(e, e->GUID); }
 
+    /// A control is looked for when the window has been shown, or would have it if it were.
     template <class T>
     T& child(const char* name) const {
+        if constexpr (std::is_base_of_v<QWidget, T>) {
+            window->furnish();
+        }
         T* found = window->findChild<T*>(name);
         EXPECT_NE(found, nullptr) << name;
         return *found;
     }
     Grid& grid(int i) const { return child<Grid>(("G" + std::to_string(i)).c_str()); }
+    /// The rows of a grid, which need no control.
+    const GridList& listed(int i) const { return window->list(i); }
     QComboBox& list() const { return child<QComboBox>("cboPeriod"); }
     std::string tab(int i) const { return plainText(child<QTabWidget>("tabs").tabText(i)); }
     std::string ini(const char* section, const char* key) const {

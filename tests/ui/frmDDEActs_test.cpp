@@ -57,7 +57,7 @@ protected:
     }
     std::vector<std::string> listed(int tab) const {
         std::vector<std::string> GUIDs;
-        for (const GridRow& row : grid(tab).rows().rows()) {
+        for (const GridRow& row : window->list(tab).rows().rows()) {
             GUIDs.push_back(plainText(row.GUID));
         }
         return GUIDs;
@@ -96,9 +96,9 @@ TEST_F(frmDDEActs, SnoozingTakesTheRowFromNewAndShowsItsNewTime) {
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
     EXPECT_FALSE(state.NewReminders->Exists("{1}"));
     EXPECT_FALSE(state.LastEventsReminded->Exists("{1}"));
-    ASSERT_TRUE(grid(1).contains("{1}"));
-    const auto& rows = grid(1).rows().rows();
-    const GridRow& row = rows[static_cast<std::size_t>(*grid(1).rows().find("{1}"))];
+    ASSERT_TRUE(window->list(1).contains("{1}"));
+    const auto& rows = window->list(1).rows().rows();
+    const GridRow& row = rows[static_cast<std::size_t>(*window->list(1).rows().find("{1}"))];
     EXPECT_EQ(row.reminder, someFriday().addMinutes(120));
     EXPECT_EQ(row.detail, "(snoozed)");
     EXPECT_EQ(row.span.start, someFriday().addMinutes(10));
@@ -109,9 +109,9 @@ TEST_F(frmDDEActs, AfterSnoozingTheNeighbourIsSelected) {
     loadThree();
     window->SelectGUID("{2}");
     snoozeBy("5m");
-    EXPECT_EQ(grid(0).SelectedGUIDs(), Names{"{3}"});
+    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{3}"});
     snoozeBy("5m");  // the last row: the one before it
-    EXPECT_EQ(grid(0).SelectedGUIDs(), Names{"{1}"});
+    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{1}"});
 }
 
 TEST_F(frmDDEActs, WhatIsNoTimeOrWasCancelledChangesNothing) {
@@ -170,7 +170,7 @@ TEST_F(frmDDEActs, APlainClickDismissesTheSelectedRows) {
     EXPECT_EQ(held("{3}")->Dismissed, someFriday());
     EXPECT_EQ(listed(0), Names{"{2}"});
     EXPECT_FALSE(state.NewReminders->Exists("{3}"));
-    EXPECT_EQ(grid(1).rowCount(), 3U) << "the view lists what is dismissed, too";
+    EXPECT_EQ(window->list(1).rowCount(), 3U) << "the view lists what is dismissed, too";
     EXPECT_TRUE(window->isVisible());
     select(0, {"{2}"});
     clickDismiss();
@@ -197,10 +197,10 @@ TEST_F(frmDDEActs, TheListStandsStillUnderWhoDismissesOneRowAfterAnother) {
         grid(1).setCurrentIndex(grid(1).indexAt(QPoint(5, 30)));
         const int scroll = bar.value();
         for (int i = 0; i < 3; ++i) {
-            const QString first = grid(1).currentRow()->GUID;
+            const QString first = window->list(1).currentRow()->GUID;
             QTest::keyClick(&grid(1), Qt::Key_Delete);
             EXPECT_EQ(bar.value(), scroll) << "after " << i + 1;
-            EXPECT_NE(grid(1).currentRow()->GUID, first) << "the next one is at hand";
+            EXPECT_NE(window->list(1).currentRow()->GUID, first) << "the next one is at hand";
             EXPECT_TRUE(inView());
         }
     }
@@ -225,7 +225,7 @@ TEST_F(frmDDEActs, DeleteDismissesWithoutAsking) {
     loadThree();
     QTest::keyClick(&grid(0), Qt::Key_Delete);
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
-    EXPECT_EQ(grid(0).SelectedGUIDs(), Names{"{2}"}) << "and the next one is at hand";
+    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{2}"}) << "and the next one is at hand";
 }
 
 TEST_F(frmDDEActs, TheDialogIsShownForEachRow) {
@@ -280,7 +280,7 @@ TEST_F(frmDDEActs, DeletingTakesTheEventAwayAndSaysSo) {
                                 });
     EXPECT_FALSE(period.mCol->Exists("{1}"));
     for (const int tab : {0, 1, 2}) {
-        EXPECT_FALSE(grid(tab).contains("{1}")) << tab;
+        EXPECT_FALSE(window->list(tab).contains("{1}")) << tab;
     }
     QWidget* popup = nullptr;
     for (QWidget* top : QApplication::topLevelWidgets()) {
@@ -356,7 +356,7 @@ TEST_F(frmDDEActs, TheButtonReactivatesWhatIsShownAsDismissed) {
     clickDismiss();
     EXPECT_TRUE(held("{1}")->Dismissed.isZero());
     EXPECT_TRUE(held("{2}")->NextReminder.isZero());
-    EXPECT_EQ(grid(1).rowCount(), 3U);
+    EXPECT_EQ(window->list(1).rowCount(), 3U);
     EXPECT_TRUE(state.bIsDismiss);
 }
 
@@ -367,8 +367,8 @@ TEST_F(frmDDEActs, WhatIsNewIsNotShownAsDismissedBefore) {
     window->UpdateItemR(again, 0);
     window->DoPeriod();
     const auto shownAsDismissed = [this](int tab) {
-        const int row = *grid(tab).rows().find("{1}");
-        return grid(tab).rows().index(row, 0).data(GridModel::DismissedRole).toBool();
+        const int row = *window->list(tab).rows().find("{1}");
+        return window->list(tab).rows().index(row, 0).data(GridModel::DismissedRole).toBool();
     };
     EXPECT_FALSE(shownAsDismissed(0));
     EXPECT_TRUE(shownAsDismissed(1));

@@ -108,7 +108,7 @@ TEST_F(frmDDEColumns, ShowTheirTextsInFullInTheFirstWindow) {
     window->ShowHide();
     const auto late = test::event("{1}", "Planning", DateTime::fromCivil(2026, 11, 30, 20, 38), 0);
     takeIn(late);
-    const GridModel& model = grid(0).rows();
+    const GridModel& model = listed(0).rows();
     const QFontMetrics metrics = grid(0).fontMetrics();
     for (const char* id : {CIDDue, CIDReminderD, CIDEventD}) {
         const int at = column(0, id);
@@ -119,6 +119,36 @@ TEST_F(frmDDEColumns, ShowTheirTextsInFullInTheFirstWindow) {
                   grid(0).columnWidth(at))
             << id;
     }
+}
+
+// Whatever the dates leave is the subject's, which is cut at 50 characters.
+TEST_F(frmDDEColumns, TheSubjectHasRoomInTheFirstWindow) {
+    load();
+    window->ShowHide();
+    takeIn(test::event("{1}", "Collect the parcel before the shop closes", clock.now(), 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return grid(0).columnWidth(0) >= 30 * grid(0).unit(); }))
+        << grid(0).columnWidth(0) << " of " << grid(0).unit();
+    EXPECT_EQ(grid(0).horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(frmDDEColumns, AFieldIsReadWholeWhenItsNameIsKnown) {
+    load();
+    window->ShowHide();
+    const auto one = test::event("{1}", "Tea", clock.now(), 0);
+    takeIn(one);
+    const QString name = "Appointments of the family";
+    one->FieldName = plainText(name);
+    window->AddItemR(one, kNewRemindersGrid);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return grid(0).columnWidth(column(0, CIDField)) >
+               std::min(grid(0).fontMetrics().horizontalAdvance(name), 22 * grid(0).unit());
+    }));
+    EXPECT_EQ(grid(0).horizontalScrollBar()->maximum(), 0);
+    grid(0).setColumnWidth(column(0, CIDField), 60);
+    one->FieldName = "Appointments of the whole family";
+    window->AddItemR(one, kNewRemindersGrid);
+    QTest::qWait(1);
+    EXPECT_EQ(grid(0).columnWidth(column(0, CIDField)), 60) << "the user's width";
 }
 
 TEST_F(frmDDEColumns, WhatIsStillWaitingIsWrittenAtTheEnd) {
@@ -147,7 +177,7 @@ TEST_F(frmDDEColumns, ARowIsFoundAndSortedWhateverIsHidden) {
     takeIn(test::event("{1}", "Late", test::someFriday().addMinutes(30), 15));
     takeIn(test::event("{2}", "Early", test::someFriday(), 15));
     grid(0).selectAll();
-    EXPECT_EQ(grid(0).SelectedGUIDs(), (std::vector<std::string>{"{2}", "{1}"}));
+    EXPECT_EQ(listed(0).SelectedGUIDs(), (std::vector<std::string>{"{2}", "{1}"}));
 }
 
 TEST_F(frmDDEColumns, AnyTextInTheSettingsIsStarted) {

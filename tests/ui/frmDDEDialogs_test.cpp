@@ -90,7 +90,7 @@ TEST_F(frmDDEDialogs, ALinkOfTheToastBringsTheDialogForward) {
         clickThrough(childOf<QLabel>(shown, "lblPopupLink2"));
         EXPECT_FALSE(shown.isVisible());
         EXPECT_TRUE(QTest::qWaitFor([&] { return inFront(d); }));
-        EXPECT_EQ(grid(0).currentRow()->GUID, "{2}") << "found when the dialog is left";
+        EXPECT_EQ(listed(0).currentRow()->GUID, "{2}") << "found when the dialog is left";
         childOf<QPushButton>(d, "butSnooze").click();
     });
     EXPECT_FALSE(objectAt<calEvent>(*period.mCol, "{1}")->NextReminder.isZero());
@@ -146,7 +146,7 @@ TEST_F(frmDDEDialogs, ExitLeavesThemAsByCancel) {
     });
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_EQ(dialogs.count, 1) << "and the second row's is not opened";
-    EXPECT_EQ(grid(0).rowCount(), 2U);
+    EXPECT_EQ(listed(0).rowCount(), 2U);
     EXPECT_TRUE(objectAt<calEvent>(*period.mCol, "{1}")->Dismissed.isZero());
     EXPECT_EQ(ini("Reminders", "Period"), "T") << "saved";
 }

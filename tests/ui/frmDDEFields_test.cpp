@@ -39,7 +39,7 @@ protected:
     }
     /// As the grid shows it.
     std::string field(int tab, const std::string& GUID) const {
-        const GridModel& model = grid(tab).rows();
+        const GridModel& model = listed(tab).rows();
         const auto row = model.find(GUID);
         return row ? plainText(model.index(*row, columnIndex(model.columns(), CIDField))
                                    .data()
@@ -88,7 +88,7 @@ TEST_F(frmDDEFields, ARefillKeepsThemAndRepaintsNothing) {
     ASSERT_TRUE(becomes(kEventsGrid, "{b}", "Birthdays"));
     period.mCol->Remove("{b}");
     add(eventOf("{b}", 7));  // read anew, so that it does not know its field's name
-    QSignalSpy changed(&grid(kEventsGrid).rows(), &QAbstractItemModel::dataChanged);
+    QSignalSpy changed(&listed(kEventsGrid).rows(), &QAbstractItemModel::dataChanged);
     window->DoPeriod();
     EXPECT_EQ(field(kEventsGrid, "{b}"), "Birthdays");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isAsking(); }));

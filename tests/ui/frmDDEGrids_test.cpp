@@ -174,15 +174,15 @@ TEST_F(frmDDEGrids, SeveralRowsAreChosenAndTheButtonsAreAboutThem) {
     loadThree();
     clickRow(0, 0);
     clickRow(0, 2, Qt::ControlModifier);
-    EXPECT_EQ(grid(0).SelectedGUIDs(), (Texts{"{c}", "{b}"})) << "from top to bottom";
+    EXPECT_EQ(listed(0).SelectedGUIDs(), (Texts{"{c}", "{b}"})) << "from top to bottom";
     clickRow(0, 0);
     clickRow(0, 2, Qt::ShiftModifier);
-    EXPECT_EQ(grid(0).SelectedGUIDs(), (Texts{"{c}", "{a}", "{b}"}));
+    EXPECT_EQ(listed(0).SelectedGUIDs(), (Texts{"{c}", "{a}", "{b}"}));
     QTest::keyClick(&grid(0), Qt::Key_Home);
     QTest::keyClick(&grid(0), Qt::Key_Down, Qt::ShiftModifier);
-    EXPECT_EQ(grid(0).SelectedGUIDs(), (Texts{"{c}", "{a}"}));
+    EXPECT_EQ(listed(0).SelectedGUIDs(), (Texts{"{c}", "{a}"}));
     QTest::keyClick(&grid(0), Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(grid(0).SelectedGUIDs().size(), 3U);
+    EXPECT_EQ(listed(0).SelectedGUIDs().size(), 3U);
     grid(0).clearSelection();
     EXPECT_FALSE(child<QWidget>("butDismiss").isEnabled());
     EXPECT_TRUE(child<QPushButton>("butSnooze").isEnabled()) << "snoozing is of the current row";
@@ -234,25 +234,25 @@ TEST_F(frmDDEGrids, WhatWasChosenIsChosenAgainAfterASearch) {
     loadThree();
     clickRow(0, 1);
     clickRow(0, 2, Qt::ControlModifier);
-    ASSERT_EQ(grid(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
+    ASSERT_EQ(listed(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
     for (const char* found : {"cello", "nowhere", "n", "anvil"}) {
         SCOPED_TRACE(found);
         search().setFocus();
         QTest::keyClicks(&search(), found);
-        for (const std::string& GUID : grid(0).SelectedGUIDs()) {
+        for (const std::string& GUID : listed(0).SelectedGUIDs()) {
             EXPECT_NE(GUID, "{c}") << "nobody chose it";
         }
         QTest::keyClick(&search(), Qt::Key_Escape);
-        EXPECT_EQ(grid(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
-        ASSERT_NE(grid(0).currentRow(), nullptr);
-        EXPECT_EQ(grid(0).currentRow()->GUID, "{b}");
+        EXPECT_EQ(listed(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
+        ASSERT_NE(listed(0).currentRow(), nullptr);
+        EXPECT_EQ(listed(0).currentRow()->GUID, "{b}");
         EXPECT_FALSE(child<QLabel>("lblStatus").text().isEmpty());
         EXPECT_TRUE(child<QWidget>("butDismiss").isEnabled());
     }
     QTest::keyClicks(&search(), "n");
     clickRow(0, 0);
     search().clear();
-    EXPECT_EQ(grid(0).SelectedGUIDs(), Texts{"{a}"}) << "chosen while it was searched";
+    EXPECT_EQ(listed(0).SelectedGUIDs(), Texts{"{a}"}) << "chosen while it was searched";
 }
 
 TEST_F(frmDDEGrids, TheKeyboardGetsFromTheSearchToWhatWasFound) {
@@ -263,10 +263,10 @@ TEST_F(frmDDEGrids, TheKeyboardGetsFromTheSearchToWhatWasFound) {
         QTest::keyClicks(&search(), "n");
         QTest::keyClick(&search(), key);
         EXPECT_TRUE(grid(0).hasFocus());
-        EXPECT_EQ(grid(0).SelectedGUIDs(), Texts{"{a}"});
+        EXPECT_EQ(listed(0).SelectedGUIDs(), Texts{"{a}"});
         EXPECT_TRUE(started.empty()) << "it is not opened yet";
         search().clear();
-        grid(0).selectFirst();
+        grid(0).list().selectFirst();
     }
 }
 

@@ -88,7 +88,7 @@ protected:
     }
     std::string inGrid(int i) const {
         std::string GUIDs;
-        for (const GridRow& row : child<Grid>(("G" + std::to_string(i)).c_str()).rows().rows()) {
+        for (const GridRow& row : program->window->list(i).rows().rows()) {
             GUIDs += plainText(row.GUID);
         }
         std::sort(GUIDs.begin(), GUIDs.end());

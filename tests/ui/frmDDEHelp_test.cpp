@@ -55,7 +55,7 @@ TEST_F(frmDDEHelp, OfTheSnoozeButtonIsAboutWhatItDoes) {
     add(test::event("{1}", "Meeting", test::someFriday().addMinutes(60), 15));
     window->DoPeriod();
     child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
-    grid(kEventsGrid).selectFirst();
+    grid(kEventsGrid).list().selectFirst();
     EXPECT_EQ(helpAt(child<QPushButton>("butSnooze")), "5565");
     EXPECT_EQ(helpAt(grid(kEventsGrid)), "5565");
 }

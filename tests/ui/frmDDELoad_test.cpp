@@ -211,18 +211,18 @@ TEST_F(frmDDELoad, KeepsItsRowsWhileTheFileCannotBeRead) {
     state.sPeriod = "D+30";
     window->DoPeriod();
     const std::size_t events = held();
-    const std::size_t rows = grid(2).rowCount();
+    const std::size_t rows = listed(2).rowCount();
     ASSERT_GT(rows, 0U);
     const std::shared_ptr<GenCollection> before = reminders.mCol;
     fs::remove(path);
     refresh();
     EXPECT_EQ(status(), "Velmora.RemindDB is not there; F5 tries again");
-    EXPECT_EQ(grid(2).rowCount(), rows);
+    EXPECT_EQ(listed(2).rowCount(), rows);
     EXPECT_EQ(held(), events);
     EXPECT_EQ(reminders.mCol, before);
     writeFile(path, sample());
     refresh();
-    EXPECT_EQ(grid(2).rowCount(), rows);
+    EXPECT_EQ(listed(2).rowCount(), rows);
     EXPECT_FALSE(isTroubled()) << status();
 }
 

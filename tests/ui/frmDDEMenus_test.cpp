@@ -71,12 +71,12 @@ TEST_F(frmDDEMenus, TheTraysTipIsTrueAfterEveryCommand) {
     child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
     for (const char* shown : {"Previous 30 days", "Next 30 days", "Today"}) {
         list().setCurrentText(shown);
-        const auto count = grid(kEventsGrid).rowCount();
+        const auto count = listed(kEventsGrid).rowCount();
         EXPECT_TRUE(tip().startsWith(QString::number(count) + " Event")) << plainText(tip());
     }
     boxes.answer = BoxAnswer::Yes;
     entry("mnuDeleteAll").trigger();
-    EXPECT_EQ(grid(kNewRemindersGrid).rowCount(), 0U);
+    EXPECT_EQ(listed(kNewRemindersGrid).rowCount(), 0U);
     EXPECT_EQ(tip(), "0 Event: (click to show/hide)");
 }
 

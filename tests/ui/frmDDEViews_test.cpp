@@ -31,7 +31,7 @@ protected:
         add(event("{" + formatDateTime(moment) + "}", "Probe", moment, 0));
     }
     bool lists(int tab, DateTime moment) const {
-        return grid(tab).contains("{" + formatDateTime(moment) + "}");
+        return listed(tab).contains("{" + formatDateTime(moment) + "}");
     }
     QLineEdit& search() const { return child<QLineEdit>("txtSearch"); }
     QString status() const { return child<QLabel>("lblStatus").text(); }
@@ -129,7 +129,7 @@ TEST_F(frmDDEViews, DismissedListsWhatWasDismissedAroundToday) {
     list().setCurrentText("Dismissed");
     for (const int tab : {kAllRemindersGrid, kEventsGrid}) {
         for (const Case& c : cases) {
-            EXPECT_EQ(grid(tab).contains(c.GUID), c.listed) << tab << c.GUID;
+            EXPECT_EQ(listed(tab).contains(c.GUID), c.listed) << tab << c.GUID;
         }
         const int column = columnIndex(gridColumns(tab), CIDEventD);
         const auto heading = [&] {
@@ -156,11 +156,11 @@ TEST_F(frmDDEViews, HiddenListsEachAtItsNextOccurrenceElseItsLast) {
     }
     list().setCurrentText("Hidden");
     for (const int tab : {kAllRemindersGrid, kEventsGrid}) {
-        EXPECT_EQ(grid(tab).rowCount(), 3U);
+        EXPECT_EQ(listed(tab).rowCount(), 3U);
         const auto start = [&](const char* GUID) {
-            const auto row = grid(tab).rows().find(GUID);
+            const auto row = listed(tab).rows().find(GUID);
             EXPECT_TRUE(row) << GUID;
-            return row ? grid(tab).rows().rows()[static_cast<std::size_t>(*row)].span.start
+            return row ? listed(tab).rows().rows()[static_cast<std::size_t>(*row)].span.start
                        : DateTime();
         };
         EXPECT_EQ(start("{endless}"), at(11, 23, 9));
@@ -258,7 +258,7 @@ protected:
     void loadWithSample() {
         haveDatabase();
         load();
-        ASSERT_TRUE(QTest::qWaitFor([this] { return grid(kNewRemindersGrid).rowCount() > 0; }));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return listed(kNewRemindersGrid).rowCount() > 0; }));
         takeIn(event("{1}", "Meeting", someFriday(), 0));
     }
     /// The tray has had its time to come.

@@ -24,7 +24,7 @@ protected:
             for (int n = 0; n < 100; ++n) {
                 rows.push_back(test::reminderRow("{" + std::to_string(n) + "}", "Meeting", n));
             }
-            grid(i).setRows(std::move(rows));
+            grid(i).list().setRows(std::move(rows));
         }
         child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
         idle();

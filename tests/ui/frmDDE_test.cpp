@@ -229,13 +229,13 @@ TEST_F(frmDDETest, FillsBothPeriodGrids) {
     EXPECT_EQ(tab(1), "&All Reminders: 2");
     EXPECT_EQ(tab(2), "&Events: 1");
     EXPECT_EQ(state.dShownStart, someFriday().date());
-    EXPECT_TRUE(grid(1).contains("{3}"));
-    EXPECT_TRUE(grid(2).contains("{1}"));
-    const GridRow& row = grid(1).rows().rows().at(0);
+    EXPECT_TRUE(listed(1).contains("{3}"));
+    EXPECT_TRUE(listed(2).contains("{1}"));
+    const GridRow& row = listed(1).rows().rows().at(0);
     EXPECT_EQ(row.summary, "Meeting");
     EXPECT_EQ(row.detail, "(15 minutes)");
     EXPECT_EQ(row.reminder, someFriday().addMinutes(45));
-    EXPECT_EQ(grid(2).rows().rows().at(0).detail, "(1 hour)");
+    EXPECT_EQ(listed(2).rows().rows().at(0).detail, "(1 hour)");
 }
 
 TEST_F(frmDDETest, RowsKeepWhatTheyShowWhenQueriesChangeTheEvent) {
@@ -245,7 +245,7 @@ TEST_F(frmDDETest, RowsKeepWhatTheyShowWhenQueriesChangeTheEvent) {
     window->DoPeriod();
     e->InstanceStart = DateTime();
     e->iRemMinutes = calEvent::kNoReminder;
-    EXPECT_EQ(grid(1).rows().rows().at(0).reminder, someFriday().addMinutes(45));
+    EXPECT_EQ(listed(1).rows().rows().at(0).reminder, someFriday().addMinutes(45));
 }
 
 TEST_F(frmDDETest, TheDismissedViewListsOnlyDismissedEvents) {
@@ -256,8 +256,8 @@ TEST_F(frmDDETest, TheDismissedViewListsOnlyDismissedEvents) {
     add(gone);
     list().setCurrentText("Dismissed");
     EXPECT_EQ(state.sPeriod, "Di");
-    EXPECT_EQ(grid(1).rowCount(), 1U);
-    EXPECT_TRUE(grid(1).contains("{2}"));
+    EXPECT_EQ(listed(1).rowCount(), 1U);
+    EXPECT_TRUE(listed(1).contains("{2}"));
     const int column = columnIndex(reminderColumns(), CIDEventD);
     EXPECT_EQ(grid(1).model()->headerData(column, Qt::Horizontal).toString(), "Dismissed");
 }
@@ -268,12 +268,12 @@ TEST_F(frmDDETest, HiddenEventsAreInTheirOwnViewOnly) {
     hidden->Hidden = true;
     add(hidden);
     list().setCurrentText("Previous 30 days");
-    EXPECT_EQ(grid(2).rowCount(), 0U);
+    EXPECT_EQ(listed(2).rowCount(), 0U);
     list().setCurrentText("Hidden");
-    ASSERT_EQ(grid(1).rowCount(), 1U);
-    EXPECT_EQ(grid(1).rows().rows().at(0).detail, "(15 minutes)");
-    ASSERT_EQ(grid(2).rowCount(), 1U);
-    EXPECT_EQ(grid(2).rows().rows().at(0).span.start, hidden->StartDateTime);
+    ASSERT_EQ(listed(1).rowCount(), 1U);
+    EXPECT_EQ(listed(1).rows().rows().at(0).detail, "(15 minutes)");
+    ASSERT_EQ(listed(2).rowCount(), 1U);
+    EXPECT_EQ(listed(2).rows().rows().at(0).span.start, hidden->StartDateTime);
 }
 
 TEST_F(frmDDETest, SteppingWrapsAround) {
@@ -333,8 +333,8 @@ TEST_F(frmDDETest, ANewReminderIsListedAndShown) {
     window->ShowNewReminders("{2}");
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(child<QTabWidget>("tabs").currentIndex(), 0);
-    ASSERT_NE(grid(0).currentRow(), nullptr);  // although the search had hidden it
-    EXPECT_EQ(grid(0).currentRow()->GUID, "{2}");
+    ASSERT_NE(listed(0).currentRow(), nullptr);  // although the search had hidden it
+    EXPECT_EQ(listed(0).currentRow()->GUID, "{2}");
     EXPECT_EQ(window->GetIconText(), "2 New reminders\r\n2 new reminders");
     window->RemoveGUID("{1}", 0);
     window->RemoveGUID("{2}", 0);
@@ -345,12 +345,12 @@ TEST_F(frmDDETest, UpdatesOnlyRowsThatAreThere) {
     load();
     const auto e = event("{1}", "Meeting", someFriday().addMinutes(60), 15);
     window->UpdateItemR(e, kAllRemindersGrid);
-    EXPECT_EQ(grid(1).rowCount(), 0U);
+    EXPECT_EQ(listed(1).rowCount(), 0U);
     window->AddItemR(e, kAllRemindersGrid);
     e->Subject = "Moved";
     window->UpdateItemR(e, kAllRemindersGrid);
-    ASSERT_EQ(grid(1).rowCount(), 1U);
-    EXPECT_EQ(grid(1).rows().rows().at(0).summary, "Moved");
+    ASSERT_EQ(listed(1).rowCount(), 1U);
+    EXPECT_EQ(listed(1).rows().rows().at(0).summary, "Moved");
 }
 
 TEST_F(frmDDETest, TheLinkOfAPopUpSelectsItsReminder) {
@@ -374,7 +374,7 @@ TEST_F(frmDDETest, TheLinkOfAPopUpSelectsItsReminder) {
     clock.time = someFriday().addMinutes(1);
     emit popup->findChild<QLabel*>("lblPopupLink2")->linkActivated("2");
     EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(grid(0).currentRow()->GUID, "{2}");
+    EXPECT_EQ(listed(0).currentRow()->GUID, "{2}");
     EXPECT_FALSE(popup->isVisible());
     EXPECT_EQ(state.dLastShown, clock.time);
 }
@@ -389,9 +389,9 @@ TEST_F(frmDDETest, APopUpStaysUntilClosedUnlessItWasGivenATime) {
         }
         return nullptr;
     };
-    ASSERT_NE(popup(), nullptr);
     window->ShowPopUp({"Stays", "", -1, false, 300, 100, 100});
     QTest::qWait(60);
+    ASSERT_NE(popup(), nullptr);
     EXPECT_TRUE(popup()->isVisible());
     window->ShowPopUp({"Goes", "", 20, false, 300, 100, 100});
     EXPECT_TRUE(QTest::qWaitFor([&] { return !popup()->isVisible(); }));
@@ -439,7 +439,7 @@ TEST_F(frmDDETest, EveryControlCanBeFoundAndNamed) {
         EXPECT_NE(child<QWidget>(name).accessibleName(), "") << name;
     }
     for (const char* name : {"lblTime", "lblStatus", "butHide"}) {
-        EXPECT_NE(window->findChild<QWidget*>(name), nullptr) << name;
+        EXPECT_EQ(child<QWidget>(name).objectName(), name);
     }
     window->ShowTime();
     EXPECT_EQ(child<QLabel>("lblTime").text(), qtText(shortTimeText(someFriday())));
