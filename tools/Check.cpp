@@ -30,17 +30,10 @@ int run(const Arguments& arguments, const Streams& streams) {
 }  // namespace
 
 Command checkCommand() {
-    return {.name = "check",
-            .synopsis = "FILE [--json]",
-            .description =
-                "looks at all that is in FILE and tells what is damaged, by page;\n"
-                "exit code 1 when anything is",
-            .fewestWords = 1,
-            .mostWords = 1,
-            .words = "a file",
-            .flags = {"--json"},
-            .options = {},
-            .run = run};
+    return commandOnFile("check",
+                         "looks at all that is in FILE and tells what is damaged, by page;\n"
+                         "exit code 1 when anything is",
+                         run);
 }
 
 }  // namespace vl::tools

@@ -54,6 +54,10 @@ struct Command {
     int (*run)(const Arguments& arguments, const Streams& streams);
 };
 
+/// One that looks at a file and takes `--json`.
+Command commandOnFile(std::string_view name, std::string_view description,
+                      int (*run)(const Arguments& arguments, const Streams& streams));
+
 Command backupCommand();
 Command checkCommand();
 Command compactCommand();

@@ -28,15 +28,7 @@ int run(const Arguments& arguments, const Streams& streams) {
 }  // namespace
 
 Command tablesCommand() {
-    return {.name = "tables",
-            .synopsis = "FILE [--json]",
-            .description = "columns, indexes and row counts of the tables in FILE",
-            .fewestWords = 1,
-            .mostWords = 1,
-            .words = "a file",
-            .flags = {"--json"},
-            .options = {},
-            .run = run};
+    return commandOnFile("tables", "columns, indexes and row counts of the tables in FILE", run);
 }
 
 }  // namespace vl::tools

@@ -17,6 +17,19 @@ std::string Arguments::option(std::string_view name) const {
     return hit == options.end() ? std::string() : hit->second;
 }
 
+Command commandOnFile(std::string_view name, std::string_view description,
+                      int (*run)(const Arguments& arguments, const Streams& streams)) {
+    return {.name = name,
+            .synopsis = "FILE [--json]",
+            .description = description,
+            .fewestWords = 1,
+            .mostWords = 1,
+            .words = "a file",
+            .flags = {"--json"},
+            .options = {},
+            .run = run};
+}
+
 std::vector<Command> commands() {
     return {newCommand(),     tablesCommand(),     sqlCommand(),         dueCommand(),
             listCommand(),    eventCommand(),      occurrencesCommand(), snoozeCommand(),

@@ -4,7 +4,6 @@
 #include <thread>
 
 #include <gmock/gmock.h>
-#include <algorithm>
 
 #include "Remindb.h"
 #include "support/Support.h"
