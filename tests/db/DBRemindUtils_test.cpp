@@ -47,6 +47,16 @@ TEST_F(DBRemindUtilsTest, OpenDBConnectsWithItsOptions) {
     EXPECT_TRUE(db_.OpenDB());  // a new connection takes the old one's place
 }
 
+TEST_F(DBRemindUtilsTest, WhatIsKnownOfPagesOutlivesClosing) {
+    ASSERT_TRUE(db_.OpenDB());
+    const auto known = db_.Connection().Digests;
+    ASSERT_NE(known, nullptr);
+    db_.CloseDB();
+    ASSERT_TRUE(db_.OpenDB());
+    EXPECT_EQ(db_.Connection().Digests, known);
+    EXPECT_NE(DBRemindUtils().Connection().Digests, known);
+}
+
 TEST_F(DBRemindUtilsTest, AnEmptyNameDoesNotOpen) {
     db_.OpenDB();
     db_.DBFullName.clear();
