@@ -11,12 +11,15 @@ namespace {
 
 // The last occurrence whose first reminder is not later than `time`; where there is none, the
 // event's own start.
-DateTime occurrenceAt(const calEvent& event, DateTime time) {
+DateTime occurrenceAt(const calEvent& event, DateTime time, std::span<const DateTime> replaced) {
     if (!event.IsRepeating()) {
         return event.StartDateTime;
     }
     const DateTime latest = time.addMinutes(event.RemindersMaxOffsetMin);
-    const DateTime start = event.PreviousInstance(latest.addSeconds(1));
+    DateTime start = event.PreviousInstance(latest.addSeconds(1));
+    while (!start.isZero() && std::binary_search(replaced.begin(), replaced.end(), start)) {
+        start = event.PreviousInstance(start);
+    }
     return start.isZero() ? event.StartDateTime : start;
 }
 
@@ -35,13 +38,15 @@ void takeOverRow(EventState& state, const ActOn& act) {
     if (!word.saysAnything()) {
         return;
     }
-    const RowSays says = rowSays(act.event, word);
+    const RowSays says = rowSays(act.event, word, act.replaced);
     if (!says.snoozed.isZero()) {
         entryOf(state, act.event, says.occurrence).snoozed = act.zone.toUtc(says.snoozed);
     }
     for (OccurrenceState& one : state.occurrences) {
-        if (!says.silentThrough.isZero() && !one.snoozed.isZero() &&
-            act.zone.fromUtc(one.snoozed) <= says.silentThrough) {
+        const DateTime start =
+            act.event.IsRepeating() ? act.event.FromWall(one.start) : act.event.StartDateTime;
+        if (!one.snoozed.isZero() &&
+            isSilenced(act.event, says, start, act.zone.fromUtc(one.snoozed))) {
             one.snoozed = DateTime();
         }
     }
@@ -109,13 +114,29 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     return entry;
 }
 
+void muteForEver(OccurrenceState& entry, const ActOn& act) {
+    entry.muted = Muted::ForEver;
+    entry.local = act.event.HasOwnZone() ? act.start : DateTime();
+}
+
 }  // namespace
 
-RowSays rowSays(const calEvent& event, const RowWord& word) {
+bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, DateTime time) {
+    const DateTime through = says.silentThrough;
+    if (through.isZero()) {
+        return false;
+    }
+    if (event.IsRepeating()) {
+        return start.addMinutes(-std::int64_t{event.RemindersMaxOffsetMin}) <= through;
+    }
+    return time <= through || event.Modified <= through;
+}
+
+RowSays rowSays(const calEvent& event, const RowWord& word, std::span<const DateTime> replaced) {
     RowSays says;
     if (word.NextReminder > word.Dismissed && !word.NextReminder.isZero()) {
         says.snoozed = word.NextReminder;
-        says.occurrence = occurrenceAt(event, word.NextReminder);
+        says.occurrence = occurrenceAt(event, word.NextReminder, replaced);
     } else {
         says.silentThrough = word.Dismissed;
     }
@@ -134,15 +155,14 @@ bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
 
 bool isDoneByUser(const calEvent& event, const EventState* state) {
     const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
-    const OccurrenceState* one = state != nullptr ? state->find(event.ToWall(last)) : nullptr;
-    if (one != nullptr && one->muted == Muted::ForEver) {
-        return true;
-    }
-    // Who travels sees it at another local time, although nobody has moved it.
-    const bool marked = !event.IsRepeating() && state != nullptr &&
-                        std::any_of(state->occurrences.begin(), state->occurrences.end(),
-                                    [](const auto& o) { return o.muted == Muted::ForEver; });
-    if (marked && event.Modified <= state->acted) {
+    const DateTime wall = event.ToWall(last);
+    // Where its row says what it said, nobody has moved it, whatever that means after a journey.
+    const auto isMarked = [&](const OccurrenceState& one) {
+        const bool isSameRow = !event.IsRepeating() && one.local == event.StartDateTime;
+        return one.muted == Muted::ForEver && (one.start == wall || isSameRow);
+    };
+    if (state != nullptr &&
+        std::any_of(state->occurrences.begin(), state->occurrences.end(), isMarked)) {
         return true;
     }
     return rowSpeaks(event, state) && !event.Dismissed.isZero() &&
@@ -156,12 +176,12 @@ void recordSnooze(EventState& state, const ActOn& act, DateTime until) {
 void recordDismiss(EventState& state, const ActOn& act, DismissMode mode) {
     OccurrenceState& entry = begin(state, act);
     if (mode == DismissMode::All) {
-        entry.muted = Muted::ForEver;
+        muteForEver(entry, act);
     } else if (mode == DismissMode::AllButAfter && entry.muted == Muted::No) {
         entry.muted = Muted::ThroughStart;
     }
 }
 
-void recordDone(EventState& state, const ActOn& act) { begin(state, act).muted = Muted::ForEver; }
+void recordDone(EventState& state, const ActOn& act) { muteForEver(begin(state, act), act); }
 
 }  // namespace vl

@@ -1,6 +1,8 @@
 // What an act of the user changes in what is known of an event.
 #pragma once
 
+#include <span>
+
 #include "app/TimeZone.h"
 #include "base/DateTime.h"
 #include "events/LedgerState.h"
@@ -19,7 +21,8 @@ struct ActOn {
     const calEvent& event;
     DateTime start;
     DateTime now;
-    TimeZone zone;  ///< the computer's
+    TimeZone zone;                            ///< the computer's
+    std::span<const DateTime> replaced = {};  ///< starts that exceptions have taken over, ascending
 };
 
 /// What the row says, while it speaks: see `rowSpeaks`.
@@ -29,8 +32,13 @@ struct RowSays {
     DateTime silentThrough;  ///< else it was dismissed at this time; 0: no
 };
 /// Local times. A next reminder later than the dismissal is a snooze of the last occurrence whose
-/// first reminder is not later.
-RowSays rowSays(const calEvent& event, const RowWord& word);
+/// first reminder is not later; what exceptions have `replaced` is no occurrence.
+RowSays rowSays(const calEvent& event, const RowWord& word, std::span<const DateTime> replaced);
+
+/// Whether a reminder, or a snooze, of the occurrence that begins at `start` is dismissed by what
+/// the row says: of a single event all, unless the host has written it since; of a series what had
+/// begun to remind by then. Local times.
+bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, DateTime time);
 
 /// Whether a reminder of the occurrence that begins at `start` comes at `time` by the event's
 /// schedule. Local times.

@@ -138,6 +138,10 @@ public:
     /// another one's place in `mCol` is looked at anyway.
     void LookAgain(std::string_view GUID);
 
+    /// The starts of a series that exceptions have taken over, as of the last question for what is
+    /// pending; ascending.
+    std::span<const DateTime> Replaced(const calEvent& event) const;
+
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.
     std::shared_ptr<GenCollection> EventCol(DateTime FromDate, DateTime ToDate);

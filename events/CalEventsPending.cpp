@@ -62,6 +62,18 @@ const DueBook::Found* seriesOf(const calEvent& exception, const std::vector<DueB
     return other;
 }
 
+// It stands in the list with the reminder of that time; what fell due from `since` on, a moment,
+// may not have been shown.
+void recordListed(EventState& state, const calEvent& event, DateTime start, DateTime time,
+                  DateTime since) {
+    OccurrenceState& entry = state.at(event.ToWall(start));
+    entry.end = event.ToWall(event.EndOf(start));
+    entry.listed = event.ToMoment(time);
+    state.openSince = since;
+    state.openOf = event.IsRepeating() ? event.ToWall(event.StartDateTime) : DateTime();
+    state.newlyMet = false;
+}
+
 }  // namespace
 
 void CalEvents::UseLedger(Ledger& ledger, std::function<bool(std::string_view)> isListed) {
@@ -123,11 +135,7 @@ void CalEvents::noteMoved() {
                                for (OccurrenceState& one : state.occurrences) {
                                    one.listed = DateTime();
                                }
-                               OccurrenceState& entry = state.at(event->ToWall(due.instance));
-                               entry.end = event->ToWall(event->EndOf(due.instance));
-                               entry.listed = event->ToMoment(due.time);
-                               state.openSince = since;
-                               state.newlyMet = false;
+                               recordListed(state, *event, due.instance, due.time, since);
                            }});
     }
     if (!changes.empty()) {
@@ -152,11 +160,7 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
         const DateTime start = event->InstanceStart;
         const DateTime since = book_->openSince(*event);
         changes.push_back({event->GUID, [event, time, start, since](EventState& state) {
-                               OccurrenceState& entry = state.at(event->ToWall(start));
-                               entry.end = event->ToWall(event->EndOf(start));
-                               entry.listed = event->ToMoment(time);
-                               state.openSince = since;
-                               state.newlyMet = false;
+                               recordListed(state, *event, start, time, since);
                            }});
         if (const auto own = mCol ? objectAt<calEvent>(*mCol, event->GUID) : nullptr) {
             own->dLastReminder = time;
@@ -175,6 +179,10 @@ bool CalEvents::RecordListed(calEvent& event) const {
     }
     recordDue(event, {event.FromWall(one->start), event.FromMoment(one->listed)});
     return true;
+}
+
+std::span<const DateTime> CalEvents::Replaced(const calEvent& event) const {
+    return book_->replaced(event);
 }
 
 void CalEvents::LookAgain(std::string_view GUID) {

@@ -26,15 +26,30 @@ bool reTimed(const calEvent& before, const calEvent& now) {
            before.ISRecurrenceExceptionDeleted != now.ISRecurrenceExceptionDeleted;
 }
 
-// Under a start that a single event had before the host moved it, and not under the one it has.
+// Of a series, the wall time at which it begins: by this one tells that the host has moved it.
+DateTime startOf(const calEvent& event) {
+    return event.IsRepeating() ? event.ToWall(event.StartDateTime) : DateTime();
+}
+
+bool isOccurrence(const calEvent& event, DateTime wall) {
+    const DateTime start = event.FromWall(wall);
+    return event.IsRepeating() ? !event.ICalRecEvents(start, start, 1).empty()
+                               : wall == event.ToWall(event.StartDateTime);
+}
+
+// Under a start that it had before the host moved it, and under none that it has.
 bool isListedElsewhere(const calEvent& event, const EventState* state) {
-    if (event.IsRepeating() || state == nullptr) {
+    if (state == nullptr) {
         return false;
     }
-    const OccurrenceState* here = state->find(event.ToWall(event.StartDateTime));
-    return (here == nullptr || here->listed.isZero()) &&
-           std::any_of(state->occurrences.begin(), state->occurrences.end(),
-                       [](const OccurrenceState& one) { return !one.listed.isZero(); });
+    bool isListed = false;
+    for (const OccurrenceState& one : state->occurrences) {
+        if (!one.listed.isZero() && isOccurrence(event, one.start)) {
+            return false;
+        }
+        isListed = isListed || !one.listed.isZero();
+    }
+    return isListed;
 }
 
 // Its user wants it to count as newly met, and it has not been listed since.
@@ -116,6 +131,14 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
             // A series may be one of which the ledger knows.
             exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
         }
+        if (event && !starting && slot.firstMet && !event->Modified.isZero() &&
+            event->Modified <= lastFrom_) {
+            // It was there before the last question, which its read has missed: to the second.
+            const bool isMoved = slot.sinceOf != startOf(*event);
+            slot.since =
+                isMoved || slot.since.isZero() ? lastFrom_ : std::min(slot.since, lastFrom_);
+            slot.sinceOf = startOf(*event);
+        }
         slot.event = std::move(event);
         slots_[i] = std::move(slot);
     }
@@ -194,7 +217,9 @@ void DueBook::markChanged(const Asked& asked) {
 // From when on reminders of the event may be left.
 DateTime DueBook::sinceOf(const Slot& slot, const EventState* state, DateTime asked) const {
     const calEvent& event = *slot.event;
-    const DateTime since = slot.since.isZero() ? asked : std::min(slot.since, asked);
+    // A series that the host has moved since has other times.
+    const bool isMoved = slot.sinceOf != startOf(event);
+    const DateTime since = slot.since.isZero() || isMoved ? asked : std::min(slot.since, asked);
     const DateTime noted = slot.asked ? DateTime() : notedOpenSince(event, state);
     return noted.isZero() ? since : std::min(since, noted);
 }
@@ -212,6 +237,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     const DueAnswer answer = askDue(event, facts, question);
     const bool pending = answer.taken.has_value();
     slot.since = pending ? answer.since : DateTime();
+    slot.sinceOf = startOf(event);
     slot.next = answer.next;
     slot.look = false;
     slot.firstMet = false;
@@ -279,9 +305,9 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
             slot.quiet = false;
         }
         if (isToBeAsked(slot, asked)) {
-            const std::size_t before = found.size();
+            const std::size_t before = found.size() + moved_.size();
             attempt([&] { askOne(slot, asked, found); });
-            if (found.size() > before) {
+            if (found.size() + moved_.size() > before) {
                 found_[slot.hash] = i;
             }
         }

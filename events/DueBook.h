@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -43,8 +44,8 @@ public:
     /// What is to be taken, and of the listed events what is due again, in the order of time.
     std::vector<Found> ask(const GenCollection& events, const Asked& asked);
 
-    /// Of the last `ask`: single events that stand in the list as they were before the host moved
-    /// them, with what is pending of them now. What is listed is this from now on.
+    /// Of the last `ask`: events that stand in the list as they were before the host moved them,
+    /// with what is pending of them now. What is listed is this from now on.
     const std::vector<Found>& moved() const { return moved_; }
 
     /// The event is looked at in the next check.
@@ -53,6 +54,9 @@ public:
     /// From when on reminders of the event may have been missed because of those that are pending:
     /// for `EventState::openSince`.
     DateTime openSince(const calEvent& event) const;
+
+    /// The starts of a series that exceptions have taken over, as of the last `ask`.
+    std::span<const DateTime> replaced(const calEvent& event) const { return replaced_.of(event); }
 
     struct Left {
         SeriesName series;
@@ -67,6 +71,7 @@ private:
         std::uint64_t hash = 0;  // of the GUID
         DateTime next;           // nothing is pending before this; 0: never
         DateTime since;          // see `openSince`; 0: nothing is pending
+        DateTime sinceOf;        // of a series: the wall time at which it began then
         bool look = true;
         bool firstMet = true;  // since the last check, or re-timed
         bool asked = false;    // in this run

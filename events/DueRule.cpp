@@ -81,7 +81,7 @@ public:
         rowSpeaks_ = live.saysAnything() && rowSpeaks(event, facts.state);
         const RowWord& word = rowSpeaks_ ? live : state_.word;
         if (word.saysAnything()) {
-            says_ = rowSays(event, word);
+            says_ = rowSays(event, word, facts.replaced);
         }
     }
 
@@ -95,7 +95,7 @@ public:
 
     /// Whether a scheduled reminder of the occurrence is still to be shown.
     bool isOpen(DateTime start, DateTime time) const {
-        if (isReplaced(start) || time < says_.snoozed || isSilenced(start, time)) {
+        if (isReplaced(start) || time < says_.snoozed || isSilenced(event_, says_, start, time)) {
             return false;
         }
         if (state_.occurrences.empty() && state_.endedBefore.isZero()) {
@@ -144,7 +144,7 @@ public:
         for (const OccurrenceState& one : state_.occurrences) {
             const DateTime start = startOf(one);
             const DateTime time = localSnooze(one);
-            const bool silenced = rowSpeaks_ && time <= says_.silentThrough;
+            const bool silenced = rowSpeaks_ && isSilenced(event_, says_, start, time);
             if (!time.isZero() && !silenced && !isGone(start) &&
                 !(fromRow && start == says_.occurrence)) {
                 visit(start, time);
@@ -191,18 +191,6 @@ private:
     // A snooze stays when the series is re-timed; only who takes its occurrence away ends it.
     bool isGone(DateTime start) const {
         return repeats_ && (isReplaced(start) || event_.IsExcluded(start));
-    }
-
-    // By what another program has said in the row.
-    bool isSilenced(DateTime start, DateTime time) const {
-        const DateTime through = says_.silentThrough;
-        if (through.isZero()) {
-            return false;
-        }
-        if (repeats_) {
-            return start.addMinutes(-std::int64_t{event_.RemindersMaxOffsetMin}) <= through;
-        }
-        return time <= through || event_.Modified <= through;
     }
 
     // By a clock that was more than a day ahead: nothing that it said of the time holds.
@@ -408,9 +396,12 @@ DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion
 }
 
 DateTime notedOpenSince(const calEvent& event, const EventState* state) {
-    const bool isNoted =
-        state != nullptr && !state->openSince.isZero() &&
-        (event.IsRepeating() || state->find(event.ToWall(event.StartDateTime)) != nullptr);
+    if (state == nullptr || state->openSince.isZero()) {
+        return {};
+    }
+    const DateTime wall = event.ToWall(event.StartDateTime);
+    const bool isNoted = event.IsRepeating() ? state->openOf.isZero() || state->openOf == wall
+                                             : state->find(wall) != nullptr;
     return isNoted ? event.FromMoment(state->openSince) : DateTime();
 }
 

@@ -25,8 +25,8 @@ std::uint64_t guidHash(std::string_view GUID);
 ///
 ///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
-///     "acted":,"reminder":,"spared":true}],
-///    "endedBefore":,"openSince":,"acted":,"said":{"NextReminder":,"Dismissed":},
+///     "acted":,"reminder":,"local":,"spared":true}],
+///    "endedBefore":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
 ///    "newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken

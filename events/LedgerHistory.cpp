@@ -14,6 +14,9 @@ bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTim
         return true;
     }
     const EventState* state = ledger_.find(db_.DBFullName, event.GUID);
+    if (state != nullptr && state->newlyMet && !uncheckedSince.isZero()) {
+        return true;  // an earlier run has left it so: no check has asked for it since
+    }
     const TimeZone here = TimeZone::local();
     std::vector<DateTime> replaced;
     if (event.IsRepeating()) {

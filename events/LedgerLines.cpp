@@ -43,6 +43,7 @@ Json occurrenceJson(const OccurrenceState& one) {
     put(json, "listed", one.listed);
     put(json, "acted", one.acted);
     put(json, "reminder", one.reminder);
+    put(json, "local", one.local);
     if (one.spared) {
         json["spared"] = true;
     }
@@ -58,6 +59,7 @@ OccurrenceState occurrenceOf(const Json& json) {
     one.listed = time(json, "listed");
     one.acted = time(json, "acted");
     one.reminder = time(json, "reminder");
+    one.local = time(json, "local");
     one.spared = json.value("spared", false);
     for (const auto& [muted, name] : kMutedNames) {
         if (json.value("muted", "") == name) {
@@ -107,6 +109,7 @@ void takeEvent(Content& content, const Json& json) {
     }
     state.endedBefore = time(json, "endedBefore");
     state.openSince = time(json, "openSince");
+    state.openOf = time(json, "openOf");
     state.acted = time(json, "acted");
     const Json said = json.value("said", Json::object());
     state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
@@ -177,6 +180,7 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     }
     put(json, "endedBefore", state.endedBefore);
     put(json, "openSince", state.openSince);
+    put(json, "openOf", state.openOf);
     put(json, "acted", state.acted);
     if (state.word.saysAnything()) {
         put(json["said"], "NextReminder", state.word.NextReminder);

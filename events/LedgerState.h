@@ -52,6 +52,9 @@ struct OccurrenceState {
     bool spared = false;  ///< it was snoozed when those around it were ended
     DateTime acted;       ///< in UTC; when the last act on it was
     DateTime reminder;    ///< the moment of the reminder that this act was on; 0: it showed none
+    /// The local start in the row, when it was muted for ever; 0 where the event has no zone of its
+    /// own, for which `start` says it.
+    DateTime local;
 
     /// False: the same as if there were no entry.
     bool saysAnything() const {
@@ -86,6 +89,9 @@ struct EventState {
     /// A moment: what fell due from here on may not have been shown, since another reminder of the
     /// event stood in the list.
     DateTime openSince;
+    /// Of a series: the wall time at which it began then. One that the host has moved since has
+    /// other times.
+    DateTime openOf;
     DateTime acted;  ///< local; when the last act was
     /// It counts as newly met until it is listed: what came before its user reactivated it is
     /// asked for again, also by the next run.

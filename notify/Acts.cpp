@@ -108,7 +108,7 @@ void Acts::noteChange(const std::string& GUID) {
 
 ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
     const DateTime start = row.InstanceStart.isZero() ? event.StartDateTime : row.InstanceStart;
-    return {event, start, clock_.now(), TimeZone::local()};
+    return {event, start, clock_.now(), TimeZone::local(), reminders_.Replaced(event)};
 }
 
 // An event that is to be shown again is not all done, though a view may still have it from before,
@@ -209,7 +209,10 @@ void Acts::Hide(const ActRow& row, bool hidden) {
     attempt([&] {
         calEvent wanted(*EventOf(row));
         wanted.Hidden = hidden;
-        apply(row, hidden ? "hide" : "unhide", wanted, {kHidden}, [](EventState&) {});
+        // Without a time the ledger would take it for one of long ago, and drop it at a restart.
+        const DateTime now = clock_.now();
+        apply(row, hidden ? "hide" : "unhide", wanted, {kHidden},
+              [&](EventState& state) { state.acted = now; });
     });
 }
 

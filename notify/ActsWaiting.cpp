@@ -36,10 +36,21 @@ bool isStillDone(const calEvent& event, const EventState& state) {
     return one != nullptr && one->muted == Muted::ForEver;
 }
 
-// Whether that text is still to be written into the event's column.
+// The last act was to have a finished event shown again: there are few of these.
+bool isToComeBack(const EventState& state) {
+    const ColumnNote* status = state.note(kStatus);
+    return status != nullptr && status->after != kAllDone &&
+           (state.newlyMet || std::any_of(state.occurrences.begin(), state.occurrences.end(),
+                                          [](const auto& one) { return !one.snoozed.isZero(); }));
+}
+
+// Whether that text is still to be written into the event's column. Where another program has put
+// a word of its own into the row, ours is none any more, although a column may be as it was.
 bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
     const ColumnNote* note = state.note(column);
+    const bool isWord = column == kNextReminder || column == kDismissed;
     return note != nullptr && note->waits(columnText(event, column)) &&
+           !(isWord && rowSpeaks(event, &state)) &&
            (column != kStatus || note->after != kAllDone || isStillDone(event, state));
 }
 
@@ -213,6 +224,9 @@ void Acts::findLeftOver() {
         }
         auto event = heldBy(period_.mCol, one.GUID);
         event = event ? event : heldBy(reminders_.mCol, one.GUID);
+        if (!event && isToComeBack(one.state)) {
+            event = period_.EventByGUID(one.GUID);  // its row may still say that it is all done
+        }
         if (event && one.state.deleting) {
             enqueueDeletion(*event);
             continue;

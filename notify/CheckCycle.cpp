@@ -12,8 +12,6 @@ namespace {
 
 // Days that the program can have been off without missing a reminder.
 constexpr int kLongestOff = 30;
-// So much ahead the last check may lie by the right clock: an hour comes twice when clocks go back.
-constexpr int kMostAheadMinutes = 65;
 
 /// Sets a flag for the time of a scope.
 class Raised {
@@ -56,7 +54,8 @@ void CheckCycle::ReadAtStart() {
     history_.isMet = [last](const calEvent& event) {
         return last.isZero() || event.Modified < last;
     };
-    readAtStart(reminders_, period_, &history_);
+    // What an earlier run could not write is found while its event is there: it may be finished.
+    readAtStart(reminders_, period_, &history_, [this] { acts_.RestoreWaiting(); });
     history_.uncheckedSince = DateTime();
     history_.isMet = [this](const calEvent& event) {
         return reminders_.mCol && objectAt<calEvent>(*reminders_.mCol, event.GUID).get() == &event;
@@ -154,15 +153,7 @@ DateTime CheckCycle::lastAsked() const {
     }
     const DateTime today = clock_.today();
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
-    if (last.isZero()) {
-        return today;
-    }
-    const DateTime longAgo = today.addDays(-kLongestOff);
-    // By a clock that was ahead: since when the program was off, nobody knows.
-    if (last > clock_.now().addMinutes(kMostAheadMinutes)) {
-        return longAgo;
-    }
-    return std::min(today, std::max(last, longAgo));
+    return last.isZero() ? today : std::min(today, std::max(last, today.addDays(-kLongestOff)));
 }
 
 // What another copy of the program, or a command, has dealt with leaves the list here, too.

@@ -38,9 +38,8 @@ public:
 
     /// What fell due from here on may not have been seen: the last check, or for the first one of a
     /// run midnight, or the last check of an earlier run when that lies before it, at most 30 days
-    /// back; these 30 days where that run's clock was ahead. A check that could not read the file
-    /// does not count. Where the computer's zone has changed since, it is the earlier of the same
-    /// time and the same moment.
+    /// back. A check that could not read the file does not count. Where the computer's zone has
+    /// changed since, it is the earlier of the same time and the same moment.
     DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets, and purges their

@@ -18,8 +18,10 @@ bool readAgain(CalEvents& set, bool Reload, bool IncludeAllDone) {
     return false;
 }
 
-void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history) {
+void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history,
+                 const std::function<void()>& whenRead) {
     readAgain(period, true, false);
+    whenRead();
     period.UpdateAllDone(history);
     period.RemoveAllDone();
     readAgain(period, false, false);

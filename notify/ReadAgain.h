@@ -1,6 +1,8 @@
 // Reading a set again without losing it.
 #pragma once
 
+#include <functional>
+
 namespace vl {
 
 class CalEvents;
@@ -13,8 +15,9 @@ class EventHistory;
 bool readAgain(CalEvents& set, bool Reload, bool IncludeAllDone);
 
 /// What the program does once when it starts: reads the events, marks what is finished as all done,
-/// leaves that out, and reads what was changed meanwhile; both sets then hold the same. Never
-/// throws.
-void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history);
+/// leaves that out, and reads what was changed meanwhile; both sets then hold the same. `whenRead`
+/// is called while `period` still has what is finished. Never throws.
+void readAtStart(CalEvents& reminders, CalEvents& period, EventHistory* history,
+                 const std::function<void()>& whenRead);
 
 }  // namespace vl

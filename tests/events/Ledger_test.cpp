@@ -56,8 +56,10 @@ TEST_F(LedgerFile, KeepsEveryPartOverARestart) {
     muted.muted = Muted::ThroughStart;
     muted.listed = at(10, 45);
     all.at(at(12, 0)).muted = Muted::ForEver;
+    all.at(at(12, 0)).local = at(13, 0);
     all.endedBefore = at(9, 0);
     all.openSince = at(8, 0);
+    all.openOf = at(8, 30);
     all.newlyMet = true;
     all.word = {at(7, 0), at(6, 0)};
     all.row["status"] = {{"", "a \"b\""}, "AllDone"};

@@ -313,5 +313,84 @@ TEST_F(DeletionThatFails, WhatFellDueWhileItWaitedIsShown) {
     EXPECT_EQ(desk.check(at(12, 0, 20, 24)), "A 09:45");
 }
 
+// What the act was on may be finished when the next run begins.
+TEST_F(OnFile, TheRowOfWhatIsFinishedMeanwhileIsStillWritten) {
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.check(at(9, 0, 0, 21));
+    desk.takeFileAway();
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    desk.program.reset();
+    desk.bringFileBack();
+    EXPECT_EQ(desk.check(at(9, 0, 0, 23)), "");
+    EXPECT_EQ(desk.file.value("A", "status"), Variant("AllDone"));
+    EXPECT_EQ(desk.file.value("A", "Dismissed"), Variant(at(9, 0, 0, 21)));
+}
+
+// The incremental read of the next check goes by the stamp, and passes it over.
+TEST_F(OnFile, WhatTheHostWritesInTheSecondOfACheckIsNotLostWhenTheMachineThenSleeps) {
+    EXPECT_EQ(desk.check(at(9, 0)), "");
+    desk.put(single("A", at(10, 0), {15}));
+    desk.put(series("B", at(11, 0), "FREQ=DAILY;COUNT=1", {15}));
+    EXPECT_EQ(desk.check(at(9, 0, 0, 22)), "");
+    EXPECT_EQ(desk.check(at(9, 0, 10, 22)), "A 09:45, B 10:45");
+    // What is entered after the sleep, and was over long before, is not asked for.
+    desk.put(single("C", at(10, 0, 0, 21), {15}));
+    EXPECT_EQ(desk.check(at(9, 0, 20, 22)), "");
+    EXPECT_EQ(desk.check(at(9, 0, 30, 22)), "");
+}
+
+TEST_F(OnFile, WhatIsHiddenWhileNobodyCanWriteIsHiddenAlsoAfterTwoRestarts) {
+    desk.put(single("A", at(12, 0), {15}));
+    desk.check(at(9, 0));
+    desk.check(at(9, 0, 10));
+    desk.takeFileAway();
+    const auto event = objectAt<calEvent>(*desk.program->period.mCol, "A");
+    desk.program->acts.Hide({event, at(12, 0), DateTime()});
+    desk.start();
+    desk.start();
+    desk.bringFileBack();
+    desk.check(at(9, 1));
+    EXPECT_EQ(desk.file.value("A", "Hidden"), Variant(true));
+}
+
+// One of its columns is then as it was before our act.
+TEST_F(OnFile, WhatIsDismissedElsewhereAfterASnoozeHereStaysSoAfterARestart) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 45));
+    desk.program->acts.Snooze(desk.listed.at("A"), 60);
+    desk.check(at(9, 46));
+    desk.file.change("A",
+                     {{"NextReminder", Variant(DateTime())}, {"Dismissed", Variant(at(9, 47))}});
+    desk.check(at(9, 48));
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 49)), "");
+    EXPECT_EQ(desk.check(at(11, 0)), "");
+    EXPECT_EQ(desk.file.value("A", "NextReminder"), Variant(Null{}));
+}
+
+// As long as its row is not written, it says that the event is all done, and nobody reads it.
+TEST_F(OnFile, WhatIsSnoozedOrReactivatedAfterItWasDoneComesAlsoWhenThatRunCouldNotWrite) {
+    for (const bool snoozed : {false, true}) {
+        SCOPED_TRACE(snoozed);
+        FileDesk fresh;
+        fresh.put(single("A", at(10, 0), {15}));
+        fresh.check(at(9, 45));
+        const ActRow row = fresh.listed.at("A");
+        fresh.program->acts.Dismiss(row, DismissMode::This, true);
+        fresh.takeFileAway();
+        if (snoozed) {
+            fresh.program->acts.Snooze(row, 60);
+        } else {
+            fresh.program->acts.Reactivate(row);
+        }
+        fresh.program.reset();
+        fresh.bringFileBack();
+        fresh.check(at(10, 45));
+        EXPECT_EQ(fresh.file.value("A", "status").value_or(Variant(Null{})), Variant(""));
+        EXPECT_EQ(fresh.check(at(10, 45, 10)), snoozed ? "A 10:45" : "A 09:45");
+    }
+}
+
 }  // namespace
 }  // namespace vl

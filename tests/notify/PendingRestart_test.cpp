@@ -158,5 +158,40 @@ TEST_F(PendingRestart, WhatWasMovedIntoThePastHasNoOldReminders) {
     }
 }
 
+TEST_F(PendingRestart, ASeriesThatTheHostHasMovedHasNoOldReminders) {
+    for (const bool restarts : {false, true}) {
+        SCOPED_TRACE(restarts);
+        Desk fresh;
+        fresh.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+        fresh.run(at(9, 45));
+        fresh.check(at(8, 0, 0, 22));
+        fresh.change("A", [](calEvent& e) {
+            e.StartDateTime = at(16, 0);
+            e.EndDateTime = at(16, 30);
+        });
+        fresh.check(at(8, 0, 10, 22));
+        if (restarts) {
+            fresh.start();
+        } else {
+            fresh.dismiss("A");
+        }
+        EXPECT_EQ(fresh.check(at(8, 0, 20, 22)), "") << "none of them was ever due";
+        EXPECT_EQ(fresh.run(at(15, 45, 0, 22), 60), "A 22 16:00 (22 15:45)");
+    }
+}
+
+TEST_F(PendingRestart, ASeriesThatWasMovedWhileItWasListedIsListedAsWhatItIsNow) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+    desk.run(at(9, 45));
+    desk.check(at(23, 0));
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(16, 0);
+        e.EndDateTime = at(16, 30);
+    });
+    EXPECT_EQ(desk.check(at(23, 0, 10)), "") << "it stands in the list";
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 0, 0, 21)), "A 20 16:00 (20 15:45)") << "of the day of the move";
+}
+
 }  // namespace
 }  // namespace vl

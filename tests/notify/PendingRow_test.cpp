@@ -90,5 +90,37 @@ TEST_F(PendingRow, AHostThatClearsBothColumnsSaysNothing) {
     EXPECT_EQ(desk.run(at(10, 15)), "A 20 10:00 (20 10:15)");
 }
 
+TEST_F(PendingRow, WhatIsDismissedElsewhereIsNoMoreSnoozedHere) {
+    for (const bool repeats : {false, true}) {
+        SCOPED_TRACE(repeats);
+        Desk fresh;
+        fresh.put(repeats ? series("A", at(10, 0), "FREQ=DAILY", {15})
+                          : single("A", at(10, 0), {15}));
+        fresh.run(at(9, 45));
+        fresh.snooze("A", 60);
+        fresh.change("A", [](calEvent& e) {
+            e.NextReminder = DateTime();
+            e.Dismissed = at(9, 50);
+        });
+        EXPECT_EQ(fresh.run(at(12, 0), 60), "");
+        fresh.start();
+        EXPECT_EQ(fresh.run(at(9, 45, 0, 21), 60), repeats ? "A 21 10:00 (21 09:45)" : "");
+    }
+}
+
+TEST_F(PendingRow, ASnoozeInTheRowIsOfAnOccurrenceThatNoExceptionHasReplaced) {
+    const auto master = series("M", at(10, 0, 0, 19), "FREQ=DAILY", {15});
+    master->NextReminder = at(11, 0);
+    auto exception = single("X", at(16, 0), {15});
+    exception->RecurrenceState = 3;
+    exception->recurringEventId = master->id;
+    exception->RExceptionStartTimeOrig = at(10, 0);
+    desk.put(master);
+    desk.put(exception);
+    EXPECT_EQ(desk.run(at(11, 0)), "M 19 10:00 (20 11:00)");
+    desk.snooze("M", 30);
+    EXPECT_EQ(desk.run(at(11, 30)), "M 19 10:00 (20 11:30)");
+}
+
 }  // namespace
 }  // namespace vl

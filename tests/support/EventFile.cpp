@@ -144,6 +144,18 @@ void EventFile::change(const std::string& GUID, const Values& values) {
     });
 }
 
+std::optional<Variant> EventFile::value(const std::string& GUID, std::string_view column) {
+    auto db = jet::Database::open(path_, jet::Access::Read);
+    const jet::Table table = db.table("Reminders");
+    const auto id = find(table, GUID);
+    if (!id) {
+        return std::nullopt;
+    }
+    jet::RowCursor cursor = table.rows({*id});
+    cursor.next();
+    return cursor.value(columnNamed(table, column));
+}
+
 void EventFile::remove(const std::string& GUID) {
     write([&](jet::Table& table) {
         if (const auto id = find(table, GUID)) {

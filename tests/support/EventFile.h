@@ -30,6 +30,8 @@ public:
     /// Columns of one row.
     using Values = std::vector<std::pair<std::string, Variant>>;
     void change(const std::string& GUID, const Values& values);
+    /// One column of a row; none when the row is not there.
+    std::optional<Variant> value(const std::string& GUID, std::string_view column);
     /// The row itself goes. It may be gone already.
     void remove(const std::string& GUID);
     bool has(const std::string& GUID) const { return rows_.contains(GUID); }
