@@ -81,6 +81,7 @@ TEST_F(ColumnNeeds, AFieldIsAsWideAsItsLongestWordButNoSentence) {
 TEST_F(ColumnNeeds, OfTenThousandRowsTakeNoTime) {
     model.setNow(someFriday());
     std::vector<GridRow> rows;
+    rows.reserve(10'000);
     for (int i = 0; i < 10'000; ++i) {
         rows.push_back(reminderRow("{" + std::to_string(i) + "}", "Reminder", i));
     }
