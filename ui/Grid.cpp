@@ -246,12 +246,24 @@ void Grid::changeEvent(QEvent* event) {
 
 void Grid::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
+        // Held down, a key acts once: the next row it would be about nobody has looked at yet.
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            emit openAsked();
+            if (!event->isAutoRepeat()) {
+                emit openAsked();
+            }
             break;
         case Qt::Key_Delete:
-            emit dismissAsked(event->modifiers().testFlag(Qt::ShiftModifier));
+            if (!event->isAutoRepeat()) {
+                emit dismissAsked(event->modifiers().testFlag(Qt::ShiftModifier));
+            }
+            break;
+        case Qt::Key_F10:
+            if (event->modifiers() == Qt::ShiftModifier) {  // for who has no menu key
+                emit menuAsked(menuPlace());
+                break;
+            }
+            QTreeView::keyPressEvent(event);
             break;
         default:
             QTreeView::keyPressEvent(event);
@@ -262,13 +274,15 @@ void Grid::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+// Below the row that it is about.
+QPoint Grid::menuPlace() const {
+    const QRect row = visualRect(currentIndex()) & viewport()->rect();
+    return viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft());
+}
+
 void Grid::contextMenuEvent(QContextMenuEvent* event) {
-    QPoint at = event->globalPos();
-    if (event->reason() == QContextMenuEvent::Keyboard) {  // below the row that it is about
-        const QRect row = visualRect(currentIndex()) & viewport()->rect();
-        at = viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft());
-    }
-    emit menuAsked(at);
+    emit menuAsked(event->reason() == QContextMenuEvent::Keyboard ? menuPlace()
+                                                                  : event->globalPos());
 }
 
 // Who comes by the keyboard finds a row that the buttons are about.

@@ -75,6 +75,7 @@ private:
     void measureSoon();
     void fit();
     void setWidths(const ColumnLayout& layout);
+    QPoint menuPlace() const;
     void onRowAsked(const QModelIndex& at);
     Place place() const;
     void restore(const Place& place);

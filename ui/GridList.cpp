@@ -79,6 +79,32 @@ bool GridList::RemoveGUID(std::string_view GUID) {
     return removed;
 }
 
+// Each row that goes has what is selected collected anew.
+void GridList::RemoveGUIDs(const std::vector<std::string>& GUIDs) {
+    constexpr std::size_t kFew = 8;
+    if (GUIDs.size() <= kFew) {
+        for (const std::string& GUID : GUIDs) {
+            RemoveGUID(GUID);
+        }
+        return;
+    }
+    std::vector<char> goes(model_.rows().size(), 0);
+    for (const std::string& GUID : GUIDs) {
+        if (const auto row = model_.find(GUID)) {
+            goes[static_cast<std::size_t>(*row)] = 1;
+        }
+    }
+    std::vector<GridRow> left;
+    for (std::size_t i = 0; i < goes.size(); ++i) {
+        if (goes[i] == 0) {
+            left.push_back(model_.rows()[i]);
+        }
+    }
+    if (left.size() < goes.size()) {
+        setRows(std::move(left));
+    }
+}
+
 bool GridList::SelectGUID(std::string_view GUID) {
     const QModelIndex index = proxy_.indexOf(GUID);
     if (!index.isValid()) {

@@ -40,6 +40,8 @@ public:
     void putRow(GridRow row);
     /// Where that was the only selected row, the one that is current then is selected.
     bool RemoveGUID(std::string_view GUID);
+    /// The same for several, in one go where they are many.
+    void RemoveGUIDs(const std::vector<std::string>& GUIDs);
 
     /// Makes the row current, alone selected and visible. False when it is not shown.
     bool SelectGUID(std::string_view GUID);

@@ -66,6 +66,8 @@ protected:
             static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
             return QObject::eventFilter(watched, event);
         }
+        // Held down it clicks once: what comes next, nobody has seen yet.
+        button_.setShortcutAutoRepeat(static_cast<QShortcutEvent*>(event)->shortcutId(), false);
         if (button_.isCheckable()) {
             button_.setFocus(Qt::ShortcutFocusReason);
         }

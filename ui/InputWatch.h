@@ -18,8 +18,8 @@ void watchShortcuts(QWidget& control, std::function<void()> told);
 /// does the wheel give the control the focus any more.
 void handOnWheel(QWidget& control, std::function<void(const WheelTurn&)> turned);
 
-/// Its underlined letter clicks the button at once. Qt waits a tenth of a second, and clicks what
-/// the button has become meanwhile.
+/// Its underlined letter clicks the button at once, and once however long it is held. Qt waits a
+/// tenth of a second, and clicks what the button has become meanwhile.
 void clickAtOnce(QAbstractButton& button);
 
 }  // namespace vl

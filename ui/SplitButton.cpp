@@ -14,7 +14,10 @@ SplitButton::SplitButton(QWidget* parent) : QToolButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
     menu_.setObjectName("mnuDismiss");
     fillDismissMenu(menu_, *this);
-    connect(&menu_, &QMenu::aboutToShow, this, [this] { applyMenuLook(menu_); });
+    connect(&menu_, &QMenu::aboutToShow, this, [this] {
+        applyMenuLook(menu_);
+        emit menuOpening();
+    });
     setSplit(true);
 }
 

@@ -19,6 +19,7 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 signals:
+    void menuOpening();
     void quickChosen();
     void chooseChosen();
 

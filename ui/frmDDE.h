@@ -2,13 +2,16 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include <QDeadlineTimer>
 #include <QPointer>
 #include <QStringList>
 #include <QTimer>
@@ -65,6 +68,9 @@ struct WindowParts {
     std::string HelpBase;  ///< a help number is appended; empty where there is no help
     /// Whether the desktop shows tray icons. Without one the window is never hidden beyond reach.
     std::function<bool()> hasTray = &Tray::isThere;
+    /// So long after the window has come by itself it takes no key that acts on a row: it was meant
+    /// for what the user was at.
+    std::chrono::milliseconds keysRest{500};
     std::function<bool(std::string_view)> openDocument = &vl::openDocument;
     std::function<bool(const std::vector<std::string>&)> startProgram = &vl::startProgram;
     std::string Version;             ///< major.minor.revision
@@ -213,20 +219,37 @@ private:
     static void headingMenu(Grid& of, const QPoint& at);
 
     // acts on rows (frmDDEActs.cpp)
+    /// What a command is about: what was chosen when it was given. While a menu is open checks go
+    /// on and choose other rows, which the user has not meant.
+    struct Choice {
+        int tab = 0;
+        std::vector<ActRow> rows;
+        std::optional<ActRow> current;
+        bool dismisses = true;  ///< else the rows can only be reactivated
+        bool hides = true;      ///< else they are shown again
+    };
+    Choice choice() const;
+    Choice menuChoice();
+    void noteMenuChoice();
     DialogParts dialogParts();
-    void doSnooze();
-    void doHide();
+    void snoozeOrHide(const Choice& of);
+    void doSnooze(const Choice& of);
+    void doHide(const Choice& of);
+    void openAsked();
     void dismissAsked(bool choose);
-    void dismiss();
-    void chooseDismiss();
+    void dismissChosen(bool choose);
+    void dismiss(const Choice& of);
+    void chooseDismiss(const Choice& of);
     void fillDismiss(frmDismiss& dialog, const ActRow& row);
-    void reactivate();
+    void reactivate(const Choice& of);
+    void removeFromAll(const std::vector<ActRow>& rows);
     void leaveGrids(const std::vector<ActRow>& rows, int tab);
     void leaveEmptyList(int tab);
 
     // menus (frmDDEMenus.cpp)
     MessageScreen& boxes(const char* helpPlace);
     Maintenance maintenance();
+    void open(const Choice& of);
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
     void updateButtons();
@@ -270,6 +293,7 @@ private:
 
     // showing (frmDDEShow.cpp)
     bool bringDialogForward();
+    bool hasJustCome() const;
     void showWindow();
     void hideWindow();
     void minimize();
@@ -318,7 +342,9 @@ private:
     QPushButton* butHide = nullptr;
     std::array<Grid*, kGridCount> grids_{};
 
-    QStringList captions_;  // of the tabs, without counts
+    std::optional<Choice> menuChoice_;  // what the menu is about that was opened last
+    QDeadlineTimer justCame_;           // see `hasJustCome`
+    QStringList captions_;              // of the tabs, without counts
     QPointer<Grid> wheelTarget_;
     QPoint wheelPixels_;  // of devices that count in pixels
     QPoint wheelRest_;    // less than a pixel, see `takeScroll`

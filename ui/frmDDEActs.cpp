@@ -1,5 +1,7 @@
 // What the buttons do to rows. Rows are copied before anything is asked: while a box is open
 // checks go on and refill the grids.
+#include <utility>
+
 #include <QApplication>
 
 #include "base/ErrorState.h"
@@ -36,7 +38,34 @@ DismissMode modeOf(frmDismiss::Choice choice) {
     }
 }
 
+std::vector<std::string> GUIDsOf(const std::vector<ActRow>& rows) {
+    std::vector<std::string> GUIDs;
+    for (const ActRow& row : rows) {
+        GUIDs.push_back(row.event->GUID);
+    }
+    return GUIDs;
+}
+
 }  // namespace
+
+frmDDE::Choice frmDDE::choice() const {
+    Choice made;
+    made.tab = tab();
+    made.rows = actRows(selectedList().selectedRows());
+    if (const GridRow* row = selectedList().currentRow()) {
+        made.current = actRow(*row);
+    }
+    made.dismisses = state_.bIsDismiss;
+    made.hides = !isPeriod("H");
+    return made;
+}
+
+void frmDDE::noteMenuChoice() { menuChoice_ = choice(); }
+
+frmDDE::Choice frmDDE::menuChoice() {
+    const std::optional<Choice> noted = std::exchange(menuChoice_, std::nullopt);
+    return noted ? *noted : choice();
+}
 
 DialogParts frmDDE::dialogParts() {
     return {parts_.settings, parts_.clock, state_.bOnTop, [this](int page) { openHelp(page); }};
@@ -46,16 +75,19 @@ bool frmDDE::isNewRemindersTab() const { return tab() == kNewRemindersGrid; }
 
 void frmDDE::butSnooze_Click() {
     const ErrScope scope;
-    attempt([&] { isNewRemindersTab() ? doSnooze() : doHide(); });
+    attempt([&] { snoozeOrHide(choice()); });
 }
 
-void frmDDE::doSnooze() {
-    const int from = tab();
-    const GridRow* current = listOf(from).currentRow();
-    if (!current || bringDialogForward()) {
+void frmDDE::snoozeOrHide(const Choice& of) {
+    of.tab == kNewRemindersGrid ? doSnooze(of) : doHide(of);
+}
+
+void frmDDE::doSnooze(const Choice& of) {
+    if (!of.current || bringDialogForward()) {
         return;
     }
-    const ActRow row = actRow(*current);
+    const int from = of.tab;
+    const ActRow row = *of.current;
     const std::string GUID = row.event->GUID;
     frmSnooze dialog(dialogParts(), this);
     dialog.sTitle = snoozeTitle(row.event->Summary());
@@ -88,19 +120,15 @@ void frmDDE::leaveEmptyList(int tab) {
     SetIcon();
 }
 
-void frmDDE::doHide() {
-    const bool hide = !isPeriod("H");
-    const std::vector<ActRow> rows = actRows(selectedList().selectedRows());
+void frmDDE::doHide(const Choice& of) {
     {
         const Acts::Together together(acts_);
-        for (const ActRow& row : rows) {
-            acts_.Hide(row, hide);
+        for (const ActRow& row : of.rows) {
+            acts_.Hide(row, of.hides);
         }
     }
-    for (const ActRow& row : rows) {
-        for (const int index : {kAllRemindersGrid, kEventsGrid}) {
-            RemoveGUID(row.event->GUID, index);
-        }
+    for (const int index : {kAllRemindersGrid, kEventsGrid}) {
+        listOf(index).RemoveGUIDs(GUIDsOf(of.rows));
     }
     UpdateUI();
 }
@@ -109,43 +137,56 @@ void frmDDE::butDismiss_Click() {
     const ErrScope scope;
     attempt([&] {
         if (!state_.bIsDismiss) {
-            reactivate();
+            reactivate(choice());
         } else if (QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier)) {
-            chooseDismiss();
+            chooseDismiss(choice());
         } else {
-            dismiss();
+            dismiss(choice());
         }
     });
 }
 
-void frmDDE::dismissAsked(bool choose) {
-    const ErrScope scope;
-    if (state_.bIsDismiss) {
-        attempt([&] { choose ? chooseDismiss() : dismiss(); });
+void frmDDE::openAsked() {
+    if (!hasJustCome()) {
+        butOpen_Click();
     }
 }
 
-void frmDDE::dismiss() {
-    const int from = tab();
-    const std::vector<ActRow> rows = actRows(listOf(from).selectedRows());
+void frmDDE::dismissAsked(bool choose) {
+    const ErrScope scope;
+    if (state_.bIsDismiss && !hasJustCome()) {
+        attempt([&] { choose ? chooseDismiss(choice()) : dismiss(choice()); });
+    }
+}
+
+void frmDDE::dismissChosen(bool choose) {
+    const ErrScope scope;
+    attempt([&] {
+        const Choice of = menuChoice();
+        if (of.dismisses) {
+            choose ? chooseDismiss(of) : dismiss(of);
+        }
+    });
+}
+
+void frmDDE::dismiss(const Choice& of) {
     {
         const Acts::Together together(acts_);
-        for (const ActRow& row : rows) {
+        for (const ActRow& row : of.rows) {
             acts_.Dismiss(row, DismissMode::This);
         }
     }
-    leaveGrids(rows, from);
+    leaveGrids(of.rows, of.tab);
 }
 
-void frmDDE::chooseDismiss() {
+void frmDDE::chooseDismiss(const Choice& of) {
     if (bringDialogForward()) {
         return;
     }
-    const int from = tab();
     std::vector<ActRow> handled;
     QStringList kept;
     bool deleted = false;
-    for (const ActRow& row : actRows(listOf(from).selectedRows())) {
+    for (const ActRow& row : of.rows) {
         frmDismiss dialog(dialogParts(), this);
         fillDismiss(dialog, row);
         dialog.ShowModal();
@@ -167,7 +208,7 @@ void frmDDE::chooseDismiss() {
         }
         handled.push_back(row);
     }
-    leaveGrids(handled, from);
+    leaveGrids(handled, of.tab);
     if (deleted) {
         focusRows();
         ShowPopUp({"Items deleted...",
@@ -189,6 +230,16 @@ void frmDDE::fillDismiss(frmDismiss& dialog, const ActRow& row) {
     dialog.sEvent = event->SBMessage(row.InstanceStart, wordsOf(timeText_, now));
 }
 
+// Out of the lists first, all at once: thousands of rows would take minutes one by one.
+void frmDDE::removeFromAll(const std::vector<ActRow>& rows) {
+    for (const auto& each : lists_) {
+        each->RemoveGUIDs(GUIDsOf(rows));
+    }
+    for (const ActRow& row : rows) {
+        check_.RemoveGUIDAll(row.event->GUID);
+    }
+}
+
 // Off all lists. The views then take in again, dimmed, what they list of dismissed events: at
 // once, so that no row is seen to go and come back.
 void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
@@ -197,27 +248,22 @@ void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
     }
     state_.curEvent.reset();
     selectedGrid().keepScrollPlace([&] {
-        for (const ActRow& row : rows) {
-            check_.RemoveGUIDAll(row.event->GUID);
-        }
+        removeFromAll(rows);
         DoPeriod();
     });
     leaveEmptyList(tab);
 }
 
-void frmDDE::reactivate() {
-    const std::vector<ActRow> rows = actRows(selectedList().selectedRows());
+void frmDDE::reactivate(const Choice& of) {
     {
         const Acts::Together together(acts_);
-        for (const ActRow& row : rows) {
+        for (const ActRow& row : of.rows) {
             acts_.Reactivate(row);
         }
     }
     state_.curEvent.reset();
     if (isPeriod("Di")) {
-        for (const ActRow& row : rows) {
-            check_.RemoveGUIDAll(row.event->GUID);
-        }
+        removeFromAll(of.rows);
     }
     DoPeriod();
 }

@@ -9,6 +9,7 @@
 #include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolButton>
 
 #include "app/Settings.h"
 #include "base/ErrorState.h"
@@ -81,6 +82,9 @@ void frmDDE::build() {
     txtSearch->setPlaceholderText(tr("Search..."));
     txtSearch->setMaximumWidth(260);
     txtSearch->setClearButtonEnabled(true);
+    for (QToolButton* clear : txtSearch->findChildren<QToolButton*>()) {
+        clear->setAccessibleName(tr("Clear the search"));
+    }
     lblTime = named(new QLabel(this), "lblTime");
     buildGrids();
     lblStatus = named(new ElidedLabel(this), "lblStatus");
@@ -143,8 +147,9 @@ void frmDDE::wireControls() {
     connect(butHide, &QPushButton::clicked, this, &frmDDE::HideMe);
     connect(butSnooze, &QPushButton::clicked, this, &frmDDE::butSnooze_Click);
     connect(butDismiss, &SplitButton::clicked, this, &frmDDE::butDismiss_Click);
-    connect(butDismiss, &SplitButton::quickChosen, this, [this] { dismissAsked(false); });
-    connect(butDismiss, &SplitButton::chooseChosen, this, [this] { dismissAsked(true); });
+    connect(butDismiss, &SplitButton::menuOpening, this, &frmDDE::noteMenuChoice);
+    connect(butDismiss, &SplitButton::quickChosen, this, [this] { dismissChosen(false); });
+    connect(butDismiss, &SplitButton::chooseChosen, this, [this] { dismissChosen(true); });
     connect(butOpen, &QPushButton::clicked, this, &frmDDE::butOpen_Click);
     for (Grid* each : grids_) {
         wireGrid(*each);
@@ -158,7 +163,7 @@ void frmDDE::wireControls() {
 
 void frmDDE::wireGrid(Grid& each) {
     connect(&each, &Grid::columnsChanged, this, &frmDDE::columnsChanged);
-    connect(&each, &Grid::openAsked, this, &frmDDE::butOpen_Click);
+    connect(&each, &Grid::openAsked, this, &frmDDE::openAsked);
     connect(&each, &Grid::dismissAsked, this, &frmDDE::dismissAsked);
     connect(&each, &Grid::menuAsked, this, &frmDDE::gridMenu);
     connect(&each, &Grid::headingMenuAsked, this,
@@ -181,7 +186,8 @@ void frmDDE::wireKeys() {
     const auto* refresh = new QShortcut(Qt::Key_F5, this);
     connect(refresh, &QShortcut::activated, this, &frmDDE::mnuRefresh_Click);
     // The tray's menu is not there on every desktop.
-    const auto* exit = new QShortcut(QKeySequence::Quit, this);
+    // Some desktops have no key for "quit".
+    const auto* exit = new QShortcut(Qt::CTRL | Qt::Key_Q, this);
     connect(exit, &QShortcut::activated, this, &frmDDE::Exit);
     const auto* toSearch = new QShortcut(QKeySequence::Find, this);
     connect(toSearch, &QShortcut::activated, txtSearch, [this] { txtSearch->setFocus(); });

@@ -59,11 +59,14 @@ void frmDDE::mnuDeleteAll_Click() {
 
 void frmDDE::butOpen_Click() {
     const ErrScope scope;
-    const GridRow* row = selectedList().currentRow();
-    if (!row || bringDialogForward()) {
+    attempt([&] { open(choice()); });
+}
+
+void frmDDE::open(const Choice& of) {
+    if (!of.current || bringDialogForward()) {
         return;
     }
-    const std::string GUID = plainText(row->GUID);  // the box lets ticks refill the grid
+    const std::string GUID = of.current->event->GUID;  // the box lets ticks refill the grid
     const HostHelper host{programFolder(), parts_.startProgram, parts_.DebugMode};
     const bool started = OpenGUID(parts_.period, GUID, host, boxes(kHelpTrouble));
     parts_.db.CloseDB();
@@ -73,6 +76,7 @@ void frmDDE::butOpen_Click() {
 }
 
 void frmDDE::gridMenu(const QPoint& at) {
+    noteMenuChoice();
     QMenu menu(this);
     menu.setObjectName("mnuGrid");
     fillGridMenu(menu);
@@ -83,19 +87,22 @@ void frmDDE::gridMenu(const QPoint& at) {
 // What the buttons do, and the columns for who has no mouse.
 void frmDDE::fillGridMenu(QMenu& menu) {
     const auto add = [this, &menu](const char* name, const QString& text, const QAbstractButton* as,
-                                   void (frmDDE::*chosen)()) {
-        QAction* action = menu.addAction(text, this, chosen);
+                                   void (frmDDE::*chosen)(const Choice&)) {
+        QAction* action = menu.addAction(text, this, [this, chosen] {
+            const ErrScope scope;
+            attempt([&] { (this->*chosen)(menuChoice()); });
+        });
         action->setObjectName(name);
         action->setEnabled(as->isEnabled());
         return action;
     };
-    menu.setDefaultAction(add("mnuOpen", tr("&Open"), butOpen, &frmDDE::butOpen_Click));
+    menu.setDefaultAction(add("mnuOpen", tr("&Open"), butOpen, &frmDDE::open));
     menu.addSeparator();
-    add("mnuSnooze", butSnooze->text(), butSnooze, &frmDDE::butSnooze_Click);
+    add("mnuSnooze", butSnooze->text(), butSnooze, &frmDDE::snoozeOrHide);
     if (state_.bIsDismiss) {
         fillDismissMenu(menu, *butDismiss);
     } else {
-        add("mnuReactivate", butDismiss->text(), butDismiss, &frmDDE::butDismiss_Click);
+        add("mnuReactivate", butDismiss->text(), butDismiss, &frmDDE::reactivate);
     }
     menu.addSeparator();
     QMenu* columns = menu.addMenu(tr("&Columns"));

@@ -21,12 +21,18 @@ constexpr auto kIconMayTake = std::chrono::milliseconds(500);
 
 }  // namespace
 
+// A dialog that is open keeps the keys: its window could do nothing with them.
 void frmDDE::ShowNewReminders(std::string_view GUID) {
+    if (!isActiveWindow()) {
+        justCame_.setRemainingTime(parts_.keysRest);
+    }
     showWindow();
     selectTab(kNewRemindersGrid);
     grid(kNewRemindersGrid).scrollToTop();
-    grid(kNewRemindersGrid).setFocus();
     SelectGUID(GUID);
+    if (!bringDialogForward()) {
+        grid(kNewRemindersGrid).setFocus();
+    }
 }
 
 // Whoever asks for the window, or for another dialog, is first to answer the one that is open.
@@ -43,6 +49,8 @@ bool frmDDE::bringDialogForward() {
     return true;
 }
 
+bool frmDDE::hasJustCome() const { return !justCame_.hasExpired(); }
+
 void frmDDE::showWindow() {
     keepPlace();
     if (!isVisible()) {
@@ -51,7 +59,9 @@ void frmDDE::showWindow() {
     setWindowState(windowState() & ~Qt::WindowMinimized);  // a maximized one is maximized again
     show();
     raise();
-    activateWindow();
+    if (QApplication::activeModalWidget() == nullptr) {
+        activateWindow();
+    }
 }
 
 void frmDDE::hideWindow() {

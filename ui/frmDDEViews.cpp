@@ -48,6 +48,9 @@ void frmDDE::choosePeriod(std::string code) {
 void frmDDE::showPeriodAnew() {
     DoPeriod();
     focusRows();
+    if (isFurnished()) {
+        selectedGrid().showCurrentRow();  // the buttons are about it
+    }
 }
 
 int frmDDE::tab() const { return isFurnished() ? tabs->currentIndex() : kNewRemindersGrid; }

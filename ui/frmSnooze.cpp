@@ -32,6 +32,11 @@ constexpr auto kSnooze = "Snooze";
 constexpr auto kFirstSnooze = "15m";
 constexpr auto kUpdate = 1s;
 
+// A line break in a subject would be two boxes in the frame.
+QString onOneLine(QString text) {
+    return text.replace("\r\n", " ").replace('\r', ' ').replace('\n', ' ');
+}
+
 std::string trimmedText(const QComboBox& list) {
     return std::string(text::trimBlanks(plainText(list.currentText())));
 }
@@ -135,8 +140,10 @@ void frmSnooze::load() {
     bCancel = true;  // until it is left by another way: the program may end meanwhile
     FillCBO();
     sSnooze = parts_.settings.GetIni(kReminders, kSnooze, kFirstSnooze);
-    cboSnooze->setCurrentText(u' ' + qtText(sSnooze));
-    setWindowTitle(qtText(sTitle));
+    const QString offered = u' ' + qtText(sSnooze);
+    cboSnooze->setCurrentIndex(cboSnooze->findText(offered));  // what Down and F2 go on from
+    cboSnooze->setEditText(offered);
+    setWindowTitle(onOneLine(qtText(sTitle)));
     lblTime->setText(qtText(shortTimeText(parts_.clock.now())));
     adjustWindow(*this, parts_.bOnTop);
     showUntil();

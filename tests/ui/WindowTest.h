@@ -1,6 +1,7 @@
 // The main window over sets and settings of a test's own.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -66,6 +67,7 @@ protected:
                 .DebugMode = DebugMode,
                 .HelpBase = HelpBase,
                 .hasTray = [this] { return hasTray; },
+                .keysRest = keysRest,
                 .openDocument =
                     [this](std::string_view address) {
                         opened.emplace_back(address);
@@ -137,6 +139,7 @@ protected:
     SoundPlayer sound;
     GridUtils gridUtils;
     bool DebugMode = false;
+    std::chrono::milliseconds keysRest{0};
     std::string HelpBase = "file:///help/index.html#";
     std::vector<std::string> opened;                // documents and addresses
     std::vector<std::vector<std::string>> started;  // programs, with their arguments
