@@ -3,6 +3,7 @@
 does not let go is said."""
 import os
 import shutil
+import time
 
 from stage import EARLIER, LATER, OneDay, check, dialog, wait_left
 from uidrive import act, desktop, reminders, tree
@@ -12,6 +13,7 @@ from uidrive.waiting import wait_for, wait_gone
 DISMISS, DELETE = "Dismiss Reminder", "Dismiss all reminders and DELETE item"
 TITLE, TEXT = ("Items deleted...",
                "Items were deleted. Opened grids and calendars may need to be refreshed")
+KEYS_REST = 0.7  # seconds after which a window that has come by itself takes keys that act
 CHECK = 30  # seconds until a check has surely been made; when time has passed it is one
 
 
@@ -105,6 +107,7 @@ with program:
         rows = reminders.wait_listed(LATER, CHECK)
         check(list(map(reminders.subject, rows)) == [LATER], "after a restart only it is left")
         desktop.wait_active(reminders.TITLE)
+        time.sleep(KEYS_REST)
         act.key("ctrl+a", "shift+Delete")
         choose_delete(LATER)
         reminders.wait_hidden()
