@@ -188,7 +188,7 @@ std::string lineOf(const Json& json) {
 std::string valueText(const Variant& value, ColumnType type) {
     const Json json = valueJson(value, type);
     if (json.is_null()) {
-        return {};
+        return "\\N";
     }
     return json.is_string() ? escaped(json.get<std::string>()) : json.dump();
 }

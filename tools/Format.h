@@ -27,7 +27,7 @@ Json tableJson(const jet::Table& table);
 std::string lineOf(const Json& json);
 
 /// As `valueJson`, but texts without quotes: tabs, line ends and backslashes in them become
-/// "\t", "\n", "\r", "\\". Null is empty.
+/// "\t", "\n", "\r", "\\". Null is "\N", which no text is.
 std::string valueText(const Variant& value, jet::ColumnType type);
 
 /// As `tableJson`, over several lines.

@@ -43,7 +43,7 @@ constexpr std::string_view kHelpEnd = R"(
   --json  one JSON object a line instead of text to read
 
 Without --json rows are parted by tabs, under a line of column names; a tab,
-a line end or a backslash inside a text is written as \t, \n, \r, \\.
+a line end or a backslash inside a text is written as \t, \n, \r, \\; Null as \N.
 Commands that take [FILE] read the standard input without one, or with "-".
 
   remindb sql Velmora.RemindDB "SELECT Subject, StartDateTime FROM Reminders

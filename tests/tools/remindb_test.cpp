@@ -51,10 +51,14 @@ TEST(Remindb, SqlGivesATableToRead) {
                               "WHERE EventID IN (1010, 1011) ORDER BY EventID"});
     EXPECT_EQ(run.code, 0);
     EXPECT_THAT(run.out, StartsWith("EventID\tStartDateTime\tdeleted\tDismissed\n1010\t2026-"));
-    EXPECT_THAT(run.out, HasSubstr("\ttrue\t\n1011\t2023-"));
+    EXPECT_THAT(run.out, HasSubstr("\ttrue\t\\N\n1011\t2023-"));
     EXPECT_THAT(run.out, HasSubstr("\tfalse\t2023-05-31T09:05:12\n"));
     const auto body =
         remindb({"sql", firstLight(), "SELECT Body FROM Reminders WHERE EventID = 1002"});
+    const auto nothing =
+        remindb({"sql", firstLight(),
+                 R"(SELECT Null AS a, "" AS b, "\N" AS c FROM Reminders WHERE EventID = 1002)"});
+    EXPECT_EQ(nothing.out, "a\tb\tc\n\\N\t\t\\\\N\n");
     EXPECT_EQ(body.out, "Body\nBring the insurance card.\\r\\nX-ray pictures are already there.\n");
 }
 
