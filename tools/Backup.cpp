@@ -1,12 +1,14 @@
 #include "Command.h"
+#include "Rewrite.h"
 #include "db/jet/Database.h"
 
 namespace vl::tools {
 
 namespace {
 
-int run(const Arguments& arguments, const Streams&) {
+int run(const Arguments& arguments, const Streams& streams) {
     const auto db = jet::Database::open(arguments.words[0], jet::Access::Read);
+    nameLeftOvers(jet::systemFiles().fileBehind(arguments.words[1]), streams.err);
     db.backUp(arguments.words[1]);
     return kDone;
 }

@@ -22,7 +22,7 @@ void writeLeft(const jet::CopyReport& report, std::ostream& out) {
     }
 }
 
-jet::CopyReport copyWhole(jet::Database& source, const std::string& target) {
+void needWhole(jet::Database& source) {
     const std::size_t findings = checkDatabase(source).size();
     if (findings != 0) {
         throw Error(ErrNo::Corrupt,
@@ -30,15 +30,21 @@ jet::CopyReport copyWhole(jet::Database& source, const std::string& target) {
                         ": is damaged (see remindb check); remindb repair saves what "
                         "can be read of it");
     }
-    return makeAnew(target, [&](jet::Database& made) { return copyTables(source, made); });
+}
+
+Fill tablesOf(jet::Database& source) {
+    return [&source](jet::Database& made) { return copyTables(source, made); };
 }
 
 // Nobody writes from the first look at the file until the new one has its name.
 jet::CopyReport compactInPlace(const std::string& file, const Streams& streams) {
     auto source = jet::Database::open(file, jet::Access::ReadWrite);
     const jet::Transaction keepsOthersOut(source);
-    const std::string made = jet::nameBeside(jet::systemFiles().fileBehind(file));
-    jet::CopyReport report = copyWhole(source, made);
+    needWhole(source);
+    const std::string real = jet::systemFiles().fileBehind(file);
+    nameLeftOvers(real, streams.err);
+    const std::string made = jet::nameBeside(real);
+    jet::CopyReport report = makeBegun(made, tablesOf(source));
     Begun begun(made);
     if (!report.lost.empty()) {
         writeLeft(report, streams.err);
@@ -68,7 +74,9 @@ int run(const Arguments& arguments, const Streams& streams) {
         report = compactAlone(file, streams);
     } else {
         auto source = jet::Database::open(file, jet::Access::Read);
-        report = copyWhole(source, target);
+        needWhole(source);
+        nameLeftOvers(target, streams.err);
+        report = makeAnew(target, tablesOf(source));
     }
     writeLeft(report, streams.out);
     streams.out << target << ": " << countText(report) << ", " << before << " bytes before, "

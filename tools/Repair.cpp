@@ -8,6 +8,7 @@ namespace vl::tools {
 namespace {
 
 int run(const Arguments& arguments, const Streams& streams) {
+    nameLeftOvers(arguments.words[1], streams.err);
     const jet::CopyReport report = makeAnew(arguments.words[1], [&](jet::Database& target) {
         return jet::salvage(arguments.words[0], target);
     });
