@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "base/Mix.h"
 #include "base/Text.h"
 
 namespace vl {
@@ -11,12 +12,6 @@ namespace vl {
 namespace {
 
 constexpr std::size_t kBlock = 8;  // characters
-
-// One-to-one in each of both: two texts that differ in one block never meet.
-std::uint64_t mixed(std::uint64_t hash, std::uint64_t block) noexcept {
-    hash = (hash ^ block) * 0x9E3779B97F4A7C15U;
-    return hash ^ (hash >> 32);
-}
 
 std::uint32_t folded(std::uint64_t hash, std::size_t characters) noexcept {
     return static_cast<std::uint32_t>(mixed(hash, characters));

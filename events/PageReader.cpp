@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "base/Mix.h"
 #include "base/Text.h"
 
 namespace vl {
@@ -19,11 +20,9 @@ std::vector<RecordSet::Field> fieldsOf(const sql::RowStream& stream) {
 
 // What acts set in an event: it may not be in the row yet, or not any more.
 std::uint64_t stateOf(const calEvent& event) {
-    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
     std::uint64_t hash = std::hash<std::string>()(event.status);
     for (const double part : {event.NextReminder.days(), event.Dismissed.days()}) {
-        hash = (hash ^ std::bit_cast<std::uint64_t>(part)) * kOdd;
-        hash ^= hash >> 32;
+        hash = mixed(hash, std::bit_cast<std::uint64_t>(part));
     }
     return hash ^ (event.Hidden ? 1U : 0U);
 }

@@ -2,11 +2,12 @@
 
 #include <cstring>
 
+#include "base/Mix.h"
+
 namespace vl::jet {
 
 namespace {
 
-constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
 constexpr std::uint64_t kOtherOdd = 0xD1B54A32D192ED03U;
 // Sums that do not wait for each other keep the processor's multipliers busy.
 constexpr std::size_t kLanes = 4;
@@ -38,7 +39,7 @@ std::uint64_t wordAt(const std::byte* bytes) noexcept {
 }  // namespace
 
 std::uint64_t mixedWith(std::uint64_t hash, std::uint64_t number) noexcept {
-    hash = (hash ^ number) * kOdd;
+    hash = (hash ^ number) * kGolden;
     hash = (hash ^ (hash >> 29)) * kOtherOdd;
     return hash ^ (hash >> 32);
 }
@@ -51,7 +52,7 @@ std::uint64_t digestOf(std::span<const std::byte, kPageSize> page) noexcept {
         for (std::size_t i = 0; i < kLanes; ++i) {
             const std::byte* words = page.data() + at + i * kStep;
             // Added to what it was: a product of nothing would forget all before.
-            sums[i] += foldedProduct(wordAt(words) ^ kOdd,
+            sums[i] += foldedProduct(wordAt(words) ^ kGolden,
                                      wordAt(words + sizeof(std::uint64_t)) ^ sums[i]);
         }
     }

@@ -11,6 +11,7 @@
 #include "UsageMap.h"
 #include "Value.h"
 #include "base/ErrorState.h"
+#include "base/Mix.h"
 
 namespace vl::jet {
 
@@ -122,16 +123,13 @@ std::optional<RowCursor::Unreadable> RowCursor::passOver() {
     return std::nullopt;
 }
 
-// Eight bytes at a time, each mixed into all bits (a multiplication by an odd constant and a shift
-// are both one-to-one).
-static std::uint64_t mixedInto(std::uint64_t hash, ByteView bytes) {
-    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+// Eight bytes at a time.
+static std::uint64_t mixedBytes(std::uint64_t hash, ByteView bytes) {
     std::size_t at = 0;
     const auto take = [&](std::size_t count) {
         std::uint64_t word = 0;
         std::memcpy(&word, bytes.data() + at, count);
-        hash = (hash ^ word) * kOdd;
-        hash ^= hash >> 32;
+        hash = mixed(hash, word);
         at += count;
     };
     while (bytes.size() - at >= sizeof(std::uint64_t)) {
@@ -141,17 +139,17 @@ static std::uint64_t mixedInto(std::uint64_t hash, ByteView bytes) {
     if (at < bytes.size()) {
         take(bytes.size() - at);
     }
-    return (hash ^ bytes.size()) * kOdd;
+    return (hash ^ bytes.size()) * kGolden;
 }
 
 std::uint64_t RowCursor::fingerprint() const {
     const State& s = *state_;
-    std::uint64_t hash = mixedInto(0, s.place.bytes);
+    std::uint64_t hash = mixedBytes(0, s.place.bytes);
     for (const Column& c : s.table->columns) {
         if (c.type == ColumnType::Memo || c.type == ColumnType::Ole) {
             if (const std::optional<ByteView> field = s.row.field(c)) {
                 const LongValue value(s.file, *field, s.place.page.origin());
-                hash = mixedInto(hash, value.bytes());
+                hash = mixedBytes(hash, value.bytes());
             }
         }
     }
