@@ -1,5 +1,8 @@
 #include "TemporaryFile.h"
 
+#include <cerrno>
+#include <system_error>
+
 #include "base/ErrorState.h"
 
 #ifdef _WIN32
@@ -27,7 +30,8 @@ std::FILE* open() { return std::tmpfile(); }
 std::unique_ptr<std::FILE, CloseFile> temporaryFile() {
     std::unique_ptr<std::FILE, CloseFile> file(open());
     if (!file) {
-        throw Error(ErrNo::Io, "cannot make a temporary file");
+        throw Error(ErrNo::Io,
+                    "cannot make a temporary file: " + std::generic_category().message(errno));
     }
     return file;
 }

@@ -1,8 +1,10 @@
 #include "RowSpool.h"
 
 #include <cassert>
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <system_error>
 
 #include "base/ErrorState.h"
 
@@ -111,8 +113,23 @@ std::vector<Variant> rowFrom(std::string_view bytes) {
     return row;
 }
 
-[[noreturn]] void failFile(const char* what) {
-    throw Error(ErrNo::Io, std::string("the rows that were found: the temporary file ") + what);
+[[noreturn]] void failFile(const std::string& what) {
+    throw Error(ErrNo::Io, "the rows that were found: the temporary file " + what);
+}
+
+// Right after the system has refused.
+[[noreturn]] void failFile(const std::string& what, int reason) {
+    failFile(what + ": " + std::generic_category().message(reason));
+}
+
+void readFrom(std::FILE* file, void* to, std::size_t size) {
+    if (std::fread(to, 1, size, file) == size) {
+        return;
+    }
+    if (std::ferror(file) == 0) {
+        failFile("ends too early");
+    }
+    failFile("cannot be read", errno);
 }
 
 }  // namespace
@@ -141,7 +158,7 @@ void RowSpool::moveToFile() {
         file_ = jet::temporaryFile();
     }
     if (std::fwrite(memory_.data(), 1, memory_.size(), file_.get()) != memory_.size()) {
-        failFile("cannot be written");
+        failFile("cannot be written", errno);
     }
     rowsInFile_ += rowsInMemory_;
     memory_.clear();
@@ -150,27 +167,23 @@ void RowSpool::moveToFile() {
 
 std::string RowSpool::fromFile() {
     Length size = 0;
-    if (std::fread(&size, sizeof size, 1, file_.get()) != 1) {
-        failFile("cannot be read");
-    }
+    readFrom(file_.get(), &size, sizeof size);
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    if (std::fread(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-        failFile("cannot be read");
-    }
+    readFrom(file_.get(), bytes.data(), bytes.size());
     return bytes;
 }
 
 void RowSpool::forEach(const Take& take) {
     if (file_) {
         if (std::fflush(file_.get()) != 0) {
-            failFile("cannot be written");
+            failFile("cannot be written", errno);
         }
         std::rewind(file_.get());
         for (std::size_t i = 0; i < rowsInFile_; ++i) {
             take(rowFrom(fromFile()));
         }
         if (std::fseek(file_.get(), 0, SEEK_END) != 0) {
-            failFile("cannot be read");
+            failFile("cannot be read", errno);
         }
     }
     for (Reader reader(memory_); !reader.atEnd();) {

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <random>
+#ifndef _WIN32
+#include <sys/resource.h>
+#endif
 
 #include "base/ErrorState.h"
 
@@ -76,6 +80,54 @@ TEST(SqlRowSpool, WhoTakesMayEndIt) {
     EXPECT_EQ(taken, 50);
     EXPECT_EQ(rowsOf(spool).size(), 100U);
 }
+
+#ifndef _WIN32
+/// Lowers a limit of the process as long as it lives.
+class Limit {
+public:
+    Limit(decltype(RLIMIT_FSIZE) what, rlim_t value) : what_(what) {
+        ::getrlimit(what_, &before_);
+        const rlimit lower{value, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(what_, &lower), 0);
+    }
+    ~Limit() { ::setrlimit(what_, &before_); }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+
+private:
+    decltype(RLIMIT_FSIZE) what_;
+    rlimit before_{};
+};
+
+std::string refusal(RowSpool& spool) {
+    try {
+        for (int i = 0; i < 20; ++i) {
+            spool.add(everyKind());
+        }
+        rowsOf(spool);
+    } catch (const Error& e) {
+        EXPECT_EQ(e.number(), ErrNo::Io);
+        return e.what();
+    }
+    return {};
+}
+
+TEST(SqlRowSpool, SaysWhyTheSystemRefuses) {
+    {
+        RowSpool spool(0);
+        const Limit noMoreFiles(RLIMIT_NOFILE, 3);
+        EXPECT_EQ(refusal(spool), "cannot make a temporary file: Too many open files");
+    }
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    {
+        RowSpool spool(0);
+        const Limit shortFiles(RLIMIT_FSIZE, 100'000);
+        EXPECT_EQ(refusal(spool),
+                  "the rows that were found: the temporary file cannot be written: File too large");
+    }
+    std::signal(SIGXFSZ, handler);
+}
+#endif
 
 }  // namespace
 }  // namespace vl::sql
