@@ -15,8 +15,9 @@ class PagedRows;
 
 /// For a query that is asked again and again and goes through the whole table each time: of a page
 /// that holds what it held last time it is known which rows the condition is true of, and none of
-/// them is decoded. Gives what the plain scan gives; errors, too, since a condition that could not
-/// be computed leaves nothing behind. Some 60 bytes a page.
+/// them is decoded. Gives the rows that the plain scan gives. Every row is judged, also where TOP
+/// lets the plain scan stop early: a condition that cannot be computed of any is an error, each
+/// time, since it leaves nothing behind. Some 60 bytes a page.
 class ScanMemory {
 public:
     /// Forgets what it knows of another statement. The text must say all: no parameters.
