@@ -2,15 +2,14 @@
 
 #include <algorithm>
 
+#include "SystemPages.h"
 #include "TableDefinition.h"
 
 namespace vl::jet {
 
 namespace {
 
-constexpr PageNo kDefinitionPage = 2;
 constexpr std::int32_t kTable = 1;
-constexpr std::uint32_t kSystemFlags = 0x80000002;
 
 std::size_t position(const TableDefinition& table, std::string_view name, ColumnType type,
                      const Origin& origin) {
@@ -32,8 +31,8 @@ std::uint32_t numberOr0(const Variant& value) {
 
 std::vector<TableInfo> readCatalog(PageFile& file) {
     const auto objects = std::make_shared<const TableDefinition>(
-        readTableDefinition(file, kDefinitionPage, "MSysObjects"));
-    const Origin origin{file.name(), kDefinitionPage};
+        readTableDefinition(file, kObjectsPage, "MSysObjects"));
+    const Origin origin{file.name(), kObjectsPage};
     const std::size_t id = position(*objects, "Id", ColumnType::Long, origin);
     const std::size_t name = position(*objects, "Name", ColumnType::Text, origin);
     const std::size_t type = position(*objects, "Type", ColumnType::Integer, origin);

@@ -3,6 +3,7 @@
 #include "Header.h"
 #include "PageFile.h"
 #include "Sharing.h"
+#include "SystemPages.h"
 #include "base/ErrorState.h"
 
 namespace vl::jet {
@@ -12,8 +13,7 @@ namespace {
 // A definition, or rows of the catalog. Whoever adds or removes a row of it writes its definition,
 // too.
 bool defines(ByteView page) noexcept {
-    constexpr std::uint32_t kCatalog = 2;
-    return u8(page, 0) == 2 || (u8(page, 0) == 1 && u32(page, 4) == kCatalog);
+    return u8(page, 0) == 2 || (u8(page, 0) == 1 && u32(page, 4) == kObjectsPage);
 }
 
 // Only its two bytes are written: the words beside it belong to others.

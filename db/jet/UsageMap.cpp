@@ -8,10 +8,6 @@ namespace vl::jet {
 
 namespace {
 
-constexpr std::size_t kInlineBitmapAt = 5;
-constexpr std::size_t kBitmapAt = 4;
-constexpr std::uint64_t kPagesPerBitmap = (kPageSize - kBitmapAt) * 8;
-
 void addBits(ByteView bitmap, std::uint64_t first, const PageFile& file, const Origin& origin,
              Beyond beyond, std::vector<PageNo>& pages) {
     for (std::size_t i = 0; i < bitmap.size(); ++i) {

@@ -7,6 +7,11 @@
 
 namespace vl::jet {
 
+// Where the bits begin in the row of a map that has them itself, and on a bitmap page.
+inline constexpr std::size_t kInlineBitmapAt = 5;
+inline constexpr std::size_t kBitmapAt = 4;
+inline constexpr std::size_t kPagesPerBitmap = (kPageSize - kBitmapAt) * 8;
+
 /// What a page past the file's end is in a map: the map of free pages may hold such.
 enum class Beyond { Damage, Ignored };
 

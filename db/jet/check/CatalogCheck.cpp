@@ -4,6 +4,7 @@
 #include <array>
 
 #include "Bytes.h"
+#include "SystemPages.h"
 #include "TableDefinition.h"
 #include "UsageMap.h"
 #include "db/jet/Table.h"
@@ -11,10 +12,6 @@
 namespace vl::jet {
 
 namespace {
-
-constexpr RowPointer kFreePages{1, 0};
-constexpr PageNo kCatalog = 2;
-constexpr std::size_t kKindAt = 0x28;
 
 struct Object {
     std::uint32_t id;
@@ -30,7 +27,7 @@ constexpr std::array kObjects = {
 
 void checkObjects(PageFile& file, Findings& findings) {
     const auto catalog =
-        std::make_shared<const TableDefinition>(readTableDefinition(file, kCatalog, "MSysObjects"));
+        std::make_shared<const TableDefinition>(readTableDefinition(file, kObjectsPage, "MSysObjects"));
     const auto id = std::find_if(catalog->columns.begin(), catalog->columns.end(),
                                  [](const Column& c) { return c.name == "Id"; });
     if (id == catalog->columns.end()) {
@@ -46,7 +43,7 @@ void checkObjects(PageFile& file, Findings& findings) {
     }
     for (const Object& object : kObjects) {
         if (!there.contains(object.id)) {
-            findings.add(kCatalog, std::string("the catalog lacks ") + object.what);
+            findings.add(kObjectsPage, std::string("the catalog lacks ") + object.what);
         }
     }
 }
@@ -54,8 +51,8 @@ void checkObjects(PageFile& file, Findings& findings) {
 // The later pages of a long definition begin like a definition, too, but make none.
 bool isDefinition(PageFile& file, PageNo page) {
     const ByteView bytes = file.page(page).bytes();
-    const unsigned kind = u8(bytes, kKindAt);
-    if (u8(bytes, 0) != 2 || (kind != 'N' && kind != 'S')) {
+    const unsigned kind = u8(bytes, kTableKindAt);
+    if (u8(bytes, 0) != 2 || (kind != kUserTable && kind != kSystemTable)) {
         return false;
     }
     try {
@@ -72,7 +69,7 @@ bool isDefinition(PageFile& file, PageNo page) {
 void checkUnnamed(PageFile& file, const std::vector<TableInfo>& tables, const Claims& claims,
                   Findings& findings) {
     const std::vector<PageNo> free = readUsageMap(file, kFreePages, Beyond::Ignored);
-    for (PageNo page = kCatalog; page < file.pageCount(); ++page) {
+    for (PageNo page = kObjectsPage; page < file.pageCount(); ++page) {
         const bool named = std::any_of(tables.begin(), tables.end(), [page](const TableInfo& info) {
             return info.definitionPage == page;
         });
@@ -87,7 +84,7 @@ void checkUnnamed(PageFile& file, const std::vector<TableInfo>& tables, const Cl
 
 void checkCatalog(PageFile& file, const std::vector<TableInfo>& tables, const Claims& claims,
                   Findings& findings) {
-    findings.attempt(kCatalog, [&] { checkObjects(file, findings); });
+    findings.attempt(kObjectsPage, [&] { checkObjects(file, findings); });
     findings.attempt(kFreePages.page, [&] { checkUnnamed(file, tables, claims, findings); });
 }
 

@@ -3,6 +3,7 @@
 #include "Bytes.h"
 #include "Catalog.h"
 #include "CatalogCheck.h"
+#include "SystemPages.h"
 #include "TableCheck.h"
 #include "UsageMap.h"
 #include "db/jet/ReadGuard.h"
@@ -11,7 +12,6 @@ namespace vl::jet {
 
 namespace {
 
-constexpr RowPointer kFreePages{1, 0};
 constexpr RowPointer kSecondMap{1, 1};
 
 // Pages that nobody has and that are not free either are waste, no damage.

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "DefinitionBlocks.h"
+#include "SystemPages.h"
 
 namespace vl::jet {
 
@@ -23,11 +24,5 @@ Accounts newFileAccounts() noexcept;
 /// system tables, their maps, and the empty roots of their indexes. Source: docs/jet4.md, "A new
 /// file".
 std::vector<Page::Bytes> firstPages();
-
-// Pages of the definitions of the system tables.
-inline constexpr PageNo kObjectsPage = 2;
-inline constexpr PageNo kPermissionsPage = 3;
-inline constexpr PageNo kQueriesPage = 4;
-inline constexpr PageNo kRelationshipsPage = 5;
 
 }  // namespace vl::jet

@@ -13,7 +13,6 @@ namespace {
 constexpr std::size_t kRowsAt = 0x10;
 constexpr std::size_t kNumberAt = 0x14;
 constexpr std::size_t kStepAt = 0x18;
-constexpr std::size_t kTreesAt = 0x3F;
 constexpr std::size_t kTree = 12;
 
 }  // namespace
