@@ -17,9 +17,4 @@ inline constexpr PageNo kRelationshipsPage = 5;
 /// Of the catalog's column `Flags`: either marks a table as the engine's own.
 inline constexpr std::uint32_t kSystemFlags = 0x80000002;
 
-/// Where a table's definition says whose the table is.
-inline constexpr std::size_t kTableKindAt = 0x28;
-inline constexpr unsigned kUserTable = 'N';
-inline constexpr unsigned kSystemTable = 'S';
-
 }  // namespace vl::jet

@@ -8,6 +8,7 @@
 #include "TableDefinition.h"
 #include "UsageMap.h"
 #include "db/jet/Table.h"
+#include "define/DefinitionBlocks.h"
 
 namespace vl::jet {
 
@@ -26,8 +27,8 @@ constexpr std::array kObjects = {
 };
 
 void checkObjects(PageFile& file, Findings& findings) {
-    const auto catalog =
-        std::make_shared<const TableDefinition>(readTableDefinition(file, kObjectsPage, "MSysObjects"));
+    const auto catalog = std::make_shared<const TableDefinition>(
+        readTableDefinition(file, kObjectsPage, "MSysObjects"));
     const auto id = std::find_if(catalog->columns.begin(), catalog->columns.end(),
                                  [](const Column& c) { return c.name == "Id"; });
     if (id == catalog->columns.end()) {
@@ -51,7 +52,7 @@ void checkObjects(PageFile& file, Findings& findings) {
 // The later pages of a long definition begin like a definition, too, but make none.
 bool isDefinition(PageFile& file, PageNo page) {
     const ByteView bytes = file.page(page).bytes();
-    const unsigned kind = u8(bytes, kTableKindAt);
+    const unsigned kind = u8(bytes, kDefinitionKindAt);
     if (u8(bytes, 0) != 2 || (kind != kUserTable && kind != kSystemTable)) {
         return false;
     }

@@ -23,6 +23,10 @@ inline constexpr std::size_t kDefinitionOwnedAt = 0x37;
 inline constexpr std::size_t kDefinitionFreeAt = 0x3B;
 inline constexpr std::size_t kDefinitionHeader = 0x3F;
 
+// Kinds of tables.
+inline constexpr std::uint8_t kUserTable = 'N';
+inline constexpr std::uint8_t kSystemTable = 'S';
+
 /// The blocks of a definition, in the order in which they are stored. What is not understood is
 /// kept as it was: another program's relationships survive a column that we add.
 /// Source: docs/jet4.md, "Table definition".

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint32_t kMagic = 1625;
 constexpr std::uint32_t kTreeMagic = 1923;
-constexpr std::uint8_t kUserTable = 'N';
 constexpr std::uint8_t kFixed = 0x01;
 constexpr std::uint8_t kAlways = 0x02;
 constexpr std::uint8_t kAutoNumber = 0x04;

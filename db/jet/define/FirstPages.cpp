@@ -13,13 +13,11 @@ namespace vl::jet {
 
 namespace {
 
-constexpr PageNo kFreeMapPage = 1;
 constexpr PageNo kMapsPage = 6;
 constexpr PageNo kFirstRoot = 7;
 constexpr PageNo kPages = 14;
 constexpr std::size_t kMapRow = 69;
 
-constexpr std::uint8_t kSystemTable = 'S';
 constexpr std::uint8_t kSystemColumn = 0x10;
 constexpr std::uint8_t kObscured = 0x20;  // names of accounts
 constexpr std::uint16_t kLongestSystemField = 510;
@@ -106,8 +104,8 @@ Page::Bytes headerPage() {
     store(bytes, 0x00, std::uint32_t{0x100});
     put(0x04, "Standard Jet DB");
     store(bytes, 0x14, std::uint32_t{1});  // the generation
-    store(bytes, 0x18, std::uint32_t{kFreeMapPage << 8});
-    store(bytes, 0x1C, std::uint32_t{kFreeMapPage << 8 | 1});
+    store(bytes, 0x18, std::uint32_t{kFreePages.page << 8});
+    store(bytes, 0x1C, std::uint32_t{kFreePages.page << 8 | 1});
     for (PageNo table = kObjectsPage; table <= kRelationshipsPage; ++table) {
         store(bytes, 0x20 + 4 * (table - kObjectsPage), table);
     }
@@ -233,7 +231,7 @@ private:
 // Pages up to those of this file are used; all others that the map can speak of are free.
 Page::Bytes freeMapPage() {
     constexpr PageNo kInMap = 8 * (kMapRow - 5);
-    MapPage page(kFreeMapPage);
+    MapPage page(kFreePages.page);
     const std::uint16_t free = page.add();
     page.add();  // always empty
     for (PageNo number = kPages; number < kInMap; ++number) {

@@ -7,10 +7,9 @@
 namespace vl::jet {
 
 ColumnRules ColumnRules::load(PageFile& file, const TableDefinition& table) {
-    constexpr unsigned kSystem = 'S';
     ColumnRules rules{std::vector<bool>(table.columns.size()),
                       std::vector<bool>(table.columns.size())};
-    if (u8(table.bytes, kDefinitionKindAt) == kSystem) {
+    if (u8(table.bytes, kDefinitionKindAt) == kSystemTable) {
         return rules;
     }
     const Properties properties = CatalogWriter(file).properties(table.page);

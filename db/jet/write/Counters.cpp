@@ -5,13 +5,12 @@
 
 #include "Bytes.h"
 #include "base/ErrorState.h"
+#include "define/DefinitionBlocks.h"
 
 namespace vl::jet {
 
 namespace {
 
-constexpr std::size_t kRowsAt = 0x10;
-constexpr std::size_t kNumberAt = 0x14;
 constexpr std::size_t kStepAt = 0x18;
 constexpr std::size_t kTree = 12;
 
@@ -30,7 +29,8 @@ void Counters::set(std::size_t offset, std::uint32_t value) {
 
 std::int32_t Counters::nextNumber() const {
     const auto step = std::max(static_cast<std::int32_t>(at(kStepAt)), 1);
-    const std::int64_t next = std::int64_t{static_cast<std::int32_t>(at(kNumberAt))} + step;
+    const std::int64_t next =
+        std::int64_t{static_cast<std::int32_t>(at(kDefinitionLastNumberAt))} + step;
     if (next > std::numeric_limits<std::int32_t>::max()) {
         throw Error(ErrNo::Overflow, "the numbers of the table's rows are used up");
     }
@@ -38,21 +38,21 @@ std::int32_t Counters::nextNumber() const {
 }
 
 void Counters::noteNumber(std::int32_t number) {
-    if (number > static_cast<std::int32_t>(at(kNumberAt))) {
-        set(kNumberAt, static_cast<std::uint32_t>(number));
+    if (number > static_cast<std::int32_t>(at(kDefinitionLastNumberAt))) {
+        set(kDefinitionLastNumberAt, static_cast<std::uint32_t>(number));
     }
 }
 
-void Counters::addRow() { set(kRowsAt, at(kRowsAt) + 1); }
+void Counters::addRow() { set(kDefinitionRowsAt, at(kDefinitionRowsAt) + 1); }
 
 void Counters::removeRow() {
-    if (at(kRowsAt) > 0) {  // it may be too low in tables of the system's
-        set(kRowsAt, at(kRowsAt) - 1);
+    if (at(kDefinitionRowsAt) > 0) {  // it may be too low in tables of the system's
+        set(kDefinitionRowsAt, at(kDefinitionRowsAt) - 1);
     }
 }
 
 void Counters::addKey(std::size_t tree) {
-    const std::size_t offset = kTreesAt + kTree * tree + 4;
+    const std::size_t offset = kDefinitionHeader + kTree * tree + 4;
     if (offset + 4 <= kPageSize) {
         set(offset, at(offset) + 1);
     }

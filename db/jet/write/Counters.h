@@ -7,9 +7,6 @@
 
 namespace vl::jet {
 
-/// Where a definition's trees begin.
-inline constexpr std::size_t kTreesAt = 0x3F;
-
 /// The counts on the first page of a definition, read when this is made. `file` must outlive it.
 ///
 ///   offset  size  little-endian

@@ -7,6 +7,7 @@
 #include "Bytes.h"
 #include "LongValueStore.h"
 #include "TableLabel.h"
+#include "define/DefinitionBlocks.h"
 
 namespace vl::jet {
 
@@ -16,9 +17,10 @@ constexpr std::size_t kCountersEnd = 0x1C;
 
 // Apart from what each row changes.
 bool sameDefinition(ByteView a, ByteView b, std::size_t trees) {
-    const std::size_t keysEnd = kTreesAt + 12 * trees;
+    const std::size_t keysEnd = kDefinitionHeader + 12 * trees;
     return a.size() == b.size() && a.size() >= keysEnd &&
-           std::equal(a.begin() + kCountersEnd, a.begin() + kTreesAt, b.begin() + kCountersEnd) &&
+           std::equal(a.begin() + kCountersEnd, a.begin() + kDefinitionHeader,
+                      b.begin() + kCountersEnd) &&
            std::equal(a.begin() + static_cast<std::ptrdiff_t>(keysEnd), a.end(),
                       b.begin() + static_cast<std::ptrdiff_t>(keysEnd));
 }

@@ -7,6 +7,7 @@
 #include "SpaceMap.h"
 #include "SystemPages.h"
 #include "base/ErrorState.h"
+#include "define/DefinitionBlocks.h"
 
 namespace vl::jet {
 
@@ -137,8 +138,9 @@ void Space::refuseOwned(PageNo number) {
     }
     const Page definition = file_.page(owner);
     if (u8(definition.bytes(), 0) == 2 && u32(definition.bytes(), 8) >= 63 &&
-        !contains(kFreePages, owner) && isMap(RowPointer::read(definition.bytes(), 0x37)) &&
-        contains(RowPointer::read(definition.bytes(), 0x37), number)) {
+        !contains(kFreePages, owner) &&
+        isMap(RowPointer::read(definition.bytes(), kDefinitionOwnedAt)) &&
+        contains(RowPointer::read(definition.bytes(), kDefinitionOwnedAt), number)) {
         page.origin().corrupt(
             "is in the map of free pages, but also in that of the table on page " +
             std::to_string(owner));
