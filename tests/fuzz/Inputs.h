@@ -12,7 +12,7 @@ namespace vl::test {
 ///   size  meaning
 ///   1     n: the file is n % 3, see `DamagedFile.h`; what is done is n / 3 % 6:
 ///         0 everything is read; 1 rows come, change and go; 2 statements run; 3 columns, indexes
-///         and tables come and go; 4 it is copied whole; 5 what can be read is saved
+///         and tables come and go; 4 it is backed up, and copied whole; 5 what can be read is saved
 ///   then, again and again until the input ends:
 ///   1     page
 ///   2     offset in the page, little-endian (modulo 4096)
@@ -21,7 +21,8 @@ namespace vl::test {
 ///
 /// Ends the process when anything but values, changes or a fitting `Error` comes of it; when a
 /// change that failed has written; when the check finds nothing before a change and something
-/// after it; and when a copy does not stand the check.
+/// after it; when a copy does not stand the check; and when the check finds nothing in a file and a
+/// copy, or what is saved of it, holds other rows. A backup has the same pages, of whatever file.
 void useDamaged(std::span<const std::byte> input);
 
 /// Runs the input as a statement on a sound database. Ends the process when anything but a result

@@ -2,12 +2,15 @@
 #include <cstdlib>
 #include <functional>
 #include <iostream>
+#include <optional>
 #include <string>
 
 #include "DamagedFile.h"
 #include "Inputs.h"
+#include "SameRows.h"
 #include "base/ErrorState.h"
 #include "db/jet/Database.h"
+#include "db/jet/MemoryFolder.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
 #include "db/jet/copy/Copy.h"
@@ -53,6 +56,11 @@ public:
 
     jet::Database& db() { return db_; }
     bool sound() const { return sound_; }
+    /// What is in the file, as far as it is in whole pages.
+    std::string pages() const {
+        const std::size_t whole = disk_.bytes.size() / jet::kPageSize * jet::kPageSize;
+        return {reinterpret_cast<const char*>(disk_.bytes.data()), whole};
+    }
     std::vector<std::string> tables() {
         std::vector<std::string> names;
         guarded([&] {
@@ -264,9 +272,15 @@ public:
     Target() : disk_(empty()), db_(openDamaged(disk_)) {}
 
     jet::Database& db() { return db_; }
-    void expectSound(const std::string& what) {
+    // Sound in each case, and with the same rows where the source is sound, too.
+    void expectGood(const std::string& what, Subject* source) {
         if (const std::string finding = firstFinding(db_); !finding.empty()) {
             die(what + " is damaged: " + finding);
+        }
+        if (source != nullptr && source->sound()) {
+            if (const std::string other = differenceOfRows(source->db(), db_); !other.empty()) {
+                die(what + " of a sound file differs: " + other);
+            }
         }
     }
 
@@ -281,7 +295,16 @@ private:
     jet::Database db_;
 };
 
+void backUp(Subject& subject) {
+    MemoryFolder folder;
+    subject.db().backUp("copy", folder);
+    if (folder.files() != 1 || folder.bytes("copy") != subject.pages()) {
+        die("a backup is another than its source");
+    }
+}
+
 void copy(Subject& subject) {
+    backUp(subject);
     Target target;
     try {
         jet::copyTables(subject.db(), target.db());
@@ -293,7 +316,7 @@ void copy(Subject& subject) {
         }
         return;
     }
-    target.expectSound("the copy");
+    target.expectGood("the copy", &subject);
 }
 
 void save(Disk& disk) {
@@ -306,7 +329,9 @@ void save(Disk& disk) {
         }
         return;
     }
-    target.expectSound("what was saved");
+    std::optional<Subject> source;
+    guarded([&] { source.emplace(disk); });
+    target.expectGood("what was saved", source ? &*source : nullptr);
 }
 
 }  // namespace
