@@ -104,7 +104,7 @@ jet::CopyReport makeBegun(const std::string& made, const Fill& fill) {
 jet::CopyReport makeAnew(const std::string& target, const Fill& fill) {
     checkTarget(target);
     const std::string made = jet::nameBeside(target);
-    const jet::CopyReport report = makeBegun(made, fill);
+    jet::CopyReport report = makeBegun(made, fill);
     Begun begun(made);
     giveName(made, target);
     begun.keep();

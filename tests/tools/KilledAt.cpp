@@ -45,6 +45,7 @@ constexpr auto kChanging = std::to_array<long>({
 
 [[noreturn]] void runTraced(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
