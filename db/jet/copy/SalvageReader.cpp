@@ -4,18 +4,14 @@
 
 #include "Bytes.h"
 #include "RowPlace.h"
+#include "SystemPages.h"
 #include "UsageMap.h"
+#include "define/DefinitionBlocks.h"
 #include "write/Field.h"
 
 namespace vl::jet {
 
 namespace {
-
-constexpr RowPointer kFreePages{1, 0};
-constexpr PageNo kCatalog = 2;
-constexpr std::size_t kKindAt = 0x28;
-constexpr unsigned kUserTable = 'N';
-constexpr std::uint32_t kSystemFlags = 0x80000002;
 
 std::optional<std::size_t> positionOf(const TableDefinition& table, std::string_view name) {
     const auto found = std::find_if(table.columns.begin(), table.columns.end(),
@@ -47,9 +43,9 @@ std::vector<TableDefinition> SalvageReader::tables() {
     std::vector<TableDefinition> found;
     std::set<PageNo> known;  // those of the engine's and other products' own among them
     namedTables(found, known);
-    for (PageNo page = kCatalog + 1; page < file_.pageCount(); ++page) {
+    for (PageNo page = kObjectsPage + 1; page < file_.pageCount(); ++page) {
         const ByteView bytes = file_.page(page).bytes();
-        const bool begins = u8(bytes, 0) == 2 && u8(bytes, kKindAt) == kUserTable;
+        const bool begins = u8(bytes, 0) == 2 && u8(bytes, kDefinitionKindAt) == kUserTable;
         if (!begins || known.contains(page) || isFree(page)) {
             continue;
         }
@@ -67,14 +63,14 @@ std::vector<TableDefinition> SalvageReader::tables() {
 }
 
 void SalvageReader::namedTables(std::vector<TableDefinition>& tables, std::set<PageNo>& known) {
-    findings_.attempt(kCatalog, [&] {
-        const TableDefinition catalog = readTableDefinition(file_, kCatalog, "MSysObjects");
+    findings_.attempt(kObjectsPage, [&] {
+        const TableDefinition catalog = readTableDefinition(file_, kObjectsPage, "MSysObjects");
         const auto id = positionOf(catalog, "Id");
         const auto name = positionOf(catalog, "Name");
         const auto type = positionOf(catalog, "Type");
         const auto flags = positionOf(catalog, "Flags");
         if (!id || !name || !type || !flags) {
-            findings_.add(kCatalog, "the catalog lacks columns");
+            findings_.add(kObjectsPage, "the catalog lacks columns");
             return;
         }
         rows(catalog, [&](RowId, const std::vector<Variant>& row) {
@@ -84,9 +80,9 @@ void SalvageReader::namedTables(std::vector<TableDefinition>& tables, std::set<P
             const bool system =
                 bits != nullptr && (static_cast<std::uint32_t>(*bits) & kSystemFlags) != 0;
             if (isOther(row[*type])) {
-                findings_.add(kCatalog, "\"" + (label ? *label : "") +
-                                            "\" is a query, a linked table or a relationship, "
-                                            "and is lost");
+                findings_.add(kObjectsPage, "\"" + (label ? *label : "") +
+                                                "\" is a query, a linked table or a relationship, "
+                                                "and is lost");
             }
             if (row[*type] != Variant(1) || page == nullptr || label == nullptr) {
                 return;
@@ -108,7 +104,7 @@ std::vector<PageNo> SalvageReader::pagesOf(const TableDefinition& table) {
                           [&] { pages = readUsageMap(file_, table.ownedPages); })) {
         return pages;
     }
-    for (PageNo page = kCatalog + 1; page < file_.pageCount(); ++page) {
+    for (PageNo page = kObjectsPage + 1; page < file_.pageCount(); ++page) {
         const ByteView bytes = file_.page(page).bytes();
         if (u8(bytes, 0) == 1 && u32(bytes, 4) == table.page && !isFree(page)) {
             pages.push_back(page);
