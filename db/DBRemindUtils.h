@@ -129,7 +129,7 @@ public:
 
     /// Removes the rows marked as deleted; returns how many there were.
     std::int64_t DeleteAllDeleted();
-    /// Removes the event's row; nothing without a GUID. The text is not escaped.
+    /// Removes the event's row; nothing without a GUID.
     void DeleteDB(std::string_view sGUID);
     /// Empties the table.
     void DeleteAll();

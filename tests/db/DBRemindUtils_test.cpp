@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <functional>
 
+#include "db/jet/Database.h"
+#include "db/jet/check/Check.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -235,6 +237,39 @@ TEST_F(DBRemindUtilsTest, FieldExistsDBLooksIntoTheFile) {
     db_.DBFullName += "x";
     EXPECT_FALSE(db_.FieldExistsDB("Reminders", "NextReminder"));
     EXPECT_EQ(db_.LastError(), ErrNo::NotFound);
+}
+
+TEST_F(DBRemindUtilsTest, AddFieldKnowsEachTypeByItsNumber) {
+    using jet::ColumnType;
+    struct Case {
+        int number;
+        ColumnType type;
+    };
+    const Case cases[] = {
+        {1, ColumnType::Boolean}, {2, ColumnType::Byte},    {3, ColumnType::Integer},
+        {4, ColumnType::Long},    {5, ColumnType::Money},   {6, ColumnType::Single},
+        {7, ColumnType::Double},  {8, ColumnType::Date},    {9, ColumnType::Binary},
+        {10, ColumnType::Text},   {11, ColumnType::Ole},    {12, ColumnType::Memo},
+        {15, ColumnType::Guid},   {20, ColumnType::Numeric}};
+    for (const Case& c : cases) {
+        const std::string name = "c" + std::to_string(c.number);
+        EXPECT_EQ(db_.AddField("Reminders", name, c.number), ErrNo::None) << c.number;
+        EXPECT_TRUE(db_.FieldExistsDB("Reminders", name)) << c.number;
+        const auto file = jet::Database::open(path_, jet::Access::Read);
+        EXPECT_EQ(file.table("Reminders").columns().back().type, c.type) << c.number;
+    }
+    const std::string before = bytes();
+    for (const int number : {-1, 0, 13, 14, 16, 19, 21, 101}) {
+        EXPECT_EQ(db_.AddField("Reminders", "none", number), ErrNo::Unsupported) << number;
+    }
+    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(db_.Execute("UPDATE Reminders SET c10 = \"\", c12 = \"\" WHERE EventID = 1001"), 1)
+        << "texts may be empty";
+    EXPECT_EQ(db_.OpenRS("SELECT c10 FROM Reminders WHERE EventID = 1001")->value("c10"),
+              Variant(""));
+    db_.CloseDB();
+    auto file = jet::Database::open(path_, jet::Access::Read);
+    EXPECT_TRUE(jet::checkDatabase(file).empty());
 }
 
 TEST_F(DBRemindUtilsTest, GetDeletedColListsTheDeletedRows) {

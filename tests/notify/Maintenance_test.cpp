@@ -3,7 +3,10 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "CheckParts.h"
 #include "db/jet/File.h"
@@ -114,6 +117,18 @@ TEST_F(MaintenanceTest, AnEmptyPathIsNoFile) {
     EXPECT_EQ(rows(), 9);
 }
 
+// It is one of the paths, but no row equals it: such events are never removed.
+TEST_F(MaintenanceTest, AMissingPathIsNoFileThatAnEventComesFrom) {
+    db.Execute("UPDATE Reminders SET VLBase = Null WHERE EventID <= 1003");
+    EXPECT_EQ(db.DeletedVLBasesCol()->Count(), 1U);
+    EXPECT_EQ(db.DelDeletedVLBases(false), 0);
+    EXPECT_EQ(db.DelDeletedVLBases(true), 0);
+    EXPECT_EQ(rows(), 12);
+    maintenance.CleanUp();
+    ASSERT_EQ(boxes.asked.size(), 1U);
+    EXPECT_EQ(boxes.asked[0].text, "Nothing to clean up. All events can be located");
+}
+
 TEST_F(MaintenanceTest, ADoubleQuoteInATextIsPartOfIt) {
     const std::string path = "/gone/x\" OR \"\"=\"";
     db.Execute("UPDATE Reminders SET VLBase = " + DBRemindUtils::ToSQLText(path) +
@@ -160,6 +175,30 @@ TEST_F(MaintenanceTest, CleaningUpAsksAndTellsHowMuch) {
     ASSERT_TRUE(reminders.mCol);
     ASSERT_TRUE(period.mCol);
     EXPECT_EQ(reminders.mCol->Count(), period.mCol->Count());
+}
+
+TEST_F(MaintenanceTest, BothSetsAreReadAgainBeforeThePeriodIsShown) {
+    struct LookingScreen : test::RecordingScreen {
+        void DoPeriod() override { look(); }
+        std::function<void()> look;
+    } looking;
+    using Counts = std::pair<std::size_t, std::size_t>;
+    const auto counts = [&] { return Counts{reminders.mCol->Count(), period.mCol->Count()}; };
+    std::vector<Counts> shown;
+    looking.look = [&] { shown.push_back(counts()); };
+    Maintenance onScreen{db, reminders, period, cycle, state, looking, boxes};
+    move(3, "/gone/a.vldb");
+    reminders.ReadDB(true, false);
+    period.ReadDB(true, false);
+    const Counts before = counts();
+    boxes.answers = {BoxAnswer::Yes, BoxAnswer::Yes};
+    onScreen.CleanUp();
+    onScreen.DeleteAll();
+    ASSERT_EQ(shown.size(), 2U);
+    EXPECT_LT(shown[0].first, before.first);
+    EXPECT_LT(shown[0].second, before.second);
+    EXPECT_GT(shown[0].first, 0U);
+    EXPECT_EQ(shown[1], Counts(0, 0));
 }
 
 TEST_F(MaintenanceTest, WhatIsNotAnsweredWithYesChangesNothing) {
