@@ -28,8 +28,9 @@ std::string counted(std::uint64_t n, const char* what) {
 
 // A link is something by itself, wherever it leads.
 bool isThere(const std::string& name) {
-    std::error_code error;
-    return fs::symlink_status(pathOf(name), error).type() != fs::file_type::not_found;
+    std::error_code unknown;  // whoever makes the file then says why
+    const fs::file_type type = fs::symlink_status(pathOf(name), unknown).type();
+    return type != fs::file_type::not_found && type != fs::file_type::none;
 }
 
 [[noreturn]] void refuseTaken(const std::string& target) {

@@ -1,4 +1,5 @@
 // What remindb leaves that is killed while it makes a file: a whole one, or none.
+#include <cstdlib>
 #include <iostream>
 
 #include <gmock/gmock.h>
@@ -107,6 +108,18 @@ TEST_F(RemindbKilled, BackupLeavesAWholeTargetOrNone) {
 TEST_F(RemindbKilled, CompactInPlaceLeavesTheOldFileOrTheNew) {
     killEverywhere({"compact", file}, file);
     EXPECT_EQ(whole, kills);
+}
+
+TEST_F(RemindbKilled, WhatDoesNotFitOnTheDiskLeavesNothing) {
+    for (const char* command : {"compact", "repair", "backup"}) {
+        // In pieces of 512 bytes; the source has 296 of them.
+        const std::string line = "trap '' XFSZ; ulimit -f 200; '" VL_REMINDB "' " +
+                                 std::string(command) + " '" + file + "' '" + target +
+                                 "' 2>/dev/null";
+        EXPECT_NE(std::system(line.c_str()), 0);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1) << command;
+    }
+    EXPECT_EQ(test::readFile(file), bytes);
 }
 
 // Nobody can tell a file of a killed run from that of one at work, so it is named and stays.
