@@ -203,6 +203,23 @@ std::string literalFor(const jet::Column& column) {
     }
 }
 
+std::vector<std::string> statementsFor(const std::string& name,
+                                       const std::vector<jet::Column>& columns) {
+    const jet::Column& key = columns[columns.size() / 3];
+    const std::string table = "[" + name + "]";
+    const std::string k = "[" + key.name + "]";
+    const std::string last = "[" + columns.back().name + "]";
+    const std::string value = literalFor(key);
+    return {"SELECT DISTINCT TOP 9 * FROM " + table + " WHERE " + k + " >= " + value + " OR " +
+                last + " IS NULL ORDER BY " + k + " DESC",
+            "INSERT INTO " + table + " SELECT TOP 5 * FROM " + table,
+            "INSERT INTO " + table + " (" + k + ") VALUES (" + value + ")",
+            "UPDATE " + table + " SET " + last + " = Null WHERE " + k + " < " + value,
+            "UPDATE " + table + " SET " + k + " = " + value,
+            "DELETE * FROM " + table + " WHERE " + k + " = " + value,
+            "DELETE FROM " + table};
+}
+
 void runStatements(Subject& subject) {
     for (const std::string& name : subject.tables()) {
         std::vector<jet::Column> columns;
@@ -210,19 +227,7 @@ void runStatements(Subject& subject) {
         if (columns.empty()) {
             continue;
         }
-        const jet::Column& key = columns[columns.size() / 3];
-        const std::string table = "[" + name + "]";
-        const std::string k = "[" + key.name + "]";
-        const std::string last = "[" + columns.back().name + "]";
-        for (const std::string& statement :
-             {"SELECT DISTINCT TOP 9 * FROM " + table + " WHERE " + k + " >= " + literalFor(key) +
-                  " OR " + last + " IS NULL ORDER BY " + k + " DESC",
-              "INSERT INTO " + table + " SELECT TOP 5 * FROM " + table,
-              "INSERT INTO " + table + " (" + k + ") VALUES (" + literalFor(key) + ")",
-              "UPDATE " + table + " SET " + last + " = Null WHERE " + k + " < " + literalFor(key),
-              "UPDATE " + table + " SET " + k + " = " + literalFor(key),
-              "DELETE * FROM " + table + " WHERE " + k + " = " + literalFor(key),
-              "DELETE FROM " + table}) {
+        for (const std::string& statement : statementsFor(name, columns)) {
             subject.change(statement, [&](jet::Database& db) { sql::execute(db, statement); });
         }
     }
