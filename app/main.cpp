@@ -8,6 +8,7 @@
 
 #include "app/CommandLine.h"
 #include "app/Module1.h"
+#include "app/platform/Memory.h"
 #include "base/ErrorState.h"
 #include "ui/FormFont.h"
 #include "ui/GridUtils.h"
@@ -46,6 +47,7 @@ bool answered(const vl::CommandLine& line, int& status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    vl::platform::joinWhatIsFreed();
     // Help and version are answered where there is no display to open.
     int status = 0;
     if (answered(vl::readCommandLine(std::vector<std::string>(argv + 1, argv + argc)), status)) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,7 +18,7 @@ namespace vl {
 /// with many texts, most of them empty or equal to another object's, it takes a fraction of what
 /// `std::string` takes.
 ///
-/// Texts of 4 GiB and more are cut there. Copies may be used in several threads, as those of a
+/// Texts of 2 GiB and more are cut there. Copies may be used in several threads, as those of a
 /// `std::shared_ptr` may.
 class SharedText {
 public:
@@ -43,7 +44,7 @@ public:
 
     /// Good as long as this text, or a copy of it, is not set anew.
     std::string_view view() const noexcept {
-        return block_ != nullptr ? std::string_view(textOf(block_), block_->length)
+        return block_ != nullptr ? std::string_view(textOf(block_), lengthOf(block_))
                                  : std::string_view();
     }
     std::string str() const { return std::string(view()); }
@@ -51,8 +52,18 @@ public:
     operator std::string() const { return str(); }
 
     bool empty() const noexcept { return block_ == nullptr; }
-    std::size_t size() const noexcept { return block_ != nullptr ? block_->length : 0; }
+    std::size_t size() const noexcept { return block_ != nullptr ? lengthOf(block_) : 0; }
     void clear() noexcept { *this = SharedText(); }
+
+    /// A text to be set, and to what: no part of the texts that are set.
+    struct Setting {
+        SharedText* to;
+        std::string_view text;
+    };
+    /// Sets several texts for the price of one: they share an allocation, which stays as long as
+    /// one of them or of their copies does. For the own texts of one object, which come and go
+    /// together.
+    static void setTogether(std::span<const Setting> settings);
 
     /// Whether both are one block, or empty.
     bool sharesWith(const SharedText& other) const noexcept { return block_ == other.block_; }
@@ -82,8 +93,15 @@ private:
     // The text follows it.
     struct Block {
         std::atomic<std::uint32_t> users;
-        std::uint32_t length;
+        std::uint32_t length;  // and `kTogether`
     };
+    // Begins an allocation of several blocks, of which each stands behind its distance from here.
+    struct Group {
+        std::atomic<std::uint32_t> blocks;  // that are in use
+    };
+    static constexpr std::uint32_t kTogether = 0x80000000;  // the block is one of a group
+
+    static std::size_t lengthOf(const Block* block) noexcept { return block->length & ~kTogether; }
     static const char* textOf(const Block* block) noexcept {
         return reinterpret_cast<const char*>(block + 1);
     }

@@ -25,7 +25,7 @@ public:
     void keep(const EventIndex& index, const Window& window, std::uint64_t asked,
               const GenCollection& answer);
 
-    /// Of what it keeps: 0 for nothing yet, and never the same twice.
+    /// Of what it keeps: 0 for nothing yet, and of one memo never the same twice.
     std::uint64_t id() const noexcept { return id_; }
 
 private:
@@ -37,7 +37,7 @@ private:
         std::int32_t iRemMinutesNext;
     };
 
-    std::uint64_t id_ = 0;
+    std::uint64_t id_ = 0;  // 0: keeps nothing yet
     std::uint64_t asked_ = 0;
     std::uint64_t version_ = 0;  // of the index
     Window window_;

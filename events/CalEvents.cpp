@@ -17,18 +17,6 @@ namespace vl {
 
 namespace {
 
-DateTime lastModified(const GenCollection& events) {
-    DateTime last;
-    for (const Variant& item : events) {
-        const auto* object = item.get<ObjectRef>();
-        if (const auto* event =
-                object != nullptr ? dynamic_cast<const calEvent*>(object->get()) : nullptr) {
-            last = std::max(last, event->Modified);
-        }
-    }
-    return last;
-}
-
 std::string quoted(std::string_view value) { return "\"" + std::string(value) + "\""; }
 
 }  // namespace
@@ -56,126 +44,6 @@ void CalEvents::Add(const std::shared_ptr<calEvent>& event, std::string_view sKe
     mCol->Add(Variant(event), sKey);
 }
 
-bool CalEvents::isUnchanged(const Source& now) const {
-    return mCol && (source_.full || !now.full) && source_.filled.lock() == mCol &&
-           source_.look.same(now.look) && source_.IncludeAllDone == now.IncludeAllDone &&
-           source_.Dismissed == now.Dismissed && db_.ReadTrouble().number == ErrNo::None;
-}
-
-int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
-    const ErrScope scope;
-    remindedNow_ = 0;
-    // Looked at first: what is written while the rows are read counts as changed since.
-    Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}, {}};
-    if (Reload && clock_.now() < dLastRead) {
-        // What was over by a clock that was ahead may not be.
-        source_ = Source();
-        fullRead_->forgetPassedOver();
-    }
-    if (isUnchanged(now)) {
-        if (Reload) {
-            index_->forgetQueries(*mCol);
-        }
-        db_.CloseDB();
-        // A host whose clock is ahead writes rows that every such query gives.
-        const bool gives = Reload ? source_.result != 0 : source_.modified > dLastRead;
-        dLastRead = clock_.now();
-        isRead_ = true;
-        return gives ? 1 : 0;
-    }
-    source_ = Source();
-    isRead_ = false;
-    if (now.full) {
-        dLastRead = DateTime();
-    }
-    const std::string statement = ReadStatement(IncludeAllDone, Dismissed, dLastRead);
-    isRead_ = now.full ? readAll(statement, now) : readChanged(statement, now);
-    if (isRead_) {
-        now.filled = mCol;
-        source_ = now;
-    } else {
-        fullRead_->forget();
-    }
-    db_.CloseDB();
-    dLastRead = clock_.now();
-    return now.result;
-}
-
-bool CalEvents::readAll(const std::string& statement, Source& source) {
-    const GenCollection before = mCol ? *mCol : GenCollection();
-    mCol = std::make_shared<GenCollection>();
-    const bool takesBack =
-        ledger_ != noLedger_.get() && !source.IncludeAllDone && !source.Dismissed;
-    fullRead_->takeBack(takesBack ? [this](const calEvent& event) { return isOpenAgain(event); }
-                                  : FullRead::IsOpenAgain());
-    const auto all =
-        fullRead_->read(db_, statement, before, clock_.now(),
-                        [this](const FullRead::Fill& fill) { return readEvent(fill); });
-    if (!all) {
-        return false;
-    }
-    keepPassedOver();
-    writeTakenBack();
-    index_->forgetQueries(before);
-    mCol = all;
-    damage_ = fullRead_->damage();
-    adopted_ = false;
-    source.result = all->Count() > 0 ? 1 : 0;
-    source.modified = lastModified(*all);
-    return true;
-}
-
-bool CalEvents::readChanged(const std::string& statement, Source& source) {
-    const auto rows = db_.OpenRS(statement);
-    if (!rows || !rows->isOpen()) {
-        return db_.ReadTrouble().number == ErrNo::Corrupt && readChangedDamaged(statement, source);
-    }
-    bool complete = true;
-    const TimeZone local = TimeZone::local();
-    const RowReader reader(rows->fields(), local, fullRead_->pool());
-    for (; !rows->EOF_(); rows->MoveNext()) {
-        complete &= attempt([&] {
-            const auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
-            source.modified = std::max(source.modified, event->Modified);
-            takeChanged(event);
-        });
-    }
-    source.result = rows->RecordCount() > 0 ? 1 : 0;
-    rows->Close();
-    return complete;
-}
-
-void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {
-    if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
-        event = stillValid(known, event);
-        if (event == known && !adopted_) {
-            forgetQuery(*event);
-        }
-    }
-    mCol->Remove(event->GUID);
-    Add(event, event->GUID);
-}
-
-// A statement gives all rows that it finds or none; row by row those come that can be read.
-bool CalEvents::readChangedDamaged(const std::string& statement, Source& source) {
-    FullRead once;
-    const auto changed = once.read(db_, statement, *mCol, clock_.now(),
-                                   [this](const FullRead::Fill& fill) { return readEvent(fill); });
-    if (!changed) {
-        return false;
-    }
-    for (const Variant& item : *changed) {
-        if (const auto event = objectIn<calEvent>(item)) {
-            source.modified = std::max(source.modified, event->Modified);
-            attempt([&] { takeChanged(event); });
-        }
-    }
-    const Damage& damage = once.damage();
-    damage_.inPart.insert(damage.inPart.begin(), damage.inPart.end());
-    source.result = changed->Count() > 0 ? 1 : 0;
-    return true;
-}
-
 bool CalEvents::IsReadInPart(std::string_view GUID) const {
     return !damage_.inPart.empty() && damage_.inPart.contains(text::foldCase(GUID));
 }
@@ -195,30 +63,13 @@ void CalEvents::separate() {
     adopted_ = false;
 }
 
-// Most events are the same objects in both. Of a list from which one was taken, or into which one
-// was put, the others follow one place on.
 void CalEvents::carryLastReminders(const GenCollection& full) const {
-    auto other = full.begin();
-    const auto at = [&] { return other == full.end() ? nullptr : other->get<ObjectRef>(); };
-    for (const Variant& item : *mCol) {
-        const auto* mine = item.get<ObjectRef>();
-        if (mine == nullptr) {
-            continue;
+    for (const auto place : mCol->PlacesThatDiffer(full)) {
+        if (place >= mCol->PlaceCount()) {
+            break;
         }
-        if (const auto* there = at(); there != nullptr && *there != *mine) {
-            auto next = other;
-            ++next;
-            if (next != full.end() && next->get<ObjectRef>() != nullptr &&
-                *next->get<ObjectRef>() == *mine) {
-                other = next;
-            }
-        }
-        if (const auto* there = at(); there != nullptr && *there == *mine) {
-            ++other;
-            continue;
-        }
-        const auto* event = dynamic_cast<const calEvent*>(mine->get());
-        if (event != nullptr && !event->dLastReminder.isZero()) {
+        const auto event = objectIn<calEvent>(mCol->AtPlace(place));
+        if (event && !event->dLastReminder.isZero()) {
             if (const auto adopted = objectAt<calEvent>(full, event->GUID)) {
                 adopted->dLastReminder = event->dLastReminder;
             }

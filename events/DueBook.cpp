@@ -1,22 +1,16 @@
 #include "DueBook.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
-#include "PlaceIn.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 
 namespace vl {
 
 namespace {
-
-// An exception that stands for an occurrence of its series.
-bool replacesOne(const calEvent& event) {
-    return event.IsException() && !event.recurringEventId.empty() &&
-           !event.RExceptionStartTimeOrig.isZero();
-}
 
 // Whether the host has given it other reminder times.
 bool reTimed(const calEvent& before, const calEvent& now) {
@@ -69,83 +63,27 @@ bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "Al
 
 }  // namespace
 
-bool DueBook::isSame(const GenCollection& events) const {
-    return events.Stamp() == stamp_ && events.Count() == slots_.size();
-}
-
 // Takes over what is in the list now, with what is known of the events that were there before.
 // What is there at the first question of a run has been met by an earlier run, unless the host has
 // touched it since.
 void DueBook::bring(const GenCollection& events, const Asked& asked) {
-    const bool starting = lastNow_.isZero();
     const DateTime checked = asked.ledger.lastCheck(asked.database);
-
-    std::vector<Slot> old;
-    old.swap(slots_);
-    slots_.reserve(events.Count());
-    // Most stand where they stood, or next to it; only the others are looked up.
+    const auto places = events.PlacesThatDiffer(events_);
+    slots_.resize(std::max(slots_.size(), events.PlaceCount()));
     std::unordered_map<std::uint64_t, Slot> before = std::exchange(deleting_, {});
-    std::vector<std::size_t> strangers;
-    std::size_t at = 0;
-    for (const Variant& item : events) {
-        const auto* object = item.get<ObjectRef>();
-        const Object* wanted = object != nullptr ? object->get() : nullptr;
-        const std::size_t known =
-            placeIn(old, at, wanted, [](const Slot& slot) { return slot.event.get(); });
-        if (known < old.size()) {
-            for (; at < known; ++at) {
-                before.emplace(old[at].hash, std::move(old[at]));
-            }
-            slots_.push_back(std::move(old[at++]));
-            continue;
+    for (const auto place : places) {
+        Slot slot = std::exchange(slots_[place], Slot());
+        if (slot.event) {
+            before.emplace(slot.hash, std::move(slot));
         }
-        strangers.push_back(slots_.size());
-        slots_.emplace_back();
-        slots_.back().event = objectIn<calEvent>(item);
     }
-    for (; at < old.size(); ++at) {
-        before.emplace(old[at].hash, std::move(old[at]));
-    }
-    old = {};
-    for (const std::size_t i : strangers) {
-        auto event = std::move(slots_[i].event);
-        Slot slot;
-        // What is no event has a place, too, so that both lists run side by side.
-        slot.hash = event ? guidHash(event->GUID) : 0;
-        slot.firstMet = !starting || (event && !checked.isZero() && event->Modified >= checked);
-        const auto known = before.find(slot.hash);
-        if (event && known != before.end() && known->second.event) {
-            const auto was = known->second.event;
-            slot = std::move(known->second);
-            before.erase(known);
-            if (was != event) {
-                slot.look = true;
-                slot.firstMet = slot.firstMet || reTimed(*was, *event);
-                if (!event->IsRepeating() && was->StartDateTime != event->StartDateTime) {
-                    slot.since = DateTime();  // that was of the times it had
-                }
-                exceptionsChanged_ = exceptionsChanged_ || replacesOne(*was);
-            }
+    slots_.resize(events.PlaceCount());
+    for (const auto place : places) {
+        if (place < slots_.size()) {
+            slots_[place] = slotFor(objectIn<calEvent>(events.AtPlace(place)), before, checked);
         }
-        if (event && slot.event != event) {
-            // A series may be one of which the ledger knows.
-            exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
-        }
-        if (event && !starting && slot.firstMet && !event->Modified.isZero() &&
-            event->Modified <= lastFrom_) {
-            // It was there before the last question, which its read has missed: to the second.
-            const bool isMoved = slot.sinceOf != startOf(*event);
-            slot.since =
-                isMoved || slot.since.isZero() ? lastFrom_ : std::min(slot.since, lastFrom_);
-            slot.sinceOf = startOf(*event);
-        }
-        slot.event = std::move(event);
-        slots_[i] = std::move(slot);
     }
     for (auto& [hash, slot] : before) {
-        if (!slot.event) {
-            continue;
-        }
         if (replacesOne(*slot.event)) {
             exceptionsChanged_ = true;
             left_.push_back({seriesOf(*slot.event), slot.event->RExceptionStartTimeOrig});
@@ -158,40 +96,44 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
             deleting_.emplace(hash, std::move(slot));
         }
     }
-    stamp_ = events.Stamp();
+    events_ = events;
 }
 
-void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
-    ReplacedStarts now;
-    for (const Slot& slot : slots_) {
-        if (slot.event && replacesOne(*slot.event)) {
-            now.say(seriesOf(*slot.event), {slot.event->RExceptionStartTimeOrig, {}});
+// What is known of another object of the same event goes over to this one.
+DueBook::Slot DueBook::slotFor(std::shared_ptr<calEvent> event,
+                               std::unordered_map<std::uint64_t, Slot>& before, DateTime checked) {
+    Slot slot;
+    if (!event) {
+        return slot;
+    }
+    const bool starting = lastNow_.isZero();
+    slot.hash = guidHash(event->GUID);
+    slot.firstMet = !starting || (!checked.isZero() && event->Modified >= checked);
+    if (const auto known = before.find(slot.hash); known != before.end()) {
+        const auto was = known->second.event;
+        slot = std::move(known->second);
+        before.erase(known);
+        if (was != event) {
+            slot.look = true;
+            slot.firstMet = slot.firstMet || reTimed(*was, *event);
+            if (!event->IsRepeating() && was->StartDateTime != event->StartDateTime) {
+                slot.since = DateTime();  // that was of the times it had
+            }
+            exceptionsChanged_ = exceptionsChanged_ || replacesOne(*was);
         }
     }
-    // Of exceptions that are read no more the ledger knows which starts they have taken over.
-    for (const Ledger::Replaced& kept : ledger.allReplaced(database)) {
-        for (const Noted& start : kept.starts) {
-            now.say(kept.series, start);
-        }
+    if (slot.event != event) {
+        // A series may be one of which the ledger knows.
+        exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
     }
-    for (const Left& left : left_) {
-        now.say(left.series, {left.replaced, {}});
+    if (!starting && slot.firstMet && !event->Modified.isZero() && event->Modified <= lastFrom_) {
+        // It was there before the last question, which its read has missed: to the second.
+        const bool isMoved = slot.sinceOf != startOf(*event);
+        slot.since = isMoved || slot.since.isZero() ? lastFrom_ : std::min(slot.since, lastFrom_);
+        slot.sinceOf = startOf(*event);
     }
-    if (now.empty() && replaced_.empty()) {
-        return;
-    }
-    std::vector<const calEvent*> series;
-    for (const Slot& slot : slots_) {
-        if (slot.event && slot.event->IsRepeating()) {
-            series.push_back(slot.event.get());
-        }
-    }
-    now.settle(series, *zone_);
-    for (Slot& slot : slots_) {
-        slot.look = slot.look || (slot.event && !std::ranges::equal(now.of(*slot.event),
-                                                                    replaced_.of(*slot.event)));
-    }
-    replaced_ = std::move(now);
+    slot.event = std::move(event);
+    return slot;
 }
 
 void DueBook::markChanged(const Asked& asked) {
@@ -281,8 +223,28 @@ bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
            !asked.isListed(slot.event->GUID);
 }
 
+// In the order of the list.
+std::vector<GenCollection::Place> DueBook::toBeAsked(const Asked& asked, bool wentBack) {
+    std::vector<GenCollection::Place> places;
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        if (wentBack) {
+            slots_[i].quiet = false;
+        }
+        if (isToBeAsked(slots_[i], asked)) {
+            places.push_back(static_cast<GenCollection::Place>(i));
+        }
+    }
+    const auto before = [this](GenCollection::Place a, GenCollection::Place b) {
+        return events_.PositionOfPlace(a) < events_.PositionOfPlace(b);
+    };
+    if (!std::is_sorted(places.begin(), places.end(), before)) {
+        std::sort(places.begin(), places.end(), before);
+    }
+    return places;
+}
+
 std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Asked& asked) {
-    if (!isSame(events)) {
+    if (events.Stamp() != events_.Stamp()) {
         bring(events, asked);
     }
     takeZone(TimeZone::local());
@@ -299,17 +261,11 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
     std::vector<Found> found;
     found_.clear();
     moved_.clear();
-    for (std::size_t i = 0; i < slots_.size(); ++i) {
-        Slot& slot = slots_[i];
-        if (wentBack) {
-            slot.quiet = false;
-        }
-        if (isToBeAsked(slot, asked)) {
-            const std::size_t before = found.size() + moved_.size();
-            attempt([&] { askOne(slot, asked, found); });
-            if (found.size() + moved_.size() > before) {
-                found_[slot.hash] = i;
-            }
+    for (const GenCollection::Place place : toBeAsked(asked, wentBack)) {
+        const std::size_t before = found.size() + moved_.size();
+        attempt([&] { askOne(slots_[place], asked, found); });
+        if (found.size() + moved_.size() > before) {
+            found_[slots_[place].hash] = place;
         }
     }
     std::stable_sort(found.begin(), found.end(),

@@ -21,10 +21,11 @@ namespace vl {
 
 /// Knows of each event when the next reminder of it can become pending, so that a check in which
 /// nothing has happened looks at no event, only at the list of them (half a millisecond for
-/// 100,000). An event is looked at again when its time has come, when the ledger has changed about
-/// it, as long as something of it is pending that is not listed, and when another object stands in
-/// the list under its `GUID`: who changes an event's schedule or its row's words in place tells it
-/// by `look`.
+/// 100,000); where something has, it takes over what differs from the list of the last one. An
+/// event is looked at again when its time has come, when the ledger has changed about it, as long
+/// as something of it is pending that is not listed, and when another object stands in the list
+/// under its `GUID`: who changes an event's schedule or its row's words in place tells it by
+/// `look`.
 class DueBook {
 public:
     struct Asked {
@@ -79,8 +80,13 @@ private:
         bool quiet = false;    // listed then, and nothing of it was due again
     };
 
+    // An exception that stands for an occurrence of its series.
+    static bool replacesOne(const calEvent& event);
+
     void bring(const GenCollection& events, const Asked& asked);
-    bool isSame(const GenCollection& events) const;
+    Slot slotFor(std::shared_ptr<calEvent> event, std::unordered_map<std::uint64_t, Slot>& before,
+                 DateTime checked);
+    std::vector<GenCollection::Place> toBeAsked(const Asked& asked, bool wentBack);
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
     void findReplaced(const Ledger& ledger, std::string_view database);
     void takeZone(const TimeZone& zone);
@@ -88,9 +94,9 @@ private:
     DateTime sinceOf(const Slot& slot, const EventState* state, DateTime asked) const;
     void askOne(Slot& slot, const Asked& asked, std::vector<Found>& found);
 
-    std::vector<Slot> slots_;                               // in the order of the collection
+    GenCollection events_;                                  // at the last question
+    std::vector<Slot> slots_;                               // by its places
     std::unordered_map<std::uint64_t, Slot> deleting_;      // not in it now, and may come back
-    std::uint64_t stamp_ = 0;                               // of the collection
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
     ReplacedStarts replaced_;
     std::vector<Left> left_;

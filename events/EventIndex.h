@@ -80,6 +80,8 @@ private:
         bool listed = false;  // in `left_`
     };
 
+    void bringValues(const GenCollection& collection);
+    void bringAll(const GenCollection& collection);
     void findOut(std::size_t i);
     void noteListed(std::size_t i);
     bool seriesMayRemind(std::size_t i, const Window& window);

@@ -1,7 +1,6 @@
 #include "FullRead.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "PageReader.h"
 
@@ -99,175 +98,6 @@ FullRead::Pages FullRead::stream(sql::RowStream& stream, const GenCollection& be
     return pages;
 }
 
-const FullRead::PageRows* FullRead::knownOf(jet::PageNo page) const {
-    const auto known = std::lower_bound(
-        pages_.begin(), pages_.end(), page,
-        [](const auto& rows, jet::PageNo wanted) { return rows->mark.page < wanted; });
-    return known != pages_.end() && (*known)->mark.page == page ? known->get() : nullptr;
-}
-
-// What cannot be read any more counts as it was.
-void FullRead::keepLost(const jet::RowCursor::Unreadable& lost, PageRows& page) const {
-    const PageRows* known = knownOf(lost.page);
-    if (known == nullptr) {
-        return;
-    }
-    page.passesOver = page.passesOver || known->passesOver;
-    for (std::size_t i = 0; i < known->events.size(); ++i) {
-        if (lost.row && *lost.row != known->slots[i]) {
-            continue;
-        }
-        const auto& event = known->events[i];
-        PageReader::add(page, event, known->slots[i]);
-        std::copy_if(known->passedOver.begin(), known->passedOver.end(),
-                     std::back_inserter(page.passedOver),
-                     [&](const PassedRow& row) { return row.event == event; });
-    }
-}
-
-// No page has a mark then: each is read again.
-FullRead::Pages FullRead::streamDamaged(sql::RowStream& stream, const GenCollection& before,
-                                        const Make& make) {
-    PageReader reader(*this, stream, before, make);
-    Pages pages;
-    const auto at = [&](jet::PageNo number) -> PageRows& {
-        if (pages.empty() || pages.back()->mark.page != number) {
-            pages.push_back(std::make_shared<PageRows>());
-            pages.back()->mark.page = number;
-        }
-        return *pages.back();
-    };
-    for (bool more = true; more;) {
-        if (isReadable([&] { more = stream.next(); })) {
-            if (more) {
-                const jet::PageNo page = stream.id().page;
-                reader.readDamaged(knownOf(page), at(page));
-            }
-            continue;
-        }
-        const auto lost = stream.passOver();
-        if (!lost) {
-            throw Error(ErrNo::Corrupt, "the rows cannot be passed over");
-        }
-        ++damage_.rows;
-        keepLost(*lost, at(lost->page));
-    }
-    return pages;
-}
-
-// Not where somebody writes: what looks damaged then is only torn.
-bool FullRead::readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
-                           Pages& pages) {
-    const DBRemindUtils::Look look = db.TakeLook();
-    const Damage known = std::exchange(damage_, Damage());
-    const bool isRead = db.ForRows(statement_, [&](sql::RowStream& rowStream) {
-        damage_ = Damage();
-        damage_.inPart = known.inPart;  // which of those that are held are no whole ones
-        pages = streamDamaged(rowStream, before, make);
-    });
-    if (!isRead || !look.same(db.TakeLook())) {
-        damage_ = known;
-        return false;
-    }
-    return true;
-}
-
-namespace {
-
-using Events = std::vector<std::shared_ptr<calEvent>>;
-
-// Whether these can take the others' places one by one, each under the same key.
-bool haveSameKeys(const Events& some, const Events& others) {
-    return std::equal(some.begin(), some.end(), others.begin(), others.end(),
-                      [](const auto& a, const auto& b) { return a->GUID == b->GUID; });
-}
-
-bool haveKeys(const Events& events) {
-    return std::none_of(events.begin(), events.end(),
-                        [](const auto& event) { return event->GUID.empty(); });
-}
-
-// False: one of them is there already.
-bool insert(GenCollection& collection, const Events& events, std::size_t position) {
-    for (const auto& event : events) {
-        const std::size_t count = collection.Count();
-        collection.Add(Variant(event), event->GUID,
-                       position <= count ? static_cast<std::int64_t>(position) : 0);
-        if (collection.Count() == count) {
-            return false;
-        }
-        ++position;
-    }
-    return true;
-}
-
-}  // namespace
-
-// What was held, with what the changed pages have now; null when it cannot be told from that.
-std::shared_ptr<GenCollection> FullRead::changed(const Changes& changes,
-                                                 const GenCollection& before) const {
-    if (!changes.noted) {
-        return nullptr;
-    }
-    static const Events kNone;
-    const auto eventsBefore = [](const ChangedPage& change) -> const Events& {
-        return change.before ? change.before->events : kNone;
-    };
-    auto collection = std::make_shared<GenCollection>(before);
-    std::vector<const ChangedPage*> others;
-    for (const ChangedPage& change : changes.pages) {
-        const Events& now = pages_[change.page]->events;
-        const Events& was = eventsBefore(change);
-        if (!haveKeys(now) || !haveKeys(was)) {
-            return nullptr;
-        }
-        if (!haveSameKeys(now, was)) {
-            others.push_back(&change);
-            continue;
-        }
-        for (std::size_t i = 0; i < now.size(); ++i) {
-            if (now[i] != was[i]) {
-                collection->UpdateItem(now[i]->GUID, Variant(now[i]));
-            }
-        }
-    }
-    for (const ChangedPage* change : others) {
-        for (const auto& event : eventsBefore(*change)) {
-            collection->Remove(event->GUID);
-        }
-    }
-    std::size_t position = 1;
-    std::size_t page = 0;
-    for (const ChangedPage* change : others) {
-        for (; page < change->page; ++page) {
-            position += pages_[page]->events.size();
-        }
-        if (!insert(*collection, pages_[page]->events, position)) {
-            return nullptr;
-        }
-    }
-    return collection;
-}
-
-void FullRead::addTo(GenCollection& collection, const PageRows& page) {
-    for (const auto& event : page.events) {
-        const std::size_t count = collection.Count();
-        collection.Add(Variant(event), event->GUID);
-        if (collection.Count() == count) {
-            collection.Remove(event->GUID);
-            collection.Add(Variant(event), event->GUID);
-        }
-    }
-}
-
-std::shared_ptr<GenCollection> FullRead::collected() const {
-    auto collection = std::make_shared<GenCollection>();
-    for (const auto& page : pages_) {
-        addTo(*collection, *page);
-    }
-    return collection;
-}
-
 std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::string& statement,
                                               const GenCollection& before, DateTime now,
                                               const Make& make) {
@@ -306,8 +136,10 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
     }
     stamp_ = collection->Stamp();
     count_ = 0;
+    lastModified_ = DateTime();
     for (const auto& page : pages_) {
         count_ += page->events.size();
+        lastModified_ = std::max(lastModified_, page->lastModified);
     }
     mayPassBy_ = true;
     if (readings > 1) {

@@ -57,6 +57,9 @@ public:
     /// The next read looks at those again that the condition passed over.
     void forgetPassedOver();
 
+    /// When the row of the last read was written that was written last.
+    DateTime lastModified() const noexcept { return lastModified_; }
+
     /// What the last read could not read.
     const Damage& damage() const noexcept { return damage_; }
 
@@ -86,6 +89,7 @@ private:
         std::vector<std::uint16_t> slots;  // of these rows
         std::vector<PassedRow> passedOver;
         bool passesOver = false;  // whether there are rows that the condition is not true of
+        DateTime lastModified;    // of the events
     };
     using Pages = std::vector<std::shared_ptr<PageRows>>;  // ascending
     struct ChangedPage {
@@ -125,6 +129,7 @@ private:
     Damage damage_;
     std::uint64_t stamp_ = 0;  // of the collection that they filled
     std::size_t count_ = 0;    // of their events, those with a key that others have included
+    DateTime lastModified_;
 };
 
 /// Of an event that was read again the object that is known, as long as its row says the same.

@@ -14,8 +14,10 @@ namespace {
 // From so many items on `Exists` looks the key up instead of walking the key list.
 constexpr std::size_t kLookUpFrom = 30;
 
-KeyedSlots::Item itemFor(const Variant& member, const SharedText& key) {
-    return {member, key, !key.empty()};
+std::uint32_t hashOf(const SharedText& key) { return key.empty() ? 0 : hashNoCase(key); }
+
+KeyedSlots::Item itemFor(const Variant& member, const SharedText& key, std::uint32_t hash) {
+    return {member, key, !key.empty(), hash};
 }
 
 // Whole numbers stay whole; those that fit are kept in 32 bits, as counters begin.
@@ -57,13 +59,19 @@ KeyedSlots& GenCollection::own() {
     return *items_;
 }
 
+KeyedSlots& GenCollection::ownOrder() {
+    KeyedSlots& items = own();
+    order_ = stamp_;
+    return items;
+}
+
 std::uint32_t GenCollection::find(IndexKey index) const {
     return index.isKey() ? items_->slotOf(index.key()) : items_->slotAt(index.position());
 }
 
-void GenCollection::append(const Variant& member, const SharedText& key) {
-    KeyedSlots& items = own();
-    items.insert(items.count() + 1, itemFor(member, key));
+void GenCollection::append(const Variant& member, const SharedText& key, std::uint32_t hash) {
+    KeyedSlots& items = ownOrder();
+    items.insert(items.count() + 1, itemFor(member, key, hash));
 }
 
 bool GenCollection::isReplacedInPlace(const Variant& member) {
@@ -73,25 +81,43 @@ bool GenCollection::isReplacedInPlace(const Variant& member) {
 
 Variant GenCollection::addText(const Variant& member, const SharedText& sKey, std::int64_t Before,
                                std::int64_t After, bool bReplace) {
-    const auto taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey);
+    const std::uint32_t hash = hashOf(sKey);
+    const auto taken = sKey.empty() ? KeyedSlots::kNone : items_->slotOf(sKey, hash);
     if (taken != KeyedSlots::kNone) {
         if (bReplace && isReplacedInPlace(member)) {
             own().setValue(taken, member);
         } else if (bReplace) {
-            own().remove(taken);
-            append(member, sKey);
+            ownOrder().remove(taken);
+            append(member, sKey, hash);
         }
         return member;
     }
     const auto count = static_cast<std::int64_t>(Count());
     if (Before == 0 && After == 0) {
-        append(member, sKey);
+        append(member, sKey, hash);
     } else if (After == 0 && Before >= 1 && Before <= count) {
-        own().insert(static_cast<std::size_t>(Before), itemFor(member, sKey));
+        ownOrder().insert(static_cast<std::size_t>(Before), itemFor(member, sKey, hash));
     } else if (Before == 0 && After >= 1 && After <= count) {
-        own().insert(static_cast<std::size_t>(After) + 1, itemFor(member, sKey));
+        ownOrder().insert(static_cast<std::size_t>(After) + 1, itemFor(member, sKey, hash));
     }
     return member;
+}
+
+void GenCollection::AddLatest(std::span<const Keyed> values) {
+    std::vector<std::uint32_t> hashes;
+    hashes.reserve(values.size());
+    for (const Keyed& one : values) {
+        hashes.push_back(hashOf(one.key));
+        items_->expect(hashes.back());
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto& [value, key] = values[i];
+        const auto taken = key.empty() ? KeyedSlots::kNone : items_->slotOf(key, hashes[i]);
+        if (taken != KeyedSlots::kNone) {
+            ownOrder().remove(taken);
+        }
+        append(value, key, hashes[i]);
+    }
 }
 
 Variant GenCollection::AddCounter(std::string_view sKey) {
@@ -148,8 +174,8 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
         return;
     }
     const SharedText spelled = (*items_)[slot].key;
-    own().remove(slot);
-    append(NewItem, spelled);
+    ownOrder().remove(slot);
+    append(NewItem, spelled, hashOf(spelled));
 }
 
 std::size_t GenCollection::Count() const noexcept { return items_->count(); }
@@ -157,13 +183,14 @@ std::size_t GenCollection::Count() const noexcept { return items_->count(); }
 void GenCollection::Remove(IndexKey Index) {
     const auto slot = find(Index);
     if (slot != KeyedSlots::kNone) {
-        own().remove(slot);
+        ownOrder().remove(slot);
     }
 }
 
 void GenCollection::Clear() {
     items_ = nothing();
     stamp_ = 0;
+    order_ = 0;
 }
 
 std::string GenCollection::Key(std::int64_t position) const {
@@ -174,6 +201,19 @@ std::string GenCollection::Key(std::int64_t position) const {
 std::size_t GenCollection::Position(std::string_view key) const {
     const auto slot = items_->slotOf(key);
     return slot == KeyedSlots::kNone ? 0 : items_->positionOf(slot);
+}
+
+std::size_t GenCollection::PlaceCount() const noexcept { return items_->slotCount(); }
+
+const Variant& GenCollection::AtPlace(Place place) const noexcept { return (*items_)[place].value; }
+
+std::size_t GenCollection::PositionOfPlace(Place place) const noexcept {
+    return items_->positionOf(place);
+}
+
+std::vector<GenCollection::Place> GenCollection::PlacesThatDiffer(
+    const GenCollection& other) const {
+    return items_->differing(*other.items_);
 }
 
 const Variant& GenCollection::Walk::operator*() const { return items_->at(index_).value; }

@@ -91,6 +91,14 @@ public:
         return addText(member, sKey, Before, After, bReplace);
     }
 
+    struct Keyed {
+        Variant value;
+        SharedText key;
+    };
+    /// Adds values at the end, each under its key (empty: without one). Of one whose key is taken
+    /// the older value leaves. For who has many: they are looked up together.
+    void AddLatest(std::span<const Keyed> values);
+
     /// Adds the number 1 under `sKey`, or 1 to the value that is there, which keeps its place.
     /// Returns the value that then stands under the key; one that is no number stays as it is.
     Variant AddCounter(std::string_view sKey);
@@ -179,6 +187,21 @@ public:
     /// that of the original, an empty collection that was never filled has 0.
     std::uint64_t Stamp() const noexcept { return stamp_; }
 
+    /// An item keeps its place, a small number, until it is removed, whatever becomes of those
+    /// around it, and has the same place in copies of the list. For who notes something about each
+    /// item and asks later what has changed. Below `PlaceCount()`.
+    using Place = std::uint32_t;
+    std::size_t PlaceCount() const noexcept;
+    /// The value at a place; `Empty` where nothing stands.
+    const Variant& AtPlace(Place place) const noexcept;
+    std::size_t PositionOfPlace(Place place) const noexcept;
+    /// The places at which the two hold different values, ascending. Of a list and a copy of it the
+    /// cost is that of the changes and of a hundredth of the items.
+    std::vector<Place> PlacesThatDiffer(const GenCollection& other) const;
+    /// Whether one has come from the other, or both from a third, by replacing values only: then
+    /// each place is the same position with the same key.
+    bool HasSameOrder(const GenCollection& other) const noexcept { return order_ == other.order_; }
+
     /// Walks the values in list order.
     class Walk {
     public:
@@ -211,15 +234,17 @@ public:
 private:
     static const std::shared_ptr<KeyedSlots>& nothing();
     KeyedSlots& own();  // the list for changing: a copy of its own if a walk or a copy shares it
+    KeyedSlots& ownOrder();  // the same, for changing more than values
     std::uint32_t find(IndexKey index) const;
     Variant itemOr(IndexKey index, bool AutoAdd, const Variant& Default);
     Variant addText(const Variant& member, const SharedText& sKey, std::int64_t Before,
                     std::int64_t After, bool bReplace);
-    void append(const Variant& member, const SharedText& key);
+    void append(const Variant& member, const SharedText& key, std::uint32_t hash);
     static bool isReplacedInPlace(const Variant& member);
 
     std::shared_ptr<KeyedSlots> items_;  // never null
     std::uint64_t stamp_ = 0;
+    std::uint64_t order_ = 0;  // the stamp of the last change that was not of values only
 };
 
 /// The object a value refers to; null when it refers to none, or to none of type `T`.

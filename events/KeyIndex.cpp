@@ -1,6 +1,5 @@
 #include "KeyIndex.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -42,33 +41,38 @@ std::uint32_t hashOfAny(std::string_view key) noexcept {
 }
 
 // The first character in the lowest byte.
-std::uint64_t blockAt(std::string_view key, std::size_t at) noexcept {
+std::uint64_t blockOf(const char* from, std::size_t size) noexcept {
     std::uint64_t block = 0;
-    const std::size_t size = std::min(kBlock, key.size() - at);
-    if (std::endian::native == std::endian::little && size > 0) {
-        std::memcpy(&block, key.data() + at, size);
+    if (std::endian::native == std::endian::little) {
+        std::memcpy(&block, from, size);
     } else {
         for (std::size_t i = size; i > 0; --i) {
-            block = block << 8 | static_cast<unsigned char>(key[at + i - 1]);
+            block = block << 8 | static_cast<unsigned char>(from[i - 1]);
         }
     }
     return block;
 }
 
+bool isAscii(std::uint64_t block) noexcept { return (block & 0x8080808080808080U) == 0; }
+
 }  // namespace
 
 std::uint32_t hashNoCase(std::string_view key) noexcept {
     std::uint64_t hash = 0;
-    for (std::size_t at = 0;; at += kBlock) {
-        const std::uint64_t block = blockAt(key, at);
-        if ((block & 0x8080808080808080U) != 0) {
+    std::size_t at = 0;
+    for (; key.size() - at >= kBlock; at += kBlock) {
+        const std::uint64_t block = blockOf(key.data() + at, kBlock);
+        if (!isAscii(block)) {
             return hashOfAny(key);
         }
         hash = mixed(hash, lower(block));
-        if (key.size() - at < kBlock) {
-            return folded(hash, key.size());
-        }
     }
+    // What is left is a block, too, even where it is nothing.
+    const std::uint64_t rest = at < key.size() ? blockOf(key.data() + at, key.size() - at) : 0;
+    if (!isAscii(rest)) {
+        return hashOfAny(key);
+    }
+    return folded(mixed(hash, lower(rest)), key.size());
 }
 
 void KeyIndex::put(Entry entry) noexcept {

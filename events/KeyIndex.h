@@ -35,6 +35,14 @@ public:
         }
         return table_[at].slot;
     }
+    /// Who will look for several hashes says so first: they are fetched together.
+    void expect(std::uint32_t hash) const noexcept {
+#if defined(__GNUC__)
+        if (count_ != 0) {
+            __builtin_prefetch(&table_[hash & mask()]);
+        }
+#endif
+    }
     void add(std::uint32_t hash, Slot slot);
     /// The pair must be there.
     void remove(std::uint32_t hash, Slot slot) noexcept;

@@ -1,5 +1,6 @@
 #include "KeyedSlots.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -35,15 +36,41 @@ KeyedSlots::Slot KeyedSlots::slotAt(std::int64_t position) const noexcept {
     return order_.at(static_cast<std::size_t>(position) - 1);
 }
 
-KeyedSlots::Slot KeyedSlots::slotOf(std::string_view key) const noexcept {
-    return byKey_.find(hashNoCase(key), [&](Slot slot) {
+KeyedSlots::Slot KeyedSlots::slotOf(std::string_view key, std::uint32_t hash) const noexcept {
+    return byKey_.find(hash, [&](Slot slot) {
         const std::string_view present = (*this)[slot].key.view();
         return present == key || text::equalsNoCase(present, key);
     });
 }
 
+std::size_t KeyedSlots::slotCount() const noexcept {
+    return blocks_.empty() ? 0 : (blocks_.size() - 1) * kBlock + blocks_.back()->size();
+}
+
+std::vector<KeyedSlots::Slot> KeyedSlots::differing(const KeyedSlots& other) const {
+    std::vector<Slot> slots;
+    static const Block kNoItems;
+    const auto blockOf = [](const KeyedSlots& of, std::size_t block) -> const Block& {
+        return block < of.blocks_.size() ? *of.blocks_[block] : kNoItems;
+    };
+    for (std::size_t b = 0; b < std::max(blocks_.size(), other.blocks_.size()); ++b) {
+        const Block& here = blockOf(*this, b);
+        const Block& there = blockOf(other, b);
+        if (&here == &there) {
+            continue;
+        }
+        for (std::size_t i = 0; i < std::max(here.size(), there.size()); ++i) {
+            if (i >= here.size() || i >= there.size() || here[i].value != there[i].value) {
+                slots.push_back(static_cast<Slot>(b * kBlock + i));
+            }
+        }
+    }
+    return slots;
+}
+
 void KeyedSlots::insert(std::size_t position, Item item) {
     assert(position >= 1 && position <= count() + 1);
+    assert(!item.keyed || item.hash == hashNoCase(item.key.view()));
     assert(!item.keyed || slotOf(item.key.view()) == kNone);
     Slot slot = kNone;
     if (free_.empty()) {
@@ -53,7 +80,6 @@ void KeyedSlots::insert(std::size_t position, Item item) {
         free_.pop_back();
     }
     if (item.keyed) {
-        item.hash = hashNoCase(item.key.view());
         byKey_.add(item.hash, slot);
     }
     own(slot) = std::move(item);

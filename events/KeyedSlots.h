@@ -31,7 +31,7 @@ public:
         Variant value;
         SharedText key;  // as written
         bool keyed = false;
-        std::uint32_t hash = 0;  // of the key, filled in here
+        std::uint32_t hash = 0;  // of the key (`hashNoCase`)
         /// Of an item without a key the placeholder.
         std::string_view shownKey() const noexcept { return keyed ? key.view() : "z"; }
     };
@@ -41,7 +41,11 @@ public:
 
     /// Slot of a position counted from 1, or of a key; `kNone` when there is none.
     Slot slotAt(std::int64_t position) const noexcept;
-    Slot slotOf(std::string_view key) const noexcept;
+    Slot slotOf(std::string_view key) const noexcept {
+        return count() == 0 ? kNone : slotOf(key, hashNoCase(key));
+    }
+    /// The same for who knows the key's hash.
+    Slot slotOf(std::string_view key, std::uint32_t hash) const noexcept;
     /// Position, from 1, of the item in a slot.
     std::size_t positionOf(Slot slot) const noexcept { return order_.indexOf(slot) + 1; }
 
@@ -50,6 +54,15 @@ public:
     }
     /// The item at an index, counted from 0 and less than `count()`.
     const Item& at(std::size_t index) const noexcept { return (*this)[order_.at(index)]; }
+
+    /// See `KeyIndex`.
+    void expect(std::uint32_t hash) const noexcept { byKey_.expect(hash); }
+
+    /// How many slots there are, those that wait for an item included.
+    std::size_t slotCount() const noexcept;
+    /// The slots in which the two hold different values, ascending. Blocks that the two share are
+    /// not looked at.
+    std::vector<Slot> differing(const KeyedSlots& other) const;
 
     void setValue(Slot slot, Variant value) { own(slot).value = std::move(value); }
     /// Puts an item before the one at `position` (1 .. count() + 1). The key of a keyed item must

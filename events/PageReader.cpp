@@ -46,26 +46,28 @@ FullRead::PageReader::PageReader(FullRead& owner, sql::RowStream& stream,
 
 void FullRead::PageReader::add(PageRows& page, std::shared_ptr<calEvent> event,
                                std::uint16_t slot) {
+    page.lastModified = std::max(page.lastModified, event->Modified);
     page.events.push_back(std::move(event));
     page.slots.push_back(slot);
 }
 
 std::shared_ptr<FullRead::PageRows> FullRead::PageReader::read(const PageRows* known) {
-    auto page = std::make_shared<PageRows>();
+    found_.events.clear();
+    found_.slots.clear();
+    found_.passedOver.clear();
+    found_.passesOver = false;
+    found_.lastModified = DateTime();
     while (stream_.nextOnPage()) {
         if (!stream_.matches()) {
-            passOver(known, *page);
+            passOver(known, found_);
             continue;
         }
-        const auto event = made();
+        auto event = made();
         const auto held = objectAt<calEvent>(before_, event->GUID);
-        add(*page, held ? stillValid(held, event) : event, stream_.id().row);
+        add(found_, held ? stillValid(held, event) : std::move(event), stream_.id().row);
     }
-    page->events.shrink_to_fit();
-    page->slots.shrink_to_fit();
-    page->passedOver.shrink_to_fit();
-    page->mark = stream_.mark();
-    return page;
+    found_.mark = stream_.mark();
+    return std::make_shared<PageRows>(found_);  // a copy has no room to spare
 }
 
 std::shared_ptr<calEvent> FullRead::PageReader::made() {

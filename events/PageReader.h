@@ -42,6 +42,7 @@ private:
     RowReader reader_;
     ReplacedIn exceptions_;
     FinishedIn finished_;
+    PageRows found_;  // on the page that is read
 };
 
 }  // namespace vl

@@ -59,44 +59,78 @@ void RowReader::fill(calEvent& event, const ValueOf& valueOf) const {
     finish(event);
 }
 
-void RowReader::fill(calEvent& event, const sql::RowStream& row) const {
-    using Read = jet::RowCursor::Read;
-    std::string text;
-    for (const Column& column : columns_) {
-        const auto read = [&](auto member) {
-            using Type = std::remove_reference_t<decltype(event.*member)>;
-            constexpr bool isText = std::is_same_v<Type, SharedText>;
-            if constexpr (std::is_same_v<Type, std::shared_ptr<GenCollection>>) {
-                return Read::Other;
-            } else {
-                auto& to = event.*member;
-                Read result = Read::Other;
-                if constexpr (isText) {
-                    result = row.read(column.field, text);
-                    if (result == Read::Value) {
-                        to = column.pooled ? pool_.of(text) : SharedText(text);
-                    }
-                } else {
-                    result = row.read(column.field, to);
-                }
-                if (result == Read::Null && isText != column.nullIsZero) {
-                    to = {};
-                    return Read::Value;
-                }
-                return result;
-            }
-        };
-        switch (std::visit(read, column.property->member)) {
-            case Read::Value:
-                break;
-            case Read::Null:
-                set(event, column, Null{});
-                break;
-            case Read::Other:
-                set(event, column, row.value(column.field));
-                break;
+// False: only `set` knows what becomes of such a value, or refuses it.
+template <class T>
+bool RowReader::take(T& to, const Column& column, const jet::Cell& cell) {
+    using Kind = jet::Cell::Kind;
+    constexpr bool isText = std::is_same_v<T, SharedText>;
+    if (cell.kind == Kind::Null && isText != column.nullIsZero) {
+        to = {};
+        return true;
+    }
+    if constexpr (isText) {
+        if (cell.kind == Kind::Text) {
+            takeText(to, column, cell.text);
+            return true;
+        }
+    } else if constexpr (std::is_same_v<T, bool>) {
+        if (cell.kind == Kind::Flag) {
+            to = cell.flag;
+            return true;
+        }
+    } else if constexpr (std::is_same_v<T, std::int32_t>) {
+        if (cell.kind == Kind::Whole) {
+            to = cell.whole;
+            return true;
+        }
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        if (cell.kind == Kind::Date) {
+            to = cell.date;
+            return true;
         }
     }
+    return false;
+}
+
+// What others may have, too, is looked up; the rest waits for `setOwnTexts`. So does what is seen
+// for the first time, which then serves those that come after it.
+void RowReader::takeText(SharedText& to, const Column& column, std::string_view text) {
+    constexpr std::size_t kLongest = 512;  // a long text would be kept by who shares a short one
+    if (text.empty() || text.size() > kLongest) {
+        to = text;
+        return;
+    }
+    const TextPool::Answer pooled = column.pooled ? pool_.ask(text) : TextPool::Answer();
+    if (pooled.known != nullptr) {
+        to = *pooled.known;
+        return;
+    }
+    settings_.push_back({&to, text});
+    if (pooled.keep) {
+        remembered_.push_back({&to, pooled});
+    }
+}
+
+void RowReader::setOwnTexts() {
+    SharedText::setTogether(settings_);
+    for (const Remembered& text : remembered_) {
+        pool_.keep(text.pooled, *text.to);
+    }
+}
+
+void RowReader::fill(calEvent& event, const sql::RowStream& row) {
+    settings_.clear();
+    remembered_.clear();
+    row.readAll(cells_);
+    for (const Column& column : columns_) {
+        const auto takeCell = [&](auto member) {
+            return take(event.*member, column, cells_[column.field]);
+        };
+        if (!std::visit(takeCell, column.property->member)) {
+            set(event, column, row.value(column.field));
+        }
+    }
+    setOwnTexts();
     finish(event);
 }
 
@@ -132,6 +166,9 @@ void RowReader::finish(calEvent& event) const {
     }
     if (event.RecurrenceState == kMaster) {
         clearExceptionFields(event);
+    }
+    if (event.Subject.size() <= kSubjectUnits) {
+        return;
     }
     const std::string_view subject = text::leftUtf16(event.Subject, kSubjectUnits);
     if (subject.size() < event.Subject.size()) {

@@ -8,6 +8,7 @@
 #include "TextPool.h"
 #include "app/TimeZone.h"
 #include "db/RecordSet.h"
+#include "db/jet/RowCells.h"
 #include "db/sql/RowStream.h"
 #include "model/calEvent.h"
 
@@ -28,8 +29,8 @@ public:
     /// recurrence is loaded.
     void fill(calEvent& event, const ValueOf& valueOf) const;
     void fill(calEvent& event, const RecordSet& row) const;
-    /// The same without a `Variant` for each field.
-    void fill(calEvent& event, const sql::RowStream& row) const;
+    /// The same without a `Variant` for each field; the event's own texts are one allocation.
+    void fill(calEvent& event, const sql::RowStream& row);
 
     /// The columns that could not be read.
     struct Lost {
@@ -47,12 +48,25 @@ private:
         bool pooled;      // other events may have the same text
     };
 
+    // A text of the row that is read which the pool is to know as soon as it is made.
+    struct Remembered {
+        SharedText* to;
+        TextPool::Answer pooled;
+    };
+
     void set(calEvent& event, const Column& column, const Variant& value) const;
+    template <class T>
+    bool take(T& to, const Column& column, const jet::Cell& cell);
+    void takeText(SharedText& to, const Column& column, std::string_view text);
+    void setOwnTexts();
     void finish(calEvent& event) const;
 
     const TimeZone& local_;
     TextPool& pool_;
     std::vector<Column> columns_;
+    jet::RowCells cells_;                        // of the row that is read
+    std::vector<SharedText::Setting> settings_;  // its own texts
+    std::vector<Remembered> remembered_;         // some of these
 };
 
 }  // namespace vl

@@ -67,7 +67,12 @@ private:
     bool inStart_ = false;  // inside the object "start"
 };
 
+// Most series have none: these share one, which like all of them is never changed in place.
 std::shared_ptr<GenCollection> collectionOf(const std::vector<DateTime>& dates) {
+    static const auto kNone = std::make_shared<GenCollection>();
+    if (dates.empty()) {
+        return kNone;
+    }
     auto collection = std::make_shared<GenCollection>();
     for (const DateTime date : dates) {
         collection->Add(date);

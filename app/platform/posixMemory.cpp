@@ -61,6 +61,12 @@ void dropWhatFilesHold() noexcept {
 
 }  // namespace
 
+void joinWhatIsFreed() noexcept {
+#ifdef __GLIBC__
+    ::mallopt(M_MXFAST, 0);
+#endif
+}
+
 void giveBackMemory() noexcept {
 #ifdef __GLIBC__
     ::malloc_trim(0);

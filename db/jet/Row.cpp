@@ -1,14 +1,6 @@
 #include "Row.h"
 
-#include "Bytes.h"
-
 namespace vl::jet {
-
-namespace {
-
-constexpr std::size_t kFixedArea = 2;
-
-}  // namespace
 
 RowView::RowView(ByteView bytes, const TableDefinition& table, const Origin& origin)
     : bytes_(bytes), origin_(origin) {
@@ -37,43 +29,18 @@ RowView::RowView(ByteView bytes, const TableDefinition& table, const Origin& ori
     dataEnd_ = mask_ - offsets;
 }
 
-bool RowView::bit(const Column& column) const noexcept {
-    return knows(column) && (u8(bytes_, maskAt(column)) & (1U << (column.number % 8U))) != 0;
-}
+bool RowView::bit(const Column& column) const noexcept { return bit(FieldPlace(column)); }
 
 std::optional<ByteView> RowView::field(const Column& column) const {
-    if (!bit(column)) {
-        return std::nullopt;
+    ByteView bytes;
+    switch (find(FieldPlace(column), bytes)) {
+        case Found::Value:
+            return bytes;
+        case Found::Null:
+            return std::nullopt;
+        default:
+            origin_.corrupt("the value of column \"" + column.name + "\" is not inside its row");
     }
-    if (column.fixed) {
-        return bytes_.subspan(fixedAt(column), column.length);
-    }
-    if (column.variableIndex >= slots_) {
-        return std::nullopt;
-    }
-    const std::size_t at = mask_ - 4 - std::size_t{2} * column.variableIndex;
-    const std::size_t begin = u16(bytes_, at);
-    const std::size_t end = u16(bytes_, at - 2);
-    if (begin < kFixedArea || begin > end || end > dataEnd_) {
-        corrupt(column);
-    }
-    return bytes_.subspan(begin, end - begin);
-}
-
-std::size_t RowView::maskAt(const Column& column) const noexcept {
-    return mask_ + column.number / 8U;
-}
-
-std::size_t RowView::fixedAt(const Column& column) const {
-    const std::size_t at = kFixedArea + column.fixedOffset;
-    if (at + column.length > dataEnd_) {
-        corrupt(column);
-    }
-    return at;
-}
-
-void RowView::corrupt(const Column& column) const {
-    origin_.corrupt("the value of column \"" + column.name + "\" is not inside its row");
 }
 
 }  // namespace vl::jet

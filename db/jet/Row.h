@@ -3,9 +3,26 @@
 
 #include <optional>
 
+#include "Bytes.h"
 #include "TableDefinition.h"
 
 namespace vl::jet {
+
+/// Where a column stands in the rows of its table: what a row needs to know of it, in few bytes,
+/// for who goes through the columns of many rows.
+struct FieldPlace {
+    FieldPlace() = default;
+    explicit FieldPlace(const Column& column) noexcept
+        : number(column.number),
+          at(column.fixed ? column.fixedOffset : column.variableIndex),
+          length(column.length),
+          fixed(column.fixed) {}
+
+    std::uint16_t number = 0;
+    std::uint16_t at = 0;      // a fixed column's offset, another one's slot
+    std::uint16_t length = 0;  // of a fixed column
+    bool fixed = false;
+};
 
 /// A row, read in place: `bytes` and `table` must outlive it. Nothing is decoded before it is
 /// asked for.
@@ -36,11 +53,14 @@ public:
     /// (`ErrNo::Corrupt`) when they are not inside the row.
     std::optional<ByteView> field(const Column& column) const;
 
+    /// What `find` has found.
+    enum class Found { Value, Null, Outside };
+    /// The same without throwing: `Outside` where `field` throws. Null leaves `to` as it is.
+    Found find(const FieldPlace& place, ByteView& to) const noexcept;
+    bool bit(const FieldPlace& place) const noexcept;
+
 private:
-    // Where in the row the mask's byte of a known column stands, and where a known fixed column.
-    std::size_t maskAt(const Column& column) const noexcept;
-    std::size_t fixedAt(const Column& column) const;
-    [[noreturn]] void corrupt(const Column& column) const;
+    static constexpr std::size_t kFixedArea = 2;
 
     ByteView bytes_;
     Origin origin_;
@@ -49,5 +69,35 @@ private:
     std::size_t mask_ = 0;     // where the null mask begins
     std::size_t dataEnd_ = 0;  // where the values must have ended
 };
+
+inline bool RowView::bit(const FieldPlace& place) const noexcept {
+    return place.number < columns_ &&
+           (u8(bytes_, mask_ + place.number / 8U) & (1U << (place.number % 8U))) != 0;
+}
+
+inline RowView::Found RowView::find(const FieldPlace& place, ByteView& to) const noexcept {
+    if (!bit(place)) {
+        return Found::Null;
+    }
+    if (place.fixed) {
+        const std::size_t at = kFixedArea + place.at;
+        if (at + place.length > dataEnd_) {
+            return Found::Outside;
+        }
+        to = bytes_.subspan(at, place.length);
+        return Found::Value;
+    }
+    if (place.at >= slots_) {
+        return Found::Null;
+    }
+    const std::size_t at = mask_ - 4 - std::size_t{2} * place.at;
+    const std::size_t begin = u16(bytes_, at);
+    const std::size_t end = u16(bytes_, at - 2);
+    if (begin < kFixedArea || begin > end || end > dataEnd_) {
+        return Found::Outside;
+    }
+    to = bytes_.subspan(begin, end - begin);
+    return Found::Value;
+}
 
 }  // namespace vl::jet

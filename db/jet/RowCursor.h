@@ -12,6 +12,7 @@
 namespace vl::jet {
 
 class PageFile;
+class RowCells;
 struct TableDefinition;
 
 /// What was on a page of a table, with what its rows have on other pages (long values, rows that
@@ -96,6 +97,8 @@ public:
     Read read(std::size_t column, std::int32_t& to) const;
     Read read(std::size_t column, DateTime& to) const;
     Read read(std::size_t column, std::string& to) const;
+    /// The same for all columns of the row at once. Throws for the first that cannot be read.
+    void readAll(RowCells& to) const;
     /// A number that depends on every byte of the row, long values included, and on nothing else:
     /// as long as it is the same, so is the row. Decodes nothing; costs reading what it depends on.
     std::uint64_t fingerprint() const;

@@ -87,6 +87,20 @@ std::string decodeText(ByteView bytes, const Origin& origin) {
     return fromWide(bytes);
 }
 
+std::optional<std::string_view> plainTextIn(ByteView bytes) noexcept {
+    if (!isCompressed(bytes)) {
+        return std::nullopt;
+    }
+    const ByteView text = bytes.subspan(2);
+    // Looks at all: without a way out in its middle the loop goes through many bytes at a time.
+    const auto others = std::count_if(
+        text.begin(), text.end(), [](std::byte b) { return b == std::byte{0} || b >= kAsciiEnd; });
+    if (others != 0) {
+        return std::nullopt;
+    }
+    return std::string_view(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
 std::vector<std::byte> encodeText(std::u16string_view units, bool compress) {
     const auto narrow = [](char16_t c) { return c != 0 && c < 0x100; };
     std::vector<std::byte> bytes;

@@ -1,6 +1,7 @@
 // Text as a field stores it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,9 @@ namespace vl::jet {
 /// own three bytes. Throws `Error` (`ErrNo::Corrupt`) for an odd number of UTF-16 bytes.
 /// Source: docs/jet4.md, "Text".
 std::string decodeText(ByteView bytes, const Origin& origin);
+
+/// The same where the text stands in the bytes as it is, compressed and all ASCII; else nothing.
+std::optional<std::string_view> plainTextIn(ByteView bytes) noexcept;
 
 /// The other way round. Compressed, where `compress` allows it, only when that is shorter, every
 /// character has one byte and there are no more than 1024. Throws `Error` (`ErrNo::Unsupported`)

@@ -47,6 +47,8 @@ public:
     jet::RowCursor::Read read(std::size_t field, T& to) const {
         return cursor().read(field, to);
     }
+    /// As `jet::RowCursor::readAll`.
+    void readAll(jet::RowCells& to) const { cursor().readAll(to); }
     jet::RowId id() const;
     /// As `jet::RowCursor::fingerprint`.
     std::uint64_t fingerprint() const;

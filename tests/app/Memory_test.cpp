@@ -13,6 +13,9 @@
 #include <string>
 #include <vector>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #ifdef __linux__
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -115,6 +118,21 @@ TEST(GiveBackMemory, KeepsWhatWasWritten) {
     giveBackMemory();
     EXPECT_EQ(table.letters('y'), 1U);
     EXPECT_EQ(table.letters('x'), Mapped::kSize - 1);
+}
+
+TEST(JoinWhatIsFreed, PutsNoSmallBlocksBy) {
+    const auto putBy = [] {
+        std::vector<std::unique_ptr<std::array<char, 100>>> blocks(5000);
+        for (auto& block : blocks) {
+            block = std::make_unique<std::array<char, 100>>();
+        }
+        blocks.clear();
+        return ::mallinfo2().fsmblks;
+    };
+    EXPECT_GT(putBy(), 100'000U) << "else there is nothing to be gained";
+    joinWhatIsFreed();
+    giveBackMemory();
+    EXPECT_EQ(putBy(), 0U);
 }
 #endif
 

@@ -42,6 +42,47 @@ TEST(SharedText, IsSetToItselfUnharmed) {
     EXPECT_EQ(text, "7");
 }
 
+TEST(SharedText, SetTogetherTheyAreWhatTheyWereSetTo) {
+    const std::vector<std::vector<std::string>> cases = {
+        {},
+        {"one"},
+        {"", ""},
+        {"", "one", ""},
+        {"a", "bc", "def", "ghij", "klmno"},
+        {"first", "", std::string("with\0zero", 9), std::string(70'000, 'x'), "last"}};
+    for (const auto& texts : cases) {
+        std::vector<SharedText> shared(texts.size(), SharedText("before"));
+        std::vector<SharedText::Setting> settings;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            settings.push_back({&shared[i], texts[i]});
+        }
+        SharedText::setTogether(settings);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            EXPECT_EQ(shared[i].view(), texts[i]);
+            EXPECT_EQ(shared[i].empty(), texts[i].empty());
+        }
+    }
+}
+
+TEST(SharedText, OneOfSeveralSetTogetherOutlivesTheOthers) {
+    for (std::size_t kept = 0; kept < 3; ++kept) {
+        SharedText copy;
+        {
+            std::vector<SharedText> texts(3);
+            const std::vector<SharedText::Setting> settings = {
+                {&texts[0], "the first"}, {&texts[1], "the second"}, {&texts[2], "the third"}};
+            SharedText::setTogether(settings);
+            copy = texts[kept];
+            EXPECT_TRUE(copy.sharesWith(texts[kept]));
+            EXPECT_FALSE(copy.sharesWith(texts[(kept + 1) % 3]));
+            texts[(kept + 1) % 3] = "set anew";
+            EXPECT_EQ(texts[(kept + 2) % 3].view().substr(0, 4), "the ");
+        }
+        EXPECT_EQ(copy.view(),
+                  std::vector<std::string>({"the first", "the second", "the third"})[kept]);
+    }
+}
+
 TEST(SharedText, MovedFromIsEmpty) {
     SharedText from("Room 7");
     const SharedText to = std::move(from);

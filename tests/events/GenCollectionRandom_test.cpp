@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <random>
+#include <vector>
 
 #include "base/Text.h"
 #include "events/GenCollection.h"
@@ -61,6 +63,128 @@ void expectSame(const GenCollection& col, const Model& model) {
         }
     }
     ASSERT_TRUE(walk == std::default_sentinel);
+}
+
+Variant atPlace(const GenCollection& col, GenCollection::Place place) {
+    return place < col.PlaceCount() ? col.AtPlace(place) : Variant();
+}
+
+// One of what a list can be told to do.
+void changeAnyhow(GenCollection& col, std::mt19937& random) {
+    const auto below = [&](std::size_t n) { return random() % n; };
+    const std::string key = "key" + std::to_string(below(600));
+    const Variant value(static_cast<std::int32_t>(below(1'000'000)));
+    switch (below(6)) {
+        case 0:
+            col.Remove(key);
+            break;
+        case 1:
+            col.Add(value, key, static_cast<std::int64_t>(below(col.Count() + 1)));
+            break;
+        case 2:
+            col.Add(value, key, 0, 0, true);
+            break;
+        case 3:
+            col.UpdateItem(key, value, below(4) != 0);
+            break;
+        default:
+            col.UpdateItem(key, value);
+    }
+}
+
+TEST(GenCollectionRandom, TellsAtWhichPlacesItDiffersFromAnEarlierCopy) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    std::size_t sameOrder = 0;
+    for (int round = 0; round < 60; ++round) {
+        GenCollection col;
+        for (int i = 0; i < 400; ++i) {
+            col.Add(i, "key" + std::to_string(i));
+        }
+        const GenCollection before = col;
+        const int changes = static_cast<int>(random() % 12);
+        for (int i = 0; i < changes; ++i) {
+            changeAnyhow(col, random);
+        }
+        std::vector<GenCollection::Place> expected;
+        for (GenCollection::Place p = 0; p < std::max(col.PlaceCount(), before.PlaceCount()); ++p) {
+            if (p >= col.PlaceCount() || p >= before.PlaceCount() ||
+                atPlace(col, p) != atPlace(before, p)) {
+                expected.push_back(p);
+            }
+        }
+        ASSERT_EQ(col.PlacesThatDiffer(before), expected);
+        ASSERT_EQ(before.PlacesThatDiffer(col), expected);
+        ASSERT_TRUE(GenCollection(col).PlacesThatDiffer(col).empty());
+        std::size_t items = 0;
+        for (GenCollection::Place p = 0; p < col.PlaceCount(); ++p) {
+            if (!col.AtPlace(p).isEmpty()) {
+                ++items;
+                ASSERT_EQ(col.Item(col.PositionOfPlace(p)), col.AtPlace(p));
+            }
+        }
+        ASSERT_EQ(items, col.Count());
+        if (col.HasSameOrder(before)) {
+            ++sameOrder;
+            ASSERT_EQ(col.Count(), before.Count());
+            for (std::size_t i = 1; i <= col.Count(); ++i) {
+                ASSERT_EQ(col.Key(static_cast<std::int64_t>(i)),
+                          before.Key(static_cast<std::int64_t>(i)));
+            }
+        }
+    }
+    EXPECT_GT(sameOrder, 0U);
+}
+
+TEST(GenCollectionRandom, AddsManyAsOneAfterTheOther) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 100; ++round) {
+        GenCollection together;
+        GenCollection one;
+        for (int batch = 0; batch < 20; ++batch) {
+            std::vector<GenCollection::Keyed> values(random() % 12);
+            for (auto& [value, key] : values) {
+                value = static_cast<std::int32_t>(random() % 1000);
+                const auto number = random() % 80;
+                key = number == 0 ? "" : (number % 2 == 0 ? "k" : "K") + std::to_string(number / 2);
+                if (!key.empty()) {
+                    one.Remove(key);
+                }
+                one.Add(value, key);
+            }
+            together.AddLatest(values);
+        }
+        ASSERT_EQ(together.Count(), one.Count());
+        for (std::size_t i = 1; i <= one.Count(); ++i) {
+            const auto position = static_cast<std::int64_t>(i);
+            ASSERT_EQ(together.Key(position), one.Key(position));
+            ASSERT_EQ(together.Item(position), one.Item(position));
+        }
+    }
+}
+
+TEST(GenCollectionRandom, ValuesReplacedKeepTheOrderAndNothingElseDoes) {
+    GenCollection col;
+    for (int i = 0; i < 300; ++i) {
+        col.Add(i, "key" + std::to_string(i));
+    }
+    const GenCollection before = col;
+    col.UpdateItem("key7", 1007);
+    col.UpdateItem("key200", 1200);
+    EXPECT_TRUE(col.HasSameOrder(before));
+    EXPECT_EQ(col.PlacesThatDiffer(before).size(), 2U);
+    for (const auto& change : std::vector<std::function<void(GenCollection&)>>{
+             [](GenCollection& c) { c.Remove("key7"); }, [](GenCollection& c) { c.Add(1, "new"); },
+             [](GenCollection& c) { c.Add(1, "new", 5); },
+             [](GenCollection& c) { c.UpdateItem("key7", 1, false); },
+             [](GenCollection& c) { c.Clear(); }}) {
+        GenCollection other = before;
+        change(other);
+        EXPECT_FALSE(other.HasSameOrder(before));
+    }
 }
 
 TEST(GenCollectionRandom, BehavesAsTwoPlainLists) {

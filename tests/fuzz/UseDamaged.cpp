@@ -11,6 +11,7 @@
 #include "base/ErrorState.h"
 #include "db/jet/Database.h"
 #include "db/jet/MemoryFolder.h"
+#include "db/jet/RowCells.h"
 #include "db/jet/Transaction.h"
 #include "db/jet/check/Check.h"
 #include "db/jet/copy/Copy.h"
@@ -102,12 +103,14 @@ private:
 };
 
 void readAll(Subject& subject) {
+    jet::RowCells cells;
     for (const jet::TableInfo& info : subject.db().tables()) {
         guarded([&] {
             const Table table = subject.db().table(info.name);
             guarded([&] {
                 for (jet::RowCursor row = table.scan(); row.next();) {
                     row.fingerprint();
+                    guarded([&] { row.readAll(cells); });
                     for (std::size_t i = 0; i < table.columns().size(); ++i) {
                         guarded([&] { row.value(i); });
                     }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Cells.h"
 #include "MemoryFile.h"
 #include "db/jet/Transaction.h"
 #include "support/Support.h"
@@ -137,11 +138,13 @@ Outcome readAll(test::Disk& disk, const std::string& what) {
             guarded([&] {
                 jet::Table table = db.table(info.name);
                 jet::RowCursor row = table.scan();
+                jet::RowCells cells;
                 for (bool first = true; row.next(); first = false) {
                     ++outcome.rows;
                     if (first) {
                         writeAll(db, table, row.id());
                     }
+                    guarded([&] { test::expectCells(row, table.columns(), cells); });
                     for (std::size_t i = 0; i < table.columns().size(); ++i) {
                         guarded([&] { row.value(i); });
                     }

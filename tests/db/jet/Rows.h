@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Cells.h"
 #include "MemoryFile.h"
 #include "db/jet/Transaction.h"
 #include "support/Support.h"
@@ -33,7 +34,9 @@ struct Rows {
 inline Rows rowsOf(const jet::Table& table) {
     Rows rows;
     jet::RowCursor cursor = table.scan();
+    jet::RowCells cells;
     while (cursor.next()) {
+        expectCells(cursor, table.columns(), cells);
         rows.ids.push_back(cursor.id());
         Row& row = rows.values.emplace_back();
         for (std::size_t i = 0; i < table.columns().size(); ++i) {

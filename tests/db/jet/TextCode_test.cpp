@@ -9,6 +9,35 @@ namespace {
 
 const jet::Origin kOrigin{"memory", 7};
 
+TEST(JetText, StandsInItsBytesWhereItIsCompressedAscii) {
+    struct Case {
+        const char* bytes;
+        const char* text;  // null: not as it is
+    };
+    static constexpr Case cases[] = {
+        {"", nullptr},
+        {"61 00 62 00", nullptr},
+        {"ff fe", ""},
+        {"ff fe 61 62 63", "abc"},
+        {"ff fe 01 7f 20", "\x01\x7F "},
+        {"ff fe 61 80", nullptr},
+        {"ff fe ff 61", nullptr},
+        {"ff fe 61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70 71 72 73 00 1f 04", nullptr},
+        {"ff fe 61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70 71 72 73 e9", nullptr},
+        {"ff fe 61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70 71 72 73 74",
+         "abcdefghijklmnopqrst"},
+    };
+    for (const Case& c : cases) {
+        const std::vector<std::byte> bytes = test::hexBytes(c.bytes);
+        const auto text = jet::plainTextIn(bytes);
+        ASSERT_EQ(text.has_value(), c.text != nullptr) << c.bytes;
+        if (text) {
+            EXPECT_EQ(*text, c.text);
+            EXPECT_EQ(*text, jet::decodeText(bytes, kOrigin)) << c.bytes;
+        }
+    }
+}
+
 TEST(JetText, ReadsWideCompressedAndMixed) {
     struct Case {
         const char* bytes;

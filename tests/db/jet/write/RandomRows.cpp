@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Cells.h"
 #include "Decimal.h"
 #include "TableDefinition.h"
 #include "base/ErrorState.h"
@@ -239,9 +240,11 @@ void Model::remove(jet::RowId id) {
 void Model::expectSame() const {
     auto next = rows_.begin();
     jet::RowCursor cursor = table_->scan();
+    jet::RowCells cells;
     while (cursor.next()) {
         ASSERT_NE(next, rows_.end());
         ASSERT_EQ(cursor.id(), (jet::RowId{next->first.first, next->first.second}));
+        ASSERT_NO_FATAL_FAILURE(expectCells(cursor, table_->columns(), cells));
         for (std::size_t i = 0; i < table_->columns().size(); ++i) {
             ASSERT_EQ(cursor.value(i), next->second[i]) << table_->columns()[i].name;
         }

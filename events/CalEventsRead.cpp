@@ -1,0 +1,134 @@
+// How a set is brought up to date.
+#include <algorithm>
+
+#include "FullRead.h"
+#include "RowReader.h"
+#include "app/TimeZone.h"
+#include "base/ErrorState.h"
+#include "events/CalEvents.h"
+#include "events/EventIndex.h"
+#include "events/Ledger.h"
+
+namespace vl {
+
+bool CalEvents::isUnchanged(const Source& now) const {
+    return mCol && (source_.full || !now.full) && source_.filled.lock() == mCol &&
+           source_.look.same(now.look) && source_.IncludeAllDone == now.IncludeAllDone &&
+           source_.Dismissed == now.Dismissed && db_.ReadTrouble().number == ErrNo::None;
+}
+
+int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
+    const ErrScope scope;
+    remindedNow_ = 0;
+    // Looked at first: what is written while the rows are read counts as changed since.
+    Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}, {}};
+    if (Reload && clock_.now() < dLastRead) {
+        // What was over by a clock that was ahead may not be.
+        source_ = Source();
+        fullRead_->forgetPassedOver();
+    }
+    if (isUnchanged(now)) {
+        if (Reload) {
+            index_->forgetQueries(*mCol);
+        }
+        db_.CloseDB();
+        // A host whose clock is ahead writes rows that every such query gives.
+        const bool gives = Reload ? source_.result != 0 : source_.modified > dLastRead;
+        dLastRead = clock_.now();
+        isRead_ = true;
+        return gives ? 1 : 0;
+    }
+    source_ = Source();
+    isRead_ = false;
+    if (now.full) {
+        dLastRead = DateTime();
+    }
+    const std::string statement = ReadStatement(IncludeAllDone, Dismissed, dLastRead);
+    isRead_ = now.full ? readAll(statement, now) : readChanged(statement, now);
+    if (isRead_) {
+        now.filled = mCol;
+        source_ = now;
+    } else {
+        fullRead_->forget();
+    }
+    db_.CloseDB();
+    dLastRead = clock_.now();
+    return now.result;
+}
+
+bool CalEvents::readAll(const std::string& statement, Source& source) {
+    const GenCollection before = mCol ? *mCol : GenCollection();
+    mCol = std::make_shared<GenCollection>();
+    const bool takesBack =
+        ledger_ != noLedger_.get() && !source.IncludeAllDone && !source.Dismissed;
+    fullRead_->takeBack(takesBack ? [this](const calEvent& event) { return isOpenAgain(event); }
+                                  : FullRead::IsOpenAgain());
+    const auto all =
+        fullRead_->read(db_, statement, before, clock_.now(),
+                        [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    if (!all) {
+        return false;
+    }
+    keepPassedOver();
+    writeTakenBack();
+    index_->forgetQueries(before);
+    mCol = all;
+    damage_ = fullRead_->damage();
+    adopted_ = false;
+    source.result = all->Count() > 0 ? 1 : 0;
+    source.modified = fullRead_->lastModified();
+    return true;
+}
+
+bool CalEvents::readChanged(const std::string& statement, Source& source) {
+    const auto rows = db_.OpenRS(statement);
+    if (!rows || !rows->isOpen()) {
+        return db_.ReadTrouble().number == ErrNo::Corrupt && readChangedDamaged(statement, source);
+    }
+    bool complete = true;
+    const TimeZone local = TimeZone::local();
+    const RowReader reader(rows->fields(), local, fullRead_->pool());
+    for (; !rows->EOF_(); rows->MoveNext()) {
+        complete &= attempt([&] {
+            const auto event = readEvent([&](calEvent& e) { reader.fill(e, *rows); });
+            source.modified = std::max(source.modified, event->Modified);
+            takeChanged(event);
+        });
+    }
+    source.result = rows->RecordCount() > 0 ? 1 : 0;
+    rows->Close();
+    return complete;
+}
+
+void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {
+    if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
+        event = stillValid(known, event);
+        if (event == known && !adopted_) {
+            forgetQuery(*event);
+        }
+    }
+    mCol->Remove(event->GUID);
+    Add(event, event->GUID);
+}
+
+// A statement gives all rows that it finds or none; row by row those come that can be read.
+bool CalEvents::readChangedDamaged(const std::string& statement, Source& source) {
+    FullRead once;
+    const auto changed = once.read(db_, statement, *mCol, clock_.now(),
+                                   [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    if (!changed) {
+        return false;
+    }
+    for (const Variant& item : *changed) {
+        if (const auto event = objectIn<calEvent>(item)) {
+            source.modified = std::max(source.modified, event->Modified);
+            attempt([&] { takeChanged(event); });
+        }
+    }
+    const Damage& damage = once.damage();
+    damage_.inPart.insert(damage.inPart.begin(), damage.inPart.end());
+    source.result = changed->Count() > 0 ? 1 : 0;
+    return true;
+}
+
+}  // namespace vl
