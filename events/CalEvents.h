@@ -51,6 +51,11 @@ public:
     /// status alone, or the clock was ahead when it was finished.
     void UseLedger(Ledger& ledger, std::function<bool(std::string_view GUID)> isListed);
 
+    /// From now on what has changed is found by a full read of `full`, which that set's next reload
+    /// takes over while nobody has written the file: so in a check each row is decoded once,
+    /// however many have changed. Both sets read the same file; `full` must outlive this one.
+    void ReadWith(CalEvents& full) { full_ = &full; }
+
     std::shared_ptr<GenCollection> mCol;  // by GUID; absent until the first read
     DateTime dLastRead;                   // 0: never; local time at the end of the last read
 
@@ -165,6 +170,12 @@ private:
         std::weak_ptr<GenCollection> filled;  // the collection it filled
     };
 
+    /// A full read for the next reload.
+    struct Ahead {
+        DBRemindUtils::Look look;
+        std::shared_ptr<GenCollection> events;  // null: there is none
+    };
+
     struct DonePass;  // what the last look for finished events has found
 
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime, DateTime since);
@@ -176,6 +187,10 @@ private:
     // Nothing that it could read has changed, and nothing has failed to be read since.
     bool isUnchanged(const Source& now) const;
     bool readAll(const std::string& statement, Source& source);
+    std::shared_ptr<GenCollection> readTable(const std::string& statement, bool takesBack,
+                                             const GenCollection& before);
+    std::shared_ptr<GenCollection> readAhead();
+    void takeChangedOf(const GenCollection& all, Source& source);
     bool readChanged(const std::string& statement, Source& source);
     bool isOpenAgain(const calEvent& event) const;
     void writeTakenBack();
@@ -205,6 +220,8 @@ private:
     std::uint64_t remindedNow_ = 0;  // the answer that the events show; 0: another one, or none
     std::unique_ptr<FullRead> fullRead_;
     std::unique_ptr<SharedReminders> reminders_;
+    CalEvents* full_ = nullptr;  // see `ReadWith`
+    Ahead ahead_;
 };
 
 }  // namespace vl

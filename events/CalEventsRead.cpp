@@ -1,5 +1,7 @@
 // How a set is brought up to date.
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "FullRead.h"
 #include "RowReader.h"
@@ -25,6 +27,7 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     if (Reload && clock_.now() < dLastRead) {
         // What was over by a clock that was ahead may not be.
         source_ = Source();
+        ahead_ = Ahead();
         fullRead_->forgetPassedOver();
     }
     if (isUnchanged(now)) {
@@ -56,21 +59,33 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     return now.result;
 }
 
+// All rows, null where they could not be read to their end.
+std::shared_ptr<GenCollection> CalEvents::readTable(const std::string& statement, bool takesBack,
+                                                    const GenCollection& before) {
+    fullRead_->takeBack(takesBack && ledger_ != noLedger_.get()
+                            ? [this](const calEvent& event) { return isOpenAgain(event); }
+                            : FullRead::IsOpenAgain());
+    auto all = fullRead_->read(db_, statement, before, clock_.now(),
+                               [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    if (all) {
+        keepPassedOver();
+        writeTakenBack();
+    }
+    return all;
+}
+
 bool CalEvents::readAll(const std::string& statement, Source& source) {
     const GenCollection before = mCol ? *mCol : GenCollection();
     mCol = std::make_shared<GenCollection>();
-    const bool takesBack =
-        ledger_ != noLedger_.get() && !source.IncludeAllDone && !source.Dismissed;
-    fullRead_->takeBack(takesBack ? [this](const calEvent& event) { return isOpenAgain(event); }
-                                  : FullRead::IsOpenAgain());
-    const auto all =
-        fullRead_->read(db_, statement, before, clock_.now(),
-                        [this](const FullRead::Fill& fill) { return readEvent(fill); });
+    const bool isPlain = !source.IncludeAllDone && !source.Dismissed;
+    const Ahead ahead = std::exchange(ahead_, Ahead());
+    const bool isThere =
+        ahead.events && isPlain && ahead.look.same(source.look) && fullRead_->wouldGiveTheSame();
+    const auto all = isThere ? ahead.events
+                             : readTable(statement, isPlain, ahead.events ? *ahead.events : before);
     if (!all) {
         return false;
     }
-    keepPassedOver();
-    writeTakenBack();
     index_->forgetQueries(before);
     mCol = all;
     damage_ = fullRead_->damage();
@@ -80,7 +95,24 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
     return true;
 }
 
+// What a reload would find now. Looked at first, as for every read.
+std::shared_ptr<GenCollection> CalEvents::readAhead() {
+    const DBRemindUtils::Look look = db_.TakeLook();
+    const GenCollection before = ahead_.events ? *ahead_.events : mCol ? *mCol : GenCollection();
+    ahead_ = {look, readTable(ReadStatement(false, {}, {}), true, before)};
+    return ahead_.events;
+}
+
 bool CalEvents::readChanged(const std::string& statement, Source& source) {
+    if (full_ != nullptr && !source.IncludeAllDone && !source.Dismissed) {
+        if (const auto all = full_->readAhead()) {
+            takeChangedOf(*all, source);
+            return true;
+        }
+        if (full_->db_.ReadTrouble().number != ErrNo::Corrupt) {
+            return false;
+        }
+    }
     const auto rows = db_.OpenRS(statement);
     if (!rows || !rows->isOpen()) {
         return db_.ReadTrouble().number == ErrNo::Corrupt && readChangedDamaged(statement, source);
@@ -98,6 +130,34 @@ bool CalEvents::readChanged(const std::string& statement, Source& source) {
     source.result = rows->RecordCount() > 0 ? 1 : 0;
     rows->Close();
     return complete;
+}
+
+// Of all that there is what the question for changed rows would give, but for rows that it has
+// given before: the events of both sets are the same objects as long as their rows are the same.
+void CalEvents::takeChangedOf(const GenCollection& all, Source& source) {
+    std::vector<GenCollection::Keyed> changed;
+    for (const auto place : all.PlacesThatDiffer(*mCol)) {
+        if (place >= all.PlaceCount()) {
+            break;
+        }
+        auto event = objectIn<calEvent>(all.AtPlace(place));
+        if (!event || event->Modified <= dLastRead) {
+            continue;
+        }
+        const auto known = objectAt<calEvent>(*mCol, event->GUID);
+        if (known) {
+            event = stillValid(known, event);
+        }
+        if (event != known) {
+            changed.push_back({Variant(event), event->GUID});
+        }
+    }
+    mCol->AddLatest(changed);
+    adopted_ = adopted_ || !changed.empty();
+    source.modified = full_->fullRead_->lastModified();
+    source.result = source.modified > dLastRead ? 1 : 0;
+    const Damage& damage = full_->fullRead_->damage();
+    damage_.inPart.insert(damage.inPart.begin(), damage.inPart.end());
 }
 
 void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {

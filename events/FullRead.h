@@ -68,6 +68,9 @@ public:
     void look(const calEvent& event);
     /// The next read takes every row's word.
     void lookAtAll();
+    /// Nothing of the sort has been said since the last read, and that was not disturbed: of a
+    /// table that is as it was the next one gives the same.
+    bool wouldGiveTheSame() const noexcept { return mayPassBy_ && touched_.empty(); }
 
     /// The same, and nothing is known of rows that cannot be read then.
     void forget();

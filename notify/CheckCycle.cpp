@@ -44,6 +44,7 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
         return listed.LastEventsReminded->Exists(GUID);
     });
     period_.UseLedger(ledger_, {});
+    reminders_.ReadWith(period_);
 }
 
 void CheckCycle::ReadAtStart() {

@@ -1,22 +1,16 @@
 // A set that passes by what it knows holds what a set that knows nothing reads.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "RandomHost.h"
 #include "events/CalEvents.h"
-#include "support/EventFile.h"
 #include "support/ManualClock.h"
-#include "support/ManyEvents.h"
-#include "support/Support.h"
 
 namespace vl {
 namespace {
-
-namespace fs = std::filesystem;
 
 const DateTime kNow = DateTime::fromCivil(2026, 11, 20, 14, 0);
 
@@ -27,105 +21,6 @@ std::vector<std::string> keysOf(const GenCollection& collection) {
     }
     return keys;
 }
-
-/// A host that writes whatever comes to its mind, and a set that reads after it.
-class Host {
-public:
-    explicit Host(unsigned seed) : random_(seed), events_(kNow, seed) {
-        db.DBFullName = path_.string();
-        for (int i = 0; i < 150; ++i) {
-            insert();
-        }
-    }
-
-    int upTo(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random_); }
-
-    std::string anyText() {
-        static constexpr int lengths[] = {0, 5, 60, 700, 3000, 9000};
-        return std::string(static_cast<std::size_t>(lengths[upTo(6)]),
-                           static_cast<char>('a' + upTo(26)));
-    }
-
-    void insert() {
-        const auto event = events_.next();
-        event->JSON = anyText();
-        file_->put(*event);
-        guids_.push_back(event->GUID);
-    }
-
-    const std::string& any() {
-        return guids_[static_cast<std::size_t>(upTo(static_cast<int>(guids_.size())))];
-    }
-
-    void change() {
-        const std::string GUID = any();
-        switch (upTo(9)) {
-            case 0:
-                insert();
-                break;
-            case 1:
-                file_->remove(GUID);
-                break;
-            case 2:
-                file_->change(GUID, {{"JSON", anyText()}});
-                break;
-            case 3:
-                file_->change(GUID, {{"Body", anyText()}, {"Location", anyText().substr(0, 100)}});
-                break;
-            case 4:
-                file_->change(GUID, {{"status", upTo(2) == 0 ? "AllDone" : ""}});
-                break;
-            case 5:
-                file_->change(GUID, {{"deleted", upTo(2) == 0}});
-                break;
-            case 6:
-                file_->change(GUID, {{"EventID", upTo(5)}});
-                break;
-            case 7:
-                file_->change(GUID, {{"status", Variant(Null{})}});
-                break;
-            default:
-                file_->remove(GUID);
-                insert();
-                break;
-        }
-    }
-
-    /// Surely a change of the file.
-    void write(int step) {
-        std::string GUID = any();
-        while (!file_->has(GUID)) {
-            GUID = any();
-        }
-        file_->change(GUID, {{"LabelID", step + 1}});
-    }
-
-    /// The same file, copied: every byte is the same, but it is another file.
-    void replace() {
-        const fs::path copy = folder_ / "copy";
-        fs::copy_file(path_, copy);
-        fs::rename(copy, path_);
-    }
-
-    /// As an act does that cannot write the row.
-    void touch(CalEvents& set) {
-        const std::string GUID = any();
-        if (const auto event = objectAt<calEvent>(*set.mCol, GUID)) {
-            event->Dismissed = kNow.addDays(-upTo(100));
-            set.LookAgain(GUID);
-        }
-    }
-
-    test::TempFolder folder_;
-    fs::path path_ = folder_ / "Velmora.RemindDB";
-    std::unique_ptr<test::EventFile> file_ = std::make_unique<test::EventFile>(path_.string());
-    DBRemindUtils db;
-
-private:
-    std::mt19937 random_;
-    test::ManyEvents events_;
-    std::vector<std::string> guids_;
-};
 
 void expectSame(const GenCollection& quick, const GenCollection& plain) {
     ASSERT_EQ(keysOf(quick), keysOf(plain));
@@ -141,7 +36,7 @@ void expectSame(const GenCollection& quick, const GenCollection& plain) {
 class FullReadRandom : public testing::TestWithParam<unsigned> {};
 
 TEST_P(FullReadRandom, GivesWhatAPlainReadGives) {
-    Host host(GetParam());
+    test::RandomHost host(kNow, GetParam());
     test::ManualClock clock{kNow};
     CalEvents set(host.db, clock);
     constexpr const char* kWithoutStatus =
