@@ -1,0 +1,131 @@
+#include "EventView.h"
+
+#include <algorithm>
+
+#include "events/GenCollection.h"
+#include "model/clsReminder.h"
+
+namespace vl {
+
+namespace {
+
+const EventState& nothing() {
+    static const EventState state;
+    return state;
+}
+
+}  // namespace
+
+std::vector<Offset> offsetsOf(const calEvent& event) {
+    std::vector<Offset> offsets;
+    std::int32_t next = calEvent::kNoReminder;
+    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
+        if (const auto reminder = objectIn<clsReminder>(item)) {
+            // Ascending: of two at the same time the first tells what comes after both.
+            if (offsets.empty() || offsets.back().minutes != reminder->Minutes) {
+                offsets.push_back({reminder->Minutes, next});
+            }
+            next = reminder->Minutes;
+        }
+    }
+    return offsets;
+}
+
+EventView::EventView(const calEvent& event, const DueFacts& facts, std::optional<DateTime> now)
+    : event_(event),
+      facts_(facts),
+      state_(facts.state != nullptr ? *facts.state : nothing()),
+      repeats_(event.IsRepeating()) {
+    if (now) {
+        const std::int64_t length =
+            event.EndOf(event.StartDateTime).milliseconds() - event.StartDateTime.milliseconds();
+        over_ = DateTime::fromMilliseconds(now->milliseconds() - length);
+        latestAct_ = facts.zone.toUtc(*now).addDays(1);
+    }
+    const RowWord live{event.NextReminder, event.Dismissed};
+    rowSpeaks_ = live.saysAnything() && rowSpeaks(event, facts.state);
+    const RowWord& word = rowSpeaks_ ? live : state_.word;
+    if (word.saysAnything()) {
+        says_ = rowSays(event, word, facts.replaced);
+    }
+}
+
+bool EventView::isOpen(DateTime start, DateTime time) const {
+    if (isReplaced(start) || time < says_.snoozed || isSilenced(event_, says_, start, time)) {
+        return false;
+    }
+    if (state_.occurrences.empty() && state_.endedBefore.isZero()) {
+        return true;
+    }
+    const DateTime wall = event_.ToWall(start);
+    const OccurrenceState* entry = state_.find(wall);
+    const DateTime snoozed = snoozeOf(entry);
+    if (!snoozed.isZero() && time < snoozed) {
+        return false;
+    }
+    const bool spared = entry != nullptr && (entry->spared || !entry->snoozed.isZero());
+    // Ended with others was only what was over, by a clock that may have been ahead.
+    if (wall < state_.endedBefore && isOver(start) && !spared) {
+        return false;
+    }
+    if (entry == nullptr) {
+        return true;
+    }
+    return event_.ToMoment(time) > handledThrough(*entry) && entry->muted != Muted::ForEver &&
+           (entry->muted != Muted::ThroughStart || time > start);
+}
+
+DateTime EventView::firstOpenStart() const {
+    DateTime first = event_.FromWall(state_.endedBefore);
+    if (over_) {
+        first = std::min(first, goesOn());
+    }
+    if (!says_.silentThrough.isZero()) {
+        first = std::max(
+            first, says_.silentThrough.addMinutes(event_.RemindersMaxOffsetMin).addSeconds(1));
+    }
+    return first;
+}
+
+bool EventView::isThere(const OccurrenceState& one) const {
+    const DateTime start = startOf(one);
+    return repeats_ ? !event_.ICalRecEvents(start, start, 1).empty()
+                    : one.start == event_.ToWall(start);
+}
+
+bool EventView::isReplaced(DateTime start) const {
+    return std::binary_search(facts_.replaced.begin(), facts_.replaced.end(), start);
+}
+
+// A snooze stays when the series is re-timed; only who takes its occurrence away ends it.
+bool EventView::isGone(DateTime start) const {
+    return repeats_ && (isReplaced(start) || event_.IsExcluded(start));
+}
+
+// Of an act by a clock that was ahead only which reminder it was on.
+DateTime EventView::handledThrough(const OccurrenceState& one) const {
+    return isOfWrongClock(one) ? std::min(one.handled, one.reminder) : one.handled;
+}
+
+DateTime EventView::localSnooze(const OccurrenceState& one) const {
+    if (one.snoozed.isZero()) {
+        return {};
+    }
+    // Nobody knows what was meant: the reminder is shown again.
+    return isOfWrongClock(one) && !one.reminder.isZero() ? event_.FromMoment(one.reminder)
+                                                         : facts_.zone.fromUtc(one.snoozed);
+}
+
+// Of a single event also one that was made before the host moved it.
+DateTime EventView::snoozeOf(const OccurrenceState* entry) const {
+    if (repeats_) {
+        return entry != nullptr ? localSnooze(*entry) : DateTime();
+    }
+    DateTime latest;
+    for (const OccurrenceState& one : state_.occurrences) {
+        latest = std::max(latest, localSnooze(one));
+    }
+    return latest;
+}
+
+}  // namespace vl
