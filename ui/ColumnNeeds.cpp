@@ -21,7 +21,7 @@ GridRow rowAt(DateTime moment, bool ofEvent) {
     GridRow row;
     row.reminder = row.due = moment;
     row.span = {moment, moment, false};
-    row.dismissed = moment.addDays(-1);  // at its own time, it would be dealt with
+    row.dismissed = moment;
     row.ofEvent = ofEvent;
     return row;
 }

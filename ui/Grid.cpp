@@ -212,6 +212,14 @@ void Grid::setEmptyText(const QString& text) {
     }
 }
 
+QSize Grid::minimumSizeHint() const {
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const int row = itemDelegate()->sizeHint(option, {}).height();
+    const int bars = header()->sizeHint().height() + horizontalScrollBar()->sizeHint().height();
+    return {QTreeView::minimumSizeHint().width(), bars + 2 * row + 2 * frameWidth()};
+}
+
 void Grid::paintEvent(QPaintEvent* event) {
     QTreeView::paintEvent(event);
     if (list_.proxy().rowCount() > 0 || emptyText_.isEmpty()) {
@@ -219,7 +227,9 @@ void Grid::paintEvent(QPaintEvent* event) {
     }
     QPainter painter(viewport());
     painter.setPen(Tones(palette()).dimmed);
-    const QRect area = viewport()->rect().adjusted(24, 24, -24, -24);
+    const int lines = 2 * fontMetrics().lineSpacing();
+    const int above = std::clamp((viewport()->height() - lines) / 2, 0, 24);
+    const QRect area = viewport()->rect().adjusted(24, above, -24, 0);
     painter.drawText(area, static_cast<int>(Qt::AlignHCenter | Qt::AlignTop) | Qt::TextWordWrap,
                      emptyText_);
 }
@@ -249,14 +259,17 @@ void Grid::keyPressEvent(QKeyEvent* event) {
         // Held down, a key acts once: the next row it would be about nobody has looked at yet.
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            if (!event->isAutoRepeat()) {
+            if (!held_.isRepeat()) {
                 emit openAsked();
             }
             break;
         case Qt::Key_Delete:
-            if (!event->isAutoRepeat()) {
+            if (!held_.isRepeat()) {
                 emit dismissAsked(event->modifiers().testFlag(Qt::ShiftModifier));
             }
+            break;
+        case Qt::Key_Escape:  // Qt would look for a row that begins with it
+            event->ignore();
             break;
         case Qt::Key_F10:
             if (event->modifiers() == Qt::ShiftModifier) {  // for who has no menu key

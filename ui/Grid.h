@@ -10,6 +10,7 @@
 
 #include "ui/ColumnLayout.h"
 #include "ui/GridList.h"
+#include "ui/HeldKey.h"
 
 namespace vl {
 
@@ -46,6 +47,9 @@ public:
     void setEmptyText(const QString& text);
     const QString& emptyText() const { return emptyText_; }
 
+    /// Two rows are seen whatever the size of the window.
+    QSize minimumSizeHint() const override;
+
 signals:
     /// Columns have been moved, resized, shown, hidden, or the rows sorted by another one.
     void columnsChanged();
@@ -81,6 +85,7 @@ private:
     void restore(const Place& place);
 
     GridList& list_;
+    HeldKey held_{*this};
     QString emptyText_;
     std::vector<int> widths_;  // by column, also of the hidden ones
     std::vector<int> needs_;   // for what the columns say, see `fitColumns`

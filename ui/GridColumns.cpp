@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "notify/UpdateCycle.h"
 #include "ui/QtText.h"
 
 namespace vl {
@@ -30,7 +29,7 @@ QString subject(Row r, Context) {
 
 QString due(Row r, Context c) {
     if (isDealtWith(r)) {
-        return QStringLiteral("dismissed");
+        return r.fate == Fate::Moved ? QStringLiteral("moved") : QStringLiteral("dismissed");
     }
     return qtText(r.ofEvent ? eventDueText(r.span, c.now) : dueText(r.due, c.now));
 }
@@ -147,11 +146,8 @@ int columnIndex(std::span<const GridColumn> columns, std::string_view id) {
     return at == columns.end() ? -1 : static_cast<int>(at - columns.begin());
 }
 
-// A reminder is listed up to a check's interval before its time, and may be dismissed at once.
 bool isDealtWith(const GridRow& row) {
-    constexpr int kEarly = kCheckHidden / 1000;
-    return !row.ofEvent && !row.due.isZero() && row.dismissed > DateTime() &&
-           row.due <= row.dismissed.addSeconds(kEarly);
+    return !row.ofEvent && (row.fate == Fate::DealtWith || row.fate == Fate::Moved);
 }
 
 DueState rowState(const GridRow& row, DateTime now) {

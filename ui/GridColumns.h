@@ -58,7 +58,7 @@ std::span<const GridColumn> gridColumns(int grid);
 /// The position of a column, -1 when there is none of that id.
 int columnIndex(std::span<const GridColumn> columns, std::string_view id);
 
-/// The row's own reminder was dismissed, not an earlier one of its event: it will not come.
+/// The row's own reminder will not come, whatever else of its event does.
 bool isDealtWith(const GridRow& row);
 
 /// How far away the row is, and in which tone that is said; of what is dealt with nothing.

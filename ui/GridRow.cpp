@@ -13,9 +13,9 @@ namespace {
 constexpr std::size_t kSummaryUnits = 50;
 
 auto shown(const GridRow& r) {
-    return std::tie(r.GUID, r.summary, r.detail, r.due, r.reminder, r.span.start, r.span.end,
-                    r.span.allDay, r.dismissed, r.repeats, r.location, r.field, r.source, r.toolTip,
-                    r.ofEvent);
+    return std::tie(r.GUID, r.summary, r.detail, r.due, r.reminder, r.fate, r.span.start,
+                    r.span.end, r.span.allDay, r.dismissed, r.repeats, r.location, r.field,
+                    r.source, r.toolTip, r.ofEvent);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "base/DateTime.h"
+#include "events/RowDue.h"
 #include "ui/Wording.h"
 
 namespace vl {
@@ -16,13 +17,14 @@ class calEvent;
 /// their working values into shared events, so what a row shows must not depend on them later.
 struct GridRow {
     QString GUID;
-    QString summary;       ///< at most 50 UTF-16 units, on one line
-    QString detail;        ///< the second line, in parentheses; may be empty
-    DateTime due;          ///< what "Due" counts to: the reminder, or the event's start
-    DateTime reminder;     ///< 0 in the events grid
-    bool ofEvent = false;  ///< a row of the events grid: it is never overdue
-    Span span;             ///< the occurrence shown
-    DateTime dismissed;
+    QString summary;    ///< at most 50 UTF-16 units, on one line
+    QString detail;     ///< the second line, in parentheses; may be empty
+    DateTime due;       ///< what "Due" counts to: the reminder or its snooze, the event's start
+    DateTime reminder;  ///< 0 in the events grid
+    Fate fate = Fate::Comes;  ///< of the reminder
+    bool ofEvent = false;     ///< a row of the events grid: it is never overdue
+    Span span;                ///< the occurrence shown
+    DateTime dismissed;       ///< the event's; 0: never
     QString repeats;
     QString location;
     QString field;

@@ -3,9 +3,12 @@
 #include <utility>
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QShortcutEvent>
 #include <QWheelEvent>
 #include <QWidget>
+
+#include "ui/HeldKey.h"
 
 namespace vl {
 
@@ -67,7 +70,9 @@ protected:
             return QObject::eventFilter(watched, event);
         }
         // Held down it clicks once: what comes next, nobody has seen yet.
-        button_.setShortcutAutoRepeat(static_cast<QShortcutEvent*>(event)->shortcutId(), false);
+        if (held_.isRepeat()) {
+            return true;
+        }
         if (button_.isCheckable()) {
             button_.setFocus(Qt::ShortcutFocusReason);
         }
@@ -77,6 +82,7 @@ protected:
 
 private:
     QAbstractButton& button_;
+    HeldKey held_{*QCoreApplication::instance()};
 };
 
 }  // namespace

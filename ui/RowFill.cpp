@@ -33,12 +33,11 @@ GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occur
     GridRow row;
     row.event = event;
     row.GUID = qtText(event->GUID);
-    row.summary = rowSummary(event->Summary());
+    row.summary = rowSummary(shownSubject(event->Summary()));
     row.span = spanAt(*event, occurrence.start);
     row.ofEvent = grid == kEventsGrid;
     row.reminder = row.ofEvent ? DateTime() : occurrence.reminder;
     row.due = row.ofEvent ? occurrence.start : occurrence.reminder;
-    // What is listed as new is still to be dealt with, whatever was dismissed before.
     row.dismissed = grid == kNewRemindersGrid ? DateTime() : event->Dismissed;
     row.location = qtText(event->Location).simplified();
     row.field = qtText(event->FieldName);
@@ -50,6 +49,14 @@ GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occur
     attempt([&] { row.repeats = qtText(event->RecurrenceInWords()); });
     attempt([&] { row.toolTip = qtText(event->ToolTip(occurrence.start, wordsOf(time))); });
     return row;
+}
+
+void tellDue(GridRow& row, const RowDue& due) {
+    if (due.time != row.due) {
+        row.due = due.time;
+        row.detail = due.fate == Fate::Snoozed ? QStringLiteral("(snoozed)") : QString();
+    }
+    row.fate = due.fate;
 }
 
 DateWords wordsOf(const TimeText& time) {

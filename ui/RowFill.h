@@ -9,9 +9,13 @@
 
 namespace vl {
 
-/// A snapshot for `grid` (2: events, else reminders). `time` writes hours and minutes.
+/// A snapshot for `grid` (2: events, else reminders). `time` writes hours and minutes. What is
+/// listed as new is still to be dealt with, whatever was dismissed before.
 GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence, int grid,
               const TimeText& time);
+
+/// What has become of the reminder of a row that is not listed as new.
+void tellDue(GridRow& row, const RowDue& due);
 
 /// Days in full, or with `now` as people name them.
 DateWords wordsOf(const TimeText& time);

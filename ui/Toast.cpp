@@ -8,11 +8,15 @@
 #include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "ui/LongWords.h"
+#include "ui/QtText.h"
 #include "ui/Tones.h"
+#include "ui/Wording.h"
 
 namespace vl {
 
@@ -21,20 +25,30 @@ namespace {
 constexpr int kMargin = 12;  // around the body's lines
 constexpr int kPictureSize = 16;
 
-// A summary may be written from right to left; the time behind it (after two blanks) is none of it
-// and stays behind it.
+// Of a link's text: the time follows after two blanks.
+qsizetype endOfSummary(const QString& text) { return text.lastIndexOf(QLatin1String("  ")); }
+
+// A summary may be written from right to left; the time behind it is none of it and stays behind
+// it.
 QString summaryApart(const QString& text) {
     constexpr QChar kFirstStrongIsolate(0x2068);
     constexpr QChar kPopDirectionalIsolate(0x2069);
-    const qsizetype end = text.lastIndexOf(QLatin1String("  "));
+    const qsizetype end = endOfSummary(text);
     return end <= 0 || !text.isRightToLeft()
                ? text
                : kFirstStrongIsolate + text.left(end) + kPopDirectionalIsolate + text.mid(end);
 }
 
+// What stands for the summary of an event that has none.
+QString shownLink(const QString& text) {
+    const qsizetype end = endOfSummary(text);
+    return end >= 0 && isBlank(plainText(text.left(end))) ? qtText(shownSubject({})) + text.mid(end)
+                                                          : text;
+}
+
 // The label would take the application's link colour, which a light palette leaves at pure blue.
-QString linkHtml(const ToastLink& link, const QColor& colour) {
-    QString text = summaryApart(link.text).toHtmlEscaped();
+QString linkHtml(const ToastLink& link, const QString& shown, const QColor& colour) {
+    QString text = summaryApart(shown).toHtmlEscaped();
     text.replace(u'\n', QStringLiteral("<br>"));
     return QStringLiteral(
                "<div dir=\"ltr\"><a href=\"%1\" style=\"text-decoration:none; color:%2; "
@@ -126,7 +140,7 @@ void Toast::applyTones() {
 void Toast::present(const ToastContent& content, const QRect& icon) {
     setUpdatesEnabled(false);
     content_ = content;
-    title_->setText(content.title);
+    fillTitle();
     fillBody();
     setWindowOpacity(std::clamp(content.opacity, 0.2, 1.0));
     place(content.width, icon);
@@ -143,7 +157,31 @@ void Toast::moveNextTo(const QRect& icon) {
     }
 }
 
+// What the text has beside it on its line, in the band.
+void Toast::fillTitle() {
+    const int beside = kMargin + kPictureSize + 2 * band_->layout()->spacing() +
+                       close_->sizeHint().width() + band_->layout()->contentsMargins().right() + 2;
+    title_->setText(
+        withLongWordsParted(content_.title, title_->fontMetrics(), content_.width - beside));
+    title_->setAccessibleName(content_.title);
+}
+
+// Of many lines some room goes to the bar that scrolls them.
+int Toast::lineWidth() const {
+    return content_.width - 2 * kMargin - 2 - style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
+
+QFont Toast::bodyFont() const {
+    QFont font = body_->font();
+    font.setBold(content_.bold);
+    return font;
+}
+
 void Toast::fillBody() {
+    const QFontMetrics metrics(bodyFont());
+    const auto parted = [&](const QString& text) {
+        return withLongWordsParted(text, metrics, lineWidth());
+    };
     // A link may just be telling us that it was clicked.
     while (QLayoutItem* item = lines_->takeAt(0)) {
         if (QWidget* label = item->widget()) {
@@ -157,27 +195,27 @@ void Toast::fillBody() {
         auto* label = new QLabel(body_);
         label->setObjectName("lblPopupText");
         label->setTextFormat(Qt::PlainText);
-        label->setText(content_.text);
-        addLine(label, content_.bold);
+        label->setText(parted(content_.text));
+        label->setAccessibleName(content_.text);
+        addLine(label);
     } else {
         for (const ToastLink& link : content_.links) {
             auto* label = new QLabel(body_);
             label->setObjectName("lblPopupLink" + QString::number(link.tag));
             label->setTextFormat(Qt::RichText);
-            label->setText(linkHtml(link, colour));
-            label->setAccessibleName(link.text);
+            const QString shown = shownLink(link.text);
+            label->setText(linkHtml(link, parted(shown), colour));
+            label->setAccessibleName(shown);
             label->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
             connect(label, &QLabel::linkActivated, this,
                     [this](const QString& tag) { emit linkClicked(tag.toInt()); });
-            addLine(label, content_.bold);
+            addLine(label);
         }
     }
 }
 
-void Toast::addLine(QLabel* label, bool bold) {
-    QFont font = label->font();
-    font.setBold(bold);
-    label->setFont(font);
+void Toast::addLine(QLabel* label) {
+    label->setFont(bodyFont());
     label->setForegroundRole(QPalette::Text);
     label->setWordWrap(true);
     lines_->addWidget(label);

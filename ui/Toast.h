@@ -59,8 +59,11 @@ protected:
 private:
     QWidget* makeBand(const QIcon& picture);
     void applyTones();
+    void fillTitle();
     void fillBody();
-    void addLine(QLabel* label, bool bold);
+    void addLine(QLabel* label);
+    int lineWidth() const;
+    QFont bodyFont() const;
     void place(int width, const QRect& icon);
     void startWaiting();
 

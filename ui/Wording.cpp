@@ -185,6 +185,14 @@ std::string durationText(const Span& event) {
     return text;
 }
 
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+std::string shownSubject(std::string_view subject) {
+    return isBlank(subject) ? "(no subject)" : std::string(subject);
+}
+
 std::string tabCaption(std::string_view name, std::size_t rows) {
     return rows == 0 ? std::string(name) : std::string(name) + ": " + std::to_string(rows);
 }

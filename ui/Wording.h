@@ -54,6 +54,12 @@ std::string fullMomentText(DateTime moment, bool withTime, const TimeText& time)
 /// "15 minutes", "1 hour 30 minutes", "2 days"; "All day" or "3 days" for an all-day event.
 std::string durationText(const Span& event);
 
+/// Nothing in it can be seen.
+bool isBlank(std::string_view text);
+
+/// The subject of an event as a list, the toast or a dialog shows it: "(no subject)" for none.
+std::string shownSubject(std::string_view subject);
+
 /// The caption of a tab: its name, and its number of rows when it has any.
 std::string tabCaption(std::string_view name, std::size_t rows);
 

@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -37,7 +38,10 @@ frmDDE::frmDDE(const WindowParts& parts)
              acts_),
       update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
       tray_(pictures_, parts.state, this),
-      timeText_([](DateTime d) { return shortTimeText(d); }) {
+      fields_([this] { return listedEvents(); }, [this] { return isWatched(); }, this),
+      timeText_([](DateTime d) { return shortTimeText(d); }),
+      keptColumns_(parts.settings),
+      wheel_(parts.state) {
     setObjectName("frmDDE");
     setWindowTitle(tr("VL Reminders"));
     setAccessibleName(windowTitle());  // minimized it would have none
@@ -81,9 +85,7 @@ void frmDDE::wireTimers() {
     saveColumns_.setSingleShot(true);
     saveColumns_.setInterval(kColumnsRest);
     connect(&saveColumns_, &QTimer::timeout, this, &frmDDE::saveColumns);
-    TimerFields.setObjectName("TimerFields");
-    TimerFields.setSingleShot(true);
-    connect(&TimerFields, &QTimer::timeout, this, &frmDDE::TimerFields_Tick);
+    connect(&fields_, &FieldAsker::named, this, &frmDDE::showFields);
 }
 
 void frmDDE::wireList(GridList& each) {
@@ -170,7 +172,7 @@ void frmDDE::showEvent(QShowEvent* event) {
         TimerUpdate.start();
         TimerUpdate_Tick();
         GetIconText();
-        fieldNames_.Doubt();
+        fields_.Doubt();
         wantFields();
     }
 }
@@ -181,13 +183,18 @@ void frmDDE::changeEvent(QEvent* event) {
     if (event->type() == QEvent::WindowStateChange && !loading_ && isWatched()) {
         TimerUpdate.start();
         TimerUpdate_Tick();
-        fieldNames_.Doubt();
+        fields_.Doubt();
         wantFields();
         sayTrayMissing();
-    } else if (event->type() == QEvent::PaletteChange && isFurnished()) {
-        // The desktop has turned dark, or light: the line has a colour of its own.
-        lblStatus->clear();
-        showStatus();
+    }
+}
+
+// The toast has no keys of its own.
+void frmDDE::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && popup_ != nullptr && popup_->isVisible()) {
+        HidePopUp();
+    } else {
+        QWidget::keyPressEvent(event);
     }
 }
 

@@ -2,26 +2,19 @@
 #pragma once
 
 #include <array>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <QDeadlineTimer>
-#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
-#include "app/Files.h"
-#include "base/Clock.h"
 #include "events/CalEvents.h"
-#include "events/Ledger.h"
-#include "model/FieldNames.h"
 #include "notify/Acts.h"
 #include "notify/CheckCycle.h"
 #include "notify/Maintenance.h"
@@ -29,14 +22,19 @@
 #include "notify/ReminderState.h"
 #include "notify/UpdateCycle.h"
 #include "ui/DialogParts.h"
+#include "ui/FieldAsker.h"
 #include "ui/Grid.h"
 #include "ui/GridList.h"
 #include "ui/GridUtils.h"
+#include "ui/KeptColumns.h"
 #include "ui/MessageBoxes.h"
+#include "ui/RowChoice.h"
 #include "ui/RowFill.h"
 #include "ui/Toast.h"
 #include "ui/Tray.h"
 #include "ui/TrayPictures.h"
+#include "ui/WheelQueue.h"
+#include "ui/WindowParts.h"
 
 class QComboBox;
 class QLabel;
@@ -47,35 +45,10 @@ class QTabWidget;
 
 namespace vl {
 
-class Settings;
-class SoundPlayer;
 class SplitButton;
+class StatusLine;
 class UpDown;
 class frmDismiss;
-
-/// What the window works with. All of it must outlive the window.
-struct WindowParts {
-    CalEvents& reminders;  ///< the set that the checks read and ask
-    CalEvents& period;     ///< the set behind the views
-    DBRemindUtils& db;
-    Settings& settings;
-    const Clock& clock;
-    ReminderState& state;
-    Ledger& ledger;
-    SoundPlayer& sound;
-    GridUtils& gridUtils;
-    bool DebugMode = false;
-    std::string HelpBase;  ///< a help number is appended; empty where there is no help
-    /// Whether the desktop shows tray icons. Without one the window is never hidden beyond reach.
-    std::function<bool()> hasTray = &Tray::isThere;
-    /// So long after the window has come by itself it takes no key that acts on a row: it was meant
-    /// for what the user was at.
-    std::chrono::milliseconds keysRest{500};
-    std::function<bool(std::string_view)> openDocument = &vl::openDocument;
-    std::function<bool(const std::vector<std::string>&)> startProgram = &vl::startProgram;
-    std::string Version;             ///< major.minor.revision
-    MessageScreen* boxes = nullptr;  ///< who shows message boxes; null: the window itself
-};
 
 /// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. Its
 /// controls are made when it is first shown: most days it waits for hours, and what nobody sees
@@ -151,6 +124,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     // what happens
@@ -219,29 +193,20 @@ private:
     static void headingMenu(Grid& of, const QPoint& at);
 
     // acts on rows (frmDDEActs.cpp)
-    /// What a command is about: what was chosen when it was given. While a menu is open checks go
-    /// on and choose other rows, which the user has not meant.
-    struct Choice {
-        int tab = 0;
-        std::vector<ActRow> rows;
-        std::optional<ActRow> current;
-        bool dismisses = true;  ///< else the rows can only be reactivated
-        bool hides = true;      ///< else they are shown again
-    };
-    Choice choice() const;
-    Choice menuChoice();
+    RowChoice choice() const;
+    RowChoice menuChoice();
     void noteMenuChoice();
     DialogParts dialogParts();
-    void snoozeOrHide(const Choice& of);
-    void doSnooze(const Choice& of);
-    void doHide(const Choice& of);
+    void snoozeOrHide(const RowChoice& of);
+    void doSnooze(const RowChoice& of);
+    void doHide(const RowChoice& of);
     void openAsked();
     void dismissAsked(bool choose);
     void dismissChosen(bool choose);
-    void dismiss(const Choice& of);
-    void chooseDismiss(const Choice& of);
+    void dismiss(const RowChoice& of);
+    void chooseDismiss(const RowChoice& of);
     void fillDismiss(frmDismiss& dialog, const ActRow& row);
-    void reactivate(const Choice& of);
+    void reactivate(const RowChoice& of);
     void removeFromAll(const std::vector<ActRow>& rows);
     void leaveGrids(const std::vector<ActRow>& rows, int tab);
     void leaveEmptyList(int tab);
@@ -249,7 +214,8 @@ private:
     // menus (frmDDEMenus.cpp)
     MessageScreen& boxes(const char* helpPlace);
     Maintenance maintenance();
-    void open(const Choice& of);
+    void maintain(void (Maintenance::*flow)());
+    void open(const RowChoice& of);
     void gridMenu(const QPoint& at);
     void fillGridMenu(QMenu& menu);
     void updateButtons();
@@ -264,7 +230,7 @@ private:
     void showPeriodAnew();
     bool isWatched() const;
     GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
-                   int grid) const;
+                   int grid, const TimeZone& here) const;
     GridList& listOf(int grid) { return *lists_[static_cast<std::size_t>(grid)]; }
     GridList& selectedList() { return listOf(tab()); }
     const GridList& selectedList() const { return list(tab()); }
@@ -280,12 +246,12 @@ private:
     QString rowStatus() const;
     std::string currentGUID() const;
     std::string troubleText() const;
+    QString notice() const;
 
     // names of fields (frmDDEFields.cpp)
     std::vector<std::shared_ptr<calEvent>> listedEvents() const;
     bool showsFields() const;
     void wantFields();
-    void TimerFields_Tick();
     void showFields();
 
     // help (frmDDEHelp.cpp)
@@ -318,13 +284,11 @@ private:
     QTimer firstCheck_{this};   // once, as soon as the event loop runs
     QTimer trayWait_{this};     // once, when a tray should have come
     QTimer saveColumns_{this};  // once, when columns have come to rest
-    QTimer TimerFields{this};   // once, for the next name of a field
-    FieldNames fieldNames_;
-    std::vector<std::shared_ptr<calEvent>> unnamed_;  // one for each name still to be asked for
+    FieldAsker fields_;
     TimeText timeText_;
     std::array<std::unique_ptr<GridList>, kGridCount> lists_;
-    // What the settings told of each grid's columns at the start: columns and sorting.
-    std::array<std::pair<std::string, std::string>, kGridCount> columns_;
+    KeptColumns keptColumns_;
+    WheelQueue wheel_;
 
     // The controls: null until the window is first shown.
     QLabel* lblPeriod = nullptr;
@@ -333,8 +297,7 @@ private:
     QLineEdit* txtSearch = nullptr;
     QLabel* lblTime = nullptr;
     QTabWidget* tabs = nullptr;
-    QLabel* lblStatus = nullptr;
-    QLabel* lblNotice = nullptr;  // beside it: what is there but not shown, what is not saved
+    StatusLine* status_ = nullptr;
     QPushButton* butSnooze = nullptr;
     SplitButton* butDismiss = nullptr;
     QPushButton* butOpen = nullptr;
@@ -342,13 +305,9 @@ private:
     QPushButton* butHide = nullptr;
     std::array<Grid*, kGridCount> grids_{};
 
-    std::optional<Choice> menuChoice_;  // what the menu is about that was opened last
-    QDeadlineTimer justCame_;           // see `hasJustCome`
-    QStringList captions_;              // of the tabs, without counts
-    QPointer<Grid> wheelTarget_;
-    QPoint wheelPixels_;  // of devices that count in pixels
-    QPoint wheelRest_;    // less than a pixel, see `takeScroll`
-    bool wheelPages_ = false;
+    std::optional<RowChoice> menuChoice_;  // what the menu is about that was opened last
+    QDeadlineTimer justCame_;              // see `hasJustCome`
+    QStringList captions_;                 // of the tabs, without counts
     QPoint frame_;  // from the window's corner to its inside, when last seen in normal size
     int helpNumber_ = 0;
     bool canSave_ = true;  // the settings file could be written when last looked at
@@ -363,7 +322,6 @@ private:
     // it was said.
     QString notice_;
     std::string noticeRow_;
-    std::array<ColumnLayout, kGridCount> savedColumns_;  // as the settings have them
     // Where the help tells about the boxes of the command that is at work.
     const char* boxHelp_ = "";
     MessageBoxes boxes_{*this, [this] { openHelp(helpNumber_, boxHelp_); }};

@@ -40,6 +40,7 @@ DismissMode modeOf(frmDismiss::Choice choice) {
 
 std::vector<std::string> GUIDsOf(const std::vector<ActRow>& rows) {
     std::vector<std::string> GUIDs;
+    GUIDs.reserve(rows.size());
     for (const ActRow& row : rows) {
         GUIDs.push_back(row.event->GUID);
     }
@@ -48,8 +49,8 @@ std::vector<std::string> GUIDsOf(const std::vector<ActRow>& rows) {
 
 }  // namespace
 
-frmDDE::Choice frmDDE::choice() const {
-    Choice made;
+RowChoice frmDDE::choice() const {
+    RowChoice made;
     made.tab = tab();
     made.rows = actRows(selectedList().selectedRows());
     if (const GridRow* row = selectedList().currentRow()) {
@@ -62,8 +63,8 @@ frmDDE::Choice frmDDE::choice() const {
 
 void frmDDE::noteMenuChoice() { menuChoice_ = choice(); }
 
-frmDDE::Choice frmDDE::menuChoice() {
-    const std::optional<Choice> noted = std::exchange(menuChoice_, std::nullopt);
+RowChoice frmDDE::menuChoice() {
+    const std::optional<RowChoice> noted = std::exchange(menuChoice_, std::nullopt);
     return noted ? *noted : choice();
 }
 
@@ -78,11 +79,11 @@ void frmDDE::butSnooze_Click() {
     attempt([&] { snoozeOrHide(choice()); });
 }
 
-void frmDDE::snoozeOrHide(const Choice& of) {
+void frmDDE::snoozeOrHide(const RowChoice& of) {
     of.tab == kNewRemindersGrid ? doSnooze(of) : doHide(of);
 }
 
-void frmDDE::doSnooze(const Choice& of) {
+void frmDDE::doSnooze(const RowChoice& of) {
     if (!of.current || bringDialogForward()) {
         return;
     }
@@ -90,7 +91,7 @@ void frmDDE::doSnooze(const Choice& of) {
     const ActRow row = *of.current;
     const std::string GUID = row.event->GUID;
     frmSnooze dialog(dialogParts(), this);
-    dialog.sTitle = snoozeTitle(row.event->Summary());
+    dialog.sTitle = snoozeTitle(shownSubject(row.event->Summary()));
     dialog.ShowModal();
     const auto minutes = snoozeMinutes(dialog.sSnooze);
     if (dialog.bCancel || !snoozeTime(dialog.sSnooze, parts_.clock.now()) ||
@@ -120,7 +121,7 @@ void frmDDE::leaveEmptyList(int tab) {
     SetIcon();
 }
 
-void frmDDE::doHide(const Choice& of) {
+void frmDDE::doHide(const RowChoice& of) {
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : of.rows) {
@@ -162,14 +163,14 @@ void frmDDE::dismissAsked(bool choose) {
 void frmDDE::dismissChosen(bool choose) {
     const ErrScope scope;
     attempt([&] {
-        const Choice of = menuChoice();
+        const RowChoice of = menuChoice();
         if (of.dismisses) {
             choose ? chooseDismiss(of) : dismiss(of);
         }
     });
 }
 
-void frmDDE::dismiss(const Choice& of) {
+void frmDDE::dismiss(const RowChoice& of) {
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : of.rows) {
@@ -179,7 +180,7 @@ void frmDDE::dismiss(const Choice& of) {
     leaveGrids(of.rows, of.tab);
 }
 
-void frmDDE::chooseDismiss(const Choice& of) {
+void frmDDE::chooseDismiss(const RowChoice& of) {
     if (bringDialogForward()) {
         return;
     }
@@ -199,7 +200,7 @@ void frmDDE::chooseDismiss(const Choice& of) {
         if (dialog.choice() == frmDismiss::Choice::DeleteItem) {
             // What has to wait for the host counts as deleted: it is done as soon as it can be.
             if (acts_.DeleteItem(row) == calEvent::Deletion::Failed) {
-                kept << qtText(row.event->Summary());
+                kept << qtText(shownSubject(row.event->Summary()));
                 continue;
             }
             deleted = true;
@@ -227,7 +228,10 @@ void frmDDE::fillDismiss(frmDismiss& dialog, const ActRow& row) {
     const DateTime next = row.reminder.isZero() ? event->NextReminderD(now) : row.reminder;
     dialog.sNext = next.isZero() ? "No reminder ahead."
                                  : "Reminder " + momentText(next, true, now, timeText_) + ".";
-    dialog.sEvent = event->SBMessage(row.InstanceStart, wordsOf(timeText_, now));
+    const std::string subject = event->Summary();
+    // It begins with the subject, where there is one.
+    dialog.sEvent = (isBlank(subject) ? shownSubject(subject) + ", " : std::string()) +
+                    event->SBMessage(row.InstanceStart, wordsOf(timeText_, now));
 }
 
 // Out of the lists first, all at once: thousands of rows would take minutes one by one.
@@ -254,7 +258,7 @@ void frmDDE::leaveGrids(const std::vector<ActRow>& rows, int tab) {
     leaveEmptyList(tab);
 }
 
-void frmDDE::reactivate(const Choice& of) {
+void frmDDE::reactivate(const RowChoice& of) {
     {
         const Acts::Together together(acts_);
         for (const ActRow& row : of.rows) {

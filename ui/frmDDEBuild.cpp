@@ -14,10 +14,11 @@
 #include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "notify/Periods.h"
-#include "ui/ElidedLabel.h"
 #include "ui/FormFont.h"
 #include "ui/InputWatch.h"
+#include "ui/Named.h"
 #include "ui/SplitButton.h"
+#include "ui/StatusLine.h"
 #include "ui/UpDown.h"
 #include "ui/frmDDE.h"
 
@@ -36,17 +37,6 @@ constexpr std::array<Tab, kGridCount> kTabs{{
     {"&All Reminders", "G1", "All Reminders"},
     {"&Events", "G2", "Events"},
 }};
-
-// Named and described in one place: tests, screen readers and drivers go by these.
-// A control that shows a text of its own is known by that to who cannot see it.
-template <class Control>
-Control* named(Control* control, const char* name, const char* accessibleName = nullptr) {
-    control->setObjectName(name);
-    if (accessibleName) {
-        control->setAccessibleName(QObject::tr(accessibleName));
-    }
-    return control;
-}
 
 }  // namespace
 
@@ -72,8 +62,7 @@ void frmDDE::furnish() {
 }
 
 void frmDDE::build() {
-    lblPeriod = new QLabel(tr("&Period"), this);
-    lblPeriod->setObjectName("lblPeriod");
+    lblPeriod = named(new QLabel(tr("&Period"), this), "lblPeriod");
     cboPeriod = named(new QComboBox(this), "cboPeriod", "Period");
     cboPeriod->setMaxVisibleItems(20);
     lblPeriod->setBuddy(cboPeriod);
@@ -87,9 +76,7 @@ void frmDDE::build() {
     }
     lblTime = named(new QLabel(this), "lblTime");
     buildGrids();
-    lblStatus = named(new ElidedLabel(this), "lblStatus");
-    lblNotice = named(new QLabel(this), "lblNotice");
-    lblNotice->setTextFormat(Qt::PlainText);
+    status_ = new StatusLine(this);
     butSnooze = named(new QPushButton(this), "butSnooze");
     butDismiss = named(new SplitButton(this), "butDismiss");
     butOpen = named(new QPushButton(tr("&Open"), this), "butOpen");
@@ -129,13 +116,10 @@ void frmDDE::layOutControls() {
     buttons->addStretch(1);
     buttons->addWidget(butMenu);
     buttons->addWidget(butHide);
-    auto* status = new QHBoxLayout;
-    status->addWidget(lblStatus, 1);
-    status->addWidget(lblNotice);
     auto* all = new QVBoxLayout(this);
     all->addLayout(top);
     all->addWidget(tabs, 1);
-    all->addLayout(status);
+    all->addWidget(status_);
     all->addLayout(buttons);
 }
 
@@ -211,9 +195,8 @@ void frmDDE::setTabFont() { tabs->setFont(formFont(*tabs)); }
 void frmDDE::initGrids() {
     for (int i = 0; i < kGridCount; ++i) {
         Grid& each = grid(i);
-        const auto& [columns, sort] = columns_[static_cast<std::size_t>(i)];
-        each.arrange(readLayout(i, each.unit(), columns, sort));
-        savedColumns_[static_cast<std::size_t>(i)] = each.columnLayout();
+        each.arrange(keptColumns_.layout(i, each.unit()));
+        keptColumns_.taken(i, each.columnLayout());
     }
 }
 

@@ -1,7 +1,6 @@
 // The columns of the grids: as the user left them, over restarts.
 #include <QMenu>
 
-#include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "ui/ColumnMenu.h"
 #include "ui/MenuLook.h"
@@ -21,15 +20,7 @@ void frmDDE::saveColumns() {
     const ErrScope scope;
     saveColumns_.stop();
     for (int i = 0; i < kGridCount; ++i) {
-        ColumnLayout& saved = savedColumns_[static_cast<std::size_t>(i)];
-        const ColumnLayout now = grid(i).columnLayout();
-        if (columnsText(now) != columnsText(saved)) {
-            parts_.settings.SaveIni(kColumnsSection, columnsKey(i), columnsText(now));
-        }
-        if (sortText(now) != sortText(saved)) {
-            parts_.settings.SaveIni(kColumnsSection, sortKey(i), sortText(now));
-        }
-        saved = now;
+        keptColumns_.write(i, grid(i).columnLayout());
     }
 }
 

@@ -14,6 +14,7 @@
 #include "notify/ReadAgain.h"
 #include "notify/SchemaUpgrade.h"
 #include "ui/HelpNumbers.h"
+#include "ui/SettingNames.h"
 #include "ui/frmDDE.h"
 
 namespace vl {
@@ -22,7 +23,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kReminders = "Reminders";
 constexpr auto kFlash = 500ms;
 constexpr auto kUpdate = 1000ms;
 constexpr auto kActions = 50ms;
@@ -58,7 +58,7 @@ void frmDDE::Load() {
 
 int frmDDE::numberSetting(const char* key) const {
     constexpr double kMost = 2147483647.0;
-    const double value = text::leadingNumber(parts_.settings.GetIni(kReminders, key, 0));
+    const double value = text::leadingNumber(parts_.settings.GetIni(kRemindersSection, key, 0));
     return static_cast<int>(text::roundHalfEven(std::clamp(value, -kMost, kMost)));
 }
 
@@ -91,7 +91,7 @@ void frmDDE::readSettings() {
     canSave_ = parts_.settings.CanSave();
     state_.bMuted = numberSetting("Muted") != 0;
     state_.bSilent = numberSetting("Silent") != 0;
-    state_.sNotifType = parts_.settings.GetIni(kReminders, "NotifType", "D");
+    state_.sNotifType = parts_.settings.GetIni(kRemindersSection, "NotifType", "D");
     // Two older flags; where both are set, the later one holds.
     if (numberSetting("Popup") != 0) {
         state_.sNotifType = "P";
@@ -103,8 +103,8 @@ void frmDDE::readSettings() {
 }
 
 void frmDDE::readPeriodSettings() {
-    state_.sPeriod = parts_.settings.GetIni(kReminders, "Period", "T");
-    const std::string shown = parts_.settings.GetIni(kReminders, "LastShown", "");
+    state_.sPeriod = parts_.settings.GetIni(kRemindersSection, "Period", "T");
+    const std::string shown = parts_.settings.GetIni(kRemindersSection, "LastShown", "");
     state_.dLastShown = shown.empty() ? parts_.clock.now() : fromStoredText(shown);
     state_.DBVersion = numberSetting("DBVersion");
 }
@@ -129,14 +129,9 @@ void frmDDE::setCheckTimer() {
 
 // The rows are in their order before anybody sees them.
 void frmDDE::readColumns() {
-    const auto setting = [this](const std::string& key) {
-        return parts_.settings.GetIni(kColumnsSection, key, "");
-    };
+    keptColumns_.read();
     for (int i = 0; i < kGridCount; ++i) {
-        auto& [columns, sort] = columns_[static_cast<std::size_t>(i)];
-        columns = setting(columnsKey(i));
-        sort = setting(sortKey(i));
-        const ColumnLayout layout = readLayout(i, 0, columns, sort);
+        const ColumnLayout layout = keptColumns_.layout(i, 0);
         listOf(i).sortBy(layout.sortedBy, layout.descending);
     }
 }
@@ -189,7 +184,7 @@ void frmDDE::SaveSettings() {
         {"DBVersion", std::to_string(state_.DBVersion)},
     };
     for (const auto& [key, value] : values) {
-        parts_.settings.SaveIni(kReminders, key, value);
+        parts_.settings.SaveIni(kRemindersSection, key, value);
     }
 }
 

@@ -35,23 +35,19 @@ Maintenance frmDDE::maintenance() {
     return {parts_.db, parts_.reminders, parts_.period, check_, state_, *this, boxes(kHelpCleanUp)};
 }
 
-void frmDDE::mnuCleanUp_Click() {
-    if (bringDialogForward()) {
-        return;
-    }
-    const ErrScope scope;
-    attempt([&] { maintenance().CleanUp(); });
-    UpdateUI();
-    SetIcon();
-    focusRows();
-}
+void frmDDE::mnuCleanUp_Click() { maintain(&Maintenance::CleanUp); }
 
-void frmDDE::mnuDeleteAll_Click() {
+void frmDDE::mnuDeleteAll_Click() { maintain(&Maintenance::DeleteAll); }
+
+void frmDDE::maintain(void (Maintenance::*flow)()) {
     if (bringDialogForward()) {
         return;
     }
     const ErrScope scope;
-    attempt([&] { maintenance().DeleteAll(); });
+    attempt([&] {
+        Maintenance at = maintenance();
+        (at.*flow)();
+    });
     UpdateUI();
     SetIcon();
     focusRows();
@@ -62,7 +58,7 @@ void frmDDE::butOpen_Click() {
     attempt([&] { open(choice()); });
 }
 
-void frmDDE::open(const Choice& of) {
+void frmDDE::open(const RowChoice& of) {
     if (!of.current || bringDialogForward()) {
         return;
     }
@@ -87,7 +83,7 @@ void frmDDE::gridMenu(const QPoint& at) {
 // What the buttons do, and the columns for who has no mouse.
 void frmDDE::fillGridMenu(QMenu& menu) {
     const auto add = [this, &menu](const char* name, const QString& text, const QAbstractButton* as,
-                                   void (frmDDE::*chosen)(const Choice&)) {
+                                   void (frmDDE::*chosen)(const RowChoice&)) {
         QAction* action = menu.addAction(text, this, [this, chosen] {
             const ErrScope scope;
             attempt([&] { (this->*chosen)(menuChoice()); });

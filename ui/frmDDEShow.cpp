@@ -263,7 +263,7 @@ void frmDDE::mnuRefresh_Click() {
     // Rows do not have yet what waits to be written.
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
-    fieldNames_.Doubt();
+    fields_.Doubt();
     showPeriodAnew();
 }
 

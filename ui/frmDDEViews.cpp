@@ -12,8 +12,7 @@
 #include "notify/PeriodRows.h"
 #include "notify/Periods.h"
 #include "ui/QtText.h"
-#include "ui/Tips.h"
-#include "ui/Tones.h"
+#include "ui/StatusLine.h"
 #include "ui/UpDown.h"
 #include "ui/frmDDE.h"
 
@@ -81,9 +80,10 @@ void frmDDE::DoPeriod() {
             listOf(index).setDismissedView(isPeriod("Di"));
         }
         std::vector<GridRow> rows[kGridCount];
+        const TimeZone here = TimeZone::local();
         listPeriod(parts_.period, state_.sPeriod, now,
                    [&](const auto& event, const RowOccurrence& occurrence, int index) {
-                       rows[index].push_back(rowFor(event, occurrence, index));
+                       rows[index].push_back(rowFor(event, occurrence, index, here));
                    });
         for (const int index : {kAllRemindersGrid, kEventsGrid}) {
             listOf(index).setRows(std::move(rows[index]));
@@ -95,16 +95,25 @@ void frmDDE::DoPeriod() {
 }
 
 GridRow frmDDE::rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
-                       int grid) const {
-    fieldNames_.Recall(*event);
-    return rowOf(event, occurrence, grid, timeText_);
+                       int grid, const TimeZone& here) const {
+    fields_.Recall(*event);
+    GridRow row = rowOf(event, occurrence, grid, timeText_);
+    if (grid == kAllRemindersGrid) {
+        attempt([&] {
+            const EventState* known = parts_.ledger.find(parts_.db.DBFullName, event->GUID);
+            tellDue(row, askRow(*event, {occurrence.start, occurrence.reminder, parts_.clock.now(),
+                                         known, parts_.reminders.Replaced(*event), here}));
+        });
+    }
+    return row;
 }
 
 void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
     const ErrScope scope;
     attempt([&] {
         if (index == kNewRemindersGrid || isListedIn(state_.sPeriod, *event)) {
-            listOf(index).putRow(rowFor(event, recordedOccurrence(*event), index));
+            listOf(index).putRow(
+                rowFor(event, recordedOccurrence(*event), index, TimeZone::local()));
             wantFields();
         }
     });
@@ -238,37 +247,28 @@ void frmDDE::showStatus() {
     }
     const ErrScope scope;
     const QString trouble = qtText(troubleText());
-    QString line;
-    QString tip;
-    if (!trouble.isEmpty()) {
-        line = parts_.db.DBFullName.empty() ? trouble : tr("%1; F5 tries again").arg(trouble);
-        tip = qtText(parts_.db.ReadTrouble().text);
-    } else if (!notice_.isEmpty()) {
-        line = notice_;
+    StatusLine::Saying saying;
+    saying.trouble = !trouble.isEmpty();
+    if (saying.trouble) {
+        saying.line =
+            parts_.db.DBFullName.empty() ? trouble : tr("%1; F5 tries again").arg(trouble);
+        saying.tip = qtText(parts_.db.ReadTrouble().text);
     } else {
-        line = rowStatus();
+        saying.line = notice_.isEmpty() ? rowStatus() : notice_;
     }
-    if (line.isRightToLeft()) {
-        line.prepend(QChar(0x200e));  // the line begins at the left, whatever its first word is
-    }
-    if (lblStatus->text() != line) {
-        lblStatus->setText(line);
-        lblStatus->setToolTip(plainTip(tip.isEmpty() ? line : tip));
-        QPalette colours;
-        if (!trouble.isEmpty()) {
-            colours.setColor(QPalette::WindowText, Tones(palette(), QPalette::Window).warm);
-        }
-        lblStatus->setPalette(colours);
-    }
+    saying.notice = notice();
+    saying.noticeTip = canSave_ ? QString() : qtText(parts_.settings.filename);
+    status_->say(saying);
+}
+
+// While nothing can be read there is nothing to say of what was.
+QString frmDDE::notice() const {
+    const bool isRead = troubleText().empty();
     const std::string waiting = waitingText(state_.waitingWrites);
-    const std::string damaged = damagedText(trouble.isEmpty() ? state_.damagedRows : 0);
-    const int hidden = trouble.isEmpty() ? state_.rowsWithoutStatus : 0;
-    lblNotice->setText(qtText(noticeText(!waiting.empty()   ? waiting
-                                         : !damaged.empty() ? damaged
-                                                            : withoutStatusText(hidden),
-                                         canSave_)));
-    lblNotice->setToolTip(canSave_ ? QString() : plainTip(qtText(parts_.settings.filename)));
-    lblNotice->setVisible(!lblNotice->text().isEmpty());
+    const std::string damaged = damagedText(isRead ? state_.damagedRows : 0);
+    const std::string hidden = withoutStatusText(isRead ? state_.rowsWithoutStatus : 0);
+    const std::string& about = !waiting.empty() ? waiting : !damaged.empty() ? damaged : hidden;
+    return qtText(noticeText(about, canSave_));
 }
 
 }  // namespace vl

@@ -1,9 +1,4 @@
 // The wheel over a grid: asked for inside the message, done by the actions timer.
-#include <utility>
-
-#include <QApplication>
-#include <QScrollBar>
-
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "ui/frmDDE.h"
@@ -14,27 +9,12 @@ namespace {
 
 constexpr auto kMouseWheel = "MouseWheel";
 
-int perNotch(const QScrollBar& bar, bool pages) {
-    return pages ? bar.pageStep() : QApplication::wheelScrollLines() * bar.singleStep();
-}
-
 }  // namespace
 
 void frmDDE::RequestMouseWheel(Grid& target, const WheelTurn& turn) {
     const ErrScope scope;
     attempt([&] {
-        if (wheelTarget_ != &target || wheelPages_ != turn.pages) {
-            MouseWheel();  // what waits for another grid is not added to this one
-            wheelRest_ = {};
-        }
-        wheelTarget_ = &target;
-        wheelPages_ = turn.pages;
-        if (turn.pixels.isNull()) {
-            state_.iWheelRotationX += turn.rotation.x();
-            state_.iWheelRotationY += turn.rotation.y();
-        } else {
-            wheelPixels_ += turn.pixels;
-        }
+        wheel_.add(target, turn);
         state_.pendingActions->Add(kMouseWheel, kMouseWheel);
         if (!TimerActions.isActive()) {
             TimerActions.start();
@@ -58,16 +38,6 @@ void frmDDE::TimerActions_Tick() {
     state_.pendingActions->Remove(1);
 }
 
-void frmDDE::MouseWheel() {
-    const QPoint pixels = std::exchange(wheelPixels_, QPoint());
-    if (!wheelTarget_) {
-        return;
-    }
-    const int acrossNotch = perNotch(*wheelTarget_->horizontalScrollBar(), wheelPages_);
-    const int downNotch = perNotch(*wheelTarget_->verticalScrollBar(), wheelPages_);
-    const int x = pixels.x() + takeScroll(state_.iWheelRotationX, wheelRest_.rx(), acrossNotch);
-    const int y = pixels.y() + takeScroll(state_.iWheelRotationY, wheelRest_.ry(), downNotch);
-    wheelTarget_->ScrollDown(-y, -x);
-}
+void frmDDE::MouseWheel() { wheel_.scroll(); }
 
 }  // namespace vl

@@ -1,7 +1,5 @@
 #include "ui/frmDismiss.h"
 
-#include <chrono>
-
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -9,40 +7,18 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/Settings.h"
-#include "base/ErrorState.h"
 #include "ui/HelpNumbers.h"
 #include "ui/InputWatch.h"
+#include "ui/LongWords.h"
+#include "ui/Named.h"
 #include "ui/QtText.h"
 
 namespace vl {
 
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kUpdate = 1s;
-
-template <class Control>
-Control* named(Control* control, const char* name) {
-    control->setObjectName(name);
-    return control;
-}
-
-}  // namespace
-
 frmDismiss::frmDismiss(DialogParts parts, QWidget* parent)
-    : QDialog(parent), parts_(std::move(parts)) {
+    : AskingDialog(std::move(parts), parent) {
     build();
     wire();
-}
-
-frmDismiss::~frmDismiss() {
-    if (!loaded_) {
-        return;
-    }
-    const ErrScope scope;
-    attempt([&] { parts_.settings.SaveIni("Reminders", "Snooze", sSnooze); });
 }
 
 void frmDismiss::build() {
@@ -87,8 +63,6 @@ void frmDismiss::build() {
 }
 
 void frmDismiss::wire() {
-    TimerUpdate.setObjectName("TimerUpdate");
-    TimerUpdate.setInterval(kUpdate);
     connect(&TimerUpdate, &QTimer::timeout, this, &frmDismiss::UpdateUI);
     // Also when another choice takes its place: a second is long to look at a grey box.
     connect(radDeleteItem, &QRadioButton::toggled, this, &frmDismiss::UpdateUI);
@@ -103,28 +77,17 @@ void frmDismiss::wire() {
     previewKeys(*this, {kKeyF1, kKeyEnter}, [this](int code) { DoKeyDown(code); });
 }
 
-void frmDismiss::ShowModal() {
-    const ErrScope scope;
-    attempt([&] {
-        load();
-        exec();
-    });
-    TimerUpdate.stop();
-}
-
 void frmDismiss::load() {
-    loading = loaded_ = true;
-    bCancel = true;  // until it is left by another way: the program may end meanwhile
     if (!sTitle.empty()) {
         setWindowTitle(qtText(sTitle));
     }
-    lblEvent->setText(qtText(sNext + " Event: " + sEvent));
+    const QString text = qtText(sNext + " Event: " + sEvent);
+    lblEvent->setText(withLongWordsParted(text, lblEvent->fontMetrics(), lblEvent->minimumWidth()));
+    lblEvent->setAccessibleName(text);
     radThisOnly->setChecked(true);
     radThisOnly->setFocus();
-    adjustWindow(*this, parts_.bOnTop);
-    TimerUpdate.start();
+    settle();
     UpdateUI();
-    loading = false;
 }
 
 void frmDismiss::UpdateUI() { chkDone->setEnabled(!radDeleteItem->isChecked()); }
@@ -141,19 +104,7 @@ frmDismiss::Choice frmDismiss::choice() const {
 
 bool frmDismiss::markDone() const { return chkDone->isChecked() && !radDeleteItem->isChecked(); }
 
-void frmDismiss::butOK_Click() {
-    bCancel = false;
-    HideMe();
-}
-
-void frmDismiss::butCancel_Click() {
-    bCancel = true;
-    HideMe();
-}
-
-void frmDismiss::reject() { butCancel_Click(); }
-
-void frmDismiss::HideMe() { done(bCancel ? Rejected : Accepted); }
+void frmDismiss::butOK_Click() { answer(); }
 
 void frmDismiss::DoKeyDown(int KeyCode) {
     if (KeyCode == kKeyF1 && parts_.showHelp) {

@@ -1,7 +1,5 @@
 #include "ui/frmSnooze.h"
 
-#include <chrono>
-
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QGridLayout>
@@ -17,7 +15,9 @@
 #include "base/Text.h"
 #include "notify/SnoozeText.h"
 #include "ui/HelpNumbers.h"
+#include "ui/Named.h"
 #include "ui/QtText.h"
+#include "ui/SettingNames.h"
 #include "ui/Tones.h"
 #include "ui/Wording.h"
 
@@ -25,12 +25,7 @@ namespace vl {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kReminders = "Reminders";
-constexpr auto kSnooze = "Snooze";
 constexpr auto kFirstSnooze = "15m";
-constexpr auto kUpdate = 1s;
 
 // A line break in a subject would be two boxes in the frame.
 QString onOneLine(QString text) {
@@ -43,28 +38,16 @@ std::string trimmedText(const QComboBox& list) {
 
 }  // namespace
 
-frmSnooze::frmSnooze(DialogParts parts, QWidget* parent)
-    : QDialog(parent), parts_(std::move(parts)) {
+frmSnooze::frmSnooze(DialogParts parts, QWidget* parent) : AskingDialog(std::move(parts), parent) {
     build();
     wire();
-}
-
-frmSnooze::~frmSnooze() {
-    if (!loaded_) {
-        return;
-    }
-    const ErrScope scope;
-    attempt([&] { parts_.settings.SaveIni(kReminders, kSnooze, sSnooze); });
 }
 
 void frmSnooze::build() {
     setObjectName("frmSnooze");
     setWindowTitle(tr("Snooze Reminder..."));
-    auto* lblSnooze = new QLabel(tr("&Remind again in"), this);
-    lblSnooze->setObjectName("lblSnooze");
-    cboSnooze = new QComboBox(this);
-    cboSnooze->setObjectName("cboSnooze");
-    cboSnooze->setAccessibleName(tr("Remind again in"));
+    auto* lblSnooze = named(new QLabel(tr("&Remind again in"), this), "lblSnooze");
+    cboSnooze = named(new QComboBox(this), "cboSnooze", "Remind again in");
     cboSnooze->setEditable(true);
     // Not of the dialog: it would no longer grow with texts that need more.
     cboSnooze->setMinimumWidth(fontMetrics().averageCharWidth() * 42);
@@ -78,18 +61,13 @@ void frmSnooze::build() {
     cboSnooze->lineEdit()->setAccessibleName(cboSnooze->accessibleName());
     cboSnooze->lineEdit()->setPlaceholderText(hint);
     lblSnooze->setBuddy(cboSnooze);
-    lblHint = new QLabel(hint, this);
-    lblHint->setObjectName("lblHint");
+    lblHint = named(new QLabel(hint, this), "lblHint");
     lblHint->setTextFormat(Qt::PlainText);
-    lblUntil = new QLabel(this);
-    lblUntil->setObjectName("lblUntil");
+    lblUntil = named(new QLabel(this), "lblUntil");
     lblUntil->setWordWrap(true);
-    lblTime = new QLabel(tr("Current Time"), this);
-    lblTime->setObjectName("lblTime");
-    butSnooze = new QPushButton(tr("&Snooze"), this);
-    butSnooze->setObjectName("butSnooze");
-    butCancel = new QPushButton(tr("&Cancel"), this);
-    butCancel->setObjectName("butCancel");
+    lblTime = named(new QLabel(tr("Current Time"), this), "lblTime");
+    butSnooze = named(new QPushButton(tr("&Snooze"), this), "butSnooze");
+    butCancel = named(new QPushButton(tr("&Cancel"), this), "butCancel");
     QFrame* frmButtons = makeButtonGroup(*this, *butSnooze, *butCancel);
     QLabel* lblF1 = makeHelpLink(*this, [this] { DoKeyDown(kKeyF1); });
 
@@ -115,8 +93,6 @@ void frmSnooze::build() {
 }
 
 void frmSnooze::wire() {
-    TimerUpdate.setObjectName("TimerUpdate");
-    TimerUpdate.setInterval(kUpdate);
     connect(&TimerUpdate, &QTimer::timeout, this, &frmSnooze::TimerUpdate_Tick);
     connect(butSnooze, &QPushButton::clicked, this, &frmSnooze::doSnooze);
     connect(butCancel, &QPushButton::clicked, this, &frmSnooze::butCancel_Click);
@@ -126,31 +102,18 @@ void frmSnooze::wire() {
     cboSnooze->view()->installEventFilter(this);
 }
 
-void frmSnooze::ShowModal() {
-    const ErrScope scope;
-    attempt([&] {
-        load();
-        exec();
-    });
-    TimerUpdate.stop();
-}
-
 void frmSnooze::load() {
-    loading = loaded_ = true;
-    bCancel = true;  // until it is left by another way: the program may end meanwhile
     FillCBO();
-    sSnooze = parts_.settings.GetIni(kReminders, kSnooze, kFirstSnooze);
+    sSnooze = parts_.settings.GetIni(kRemindersSection, kSnoozeKey, kFirstSnooze);
     const QString offered = u' ' + qtText(sSnooze);
     cboSnooze->setCurrentIndex(cboSnooze->findText(offered));  // what Down and F2 go on from
     cboSnooze->setEditText(offered);
     setWindowTitle(onOneLine(qtText(sTitle)));
     lblTime->setText(qtText(shortTimeText(parts_.clock.now())));
-    adjustWindow(*this, parts_.bOnTop);
+    settle();
     showUntil();
     cboSnooze->setFocus();
     cboSnooze->lineEdit()->selectAll();
-    TimerUpdate.start();
-    loading = false;
 }
 
 void frmSnooze::FillCBO() {
@@ -188,19 +151,9 @@ void frmSnooze::showUntil() {
 }
 
 void frmSnooze::doSnooze() {
-    bCancel = false;
     sSnooze = trimmedText(*cboSnooze);
-    HideMe();
+    answer();
 }
-
-void frmSnooze::butCancel_Click() {
-    bCancel = true;
-    HideMe();
-}
-
-void frmSnooze::reject() { butCancel_Click(); }
-
-void frmSnooze::HideMe() { done(bCancel ? Rejected : Accepted); }
 
 void frmSnooze::DoKeyDown(int KeyCode) {
     switch (KeyCode) {

@@ -9,6 +9,7 @@
 #include "Rows.h"
 #include "ui/GridProxy.h"
 #include "ui/QtText.h"
+#include "ui/RowFill.h"
 
 namespace vl {
 namespace {
@@ -143,37 +144,55 @@ TEST_F(GridModelTest, TheDismissedViewShowsWhenItWas) {
 }
 
 // "This reminder" of a series or of an event with several leaves the later ones alive.
-TEST_F(GridModelTest, DueSaysDismissedOnlyWhereTheRowsOwnReminderWas) {
+TEST_F(GridModelTest, DueSaysWhatBecomesOfTheRowsOwnReminder) {
     struct Case {
-        const char* what;
-        int dismissed;  // minutes from now; its reminder is due at `due`
-        int due;
+        Fate fate;
+        int due;  // minutes from now
         const char* text;
         DueState state;
     };
     static constexpr Case cases[] = {
-        {"after its time", -5, -90, "dismissed", DueState::None},
-        {"at its time", -90, -90, "dismissed", DueState::None},
-        {"an earlier one of the event", -120, -90, "1 h 30 min overdue", DueState::Past},
-        {"the next is still to come", -5, 90, "in 1 h 30 min", DueState::Ahead},
+        {Fate::DealtWith, -90, "dismissed", DueState::None},
+        {Fate::DealtWith, 90, "dismissed", DueState::None},
+        {Fate::Moved, 90, "moved", DueState::None},
+        {Fate::Comes, -90, "1 h 30 min overdue", DueState::Past},
+        {Fate::Comes, 90, "in 1 h 30 min", DueState::Ahead},
+        {Fate::Snoozed, 1500, "in 1 day", DueState::Ahead},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.text);
         GridRow row = reminderRow("{A}", "x", c.due);
-        row.dismissed = someFriday().addMinutes(c.dismissed);
+        row.dismissed = someFriday().addMinutes(-5);
+        row.fate = c.fate;
         model.putRow(row);
         EXPECT_EQ(plainText(cell(0, CIDDue)), c.text);
         EXPECT_EQ(rowState(row, someFriday()), c.state);
+        EXPECT_EQ(isDealtWith(row), c.state == DueState::None);
         EXPECT_EQ(cell(0, CIDSubject, Qt::AccessibleDescriptionRole), "dismissed");
         row.ofEvent = true;
         EXPECT_FALSE(isDealtWith(row)) << "an event is past, not dealt with";
     }
-    GridRow early = reminderRow("{A}", "x", 0);
-    early.dismissed = early.due.addSeconds(-15);
-    EXPECT_TRUE(isDealtWith(early)) << "listed by the check before its time";
-    EXPECT_FALSE(isDealtWith(reminderRow("{A}", "x", -5)));
     model.putRow(reminderRow("{A}", "x", -5));
     EXPECT_EQ(cell(0, CIDSubject, Qt::AccessibleDescriptionRole), "");
+}
+
+// Its reminder stands in the lists as it was planned, or as it was snoozed before.
+TEST_F(GridModelTest, ARowIsToldWhatHasBecomeOfItsReminder) {
+    const DateTime then = someFriday().addDays(1);
+    GridRow row = reminderRow("{A}", "x", -5);
+    const GridRow planned = row;
+    tellDue(row, {row.reminder, Fate::DealtWith});
+    EXPECT_EQ(row.due, planned.due);
+    EXPECT_EQ(row.detail, planned.detail);
+    EXPECT_EQ(row.fate, Fate::DealtWith);
+    EXPECT_FALSE(showsTheSame(row, planned));
+    tellDue(row, {then, Fate::Snoozed});
+    EXPECT_EQ(row.due, then);
+    EXPECT_EQ(row.reminder, planned.reminder) << "an act is on what the row was listed with";
+    EXPECT_EQ(row.detail, "(snoozed)");
+    tellDue(row, {someFriday(), Fate::Comes});
+    EXPECT_EQ(row.due, someFriday());
+    EXPECT_EQ(row.detail, "") << "it is not the one that the words are about";
 }
 
 TEST(GridColumns, EveryIdIsThereOnceAndHasAHeading) {

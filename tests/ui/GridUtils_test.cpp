@@ -33,8 +33,10 @@ void turn(Grid& grid, QPoint rotation) {
 class Subclassing : public testing::Test {
 protected:
     Subclassing() {
+        constexpr int kRows = 200;
         std::vector<GridRow> rows;
-        for (int i = 0; i < 200; ++i) {
+        rows.reserve(kRows);
+        for (int i = 0; i < kRows; ++i) {
             rows.push_back(
                 test::reminderRow("{" + std::to_string(i) + "}", "Row " + std::to_string(i), i));
         }
@@ -45,10 +47,11 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&grid));
     }
     GridUtils::Receiver note() {
-        return [this](QAbstractScrollArea& from, const WheelTurn& t) {
-            EXPECT_EQ(&from, &grid);
-            turns.push_back(t.rotation);
-        };
+        return [this](QAbstractScrollArea& from, const WheelTurn& t) { turned(from, t); };
+    }
+    void turned(const QAbstractScrollArea& from, const WheelTurn& t) {
+        EXPECT_EQ(&from, &grid);
+        turns.push_back(t.rotation);
     }
     int place() const { return grid.verticalScrollBar()->value(); }
 

@@ -225,8 +225,10 @@ TEST_F(Looks, ScrollingLooksAtTheRowsInViewAlone) {
     Grid grid(list);
     grid.InitGrid();
     list.setNow(someFriday());
+    constexpr int kRows = 10'000;
     std::vector<GridRow> rows;
-    for (int i = 0; i < 10'000; ++i) {
+    rows.reserve(kRows);
+    for (int i = 0; i < kRows; ++i) {
         rows.push_back(test::reminderRow("{" + std::to_string(i) + "}", "Reminder", i));
     }
     list.setRows(std::move(rows));

@@ -106,6 +106,57 @@ TEST_F(ToastTest, StandsNextToTheIcon) {
     }
 }
 
+TEST_F(ToastTest, NamesWhatHasNoSubject) {
+    ToastContent content;
+    const char* const texts[] = {"  15 minutes (14:30)", "    15 minutes (14:30)",
+                                 "Tea  15 minutes (14:30)", "  Tea  15 minutes (14:30)",
+                                 "no blanks"};
+    const char* const shown[] = {"(no subject)  15 minutes (14:30)",
+                                 "(no subject)  15 minutes (14:30)", "Tea  15 minutes (14:30)",
+                                 "  Tea  15 minutes (14:30)", "no blanks"};
+    for (int i = 0; i < 5; ++i) {
+        content.links.push_back({i + 1, texts[i]});
+    }
+    toast.present(content, kNowhere);
+    const QList<QLabel*> labels = links();
+    ASSERT_EQ(labels.size(), 5);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(labels[i]->accessibleName(), shown[i]);
+        EXPECT_TRUE(labels[i]->text().contains(QString(shown[i]).toHtmlEscaped())) << i;
+    }
+}
+
+// All of it is to be read, and nothing is cut at the edge.
+TEST_F(ToastTest, AWordThatIsLongerThanTheLineGoesOnInTheNext) {
+    const QString word(90, u'W');
+    for (const bool bold : {false, true}) {
+        ToastContent content = withLinks(1);
+        content.bold = bold;
+        content.title = word;
+        content.links[0].text = word + "  15 minutes (14:30)";
+        toast.present(content, kNowhere);
+        const auto* title = toast.findChild<QLabel*>("lblPopupTitle");
+        ASSERT_EQ(links().size(), 1);
+        EXPECT_EQ(toast.width(), 300);
+        for (const QLabel* label : {title, static_cast<const QLabel*>(links()[0])}) {
+            const QFontMetrics metrics(label->font());
+            const int lines = metrics.horizontalAdvance(word) / label->width();
+            ASSERT_GT(lines, 2);
+            EXPECT_GE(label->height(), lines * metrics.height());
+            EXPECT_LE(label->minimumSizeHint().width(), label->width());
+        }
+        EXPECT_EQ(title->accessibleName(), word);
+        EXPECT_EQ(links()[0]->accessibleName(), content.links[0].text);
+    }
+    ToastContent told = withLinks(0);
+    told.text = word;
+    toast.present(told, kNowhere);
+    const auto* text = toast.findChild<QLabel*>("lblPopupText");
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->accessibleName(), word);
+    EXPECT_LE(text->minimumSizeHint().width(), text->width());
+}
+
 TEST_F(ToastTest, GoesToTheIconOnceItIsKnownWhereThatIs) {
     const QRect icon(screen.topLeft(), QSize(22, 22));
     toast.moveNextTo(icon);

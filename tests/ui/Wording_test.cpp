@@ -205,6 +205,14 @@ TEST(NoticeText, SaysWhatIsLostBesideTheRest) {
               "1 event is not shown; settings cannot be saved");
 }
 
+TEST(ShownSubject, NamesAnEventThatHasNone) {
+    for (const char* none : {"", " ", "\r\n\t "}) {
+        EXPECT_EQ(shownSubject(none), "(no subject)");
+    }
+    EXPECT_EQ(shownSubject(" a "), " a ");
+    EXPECT_EQ(shownSubject("0"), "0");
+}
+
 TEST(WithoutStatusText, CountsThem) {
     EXPECT_EQ(withoutStatusText(0), "");
     EXPECT_EQ(withoutStatusText(1), "1 event is not shown: it has no status");

@@ -59,8 +59,12 @@ protected:
         open();
         EXPECT_TRUE(chosen);
     }
-    void press(QWidget& target, int key, bool repeated) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), repeated);
+    void press(QWidget& target, int key, bool repeated, quint64 when = 0) {
+        send(target, QEvent::KeyPress, key, repeated, when);
+    }
+    void send(QWidget& target, QEvent::Type type, int key, bool repeated, quint64 when) {
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), repeated);
+        event.setTimestamp(when);
         QApplication::sendEvent(&target, &event);
     }
 };
@@ -114,6 +118,21 @@ TEST_F(frmDDEChoice, AKeyThatIsHeldActsOnce) {
     EXPECT_EQ(asked.count(), 0);
     press(grid(0), Qt::Key_Return, false);
     EXPECT_EQ(asked.count(), 1);
+}
+
+// A busy machine is told of a press and its release, again and again, at one time each.
+TEST_F(frmDDEChoice, AKeyThatIsHeldActsOnceAlsoWhereNobodySaysSo) {
+    loadRows();
+    press(grid(0), Qt::Key_Delete, false, 1000);
+    EXPECT_EQ(listed(0).rowCount(), 2U);
+    for (const quint64 when : {1660U, 1700U, 1740U}) {
+        send(grid(0), QEvent::KeyRelease, Qt::Key_Delete, false, when);
+        press(grid(0), Qt::Key_Delete, false, when);
+    }
+    EXPECT_EQ(listed(0).rowCount(), 2U);
+    send(grid(0), QEvent::KeyRelease, Qt::Key_Delete, false, 1750);
+    press(grid(0), Qt::Key_Delete, false, 1830);
+    EXPECT_EQ(listed(0).rowCount(), 1U) << "pressed once more";
 }
 
 // What is typed into another program goes on for a moment.
