@@ -22,6 +22,7 @@ from uidrive.waiting import NotThere, run, wait_for
 
 TITLE = reminders.TITLE
 CROP = 8  # around a piece of the screen
+KEYS_REST = 0.7  # seconds after which a window that has come by itself takes keys that act
 
 
 class Scene(Program):
@@ -118,6 +119,7 @@ class Gallery:
     def shown():
         reminders.wait_shown()
         desktop.wait_active(TITLE)
+        time.sleep(KEYS_REST)
         # The mouse is out of the way, so that it points at nothing.
         act.move_to(1200, 600)
 
