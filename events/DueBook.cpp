@@ -12,19 +12,6 @@ namespace vl {
 
 namespace {
 
-// Whether the host has given it other reminder times.
-bool reTimed(const calEvent& before, const calEvent& now) {
-    return before.StartDateTime != now.StartDateTime || before.IsAllDayEvent != now.IsAllDayEvent ||
-           before.recurrence != now.recurrence || before.reminders != now.reminders ||
-           before.ReminderMinutesBeforeStart != now.ReminderMinutesBeforeStart ||
-           before.ISRecurrenceExceptionDeleted != now.ISRecurrenceExceptionDeleted;
-}
-
-// Of a series, the wall time at which it begins: by this one tells that the host has moved it.
-DateTime startOf(const calEvent& event) {
-    return event.IsRepeating() ? event.ToWall(event.StartDateTime) : DateTime();
-}
-
 bool isOccurrence(const calEvent& event, DateTime wall) {
     const DateTime start = event.FromWall(wall);
     return event.IsRepeating() ? !event.ICalRecEvents(start, start, 1).empty()
@@ -62,79 +49,6 @@ bool hasCome(DateTime time, DateTime now) {
 bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
 
 }  // namespace
-
-// Takes over what is in the list now, with what is known of the events that were there before.
-// What is there at the first question of a run has been met by an earlier run, unless the host has
-// touched it since.
-void DueBook::bring(const GenCollection& events, const Asked& asked) {
-    const DateTime checked = asked.ledger.lastCheck(asked.database);
-    const auto places = events.PlacesThatDiffer(events_);
-    slots_.resize(std::max(slots_.size(), events.PlaceCount()));
-    std::unordered_map<std::uint64_t, Slot> before = std::exchange(deleting_, {});
-    for (const auto place : places) {
-        Slot slot = std::exchange(slots_[place], Slot());
-        if (slot.event) {
-            before.emplace(slot.hash, std::move(slot));
-        }
-    }
-    slots_.resize(events.PlaceCount());
-    for (const auto place : places) {
-        if (place < slots_.size()) {
-            slots_[place] = slotFor(objectIn<calEvent>(events.AtPlace(place)), before, checked);
-        }
-    }
-    for (auto& [hash, slot] : before) {
-        if (replacesOne(*slot.event)) {
-            exceptionsChanged_ = true;
-            left_.push_back({seriesOf(*slot.event), slot.event->RExceptionStartTimeOrig});
-        }
-        // A deletion that fails leaves the event as it was: nothing of it is met for the first
-        // time, and nothing that falls due meanwhile is lost.
-        const EventState* state = asked.ledger.find(asked.database, slot.event->GUID);
-        if (state != nullptr && state->deleting) {
-            slot.since = slot.since.isZero() ? asked.since : slot.since;
-            deleting_.emplace(hash, std::move(slot));
-        }
-    }
-    events_ = events;
-}
-
-// What is known of another object of the same event goes over to this one.
-DueBook::Slot DueBook::slotFor(std::shared_ptr<calEvent> event,
-                               std::unordered_map<std::uint64_t, Slot>& before, DateTime checked) {
-    Slot slot;
-    if (!event) {
-        return slot;
-    }
-    const bool starting = lastNow_.isZero();
-    slot.hash = guidHash(event->GUID);
-    slot.firstMet = !starting || (!checked.isZero() && event->Modified >= checked);
-    if (const auto known = before.find(slot.hash); known != before.end()) {
-        const auto was = known->second.event;
-        slot = std::move(known->second);
-        before.erase(known);
-        if (was != event) {
-            slot.look = true;
-            slot.firstMet = slot.firstMet || reTimed(*was, *event);
-            if (!event->IsRepeating() && was->StartDateTime != event->StartDateTime) {
-                slot.since = DateTime();  // that was of the times it had
-            }
-            exceptionsChanged_ = exceptionsChanged_ || replacesOne(*was);
-        }
-    }
-    if (slot.event != event) {
-        // A series may be one of which the ledger knows.
-        exceptionsChanged_ = exceptionsChanged_ || replacesOne(*event) || event->IsRepeating();
-    }
-    if (!starting && slot.firstMet && !event->Modified.isZero() && event->Modified <= lastFrom_) {
-        // It was there before the last question, which its read has missed: to the second.
-        const bool isMoved = slot.sinceOf != startOf(*event);
-        slot.since = isMoved || slot.since.isZero() ? lastFrom_ : std::min(slot.since, lastFrom_);
-        slot.sinceOf = startOf(*event);
-    }
-    slot.event = std::move(event);
-    return slot;
-}
 
 void DueBook::markChanged(const Asked& asked) {
     // Times that have been asked for can come again.

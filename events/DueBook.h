@@ -82,10 +82,13 @@ private:
 
     // An exception that stands for an occurrence of its series.
     static bool replacesOne(const calEvent& event);
+    // Of a series, the wall time at which it begins: by this one tells that the host has moved it.
+    static DateTime startOf(const calEvent& event);
 
     void bring(const GenCollection& events, const Asked& asked);
     Slot slotFor(std::shared_ptr<calEvent> event, std::unordered_map<std::uint64_t, Slot>& before,
                  DateTime checked);
+    void takeOver(Slot& slot, std::shared_ptr<calEvent> event);
     std::vector<GenCollection::Place> toBeAsked(const Asked& asked, bool wentBack);
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
     void findReplaced(const Ledger& ledger, std::string_view database);

@@ -70,6 +70,8 @@ FullRead::Pages FullRead::stream(sql::RowStream& stream, const GenCollection& be
         changes.noted = changes.noted && changes.pages.size() < kMostChangedPages;
         if (changes.noted) {
             changes.pages.push_back({pages.size(), std::move(was)});
+        } else if (!changes.all) {
+            changes.all = collected(pages);
         }
     };
     while (stream.nextPage()) {
@@ -132,7 +134,7 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
     pages_ = std::move(pages);
     auto collection = changes.all ? changes.all : changed(changes, before);
     if (!collection) {
-        collection = collected();
+        collection = collected(pages_);
     }
     stamp_ = collection->Stamp();
     count_ = 0;

@@ -102,7 +102,7 @@ private:
     struct Changes {
         bool noted = false;  // false: too many, or nothing to compare with
         std::vector<ChangedPage> pages;
-        std::shared_ptr<GenCollection> all;  // where there was nothing to compare with
+        std::shared_ptr<GenCollection> all;  // in that case, or when it comes to it
     };
 
     class PageReader;
@@ -118,7 +118,7 @@ private:
     std::shared_ptr<GenCollection> changed(const Changes& changes,
                                            const GenCollection& before) const;
     static void addTo(GenCollection& collection, const PageRows& page);
-    std::shared_ptr<GenCollection> collected() const;
+    static std::shared_ptr<GenCollection> collected(const Pages& pages);
 
     TextPool pool_;
     std::string statement_;

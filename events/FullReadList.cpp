@@ -91,9 +91,9 @@ void FullRead::addTo(GenCollection& collection, const PageRows& page) {
     collection.AddLatest(values);
 }
 
-std::shared_ptr<GenCollection> FullRead::collected() const {
+std::shared_ptr<GenCollection> FullRead::collected(const Pages& pages) {
     auto collection = std::make_shared<GenCollection>();
-    for (const auto& page : pages_) {
+    for (const auto& page : pages) {
         addTo(*collection, *page);
     }
     return collection;
