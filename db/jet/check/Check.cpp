@@ -6,7 +6,10 @@
 #include "SystemPages.h"
 #include "TableCheck.h"
 #include "UsageMap.h"
+#include "copy/TablePlan.h"
 #include "db/jet/ReadGuard.h"
+#include "db/jet/define/TableRules.h"
+#include "define/CatalogWriter.h"
 
 namespace vl::jet {
 
@@ -37,6 +40,20 @@ void claimFixedPages(PageFile& file, Claims& claims, Findings& findings) {
     });
 }
 
+// What reads well may still be what no table can have: a name that is none, a column beyond all
+// sizes. Types that are only read here are no fault of the file.
+void checkRules(PageFile& file, const TableDefinition& table, Findings& findings) {
+    const TablePlan plan = planOf(table, CatalogWriter(file).properties(table.page));
+    try {
+        checkNewTable(table.name, plan.columns, plan.indexes);
+    } catch (const Error& e) {
+        if (e.number() != ErrNo::Unsupported) {
+            findings.add(table.page,
+                         "table \"" + table.name + "\" cannot be as it is: " + e.what());
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<Finding> checkDatabase(PageFile& file) {
@@ -49,6 +66,9 @@ std::vector<Finding> checkDatabase(PageFile& file) {
         findings.attempt(info.definitionPage, [&] {
             const TableDefinition table = readTableDefinition(file, info.definitionPage, info.name);
             TableCheck(file, table, claims, findings).run(!info.system);
+            if (!info.system) {
+                checkRules(file, table, findings);
+            }
         });
     }
     checkFreePages(file, claims, findings);

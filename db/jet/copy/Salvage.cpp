@@ -1,10 +1,12 @@
 #include <algorithm>
 
 #include "Header.h"
+#include "MendDefinition.h"
 #include "RowBatch.h"
 #include "SalvageReader.h"
 #include "TablePlan.h"
 #include "base/ErrorState.h"
+#include "base/Text.h"
 #include "db/jet/ReadGuard.h"
 #include "db/jet/copy/Copy.h"
 #include "define/CatalogWriter.h"
@@ -83,12 +85,21 @@ void makeIndex(Database& target, const TableDefinition& table, NewIndex index, F
     }
 }
 
+bool hasTable(const Database& db, std::string_view name) {
+    const std::vector<TableInfo> tables = db.tables();
+    return std::any_of(tables.begin(), tables.end(), [name](const TableInfo& info) {
+        return text::equalsNoCase(info.name, name);
+    });
+}
+
 CopyReport salvageTables(PageFile& file, Database& target, PageFile& targetFile,
                          Findings& findings) {
     lookAtHeader(file.file(), file.name(), findings);
     SalvageReader reader(file, findings);
     CopyReport report;
-    for (const TableDefinition& table : reader.tables()) {
+    for (TableDefinition& table : reader.tables()) {
+        mendDefinition(
+            table, [&](std::string_view name) { return hasTable(target, name); }, findings);
         const TablePlan plan = planOf(table, propertiesOf(file, table.page, findings));
         try {
             target.createTable(table.name, plan.columns);

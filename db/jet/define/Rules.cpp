@@ -14,8 +14,7 @@ constexpr std::size_t kLongestName = 64;
 constexpr std::size_t kMostColumns = 255;
 constexpr std::size_t kMostIndexes = 32;
 constexpr std::size_t kMostKeyColumns = 10;
-constexpr std::uint16_t kLongestField = 255;
-constexpr unsigned kMostDigits = 28;
+constexpr std::uint8_t kUsualDigits = 18;
 // The longest row that every writer of these files keeps to.
 constexpr std::size_t kLongestRow = 4060;
 
@@ -48,8 +47,7 @@ void checkKind(const NewColumn& column) {
         column.length > kLongestField) {
         refuse(ErrNo::Overflow, name + ": is longer than 255");
     }
-    const unsigned digits = column.precision == 0 ? 18U : column.precision;
-    if (column.type == ColumnType::Numeric && (digits > kMostDigits || column.scale > digits)) {
+    if (column.type == ColumnType::Numeric && !isNumeric(column.precision, column.scale)) {
         refuse(ErrNo::Overflow, name +
                                     ": has more than 28 digits, or more behind the point than "
                                     "in all");
@@ -122,6 +120,11 @@ void checkKeyColumns(const NewIndex& index, const Columns& columns) {
 }
 
 }  // namespace
+
+bool isNumeric(std::uint8_t precision, std::uint8_t scale) noexcept {
+    const std::uint8_t digits = precision == 0 ? kUsualDigits : precision;
+    return digits <= kMostDigits && scale <= digits;
+}
 
 void checkName(std::string_view what, std::string_view name) {
     const auto allowed = [](unsigned char c) {

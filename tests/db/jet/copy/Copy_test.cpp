@@ -350,6 +350,86 @@ TEST(JetCopy, AValueThatNoColumnHoldsIsLostAloneWhereRowsAreSaved) {
     }
 }
 
+// As definitions keep names.
+std::string named(const std::string& name) {
+    std::string bytes = bytesOf(static_cast<std::uint16_t>(2 * name.size()));
+    for (const char c : name) {
+        bytes += {c, '\0'};
+    }
+    return bytes;
+}
+
+// Rows do not depend on it.
+TEST(JetCopy, WhatNoTableCanHaveIsMendedWhereRowsAreSaved) {
+    using jet::ColumnType;
+    const std::vector<jet::NewColumn> columns = {
+        {.name = "Key", .type = ColumnType::Long},
+        {.name = "Omega", .type = ColumnType::Long, .autoNumber = true},
+        {.name = "Alpha", .type = ColumnType::Text, .length = 77}};
+    const std::vector<jet::NewIndex> indexes = {{.name = "I", .columns = {{"Alpha"}, {"Key"}}}};
+    const std::vector<test::Row> rows = {{7, 1, "x"}, {8, 2, std::string(77, 'y')}};
+    const std::string alpha = named("Omega") + named("Alpha");
+    const auto alphaAs = [](const std::string& name) { return named("Omega") + named(name); };
+    struct Case {
+        const char* what;
+        std::pair<std::string, std::string> patch;
+        std::vector<std::string> columns;
+        std::string table;
+        std::string said;
+    };
+    const std::vector<std::string> third = {"Key", "Omega", "Column2"};
+    const Case cases[] = {
+        {"a bracket", {alpha, alphaAs("Al[ha")}, third, "Things", "is named \"Column2\""},
+        {"no character",
+         {alpha, alphaAs(std::string("Al\0ha", 5))},
+         third,
+         "Things",
+         "is named \"Column2\""},
+        {"a blank before it", {alpha, alphaAs(" lpha")}, third, "Things", "is named \"Column2\""},
+        {"a name that is taken",
+         {alpha, alphaAs("oMEGA")},
+         third,
+         "Things",
+         "is named \"Column2\""},
+        {"a text of 32767 characters",
+         {lengthOf(154), lengthOf(0xFFFE)},
+         {"Key", "Omega", "Alpha"},
+         "Things",
+         "column \"Alpha\" of table \"Things\" is made"},
+        {"a table's name",
+         {named("Things").substr(2), named("Thi[gs").substr(2)},
+         {"Key", "Omega", "Alpha"},
+         "Table",
+         "table \"Thi[gs\" is named \"Table"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Disk disk(patchedFile(columns, indexes, rows, {c.patch}));
+        auto source = test::openMemory(disk);
+        EXPECT_NE(whatIsWrong(source), "");
+        const test::TempFolder folder;
+        auto saved = Database::create((folder / "saved.mdb").string());
+        const jet::CopyReport report =
+            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
+        EXPECT_EQ(whatIsWrong(saved), "");
+        ASSERT_EQ(report.lost.size(), 1U);
+        EXPECT_THAT(report.lost[0].what, testing::HasSubstr(c.said));
+        const std::string name = saved.tables().back().name;
+        EXPECT_THAT(name, testing::StartsWith(c.table));
+        const Table table = saved.table(name);
+        std::vector<std::string> names;
+        for (const jet::Column& column : table.columns()) {
+            names.push_back(column.name);
+        }
+        EXPECT_EQ(names, c.columns);
+        EXPECT_TRUE(table.columns()[1].autoNumber);
+        EXPECT_EQ(test::rowsOf(table).values, rows);
+        ASSERT_EQ(table.indexes().size(), 1U);
+        EXPECT_EQ(table.indexes()[0].columns.at(0).name, c.columns[2]);
+        EXPECT_EQ(table.indexRows(0).size(), 2U);
+    }
+}
+
 // What the rows are against.
 TEST(JetCopy, AnIndexGoesBeforeARowDoesWhereRowsAreSaved) {
     const std::vector<jet::NewColumn> columns = {{.name = "Key", .type = jet::ColumnType::Long},
