@@ -33,10 +33,11 @@ std::size_t position(const Table& table, std::string_view name) {
     return static_cast<std::size_t>(column - columns.begin());
 }
 
-std::size_t index(const Table& table, std::string_view name) {
+/// The index of that name, on so many columns or more.
+std::size_t index(const Table& table, std::string_view name, std::size_t columns) {
     const auto& indexes = table.indexes();
     const auto found = std::find_if(indexes.begin(), indexes.end(), [&](const Index& i) {
-        return text::equalsNoCase(i.name, name);
+        return text::equalsNoCase(i.name, name) && i.columns.size() >= columns;
     });
     if (found == indexes.end()) {
         throw Error(ErrNo::Corrupt,
@@ -47,7 +48,7 @@ std::size_t index(const Table& table, std::string_view name) {
 
 /// Rows whose key in that index is made of these values.
 RowCursor rowsWith(const Table& table, std::string_view name, std::span<const Variant> values) {
-    const std::size_t i = index(table, name);
+    const std::size_t i = index(table, name, values.size());
     const KeyBytes key = table.indexKey(i, values);
     return table.indexScan(i, {key, key});
 }
