@@ -85,7 +85,7 @@ private:
     void restore(const Place& place);
 
     GridList& list_;
-    HeldKey held_{*this};
+    HeldKey held_;
     QString emptyText_;
     std::vector<int> widths_;  // by column, also of the hidden ones
     std::vector<int> needs_;   // for what the columns say, see `fitColumns`

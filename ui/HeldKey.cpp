@@ -1,25 +1,41 @@
 #include "ui/HeldKey.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QWindow>
 
 namespace vl {
 
-HeldKey::HeldKey(QObject& watched) { watched.installEventFilter(this); }
+HeldKey::HeldKey() {
+    goFirst();
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &HeldKey::goFirst);
+}
+
+// What serves screen readers takes keys away and sends them again, and may have come later.
+void HeldKey::goFirst() {
+    qGuiApp->removeEventFilter(this);
+    qGuiApp->installEventFilter(this);
+}
 
 bool HeldKey::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::KeyRelease: {
             const auto& key = static_cast<const QKeyEvent&>(*event);
-            key_ = key.key();
-            released_ = key.timestamp();
+            if (key.timestamp() != 0) {
+                key_ = key.key();
+                released_ = key.timestamp();
+            }
             break;
         }
         // Before a shortcut there is no press, only the question whether somebody wants the key.
         case QEvent::ShortcutOverride:
         case QEvent::KeyPress: {
             const auto& key = static_cast<const QKeyEvent&>(*event);
-            repeat_ = key.isAutoRepeat() ||
-                      (released_ != 0 && key.key() == key_ && key.timestamp() == released_);
+            const bool sameKey = key.key() == key_;
+            if (key.timestamp() != 0) {
+                timedRepeat_ = sameKey && key.timestamp() == released_;
+            }
+            repeat_ = key.isAutoRepeat() || (sameKey && timedRepeat_);
             break;
         }
         default:

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include <QAbstractButton>
-#include <QCoreApplication>
 #include <QShortcutEvent>
 #include <QWheelEvent>
 #include <QWidget>
@@ -82,7 +81,7 @@ protected:
 
 private:
     QAbstractButton& button_;
-    HeldKey held_{*QCoreApplication::instance()};
+    HeldKey held_;
 };
 
 }  // namespace

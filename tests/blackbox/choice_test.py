@@ -1,7 +1,9 @@
 #!/usr/bin/python3
-"""A command is about what its user saw when he gave it: a menu that was open when a reminder came, or
-a dialog. With the notification that brings the window."""
-from stage import EARLIER, LATER, OneDay, check, dialog, wait_left
+"""A command is about what its user saw when he gave it: a menu that was open when a reminder came,
+a key held down, a dialog that was open. With the notification that brings the window."""
+import time
+
+from stage import EARLIER, LATER, Elsewhere, OneDay, check, dialog, wait_left
 from uidrive import act, desktop, reminders, tree
 from uidrive.reminders import ALL, NEW
 from uidrive.waiting import run, wait_for
@@ -9,6 +11,16 @@ from uidrive.waiting import run, wait_for
 SNOOZE = "Snooze reminder for"
 MINUTE, HOUR = 60, 3600
 CHECK = 40  # seconds in which a check is surely made
+HELD = 1.5  # seconds; a key repeats itself after a good half of one
+
+
+def holding(key, seconds, until=lambda: None):
+    run("xdotool", "keydown", key)
+    try:
+        until()
+        time.sleep(seconds)
+    finally:
+        run("xdotool", "keyup", key)
 
 
 def dismissed(program):
@@ -61,6 +73,24 @@ with OneDay("NotifType=D", timers_too=True) as program:
     snooze_current("2h")
     wait_for(lambda: reminders.subjects(NEW) == [due], 10, "the row that the dialog was about gone")
     check(True, "and what is typed then is its answer")
+
+    act.key("alt+c")
+    reminders.wait_hidden()
+    with Elsewhere():
+        def until_it_has_come():
+            program.clock.put_forward(4 * HOUR)
+            desktop.wait_active(reminders.TITLE, CHECK)
+        holding("Delete", HELD, until_it_has_come)
+        wait_for(lambda: set(reminders.subjects(NEW)) == {due, EARLIER, LATER}, 10, "all rows")
+        check(reminders.showing(), "a key held in another program dismisses nothing that comes")
+
+    desktop.activate(reminders.TITLE)
+    act.select_row(EARLIER, NEW, reminders.TITLE)
+    holding("Delete", HELD)
+    check(set(reminders.subjects(NEW)) == {due, LATER}, "and one held in the list acts once")
+    act.select_row(LATER, NEW, reminders.TITLE)
+    holding("alt+d", HELD)
+    check(reminders.subjects(NEW) == [due], "so does the letter of a button")
 
     reminders.exit_by_tray()
     check(program.wait_end() == 0, "ended")

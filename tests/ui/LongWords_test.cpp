@@ -29,7 +29,7 @@ TEST(LongWords, EachPartFitsTheLineAndNothingIsLost) {
         SCOPED_TRACE(width);
         const QString parted = withLongWordsParted(mixed, metrics, width);
         EXPECT_EQ(partsJoined(parted), mixed);
-        for (QString word : parted.split(QRegularExpression("\\s"))) {
+        for (const QString& word : parted.split(QRegularExpression("\\s"))) {
             const QStringList parts = word.split(kMayBreak);
             for (const QString& part : parts) {
                 EXPECT_LE(metrics.horizontalAdvance(part), width) << part.toStdString();
