@@ -119,6 +119,18 @@ TEST_F(ReadTogether, WithoutAnyRowModifiedSinceItGivesNone) {
     EXPECT_TRUE(reminders.IsRead());
 }
 
+TEST_F(ReadTogether, ARowThatIsAheadOfTheClockNoMoreIsForgotten) {
+    change(0, "ahead", kNow.addDays(1));
+    CalEvents all(db, clock);
+    all.ReadDB(true, false);
+    CalEvents since(db, clock);
+    since.Adopt(all);
+    since.ReadWith(all);
+    EXPECT_EQ(since.ReadDB(false, false), 1) << "as long as it is";
+    change(0, "no more", kNow.addDays(-1));
+    EXPECT_EQ(since.ReadDB(false, false), 0);
+}
+
 TEST_F(ReadTogether, WhatIsWrittenMeanwhileTheReloadReads) {
     change(7, "second", kNow.addSeconds(15));
     reminders.ReadDB(false, false);
