@@ -53,11 +53,26 @@ void takeOverRow(EventState& state, const ActOn& act) {
     state.word = word;
 }
 
+// The row of a series that the host has moved since was listed for what it is now, too; but where
+// the host has taken that reminder away meanwhile, nobody wants to see it.
+void endOldListing(EventState& state, const ActOn& act) {
+    if (!act.event.ICalRecEvents(act.start, act.start, 1).empty()) {
+        return;
+    }
+    for (OccurrenceState& one : state.occurrences) {
+        const DateTime time = act.event.FromMoment(one.listed);
+        if (!one.listed.isZero() && !isScheduled(act.event, act.event.FromWall(one.start), time)) {
+            one.listed = DateTime();
+        }
+    }
+}
+
 // A single event's occurrence is one, also under a start that it had before the host moved it. Who
 // acts on a row from before a move has not seen what is scheduled since; a snooze was the row's
 // own. What is yet to come, after a journey west, comes at its time.
 void endOldEntries(EventState& state, const ActOn& act) {
     if (act.event.IsRepeating()) {
+        endOldListing(state, act);
         return;
     }
     const bool isOldRow = act.start != act.event.StartDateTime;
@@ -153,7 +168,7 @@ bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
     return false;
 }
 
-bool isDoneByUser(const calEvent& event, const EventState* state) {
+bool isLastMuted(const calEvent& event, const EventState& state) {
     const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
     const DateTime wall = event.ToWall(last);
     // Where its row says what it said, nobody has moved it, whatever that means after a journey.
@@ -161,8 +176,11 @@ bool isDoneByUser(const calEvent& event, const EventState* state) {
         const bool isSameRow = !event.IsRepeating() && one.local == event.StartDateTime;
         return one.muted == Muted::ForEver && (one.start == wall || isSameRow);
     };
-    if (state != nullptr &&
-        std::any_of(state->occurrences.begin(), state->occurrences.end(), isMarked)) {
+    return std::any_of(state.occurrences.begin(), state.occurrences.end(), isMarked);
+}
+
+bool isDoneByUser(const calEvent& event, const EventState* state) {
+    if (state != nullptr && isLastMuted(event, *state)) {
         return true;
     }
     return rowSpeaks(event, state) && !event.Dismissed.isZero() &&

@@ -44,6 +44,10 @@ bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, Date
 /// schedule. Local times.
 bool isScheduled(const calEvent& event, DateTime start, DateTime time);
 
+/// Whether its last occurrence is muted for ever: marked as done, unless the host has moved it
+/// since, or has added others.
+bool isLastMuted(const calEvent& event, const EventState& state);
+
 /// Whether the event's user has marked it as done, as far as it is still as it was then: here, or
 /// in another program, whose dismissal is not older than what the host has written.
 bool isDoneByUser(const calEvent& event, const EventState* state);

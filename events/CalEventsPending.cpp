@@ -62,16 +62,18 @@ const DueBook::Found* seriesOf(const calEvent& exception, const std::vector<DueB
     return other;
 }
 
-// It stands in the list with the reminder of that time; what fell due from `since` on, a moment,
-// may not have been shown.
-void recordListed(EventState& state, const calEvent& event, DateTime start, DateTime time,
-                  DateTime since) {
+// It stands in the list with the reminder of that time.
+void recordListed(EventState& state, const calEvent& event, DateTime start, DateTime time) {
     OccurrenceState& entry = state.at(event.ToWall(start));
     entry.end = event.ToWall(event.EndOf(start));
     entry.listed = event.ToMoment(time);
+    state.newlyMet = false;
+}
+
+// What fell due from `since` on, a moment, may not have been shown.
+void recordOpen(EventState& state, const calEvent& event, DateTime since) {
     state.openSince = since;
     state.openOf = event.IsRepeating() ? event.ToWall(event.StartDateTime) : DateTime();
-    state.newlyMet = false;
 }
 
 }  // namespace
@@ -129,13 +131,16 @@ void CalEvents::keepLeft() {
 // What is shown after a restart is the event as it is now.
 void CalEvents::noteMoved() {
     std::vector<Ledger::Change> changes;
-    for (const auto& [event, due] : book_->moved()) {
-        const DateTime since = book_->openSince(*event);
-        changes.push_back({event->GUID, [event = event, due = due, since](EventState& state) {
-                               for (OccurrenceState& one : state.occurrences) {
-                                   one.listed = DateTime();
+    for (const DueBook::Moved& one : book_->moved()) {
+        const DateTime since = book_->openSince(*one.event);
+        changes.push_back({one.event->GUID, [one, since](EventState& state) {
+                               recordOpen(state, *one.event, since);
+                               if (one.isElsewhere) {
+                                   for (OccurrenceState& entry : state.occurrences) {
+                                       entry.listed = DateTime();
+                                   }
+                                   recordListed(state, *one.event, one.due.instance, one.due.time);
                                }
-                               recordListed(state, *event, due.instance, due.time, since);
                            }});
     }
     if (!changes.empty()) {
@@ -160,7 +165,8 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
         const DateTime start = event->InstanceStart;
         const DateTime since = book_->openSince(*event);
         changes.push_back({event->GUID, [event, time, start, since](EventState& state) {
-                               recordListed(state, *event, start, time, since);
+                               recordListed(state, *event, start, time);
+                               recordOpen(state, *event, since);
                            }});
         if (const auto own = mCol ? objectAt<calEvent>(*mCol, event->GUID) : nullptr) {
             own->dLastReminder = time;

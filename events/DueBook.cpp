@@ -33,6 +33,11 @@ bool isListedElsewhere(const calEvent& event, const EventState* state) {
     return isListed;
 }
 
+// The next run would not know since when reminders of the series, as it is now, may be left.
+bool isNotedOtherwise(const EventState* state, DateTime start) {
+    return state != nullptr && !state->openOf.isZero() && state->openOf != start;
+}
+
 // Its user wants it to count as newly met, and it has not been listed since.
 bool isReactivated(const EventState* state) { return state != nullptr && state->newlyMet; }
 
@@ -99,8 +104,9 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     slot.firstMet = false;
     slot.asked = true;
     const bool listed = pending && asked.isListed && asked.isListed(event.GUID);
-    if (listed && isListedElsewhere(event, state)) {
-        moved_.push_back({slot.event, *answer.taken});
+    const bool isElsewhere = listed && isListedElsewhere(event, state);
+    if (isElsewhere || (listed && isNotedOtherwise(state, startOf(event)))) {
+        moved_.push_back({slot.event, *answer.taken, isElsewhere});
     }
     const auto& due = listed ? answer.again : answer.taken;
     slot.pending = pending;
@@ -158,6 +164,9 @@ std::vector<GenCollection::Place> DueBook::toBeAsked(const Asked& asked, bool we
 }
 
 std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Asked& asked) {
+    // Who is reactivated has missed nothing; but what this question is the first to see has.
+    markChanged(asked);
+    ledgerVersion_ = asked.ledger.version();
     if (events.Stamp() != events_.Stamp()) {
         bring(events, asked);
     }
@@ -167,11 +176,10 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
         findReplaced(asked.ledger, asked.database);
         exceptionsChanged_ = false;
     }
-    markChanged(asked);
-    ledgerVersion_ = asked.ledger.version();
     lastNow_ = asked.now;
     const bool wentBack = asked.from < lastFrom_;
     lastFrom_ = asked.from;
+    lastSince_ = std::min(asked.since, asked.from);
     std::vector<Found> found;
     found_.clear();
     moved_.clear();

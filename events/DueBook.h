@@ -45,9 +45,14 @@ public:
     /// What is to be taken, and of the listed events what is due again, in the order of time.
     std::vector<Found> ask(const GenCollection& events, const Asked& asked);
 
-    /// Of the last `ask`: events that stand in the list as they were before the host moved them,
-    /// with what is pending of them now. What is listed is this from now on.
-    const std::vector<Found>& moved() const { return moved_; }
+    /// Of the last `ask`: events that stand in the list and were moved by the host since, with what
+    /// is pending of them now.
+    struct Moved {
+        std::shared_ptr<calEvent> event;
+        Due due;
+        bool isElsewhere;  ///< what is listed is none of it any more: it is `due` from now on
+    };
+    const std::vector<Moved>& moved() const { return moved_; }
 
     /// The event is looked at in the next check.
     void look(std::string_view GUID);
@@ -87,7 +92,7 @@ private:
 
     void bring(const GenCollection& events, const Asked& asked);
     Slot slotFor(std::shared_ptr<calEvent> event, std::unordered_map<std::uint64_t, Slot>& before,
-                 DateTime checked);
+                 DateTime checked, DateTime now);
     void takeOver(Slot& slot, std::shared_ptr<calEvent> event);
     std::vector<GenCollection::Place> toBeAsked(const Asked& asked, bool wentBack);
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
@@ -103,11 +108,12 @@ private:
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
     ReplacedStarts replaced_;
     std::vector<Left> left_;
-    std::vector<Found> moved_;
+    std::vector<Moved> moved_;
     std::uint64_t ledgerVersion_ = 0;
     std::uint64_t replacedVersion_ = 0;  // of the ledger
     DateTime lastNow_;                   // 0 before the first question
     DateTime lastFrom_;
+    DateTime lastSince_;
     std::optional<TimeZone> zone_;  // the computer's, at the last question
     bool exceptionsChanged_ = true;
 };

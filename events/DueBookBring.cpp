@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DueBook.h"
+#include "events/LedgerHistory.h"
 
 namespace vl {
 
@@ -52,7 +53,8 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
     }
     slots_.resize(events.PlaceCount());
     for (const auto place : strangers) {
-        slots_[place] = slotFor(objectIn<calEvent>(events.AtPlace(place)), before, checked);
+        slots_[place] =
+            slotFor(objectIn<calEvent>(events.AtPlace(place)), before, checked, asked.now);
     }
     for (auto& [hash, slot] : before) {
         if (replacesOne(*slot.event)) {
@@ -72,15 +74,17 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
 
 // The slot of an event that stands in a place where it did not stand.
 DueBook::Slot DueBook::slotFor(std::shared_ptr<calEvent> event,
-                               std::unordered_map<std::uint64_t, Slot>& before, DateTime checked) {
+                               std::unordered_map<std::uint64_t, Slot>& before, DateTime checked,
+                               DateTime now) {
     Slot slot;
     slot.hash = guidHash(event->GUID);
     if (const auto known = before.find(slot.hash); known != before.end()) {
         slot = std::move(known->second);
         before.erase(known);
+        slot.look = true;
     } else {
         const bool starting = lastNow_.isZero();
-        slot.firstMet = !starting || (!checked.isZero() && event->Modified >= checked);
+        slot.firstMet = !starting || !isMetBefore(*event, checked, now);
     }
     takeOver(slot, std::move(event));
     return slot;
@@ -90,9 +94,10 @@ DueBook::Slot DueBook::slotFor(std::shared_ptr<calEvent> event,
 void DueBook::takeOver(Slot& slot, std::shared_ptr<calEvent> event) {
     const auto was = std::exchange(slot.event, std::move(event));
     const calEvent& now = *slot.event;
+    const bool isNew = !was || (was != slot.event && reTimed(*was, now));
     if (was && was != slot.event) {
         slot.look = true;
-        slot.firstMet = slot.firstMet || reTimed(*was, now);
+        slot.firstMet = slot.firstMet || isNew;
         if (!now.IsRepeating() && was->StartDateTime != now.StartDateTime) {
             slot.since = DateTime();  // that was of the times it had
         }
@@ -103,10 +108,10 @@ void DueBook::takeOver(Slot& slot, std::shared_ptr<calEvent> event) {
         exceptionsChanged_ = exceptionsChanged_ || replacesOne(now) || now.IsRepeating();
     }
     const bool starting = lastNow_.isZero();
-    if (!starting && slot.firstMet && !now.Modified.isZero() && now.Modified <= lastFrom_) {
+    if (!starting && isNew && !now.Modified.isZero() && now.Modified <= lastFrom_) {
         // It was there before the last question, which its read has missed: to the second.
         const bool isMoved = slot.sinceOf != startOf(now);
-        slot.since = isMoved || slot.since.isZero() ? lastFrom_ : std::min(slot.since, lastFrom_);
+        slot.since = isMoved || slot.since.isZero() ? lastSince_ : std::min(slot.since, lastSince_);
         slot.sinceOf = startOf(now);
     }
 }

@@ -8,6 +8,12 @@
 
 namespace vl {
 
+bool isMetBefore(const calEvent& event, DateTime checked, DateTime now) {
+    constexpr int kHostBehind = 10;
+    return checked.isZero() ||
+           (checked <= now && event.Modified < checked.addMinutes(-kHostBehind));
+}
+
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const {
     if ((!uncheckedSince.isZero() && lastReminder >= uncheckedSince) || isListed_(event.GUID) ||
         (isMet && !isMet(event))) {

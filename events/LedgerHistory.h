@@ -11,6 +11,11 @@
 
 namespace vl {
 
+/// Whether the run that has checked last has asked for the event as it is now, as far as its stamp
+/// tells: some minutes are left to a host whose clock is behind, and where that check lies ahead,
+/// clocks were turned back and stamps tell nothing. 0: there was none, nothing is new.
+bool isMetBefore(const calEvent& event, DateTime checked, DateTime now);
+
 /// Both that it is made of must outlive it.
 class LedgerHistory final : public EventHistory {
 public:

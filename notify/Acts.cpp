@@ -45,6 +45,19 @@ bool anyLeft(const EventState* state, DateTime wallStart) {
 
 }  // namespace
 
+// Nothing of the event is to come after the occurrence. A row may still show it as it was before
+// the host moved it, and the host may have moved it in this moment.
+bool Acts::isLast(const calEvent& event, DateTime start) const {
+    const auto now = period_.EventByGUID(event.GUID);
+    const bool isThere = now && !now->StartDateTime.isZero();
+    if (isThere && now->StartDateTime != event.StartDateTime) {
+        return false;
+    }
+    const calEvent& current = isThere ? *now : event;
+    return current.IsRepeating() ? current.NextInstance(start).isZero()
+                                 : start == current.StartDateTime;
+}
+
 Acts::Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clock& clock,
            Ledger& ledger, ReminderState& state)
     : reminders_(reminders),
@@ -163,10 +176,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
             }
         }
         const ActOn act = actOn(*event, row);
-        // A row may still show a single event as it was before the host moved it.
-        const bool isLast = event->IsRepeating() ? event->NextInstance(act.start).isZero()
-                                                 : act.start == event->StartDateTime;
-        if (markDone && isLast && !period_.IsReadInPart(event->GUID) &&
+        if (markDone && isLast(*event, act.start) && !period_.IsReadInPart(event->GUID) &&
             !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);

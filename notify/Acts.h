@@ -89,8 +89,9 @@ public:
     void LeaveNewList(std::string_view GUID);
 
     /// Writes what waits, in the order of the acts, up to the first write that has to wait on.
-    /// Deletions wait for their host's file and hold up nothing else. Checks call it; costs nothing
-    /// when nothing waits.
+    /// What has waited before is held against the rows as they are now: both sets are brought up
+    /// to date. Deletions wait for their host's file and hold up nothing else. Checks call it;
+    /// costs nothing when nothing waits.
     void WriteWaiting();
 
     /// Puts what waits into the events of both sets again, after these were read: their rows do
@@ -125,6 +126,7 @@ private:
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
+    bool isLast(const calEvent& event, DateTime start) const;
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,
                const std::function<void(EventState&)>& edit, bool forget = false);
@@ -133,6 +135,7 @@ private:
                  const std::vector<std::string>& columns) const;
     void enqueue(const std::string& GUID, std::string_view column, const std::string& text);
     const std::string& wantedText(const Write& write) const;
+    bool lookAgain();
     bool writeNext();
     bool write(const Write& first, std::span<const std::string> alike);
     calEvent::Deletion deleteNow(const calEvent& event);
@@ -150,7 +153,8 @@ private:
     ReminderState& state_;
     std::deque<Write> waiting_;
     std::deque<Deletion> deletions_;
-    int together_ = 0;  // scopes of `Together`
+    int together_ = 0;        // scopes of `Together`
+    bool hadToWait_ = false;  // something of what waits, since an earlier try
     std::string trouble_;
     std::optional<std::uint64_t>
         lookedAt_;  // the ledger's version, when left-overs were looked for

@@ -6,6 +6,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "notify/Acts.h"
+#include "notify/ReadAgain.h"
 
 namespace vl {
 
@@ -28,14 +29,6 @@ bool lacksColumn(const DBRemindUtils& db) {
     return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
 }
 
-// What was marked as done is the event's last occurrence; the host may have moved it since, or
-// added others.
-bool isStillDone(const calEvent& event, const EventState& state) {
-    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
-    const OccurrenceState* one = state.find(event.ToWall(last));
-    return one != nullptr && one->muted == Muted::ForEver;
-}
-
 // The last act was to have a finished event shown again: there are few of these.
 bool isToComeBack(const EventState& state) {
     const ColumnNote* status = state.note(kStatus);
@@ -51,7 +44,7 @@ bool isWanted(const calEvent& event, const EventState& state, std::string_view c
     const bool isWord = column == kNextReminder || column == kDismissed;
     return note != nullptr && note->waits(columnText(event, column)) &&
            !(isWord && rowSpeaks(event, &state)) &&
-           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
+           (column != kStatus || note->after != kAllDone || isLastMuted(event, state));
 }
 
 }  // namespace
@@ -145,15 +138,31 @@ bool Acts::writeNext() {
     return true;
 }
 
+// Another program may have written a row meanwhile, which leaves its stamp as it is: the question
+// for what has changed would pass it over. False where nobody can read for now: nor can anybody
+// write then.
+bool Acts::lookAgain() {
+    if (readAgain(period_, true, false)) {
+        reminders_.Adopt(period_);
+        RestoreWaiting();
+        return true;
+    }
+    trouble_ = db_.LastErrorText();
+    return !passes(db_);
+}
+
 void Acts::WriteWaiting() {
     const ErrScope scope;
     if (together_ > 0) {
         return;
     }
-    attempt([&] {
-        while (!waiting_.empty() && writeNext()) {
-        }
-    });
+    if (!hadToWait_ || waiting_.empty() || lookAgain()) {
+        attempt([&] {
+            while (!waiting_.empty() && writeNext()) {
+            }
+        });
+    }
+    hadToWait_ = !waiting_.empty();
     attempt([&] { deleteWaiting(); });
     countWaiting();
 }

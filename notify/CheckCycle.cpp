@@ -52,8 +52,8 @@ void CheckCycle::ReadAtStart() {
     // is finished is read no more.
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
     history_.uncheckedSince = last.isZero() ? UncheckedSince() : std::min(UncheckedSince(), last);
-    history_.isMet = [last](const calEvent& event) {
-        return last.isZero() || event.Modified < last;
+    history_.isMet = [last, now = clock_.now()](const calEvent& event) {
+        return isMetBefore(event, last, now);
     };
     // What an earlier run could not write is found while its event is there: it may be finished.
     readAtStart(reminders_, period_, &history_, [this] { acts_.RestoreWaiting(); });

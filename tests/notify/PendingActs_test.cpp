@@ -349,5 +349,20 @@ TEST_F(PendingActs, EachActOnEachKindOfEvent) {
     }
 }
 
+// It was noted as what it is now; that reminder nobody wants any more.
+TEST_F(PendingActs, ARowFromBeforeAMoveLeavesNoReminderThatTheHostHasTakenAway) {
+    desk.put(series("A", at(11, 0), "FREQ=DAILY", {60, 10}));
+    EXPECT_EQ(desk.run(at(10, 0)), "A 20 11:00 (20 10:00)");
+    desk.change("A", [](calEvent& e) {
+        e.StartDateTime = at(10, 40);
+        e.EndDateTime = at(11, 10);
+    });
+    EXPECT_EQ(desk.run(at(10, 1)), "");
+    desk.change("A", [](calEvent& e) { e.reminders = single("", at(9, 0), {-20})->reminders; });
+    EXPECT_EQ(desk.run(at(10, 2)), "");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(11, 10)), "A 20 10:40 (20 11:00)");
+}
+
 }  // namespace
 }  // namespace vl

@@ -193,5 +193,20 @@ TEST_F(PendingRestart, ASeriesThatWasMovedWhileItWasListedIsListedAsWhatItIsNow)
     EXPECT_EQ(desk.check(at(9, 0, 0, 21)), "A 20 16:00 (20 15:45)") << "of the day of the move";
 }
 
+TEST_F(PendingRestart, WhatFellDueWhileAMovedSeriesWasListedComesAlsoByTheNextRun) {
+    desk.check(at(9, 0));
+    desk.put(series("A", at(10, 0, 0, 16), "FREQ=DAILY", {720}));
+    EXPECT_EQ(desk.run(at(9, 10)), "A 20 10:00 (19 22:00)");
+    desk.change("A", [](calEvent& e) {  // what is listed is still one of it
+        e.StartDateTime = at(10, 0, 0, 18);
+        e.EndDateTime = at(10, 30, 0, 18);
+    });
+    EXPECT_EQ(desk.check(at(9, 20)), "");
+    EXPECT_EQ(desk.check(at(9, 0, 0, 21)), "");
+    desk.dismiss("A", DismissMode::All);
+    desk.start();
+    EXPECT_EQ(desk.check(at(9, 1, 0, 21)), "A 21 10:00 (20 22:00)");
+}
+
 }  // namespace
 }  // namespace vl

@@ -65,6 +65,18 @@ TEST_F(WrongClock, WhatWasFinishedUnderAClockAheadComesAllTheSame) {
     EXPECT_EQ(desk.check(day(2026, 11, 23, 7, 45)), "S 07:45");
 }
 
+// What the host has written since then has stamps of before that check.
+TEST_F(WrongClock, AStartBeforeTheLastCheckMeetsEverythingAnew) {
+    desk.put(single("Dealt", at(9, 10), {15}));
+    EXPECT_EQ(desk.check(at(12, 0)), "Dealt 08:55");
+    desk.program->acts.Dismiss(desk.listed.at("Dealt"), DismissMode::This);
+    desk.clock.time = at(8, 59);
+    const auto fair = single("Fair", at(8, 0, 0, 19), {15});
+    fair->EndDateTime = at(18, 0, 0, 24);
+    desk.put(fair);
+    EXPECT_EQ(restart(at(9, 0)), "Fair 07:45");
+}
+
 // The events of months without the program go a start later, or the day after.
 TEST_F(WrongClock, AfterMonthsWithoutTheProgramWhatIsPastIsFinishedTheDayAfter) {
     desk.put(single("A", day(2026, 11, 21, 18), {15}));
