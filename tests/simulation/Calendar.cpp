@@ -54,10 +54,12 @@ bool Plan::sameTimes(const Plan& other) const {
 
 Plan Plan::asWrittenIn(Zone there, Zone here) const {
     Plan said = *this;
+    // What the clocks here skip is later by as much.
+    const auto meant = [&](Seconds key) { return toWall(*zone, toUtc(here, toLocal(key, there))); };
     if (zone) {
-        said.start = toOwn(toLocal(start, there), here);
+        said.start = meant(start);
         if (replaces) {
-            said.replaces = toOwn(toLocal(*replaces, there), here);
+            said.replaces = meant(*replaces);
         }
     }
     return said;

@@ -25,6 +25,8 @@ constexpr std::array<Kind, static_cast<std::size_t>(Do::kCount)> kKinds = {{
     {Do::AddSingle, "AddSingle", 18},
     {Do::AddSeries, "AddSeries", 10},
     {Do::Move, "Move", 8},
+    {Do::Retime, "Retime", 3},
+    {Do::Remind, "Remind", 3},
     {Do::Touch, "Touch", 4},
     {Do::Except, "Except", 6},
     {Do::Cancel, "Cancel", 2},
@@ -33,9 +35,12 @@ constexpr std::array<Kind, static_cast<std::size_t>(Do::kCount)> kKinds = {{
     {Do::During, "During", 5},
     {Do::HostClock, "HostClock", 3},
     {Do::TurnClock, "TurnClock", 2},
+    {Do::WrongClock, "WrongClock", 0},  // in written histories only
     {Do::Travel, "Travel", 1},
     {Do::Restart, "Restart", 6},
     {Do::Kill, "Kill", 2},
+    {Do::KillAct, "KillAct", 4},
+    {Do::KillCheck, "KillCheck", 2},
     {Do::HideFile, "HideFile", 1},
     {Do::ShowFile, "ShowFile", 4},
     {Do::Protect, "Protect", 1},
@@ -49,9 +54,8 @@ constexpr std::array<Kind, static_cast<std::size_t>(Do::kCount)> kKinds = {{
     {Do::Reactivate, "Reactivate", 2},
     {Do::HideEvent, "HideEvent", 1},
     {Do::DeleteItem, "DeleteItem", 1},
+    {Do::Foreign, "Foreign", 3},
 }};
-
-constexpr std::array kZones = {Zone::Berlin, Zone::NewYork, Zone::Kolkata};
 
 /// Near some of these clocks change, here or in New York.
 struct Day {
@@ -107,12 +111,14 @@ Step stepOf(Do what, Dice& dice) {
             step.a = dice.upTo(dice.one(3) ? 4320 : 240) - 60;
             break;
         case Do::Move:
+        case Do::Retime:
             step.b = dice.upTo(600) - 200;
             break;
         case Do::Except:
             step.c = dice.upTo(600) - 300;
             break;
         case Do::During:
+        case Do::KillCheck:
             step.a = dice.upTo(12);
             break;
         case Do::HostClock:
@@ -121,8 +127,12 @@ Step stepOf(Do what, Dice& dice) {
         case Do::TurnClock:
             step.a = dice.upTo(14400) - 7200;
             break;
+        case Do::WrongClock:
+            step.a = dice.one(2) ? 0 : dice.upTo(41) - 20;
+            break;
         case Do::Snooze:
         case Do::ViewSnooze:
+        case Do::Foreign:
             step.b = snoozeMinutes(dice);
             break;
         default:
@@ -132,7 +142,7 @@ Step stepOf(Do what, Dice& dice) {
 }
 
 Zone zoneNamed(const std::string& name) {
-    for (const Zone zone : kZones) {
+    for (const Zone zone : kAllZones) {
         if (name == nameOf(zone)) {
             return zone;
         }
@@ -152,6 +162,13 @@ Step stepIn(const std::string& line) {
     }
     step.what = kind->what;
     return step;
+}
+
+// The first thing that is wrong, without its times and numbers.
+std::string kindOf(const std::string& wrong) {
+    std::string kind = wrong.substr(0, wrong.find('\n'));
+    std::erase_if(kind, [](char c) { return (c >= '0' && c <= '9') || c == ' '; });
+    return kind;
 }
 
 }  // namespace
@@ -197,7 +214,7 @@ History randomHistory(std::uint64_t seed) {
     const Day day = kDays[static_cast<std::size_t>(dice.upTo(kDays.size()))];
     History history{day.year, day.month, day.day, dice.upTo(1440), Zone::Berlin, {}};
     if (dice.one(6)) {
-        history.zone = kZones[static_cast<std::size_t>(dice.upTo(kZones.size()))];
+        history.zone = kAllZones[static_cast<std::size_t>(dice.upTo(kAllZones.size()))];
     }
     const int steps = 10 + dice.upTo(110);
     for (int i = 0; i < steps; ++i) {
@@ -206,14 +223,15 @@ History randomHistory(std::uint64_t seed) {
     return history;
 }
 
-// Leaves out ever smaller pieces as long as it still goes wrong.
+// Leaves out ever smaller pieces as long as it still goes wrong in the same way.
 History shortened(History history) {
+    const std::string kind = kindOf(live(history).wrong);
     for (std::size_t piece = history.steps.size() / 2; piece > 0; piece /= 2) {
         for (std::size_t at = 0; at + piece <= history.steps.size();) {
             History shorter = history;
             const auto begin = shorter.steps.begin() + static_cast<std::ptrdiff_t>(at);
             shorter.steps.erase(begin, begin + static_cast<std::ptrdiff_t>(piece));
-            if (live(shorter).wrong.empty()) {
+            if (kindOf(live(shorter).wrong) != kind) {
                 at += piece;
             } else {
                 history = std::move(shorter);

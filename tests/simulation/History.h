@@ -17,6 +17,8 @@ enum class Do {
     AddSingle,  ///< a: minutes from now to the start, b: reminders, c: length in minutes, and more
     AddSeries,  ///< a: as above, b: reminders, c: every so many days, and more
     Move,       ///< a: which, b: minutes
+    Retime,     ///< a: which series, b: minutes, c: also another rule
+    Remind,     ///< a: which, b: other reminders
     Touch,      ///< a: which: written again, with the same times
     Except,     ///< a: which series, b: which occurrence from now on, c: minutes
     Cancel,     ///< a, b as above
@@ -26,11 +28,14 @@ enum class Do {
                 ///< clock
     HostClock,  ///< a: seconds that the host's clock is off
     TurnClock,  ///< a: seconds
-    Travel,     ///< a: to which zone; the host writes local times anew, or with some c leaves its
-                ///< rows as they are
-    Restart,    ///< the program ends and starts
-    Kill,       ///< a, b: an act as in `Dismiss` whose row is not written any more
-    HideFile,   ///< it is not there
+    WrongClock,  ///< a: days that it is off; 0: it is right again
+    Travel,      ///< a: to which zone; the host writes local times anew, or with some c leaves its
+                 ///< rows as they are
+    Restart,     ///< the program ends and starts
+    Kill,        ///< a, b: an act as in `Dismiss` whose row is not written any more
+    KillAct,     ///< a: which row or event, b: which act, c: how much of it still reaches the disk
+    KillCheck,   ///< a: nothing of the next check reaches the disk after so many looks at the clock
+    HideFile,    ///< it is not there
     ShowFile,
     Protect,  ///< it cannot be written by the program
     Release,
@@ -43,6 +48,7 @@ enum class Do {
     Reactivate,  ///< a: which event
     HideEvent,   ///< a: which event
     DeleteItem,  ///< a: which event
+    Foreign,     ///< a: which event, b: minutes, c: another program snoozes or dismisses it
     kCount
 };
 

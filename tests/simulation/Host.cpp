@@ -15,6 +15,15 @@ std::vector<int> remindersOf(int which) {
     return kReminders[static_cast<std::size_t>(which) % kReminders.size()];
 }
 
+// What a row cannot say: a time that clocks skip. What becomes of a series elsewhere, when it
+// begins in the hour that they skip, nothing says.
+void makeSayable(Plan& plan, Zone here) {
+    plan.start = plan.toOwn(plan.toLocal(plan.start, here), here);
+    if (!plan.zone && !plan.allDay && plan.start % kDay / kHour == 2) {
+        plan.start += kHour;
+    }
+}
+
 }  // namespace
 
 Host::Kept* Host::chosen(int which, bool series) {
@@ -37,6 +46,12 @@ void Host::writeAnew(Seconds now, Zone here) {
     for (Kept& kept : kept_) {
         if (!kept.gone && kept.plan.zone) {
             write(kept, kept.plan, {now, here});
+        }
+        // Rows that are marked as deleted say of which time they were, as long as they are there.
+        if (kept.gone && kept.plan.replaces) {
+            file_.change(kept.GUID,
+                         {{"RExceptionStartTimeOrig",
+                           Variant(dateTime(kept.plan.toLocal(*kept.plan.replaces, here)))}});
         }
     }
 }
@@ -76,12 +91,7 @@ Plan Host::seriesOf(const Step& step, const At& at) {
     plan.count = step.c / 12 % 3 == 0 ? 1 + step.c / 36 % 10 : 0;
     const Seconds first = at.now + step.a * kMinute - (step.c / 100) * plan.everyDays * kDay;
     plan.start = plan.toOwn(first, at.here);
-    // A row cannot say a time that clocks skip.
-    plan.start = plan.toOwn(plan.toLocal(plan.start, at.here), at.here);
-    // What becomes of it elsewhere, when it begins in the hour that clocks skip, nothing says.
-    if (!plan.zone && plan.start % kDay / kHour == 2) {
-        plan.start += kHour;
-    }
+    makeSayable(plan, at.here);
     // Some last longer than it is from one to the next.
     plan.length = step.b % 11 == 3 ? 30 * kHour : (step.b % 90) * kMinute;
     plan.reminders = remindersOf(step.b);
@@ -131,6 +141,36 @@ void Host::exclude(const Step& step, const At& at) {
 }
 
 // What replaced occurrences of a series at other times would mean, only the host knows.
+bool Host::isChanged(const Kept& series) const {
+    return std::any_of(kept_.begin(), kept_.end(),
+                       [&](const Kept& other) { return other.plan.master == series.id; });
+}
+
+void Host::retime(const Step& step, const At& at) {
+    Kept* series = chosen(step.a, true);
+    if (series == nullptr || isChanged(*series)) {
+        return;
+    }
+    Plan plan = series->plan;
+    plan.start += plan.allDay ? (step.b % 4) * kDay : step.b * kMinute;
+    if (step.c % 3 == 0) {
+        plan.everyDays = std::array{1, 2, 7, 14}[static_cast<std::size_t>(step.c / 3) % 4];
+    }
+    if (step.c % 5 == 0) {
+        plan.count = step.c / 5 % 2 == 0 ? 0 : 1 + step.c / 10 % 30;
+    }
+    makeSayable(plan, at.here);
+    write(*series, plan, at);
+}
+
+void Host::remind(const Step& step, const At& at) {
+    if (Kept* kept = chosen(step.a)) {
+        Plan plan = kept->plan;
+        plan.reminders = remindersOf(step.b);
+        write(*kept, plan, at);
+    }
+}
+
 void Host::move(const Step& step, const At& at) {
     Kept* kept = chosen(step.a, false);
     if (kept != nullptr && !kept->plan.isSeries()) {
@@ -150,6 +190,10 @@ void Host::take(const Step& step, Seconds now, Zone here) {
             return add(seriesOf(step, at), at);
         case Do::Move:
             return move(step, at);
+        case Do::Retime:
+            return retime(step, at);
+        case Do::Remind:
+            return remind(step, at);
         case Do::Except:
             return except(step, false, at);
         case Do::Cancel:

@@ -37,6 +37,12 @@ public:
 
     /// One of those that are there; of series only, if wanted. Null when there is none.
     Kept* chosen(int which, bool series = false);
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        for (const Kept& kept : kept_) {
+            visit(kept);
+        }
+    }
 
 private:
     struct At {
@@ -50,6 +56,9 @@ private:
     void except(const Step& step, bool cancelled, const At& at);
     void exclude(const Step& step, const At& at);
     void move(const Step& step, const At& at);
+    void retime(const Step& step, const At& at);
+    void remind(const Step& step, const At& at);
+    bool isChanged(const Kept& series) const;
     static std::optional<Occurrence> oneOf(const Kept& series, int which, const At& at);
 
     test::EventFile& file_;

@@ -1,6 +1,7 @@
 // What must have been announced, and what must not: kept for each occurrence, from the rule alone.
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <limits>
 #include <map>
@@ -29,6 +30,7 @@ struct Check {
     Seconds upTo = 0;            ///< now and the interval
     bool readable = true;        ///< the file, all the while
     bool disturbed = false;      ///< the host wrote while the check ran
+    int heard = 0;               ///< how often the sound was played
     std::vector<Listing> taken;  ///< rows added to the new-reminders grid
 };
 
@@ -45,6 +47,9 @@ public:
 
     // The machine.
     void travelled(Zone here);
+    /// By so much. What was finished by a clock that was days ahead is read again only by the next
+    /// check.
+    void clockTurned(Seconds by);
     /// Said after it: the host's rows are as they were in `there`. A row holds local times, and
     /// nobody but the host could tell of which place: it means the same times of the clock here,
     /// and so the event is at another moment, as if the host had moved it. What is known of an
@@ -58,10 +63,19 @@ public:
     /// What is wrong after the check with what is `listed` (GUIDs); empty: nothing.
     std::string judge(const Check& check, const std::set<std::string>& listed);
 
+    /// The file can be read, and an act may have done so.
+    void mayHaveRead();
+
     // The user, on a row of whichever grid.
     void acted(const Listing& row, Act act, Seconds now, Seconds until = 0);
     void reactivated(const std::string& GUID, Seconds now);
     void itemDeleted(const std::string& GUID);
+
+    /// By another program, in the row: local times, 0: none. A next reminder later than the
+    /// dismissal is a snooze, of the last occurrence whose first reminder is not later.
+    void actedElsewhere(const std::string& GUID, Seconds next, Seconds dismissed);
+    /// Whether there is such an occurrence.
+    bool canSnoozeElsewhere(const std::string& GUID, Seconds next) const;
 
     std::uint64_t decisions() const { return decisions_; }
 
@@ -73,11 +87,21 @@ private:
     struct Mark {
         Seconds handled = kNone;
         Seconds handledLast = kNone;
-        Seconds snoozed = kNone;  // in UTC
-        bool wasTaken = false;    // by an exception that now is at another moment
+        Seconds snoozed = kNone;   // in UTC
+        Seconds acted = kNone;     // in UTC
+        Seconds reminder = kNone;  // that the row showed
+        bool wasTaken = false;     // by an exception that now is at another moment
         bool silentThroughStart = false;
         bool silent = false;
         bool ended = false;
+    };
+    /// What another program has put into the row; it stays true after an act here.
+    struct Word {
+        Seconds next = 0;
+        Seconds dismissed = 0;
+        bool isKnown = false;  // a check has read it
+        bool speaks = true;    // no act here has been made since
+        bool isSnooze() const { return next > dismissed; }
     };
     /// A local time, and the moment that it was.
     struct Moment {
@@ -91,6 +115,7 @@ private:
         Plan plan;                  // as the host has it
         std::vector<Plan> held;     // what the program may know: none of it, or one of these
         std::vector<Plan> between;  // what it was meanwhile, before it was sure
+        bool mayBeHeld = false;     // an act may have read `plan`
         bool isSure = false;        // it holds `plan`, and has held it since an earlier check
         bool hasTravelled = false;  // its row has other local times, which is no matter
         std::optional<Moment> listedSince;  // when it was first listed, asked from
@@ -99,8 +124,13 @@ private:
         bool gone = false;                  // by the host's will
         bool goneIsKnown = false;           // the program must know it
         bool isDone = false;                // all of it
-        bool mayBeDone = false;             // or not, as the host has written it in the same moment
+        bool mayBeFinished = false;         // a day after its last reminder
+        std::optional<Word> word;
+        std::optional<Word> wordBefore;     // the program may still go by this one
+        Seconds modified = 0;               // as the host says
+        Seconds modifiedKnown = 0;          // as the program has read it
         std::optional<Seconds> stamp;       // written with this time, and not surely met since
+        std::optional<Moment> missedSince;  // the last check asked from here, perhaps without it
         std::optional<Seconds> metAt;       // in or before the check then
         Seconds metBelow = kNone;  // UTC: a snooze that an act has ended silenced what is earlier
         std::map<Seconds, Mark> marks;
@@ -108,6 +138,8 @@ private:
         std::set<Seconds> spared;
         std::set<Reminder> must;
         std::set<Reminder> may;
+        std::set<Seconds>
+            stood;  // moved by the host while it was listed: keys that it has had since
         std::map<Seconds, int> open;  // listed and not acted upon: by key, with which reminder
 
         template <class Visit>
@@ -132,17 +164,30 @@ private:
     Seconds earlierOf(const Moment& moment) const;
     Seconds askedFrom(Seconds now) const;
     Seconds mayAskFrom(Seconds now) const;
+    std::optional<Seconds> keySnoozedElsewhere(const Event& event, const Plan& plan, Seconds next,
+                                               bool surely) const;
+    bool isSilencedElsewhere(const Event& event, const Plan& plan, const Occurrence& one,
+                             Seconds time, bool surely) const;
+    void takeOverWord(Event& event) const;
+    bool isSnoozeSilenced(const Event& event, const Plan& plan, Seconds key, const Mark& mark,
+                          bool surely) const;
+    bool isOfWrongClock(const Mark& mark) const;
+    Seconds handledBy(const Mark& mark, bool surely) const;
+    Seconds localSnooze(const Event& event, const Mark& mark) const;
     bool isReplaced(const Event& event, Seconds key, bool surely) const;
     std::optional<Seconds> snoozeOf(const Event& event, Seconds key) const;
     bool isSettled(const Event& event, const Plan& plan, const Occurrence& one, int minutes,
                    bool surely) const;
-    template <class Visit>
+    using Visit = std::function<void(const Occurrence&, int minutes, Seconds time)>;
     void forEachReminder(const Event& event, const Plan& plan, Scope scope, bool surely,
-                         Visit&& visit) const;
+                         const Visit& visit) const;
     void gatherMay(Event& event, const Plan& plan, const Check& check) const;
     void gatherMust(Event& event, const Check& check) const;
     bool isLeft(const Event& event, const Plan& plan, const Reminder& reminder, bool surely) const;
     void settle(Event& event) const;
+    std::optional<Seconds> lastReminder(const Plan& plan) const;
+    void noteFinished(Event& event, Seconds now) const;
+    void noteStanding(Event& event, Seconds upTo) const;
     void read(const Check& check);
     const Reminder* firstDue(const Event& event, Seconds upTo) const;
     bool isSnoozeDue(const Event& event, Seconds upTo) const;
@@ -150,6 +195,8 @@ private:
     Seconds keyAt(const Event& event, Seconds start) const;
     bool mayShow(const Event& event, const Listing& row, Seconds upTo) const;
     void judgeTaken(const Check& check, const Listing& row, std::ostream& wrong);
+    bool mayBeHeard(const Event& event, Scope scope) const;
+    void judgeSound(const Check& check, std::ostream& wrong) const;
     void judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const;
     void endEarlier(Event& event, Seconds key, Seconds now) const;
 

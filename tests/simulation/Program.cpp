@@ -33,7 +33,7 @@ public:
     void ShowNewReminders(std::string_view) override {}
     void ShowPopUp(const PopUpRequest&) override {}
     void ShowSystem(const std::string&, const std::string&, int) override {}
-    void PlayReminderSound() override {}
+    void PlayReminderSound() override { ++sounds; }
     void DoPeriod() override {
         const DateTime today = clock_.today();
         period_.RemindCol(today, today.addDays(7));
@@ -50,6 +50,7 @@ public:
 
     std::map<std::string, Listing> rows;
     std::vector<Listing> added;
+    int sounds = 0;
 
 private:
     CalEvents& period_;
@@ -76,6 +77,8 @@ void Program::tick(int interval) { cycle_.Tick(interval); }
 
 std::vector<Listing> Program::takeNew() { return std::exchange(screen_->added, {}); }
 
+int Program::takeSounds() { return std::exchange(screen_->sounds, 0); }
+
 std::set<std::string> Program::listed() const {
     std::set<std::string> GUIDs;
     for (std::size_t i = 1; i <= state_.NewReminders->Count(); ++i) {
@@ -90,6 +93,10 @@ const std::map<std::string, Listing>& Program::rows() const { return screen_->ro
 
 bool Program::shows(const std::string& GUID) const {
     return period_.mCol && period_.mCol->Exists(GUID);
+}
+
+Seconds Program::startShown(const std::string& GUID) const {
+    return seconds(objectAt<calEvent>(*period_.mCol, GUID)->StartDateTime);
 }
 
 ActRow Program::actRow(const Listing& row) const {

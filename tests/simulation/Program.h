@@ -26,12 +26,16 @@ public:
 
     /// Rows added to the new-reminders grid since the last call.
     std::vector<Listing> takeNew();
+    /// How often the reminder sound was played since the last call.
+    int takeSounds();
     std::set<std::string> listed() const;
     /// The rows of the new-reminders grid as they were filled, by GUID.
     const std::map<std::string, Listing>& rows() const;
 
     /// Whether the views show the event.
     bool shows(const std::string& GUID) const;
+    /// As what they show it: where it begins. It must be shown.
+    Seconds startShown(const std::string& GUID) const;
 
     /// What the user does to one of them, or to a row of a view.
     void snooze(const Listing& row, int minutes);

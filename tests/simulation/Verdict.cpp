@@ -1,4 +1,5 @@
 // What the oracle says after a check.
+#include <algorithm>
 #include <sstream>
 
 #include "Oracle.h"
@@ -11,6 +12,79 @@ namespace {
 std::string text(Seconds time) { return formatDateTime(dateTime(time)); }
 
 }  // namespace
+
+// Of what must be listed; what is to come again, since a clock was turned back, comes then.
+const Oracle::Reminder* Oracle::firstDue(const Event& event, Seconds upTo) const {
+    for (const Reminder& reminder : event.must) {
+        const auto& [key, minutes] = reminder;
+        if (event.open.contains(key) ||
+            event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
+            return &reminder;
+        }
+    }
+    return nullptr;
+}
+
+bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
+    std::optional<Seconds> elsewhere;  // it takes the place of ours
+    if (event.word && event.word->speaks) {
+        if (!event.word->isKnown) {
+            return false;  // the row's word may be another one
+        }
+        if (event.word->isSnooze()) {
+            elsewhere = keySnoozedElsewhere(event, event.plan, event.word->next, false);
+        }
+        if (elsewhere && event.word->next <= upTo) {
+            return true;
+        }
+    }
+    return std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
+        const auto& [key, mark] = entry;
+        const bool isOurs = !elsewhere || (event.plan.isSeries() && elsewhere != key);
+        return mark.snoozed != kNone && !mark.wasTaken && isOurs &&
+               !isSnoozeSilenced(event, event.plan, key, mark, false) &&
+               localSnooze(event, mark) <= upTo &&
+               (!event.plan.isSeries() ||
+                (!isReplaced(event, key, false) && !event.plan.excluded.contains(key)));
+    });
+}
+
+bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const {
+    // Also of a series that has no such occurrence any more.
+    bool may = event.plan.isSeries() &&
+               std::any_of(event.marks.begin(), event.marks.end(), [&](const auto& entry) {
+                   return entry.second.snoozed != kNone &&
+                          localSnooze(event, entry.second) <= upTo &&
+                          event.plan.toLocal(entry.first, here_) == row.start &&
+                          !isReplaced(event, entry.first, true);
+               });
+    event.forEachPlan([&](const Plan& plan) {
+        const auto key = keyIn(plan, row.start);
+        if (!key || isReplaced(event, *key, true)) {
+            return;
+        }
+        for (const auto& word : {event.word, event.wordBefore}) {
+            const bool isSaid = word && word->speaks && word->isSnooze() && word->next <= upTo;
+            for (const bool surely : {false, true}) {
+                may =
+                    may || (isSaid && keySnoozedElsewhere(event, plan, word->next, surely) == key);
+            }
+        }
+        const auto snoozed = snoozeOf(event, *key);
+        const auto minutes = static_cast<int>((row.start - row.reminder) / kMinute);
+        // What was listed is listed again after a restart, also when clocks were turned back; what
+        // the host has moved since as what it is now, if it has stood in the list as that.
+        const bool stands =
+            !event.open.empty() &&
+            std::none_of(event.open.begin(), event.open.end(), [&](const auto& entry) {
+                return plan.occurrenceOf(entry.first, here_).has_value();
+            });
+        may = may || event.open.contains(*key) || (snoozed && *snoozed <= upTo) ||
+              (row.reminder <= upTo && event.may.contains({*key, minutes})) ||
+              (stands && (event.stood.contains(*key) || event.may.contains({*key, minutes})));
+    });
+    return may;
+}
 
 void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wrong) {
     Event& event = events_.at(row.GUID);
@@ -41,7 +115,7 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
 }
 
 void Oracle::judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const {
-    if (event.held.empty() || event.gone || event.isDone || event.mayBeDone) {
+    if (event.held.empty() || event.gone || event.isDone) {
         return;
     }
     if (const Reminder* due = firstDue(event, check.upTo)) {
@@ -55,6 +129,36 @@ void Oracle::judgeMissing(const Check& check, const Event& event, std::ostream& 
     }
 }
 
+// Something of it has come since the last check, or comes before the next.
+bool Oracle::mayBeHeard(const Event& event, Scope scope) const {
+    const auto isIn = [&](Seconds time) { return time >= scope.from && time <= scope.to; };
+    bool may = (event.word && isIn(event.word->next)) ||
+               (event.wordBefore && isIn(event.wordBefore->next));
+    for (const auto& [key, mark] : event.marks) {
+        may = may || (mark.snoozed != kNone && isIn(localSnooze(event, mark)));
+    }
+    event.forEachPlan([&](const Plan& plan) {
+        forEachReminder(event, plan, scope, true,
+                        [&](const Occurrence&, int, Seconds) { may = true; });
+    });
+    return may;
+}
+
+// Once for all that is taken, and not again while nothing more of what is listed falls due.
+void Oracle::judgeSound(const Check& check, std::ostream& wrong) const {
+    const Seconds last = lastCheck_ ? earlierOf(*lastCheck_) : mayAskFrom(check.now);
+    const Scope scope{std::min(last, check.now), check.upTo};
+    const bool may =
+        !check.taken.empty() || std::any_of(events_.begin(), events_.end(), [&](const auto& entry) {
+            return !entry.second.goneIsKnown && mayBeHeard(entry.second, scope);
+        });
+    if (check.heard > 1 || (check.heard == 1 && !may) ||
+        (check.heard == 0 && !check.taken.empty())) {
+        wrong << "at " << text(check.now) << " the sound was played " << check.heard
+              << " times, and " << check.taken.size() << " were listed\n";
+    }
+}
+
 std::string Oracle::judge(const Check& check, const std::set<std::string>& listed) {
     now_ = check.now;
     for (auto& [GUID, event] : events_) {
@@ -63,12 +167,15 @@ std::string Oracle::judge(const Check& check, const std::set<std::string>& liste
         }
         settle(event);
         event.forEachPlan([&, &event = event](const Plan& plan) {
-            if (check.readable || !event.held.empty()) {
+            if (check.readable || !event.held.empty() || event.mayBeHeld) {
                 gatherMay(event, plan, check);
             }
         });
         if (event.isSure) {
             gatherMust(event, check);
+        }
+        if (listed.contains(GUID) && !event.open.empty()) {
+            noteStanding(event, check.upTo);
         }
         decisions_ += 1 + event.must.size();
     }
@@ -81,6 +188,7 @@ std::string Oracle::judge(const Check& check, const std::set<std::string>& liste
             judgeMissing(check, event, wrong);
         }
     }
+    judgeSound(check, wrong);
     read(check);
     return wrong.str();
 }

@@ -1,5 +1,8 @@
 #include "Zones.h"
 
+#include <cstdlib>
+#include <ctime>
+
 #include "base/DateTime.h"
 
 namespace vl::simulation {
@@ -50,6 +53,11 @@ const char* nameOf(Zone zone) {
     return zone == Zone::Berlin    ? "Europe/Berlin"
            : zone == Zone::NewYork ? "America/New_York"
                                    : "Asia/Kolkata";
+}
+
+void useZone(Zone zone) {
+    setenv("TZ", nameOf(zone), 1);
+    tzset();
 }
 
 Seconds dateOf(int year, int month, int day) { return daysFromCivil(year, month, day) * kDay; }

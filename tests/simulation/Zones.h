@@ -1,6 +1,7 @@
 // Three time zones by their rules, worked out here and not by the program.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -14,9 +15,13 @@ constexpr Seconds kHour = 3600;
 constexpr Seconds kDay = 86400;
 
 enum class Zone { Berlin, NewYork, Kolkata };
+inline constexpr std::array kAllZones = {Zone::Berlin, Zone::NewYork, Zone::Kolkata};
 
 /// As the system knows it: "Europe/Berlin".
 const char* nameOf(Zone zone);
+
+/// The program is in it from now on.
+void useZone(Zone zone);
 
 /// Midnight of a date.
 Seconds dateOf(int year, int month, int day);

@@ -1,0 +1,272 @@
+// The rule: what is dealt with, and what is asked for.
+#include <algorithm>
+
+#include "Oracle.h"
+
+namespace vl::simulation {
+
+namespace {
+
+// No offset of a reminder, and no event, is longer than this.
+constexpr Seconds kReach = 3 * kDay;
+// Nor has one that goes on, or is of today, been reminded of longer ago.
+constexpr Seconds kLongest = 2 * kReach;
+constexpr Seconds kLongestOff = 30 * kDay;
+
+bool sameDay(Seconds a, Seconds b) { return midnightOf(a) == midnightOf(b); }
+
+// What is met for the first time is also asked for reminders before that.
+bool countsWhenMet(const Occurrence& one, Seconds reminder, Seconds now) {
+    return sameDay(reminder, now) || one.end > now;
+}
+
+}  // namespace
+
+// ---- times
+
+Seconds Oracle::earlierOf(const Moment& moment) const {
+    return std::min(moment.local, toWall(here_, moment.utc));
+}
+
+Seconds Oracle::askedFrom(Seconds now) const {
+    Seconds from = midnightOf(now);
+    if (lastCheck_) {
+        from = earlierOf(*lastCheck_);
+    } else if (lastRead_) {
+        from = std::min(from, std::max(earlierOf(*lastRead_), from - kLongestOff));
+    }
+    from = unseenSince_ ? std::min(from, earlierOf(*unseenSince_)) : from;
+    return std::min(from, now);
+}
+
+// Of the checks of a day only the first is kept over a restart, by the clock of that place.
+Seconds Oracle::mayAskFrom(Seconds now) const {
+    const Seconds from = askedFrom(now);
+    if (!isFirst_ || !lastRead_) {
+        return from;
+    }
+    // A check that lies ahead was one of a wrong clock: since when nobody asked is not known.
+    if (earlierOf(*lastRead_) > now) {
+        return std::min(from, midnightOf(now) - kLongestOff);
+    }
+    return std::min(from, midnightOf(earlierOf(*lastRead_)) - (hasTravelled_ ? kDay : 0));
+}
+
+// ---- what is dealt with
+
+// Of an act by a clock that was more than a day ahead only that counts which reminder it was on:
+// snoozed it is shown again, else it is dealt with.
+bool Oracle::isOfWrongClock(const Mark& mark) const {
+    return mark.acted != kNone && mark.acted > toUtc(here_, now_) + kDay;
+}
+
+Seconds Oracle::handledBy(const Mark& mark, bool surely) const {
+    const Seconds handled = surely ? mark.handledLast : mark.handled;
+    return isOfWrongClock(mark) ? std::min(handled, mark.reminder) : handled;
+}
+
+Seconds Oracle::localSnooze(const Event& event, const Mark& mark) const {
+    if (isOfWrongClock(mark) && mark.reminder != kNone) {
+        return event.plan.zone ? toWall(here_, mark.reminder) : mark.reminder;
+    }
+    return toWall(here_, mark.snoozed);
+}
+
+// `surely`: the program knows of it.
+bool Oracle::isReplaced(const Event& event, Seconds key, bool surely) const {
+    return event.plan.isSeries() &&
+           std::any_of(events_.begin(), events_.end(), [&](const auto& entry) {
+               const Event& other = entry.second;
+               return other.plan.replaces == key && other.plan.master == event.id &&
+                      (!surely || other.isKnown || other.goneIsKnown);
+           });
+}
+
+// Local. A single event has one snooze, wherever the host moves it.
+std::optional<Seconds> Oracle::snoozeOf(const Event& event, Seconds key) const {
+    std::optional<Seconds> snoozed;
+    for (const auto& [start, mark] : event.marks) {
+        if (mark.snoozed != kNone && (start == key || !event.plan.isSeries()) &&
+            !isSnoozeSilenced(event, event.plan, start, mark, true)) {
+            const Seconds time = localSnooze(event, mark);
+            snoozed = std::max(snoozed.value_or(time), time);
+        }
+    }
+    return snoozed;
+}
+
+std::optional<Seconds> Oracle::keySnoozedElsewhere(const Event& event, const Plan& plan,
+                                                   Seconds next, bool surely) const {
+    if (!plan.isSeries()) {
+        return plan.cancelled ? std::nullopt : std::optional(plan.start);
+    }
+    const Seconds latest =
+        next + *std::max_element(plan.reminders.begin(), plan.reminders.end()) * kMinute;
+    const auto all = plan.occurrences(latest - kLongestOff, latest, here_);
+    const auto one = std::find_if(all.rbegin(), all.rend(), [&](const Occurrence& occurrence) {
+        return !isReplaced(event, occurrence.key, surely);
+    });
+    return one == all.rend() ? std::nullopt : std::optional(one->key);
+}
+
+// What is before a snooze is superseded by it. A dismissed single event is silent for good, unless
+// the host has written it since; of a series, what has begun to remind by then.
+bool Oracle::isSilencedElsewhere(const Event& event, const Plan& plan, const Occurrence& one,
+                                 Seconds time, bool surely) const {
+    if (!event.word || (surely && !event.word->isKnown)) {
+        return false;
+    }
+    const Word& word = *event.word;
+    const Seconds modified =
+        surely ? event.modified : std::min(event.modified, event.modifiedKnown);
+    if (word.isSnooze()) {
+        return time < word.next;
+    }
+    if (word.dismissed == 0) {
+        return false;
+    }
+    const int first = *std::max_element(plan.reminders.begin(), plan.reminders.end());
+    return plan.isSeries() ? one.start - first * kMinute <= word.dismissed
+                           : time <= word.dismissed || modified <= word.dismissed;
+}
+
+// `surely`: it must not be shown. Else: it need not be.
+bool Oracle::isSettled(const Event& event, const Plan& plan, const Occurrence& one, int minutes,
+                       bool surely) const {
+    const Seconds time = one.start - minutes * kMinute;
+    const auto snoozed = snoozeOf(event, one.key);
+    if ((snoozed && time < *snoozed) || isSilencedElsewhere(event, plan, one, time, surely)) {
+        return true;
+    }
+    // A clock that was ahead ended what now is not over.
+    const bool isOver = one.start + plan.length <= now_;
+    if (one.key < event.endedBefore && isOver && !event.spared.contains(one.key)) {
+        return true;
+    }
+    const auto found = event.marks.find(one.key);
+    if (found == event.marks.end()) {
+        return false;
+    }
+    const Mark& mark = found->second;
+    const Seconds handled = handledBy(mark, surely);
+    return mark.silent || (handled != kNone && plan.toMoment(time, here_) <= handled) ||
+           (mark.silentThroughStart && time <= one.start);
+}
+
+// ---- what is asked for
+
+void Oracle::forEachReminder(const Event& event, const Plan& plan, Scope scope, bool surely,
+                             const Visit& visit) const {
+    for (const Occurrence& one : plan.occurrences(scope.from - kReach, scope.to + kReach, here_)) {
+        if (isReplaced(event, one.key, surely)) {
+            continue;
+        }
+        for (const int minutes : plan.reminders) {
+            const Seconds time = one.start - minutes * kMinute;
+            if (time >= scope.from && time <= scope.to &&
+                !isSettled(event, plan, one, minutes, surely)) {
+                visit(one, minutes, time);
+            }
+        }
+    }
+}
+
+void Oracle::gatherMay(Event& event, const Plan& plan, const Check& check) const {
+    Seconds from = mayAskFrom(check.now);
+    for (const auto& since : {event.openSince, event.missedSince}) {
+        from = since ? std::min(from, earlierOf(*since)) : from;
+    }
+    forEachReminder(event, plan, {from, check.upTo}, true,
+                    [&](const Occurrence& one, int minutes, Seconds) {
+                        event.may.insert({one.key, minutes});
+                    });
+    if (!event.stamp && !event.metAt && !event.hasTravelled && !isFirst_) {
+        return;
+    }
+    forEachReminder(event, plan, {check.now - kLongest, check.upTo}, true,
+                    [&](const Occurrence& one, int minutes, Seconds time) {
+                        if (countsWhenMet(one, time, check.now) ||
+                            (event.metAt && countsWhenMet(one, time, *event.metAt))) {
+                            event.may.insert({one.key, minutes});
+                        }
+                    });
+}
+
+std::optional<Seconds> Oracle::lastReminder(const Plan& plan) const {
+    const auto key = plan.lastKey();
+    const int last = *std::min_element(plan.reminders.begin(), plan.reminders.end());
+    return key ? std::optional(plan.toLocal(*key, here_) - last * kMinute) : std::nullopt;
+}
+
+// What is finished is taken back, when a clock is turned back, if there is a reminder to come.
+void Oracle::noteFinished(Event& event, Seconds now) const {
+    const auto last = lastReminder(event.plan);
+    if (last && *last < now - kDay && event.must.empty() && event.open.empty()) {
+        event.mayBeFinished = true;
+    } else if (last && *last > now) {
+        event.mayBeFinished = false;
+    }
+}
+
+void Oracle::gatherMust(Event& event, const Check& check) const {
+    if (event.mayBeFinished && lastReminder(event.plan) <= check.now) {
+        return;
+    }
+    Seconds from = askedFrom(check.now);
+    // Its row was there when the last check asked; that read goes by the seconds of stamps.
+    if (event.missedSince && event.modified <= earlierOf(*event.missedSince)) {
+        from = std::min(from, earlierOf(*event.missedSince));
+    }
+    event.missedSince.reset();
+    forEachReminder(event, event.plan, {from, check.upTo}, false,
+                    [&](const Occurrence& one, int minutes, Seconds) {
+                        event.must.insert({one.key, minutes});
+                    });
+    if (event.metAt) {
+        forEachReminder(event, event.plan, {check.now - kLongest, check.upTo}, false,
+                        [&](const Occurrence& one, int minutes, Seconds time) {
+                            // What was silent when it was met is not asked for later.
+                            if (countsWhenMet(one, time, check.now) &&
+                                countsWhenMet(one, time, *event.metAt) &&
+                                toUtc(here_, time) >= event.metBelow) {
+                                event.must.insert({one.key, minutes});
+                            }
+                        });
+        event.metAt.reset();
+        event.stamp.reset();
+    }
+}
+
+bool Oracle::isLeft(const Event& event, const Plan& plan, const Reminder& reminder,
+                    bool surely) const {
+    const auto& [key, minutes] = reminder;
+    const auto one = plan.occurrenceOf(key, here_);
+    return one && !isReplaced(event, key, surely) &&
+           std::find(plan.reminders.begin(), plan.reminders.end(), minutes) !=
+               plan.reminders.end() &&
+           !isSettled(event, plan, *one, minutes, surely);
+}
+
+// Takes out what no plan has any more, and what was dealt with or replaced.
+void Oracle::settle(Event& event) const {
+    std::erase_if(event.must, [&](const Reminder& reminder) {
+        return !isLeft(event, event.plan, reminder, false);
+    });
+    std::erase_if(event.may, [&](const Reminder& reminder) {
+        bool left = false;
+        event.forEachPlan(
+            [&](const Plan& plan) { left = left || isLeft(event, plan, reminder, true); });
+        return !left;
+    });
+}
+
+// Whatever its row shows, the event stands in the list for what of it has fallen due.
+void Oracle::noteStanding(Event& event, Seconds upTo) const {
+    for (const auto& [key, minutes] : event.may) {
+        if (event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
+            event.stood.insert(key);
+        }
+    }
+}
+
+}  // namespace vl::simulation
