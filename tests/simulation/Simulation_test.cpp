@@ -41,7 +41,7 @@ struct Limits {
 
     Limits() {
         constexpr std::uint64_t kSeconds = 50;
-        constexpr std::uint64_t kHistories = 2000;
+        constexpr std::uint64_t kHistories = 1000;
         constexpr std::uint64_t kYear = 31'536'000;
         const bool limited = histories != UINT64_MAX || decisions != UINT64_MAX;
         end = std::chrono::steady_clock::now() +
