@@ -117,7 +117,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
 
 void Oracle::reactivated(const std::string& GUID, Seconds now) {
     Event& event = events_.at(GUID);
-    if (!event.open.empty()) {
+    if (event.listedSince) {
         event.missedSince.reset();  // what has been missed was listed then
     }
     event.marks.clear();
