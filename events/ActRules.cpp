@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "events/GenCollection.h"
+#include "events/WrongClock.h"
 #include "model/clsReminder.h"
 
 namespace vl {
@@ -92,12 +93,11 @@ void endEarlier(EventState& state, const ActOn& act) {
     if (!act.event.IsRepeating()) {
         return;
     }
-    const std::int64_t length =
-        act.event.EndOf(act.start).milliseconds() - act.start.milliseconds();
-    const DateTime over = DateTime::fromMilliseconds(act.now.milliseconds() - length);
-    const DateTime limit =
-        std::min(act.event.ToWall(act.start), act.event.ToWall(over).addSeconds(1));
-    state.endedBefore = std::max(state.endedBefore, limit);
+    const DateTime limit = std::min(act.event.ToWall(act.start), overBefore(act.event, act.now));
+    if (limit > state.endedBefore) {
+        state.endedBefore = limit;
+        state.endedAt = act.zone.toUtc(act.now);
+    }
     for (OccurrenceState& one : state.occurrences) {
         if (one.start < limit) {
             one.spared = !one.snoozed.isZero();
@@ -107,6 +107,7 @@ void endEarlier(EventState& state, const ActOn& act) {
 }
 
 OccurrenceState& begin(EventState& state, const ActOn& act) {
+    setRight(state, act.event, act.now, act.zone);
     takeOverRow(state, act);
     const DateTime start = act.event.ToWall(act.start);
     const OccurrenceState* known = state.find(start);

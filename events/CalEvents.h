@@ -135,6 +135,10 @@ public:
     /// of now. False when it says none.
     bool RecordListed(calEvent& event) const;
 
+    /// Once the computer's clock was put back: what was done to the events while it was ahead is
+    /// set right in the ledger.
+    void SetRight();
+
     /// Works out anew which occurrences series have, for a computer whose zone has changed.
     void TakeZone(const TimeZone& here);
 

@@ -8,6 +8,7 @@
 #include "events/ActRules.h"
 #include "events/CalEvents.h"
 #include "events/EventIndex.h"
+#include "events/WrongClock.h"
 
 namespace vl {
 
@@ -174,6 +175,23 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
     }
     if (!changes.empty()) {
         ledger_->change(db_.DBFullName, "listed", changes);
+    }
+}
+
+void CalEvents::SetRight() {
+    const ErrScope scope;
+    const DateTime now = clock_.now();
+    const TimeZone here = TimeZone::local();
+    std::vector<Ledger::Change> changes;
+    for (const std::string& GUID : ledger_->actedAfter(db_.DBFullName, latestAct(now, here))) {
+        if (const auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr) {
+            changes.push_back({GUID, [event, now, here](EventState& state) {
+                                   setRight(state, *event, now, here);
+                               }});
+        }
+    }
+    if (!changes.empty()) {
+        ledger_->change(db_.DBFullName, "clock", changes);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "base/Variant.h"
+#include "events/WrongClock.h"
 
 namespace vl {
 
@@ -139,6 +140,17 @@ std::vector<Ledger::Known> Ledger::all(std::string_view database) const {
         }
     }
     return known;
+}
+
+std::vector<std::string> Ledger::actedAfter(std::string_view database, DateTime moment) const {
+    const std::string& name = nameOf(database);
+    std::vector<std::string> GUIDs;
+    for (const auto& [key, entry] : content_->events) {
+        if (entry.database == name && isActedAfter(entry.state, moment)) {
+            GUIDs.push_back(entry.GUID);
+        }
+    }
+    return GUIDs;
 }
 
 void Ledger::write(const std::string& lines) {

@@ -26,7 +26,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///   {"db":PATH,"guid":GUID,"act":NAME,"when":TIME,
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
 ///     "acted":,"reminder":,"local":,"spared":true}],
-///    "endedBefore":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
+///    "endedBefore":,"endedAt":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
 ///    "newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken
@@ -67,6 +67,9 @@ public:
     };
     /// Everything known of the events of one database, in no order.
     std::vector<Known> all(std::string_view database) const;
+
+    /// GUIDs of the events that were acted upon later than `moment`, in UTC.
+    std::vector<std::string> actedAfter(std::string_view database, DateTime moment) const;
 
     /// Changes what is known of one event, as one line. `act` says by what. False when the line is
     /// not on the disk; it holds in memory all the same.

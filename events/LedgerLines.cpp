@@ -108,6 +108,7 @@ void takeEvent(Content& content, const Json& json) {
         state.at(occurrence.start) = occurrence;
     }
     state.endedBefore = time(json, "endedBefore");
+    state.endedAt = time(json, "endedAt");
     state.openSince = time(json, "openSince");
     state.openOf = time(json, "openOf");
     state.acted = time(json, "acted");
@@ -179,6 +180,7 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
         json["occurrences"] = std::move(occurrences);
     }
     put(json, "endedBefore", state.endedBefore);
+    put(json, "endedAt", state.endedAt);
     put(json, "openSince", state.openSince);
     put(json, "openOf", state.openOf);
     put(json, "acted", state.acted);

@@ -86,6 +86,7 @@ struct EventState {
     std::vector<OccurrenceState> occurrences;  ///< by start
     /// Wall time: occurrences that begin before it are ended, unless they are spared.
     DateTime endedBefore;
+    DateTime endedAt;  ///< in UTC; when the act was that ended them; 0: not known
     /// A moment: what fell due from here on may not have been shown, since another reminder of the
     /// event stood in the list.
     DateTime openSince;

@@ -120,6 +120,7 @@ bool CheckCycle::readSets() {
     DoRemoveDeleted();
     takeZone();
     const bool isRead = readAgain(reminders_, false, false);
+    takeClock(isRead);
     acts_.RestoreWaiting();
     acts_.WriteWaiting();
     removeDealtWith();
@@ -139,6 +140,18 @@ void CheckCycle::takeZone() {
         refillListed();
     }
     zone_ = here;
+}
+
+// The clock may have been put right while the program was off, too.
+void CheckCycle::takeClock(bool isRead) {
+    if (!isRead && !db_.DBFullName.empty()) {
+        return;
+    }
+    const DateTime now = clock_.now();
+    if (!seen_ || now < *seen_) {
+        reminders_.SetRight();
+    }
+    seen_ = now;
 }
 
 DateTime CheckCycle::UncheckedSince() const {

@@ -54,6 +54,7 @@ private:
     void check(int interval);
     bool readSets();
     void takeZone();
+    void takeClock(bool isRead);
     void refillListed();
     DateTime lastAsked() const;
     void noteAsked(bool isRead, DateTime since);
@@ -84,6 +85,7 @@ private:
     LedgerHistory history_;
     std::optional<TimeZone> zone_;  // the computer's, at the last check
     std::optional<Noted> asked_;    // the end of the last check
+    std::optional<DateTime> seen_;  // the time of the last check that could read the file
     std::optional<Noted> unseen_;   // no check since then could read the file
     bool purgeWaits_ = false;
     std::uint64_t dealtVersion_ = 0;   // of the ledger, when the list was held against it

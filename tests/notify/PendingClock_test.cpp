@@ -80,6 +80,77 @@ TEST_F(PendingClock, ADismissalUnderAClockDaysAheadIsOfItsReminderAlone) {
     EXPECT_EQ(desk.check(at(17, 45, 0, 25)), "A 25 18:00 (25 17:45)");
 }
 
+// An hour or more: a clock that runs by the time of another zone.
+TEST_F(PendingClock, ASnoozeUnderAClockHoursAheadIsShownAgainWhenItIsRight) {
+    for (const int hours : {1, 8, 23}) {
+        SCOPED_TRACE(hours);
+        Desk fresh;
+        fresh.put(single("A", at(11, 0), {60, 15}));
+        fresh.check(at(9, 0));
+        EXPECT_EQ(fresh.check(at(10, 0).addMinutes(hours * 60)), "A 20 11:00 (20 10:00)");
+        fresh.snooze("A", 15);
+        EXPECT_EQ(fresh.check(at(10, 5)), "A 20 11:00 (20 10:00)");
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 11:00 (20 10:45)");
+    }
+}
+
+TEST_F(PendingClock, ADismissalUnderAClockHoursAheadIsOfItsReminderAlone) {
+    for (const int hours : {1, 8, 23}) {
+        SCOPED_TRACE(hours);
+        Desk fresh;
+        fresh.put(single("A", at(11, 0), {60, 15}));
+        fresh.check(at(9, 0));
+        EXPECT_EQ(fresh.check(at(10, 0).addMinutes(hours * 60)), "A 20 11:00 (20 10:00)");
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.check(at(10, 5)), "");
+        EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 11:00 (20 10:45)");
+    }
+}
+
+TEST_F(PendingClock, AnActInAnHourThatComesTwiceIsByNoWrongClock) {
+    const test::ZoneForTest berlin("Europe/Berlin");
+    const auto on = [](int hour, int minute) {
+        return DateTime::fromCivil(2026, 10, 25, hour, minute, 0);
+    };
+    desk.clock.time = on(1, 0);
+    desk.put(single("A", on(3, 30), {75}));
+    EXPECT_EQ(desk.run(on(2, 15), 60), "A 25 03:30 (25 02:15)");
+    desk.clock.time = on(2, 50);
+    desk.snooze("A", 70);
+    EXPECT_EQ(desk.check(on(2, 20)), "") << "half an hour later";
+    EXPECT_EQ(desk.run(on(4, 0), 60), "A 25 03:30 (25 04:00)");
+}
+
+// What is over when it is asked for was not over when it was said to be ended.
+TEST_F(PendingClock, AnActUnderAClockAheadEndsNothing) {
+    for (const bool restarts : {false, true}) {
+        SCOPED_TRACE(restarts);
+        Desk fresh;
+        fresh.clock.time = at(8, 0, 0, 19);
+        fresh.put(series("A", at(10, 0, 0, 16), "FREQ=DAILY", {15, -60}));
+        EXPECT_EQ(fresh.check(at(9, 45, 0, 19)), "A 19 10:00 (19 09:45)");
+        fresh.dismiss("A", DismissMode::All);
+        fresh.check(DateTime::fromCivil(2027, 2, 20, 10, 0, 0));
+        ASSERT_EQ(fresh.listed.at("A").InstanceStart, DateTime::fromCivil(2027, 2, 20, 10, 0, 0));
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.check(at(9, 50, 0, 19)), "");
+        EXPECT_EQ(fresh.check(at(9, 0)), "");
+        if (restarts) {
+            fresh.stop();
+        }
+        EXPECT_EQ(fresh.check(at(10, 40)), "A 20 10:00 (20 09:45)") << "after a sleep over it";
+        fresh.dismiss("A");
+        EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 10:00 (20 11:00)") << "after its end";
+        fresh.dismiss("A");
+        fresh.check(at(9, 0, 0, 21));
+        EXPECT_EQ(fresh.check(at(12, 0, 0, 22)), "A 22 10:00 (22 09:45)");
+        fresh.dismiss("A", DismissMode::All);
+        fresh.stop();
+        EXPECT_EQ(fresh.run(at(9, 44, 0, 23), 60), "") << "that was ended by the right clock";
+    }
+}
+
 TEST_F(PendingClock, AClockTurnedBackBringsNothingBack) {
     desk.put(single("A", at(10, 0), {15}));
     desk.run(at(9, 45));

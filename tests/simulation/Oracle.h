@@ -134,6 +134,7 @@ private:
         std::optional<Seconds> metAt;       // in or before the check then
         Seconds metBelow = kNone;  // UTC: a snooze that an act has ended silenced what is earlier
         std::map<Seconds, Mark> marks;
+        Seconds endedAt = kNone;      // in UTC; by the act then
         Seconds endedBefore = kNone;  // keys before it are ended, but for those in
         std::set<Seconds> spared;
         std::set<Reminder> must;
@@ -172,6 +173,9 @@ private:
     bool isSnoozeSilenced(const Event& event, const Plan& plan, Seconds key, const Mark& mark,
                           bool surely) const;
     bool isOfWrongClock(const Mark& mark) const;
+    Seconds latestAct(Seconds now) const;
+    void setRight(Event& event, Seconds now) const;
+    void noteClock(const Check& check);
     Seconds handledBy(const Mark& mark, bool surely) const;
     Seconds localSnooze(const Event& event, const Mark& mark) const;
     bool isReplaced(const Event& event, Seconds key, bool surely) const;

@@ -17,7 +17,10 @@ void Oracle::endEarlier(Event& event, Seconds key, Seconds now) const {
             event.spared.insert(start);
         }
     }
-    event.endedBefore = std::max(event.endedBefore, limit);
+    if (limit > event.endedBefore) {
+        event.endedBefore = limit;
+        event.endedAt = toUtc(here_, now);
+    }
     std::erase_if(event.open, [&](const auto& entry) {
         return entry.first < limit && !event.spared.contains(entry.first);
     });

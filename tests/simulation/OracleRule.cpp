@@ -60,6 +60,47 @@ bool Oracle::isOfWrongClock(const Mark& mark) const {
     return mark.acted != kNone && mark.acted > toUtc(here_, now_) + kDay;
 }
 
+// An act later than this, in UTC, was by a clock that is ahead of the one that now says `now`: one
+// that is a little off, or an hour that comes twice, is none.
+Seconds Oracle::latestAct(Seconds now) const {
+    const Seconds first = toUtc(here_, now);
+    const Seconds second = toUtc(here_, now + 3 * kHour) - 3 * kHour;
+    const bool comesTwice = second > first && toWall(here_, second) == now;
+    return (comesTwice ? second : first) + 25 * kMinute;
+}
+
+// Of such an act only that counts which had fallen due by now; what is not over is not ended by it.
+void Oracle::setRight(Event& event, Seconds now) const {
+    const Seconds latest = latestAct(now);
+    if (event.endedAt != kNone && event.endedAt > latest) {
+        event.endedBefore =
+            std::min(event.endedBefore, event.plan.toOwn(now - event.plan.length, here_) + 1);
+        event.endedAt = toUtc(here_, now);
+    }
+    for (auto& [key, mark] : event.marks) {
+        if (mark.acted == kNone || mark.acted <= latest) {
+            continue;
+        }
+        mark.acted = toUtc(here_, now);
+        const Seconds dealtWith = std::max(mark.reminder, event.plan.toMoment(now, here_));
+        mark.handled = std::min(mark.handled, dealtWith);
+        mark.handledLast = std::min(mark.handledLast, dealtWith);
+        if (mark.snoozed != kNone && mark.reminder != kNone) {
+            mark.snoozed = event.plan.zone ? mark.reminder : toUtc(here_, mark.reminder);
+        }
+    }
+}
+
+// The first check of a run that can read sees it, and the first after the clock was put back.
+void Oracle::noteClock(const Check& check) {
+    if (!check.readable || (!isFirst_ && lastRead_ && check.now >= lastRead_->local)) {
+        return;
+    }
+    for (auto& [GUID, event] : events_) {
+        setRight(event, check.now);
+    }
+}
+
 Seconds Oracle::handledBy(const Mark& mark, bool surely) const {
     const Seconds handled = surely ? mark.handledLast : mark.handled;
     return isOfWrongClock(mark) ? std::min(handled, mark.reminder) : handled;
