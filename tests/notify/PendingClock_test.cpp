@@ -80,31 +80,25 @@ TEST_F(PendingClock, ADismissalUnderAClockDaysAheadIsOfItsReminderAlone) {
     EXPECT_EQ(desk.check(at(17, 45, 0, 25)), "A 25 18:00 (25 17:45)");
 }
 
-// An hour or more: a clock that runs by the time of another zone.
-TEST_F(PendingClock, ASnoozeUnderAClockHoursAheadIsShownAgainWhenItIsRight) {
+// An hour or more: a clock that runs by the time of another zone. Of the dismissal the reminder
+// alone holds, of the snooze nothing.
+TEST_F(PendingClock, WhatComesLaterComesAfterAnActUnderAClockHoursAhead) {
     for (const int hours : {1, 8, 23}) {
-        SCOPED_TRACE(hours);
-        Desk fresh;
-        fresh.put(single("A", at(11, 0), {60, 15}));
-        fresh.check(at(9, 0));
-        EXPECT_EQ(fresh.check(at(10, 0).addMinutes(hours * 60)), "A 20 11:00 (20 10:00)");
-        fresh.snooze("A", 15);
-        EXPECT_EQ(fresh.check(at(10, 5)), "A 20 11:00 (20 10:00)");
-        fresh.dismiss("A");
-        EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 11:00 (20 10:45)");
-    }
-}
-
-TEST_F(PendingClock, ADismissalUnderAClockHoursAheadIsOfItsReminderAlone) {
-    for (const int hours : {1, 8, 23}) {
-        SCOPED_TRACE(hours);
-        Desk fresh;
-        fresh.put(single("A", at(11, 0), {60, 15}));
-        fresh.check(at(9, 0));
-        EXPECT_EQ(fresh.check(at(10, 0).addMinutes(hours * 60)), "A 20 11:00 (20 10:00)");
-        fresh.dismiss("A");
-        EXPECT_EQ(fresh.check(at(10, 5)), "");
-        EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 11:00 (20 10:45)");
+        for (const bool snoozes : {true, false}) {
+            SCOPED_TRACE(std::to_string(hours) + (snoozes ? " snoozed" : " dismissed"));
+            Desk fresh;
+            fresh.put(single("A", at(11, 0), {60, 15}));
+            fresh.check(at(9, 0));
+            EXPECT_EQ(fresh.check(at(10, 0).addMinutes(hours * 60)), "A 20 11:00 (20 10:00)");
+            if (snoozes) {
+                fresh.snooze("A", 15);
+            } else {
+                fresh.dismiss("A");
+            }
+            EXPECT_EQ(fresh.check(at(10, 5)), snoozes ? "A 20 11:00 (20 10:00)" : "");
+            fresh.dismiss("A");
+            EXPECT_EQ(fresh.run(at(12, 0), 60), "A 20 11:00 (20 10:45)");
+        }
     }
 }
 
