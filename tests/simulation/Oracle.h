@@ -193,6 +193,7 @@ private:
     void noteFinished(Event& event, Seconds now) const;
     void noteStanding(Event& event, Seconds upTo) const;
     void read(const Check& check);
+    bool stands(const Event& event, Seconds key) const;
     const Reminder* firstDue(const Event& event, Seconds upTo) const;
     bool isSnoozeDue(const Event& event, Seconds upTo) const;
     std::optional<Seconds> keyIn(const Plan& plan, Seconds start) const;

@@ -13,12 +13,20 @@ std::string text(Seconds time) { return formatDateTime(dateTime(time)); }
 
 }  // namespace
 
+// What was listed and not acted upon stands in the list, unless its reminder was dealt with by
+// another program.
+bool Oracle::stands(const Event& event, Seconds key) const {
+    const auto listed = event.open.find(key);
+    const auto one = event.plan.occurrenceOf(key, here_);
+    return listed != event.open.end() && one &&
+           !isSettled(event, event.plan, *one, listed->second, false);
+}
+
 // Of what must be listed; what is to come again, since a clock was turned back, comes then.
 const Oracle::Reminder* Oracle::firstDue(const Event& event, Seconds upTo) const {
     for (const Reminder& reminder : event.must) {
         const auto& [key, minutes] = reminder;
-        if (event.open.contains(key) ||
-            event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
+        if (stands(event, key) || event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
             return &reminder;
         }
     }
