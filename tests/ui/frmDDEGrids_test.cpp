@@ -1,4 +1,4 @@
-// The grids in the window, used as a person does: sorted, searched, chosen from, asked for a menu.
+// The grids in the window, used as a person does: sorted, chosen from, asked for a menu.
 #include <functional>
 
 #include <gtest/gtest.h>
@@ -6,14 +6,12 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
-#include "WindowTest.h"
+#include "GridsTest.h"
 
 namespace vl {
 namespace {
@@ -21,37 +19,8 @@ namespace {
 using test::event;
 using test::someFriday;
 
-class frmDDEGrids : public test::WindowTest {
+class frmDDEGrids : public test::GridsTest {
 protected:
-    /// Three reminders listed as new, by time Cello, Anvil, Banjo; the window in front.
-    void loadThree() {
-        load();
-        const std::pair<const char*, const char*> events[] = {
-            {"{c}", "Cello"}, {"{a}", "Anvil"}, {"{b}", "Banjo"}};
-        int minutes = 0;
-        for (const auto& [GUID, subject] : events) {
-            const auto e = event(GUID, subject, someFriday().addMinutes(minutes += 10), 5);
-            e->Location = minutes == 20 ? "Smithy" : "Hall";
-            e->iRemMinutes = 5;
-            add(e);
-            takeIn(e);
-        }
-        window->DoPeriod();
-        window->resize(900, 400);
-        window->ShowHide();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        window->FirstNewRowCurrent();
-    }
-    /// The subjects of the shown rows, from top to bottom.
-    std::string shown(int tab) const {
-        std::string all;
-        for (int i = 0; i < grid(tab).model()->rowCount(); ++i) {
-            all +=
-                (i > 0 ? " " : "") +
-                plainText(grid(tab).model()->index(i, 0).data(GridModel::SummaryRole).toString());
-        }
-        return all;
-    }
     QPoint middleOf(int tab, const char* id) const {
         const QHeaderView& header = *grid(tab).header();
         const int section = columnIndex(gridColumns(tab), id);
@@ -60,12 +29,6 @@ protected:
     }
     void clickHeading(int tab, const char* id) const {
         QTest::mouseClick(grid(tab).header()->viewport(), Qt::LeftButton, {}, middleOf(tab, id));
-    }
-    QPoint rowAt(int tab, int row) const {
-        return grid(tab).visualRect(grid(tab).model()->index(row, 0)).center();
-    }
-    void clickRow(int tab, int row, Qt::KeyboardModifiers keys = {}) const {
-        QTest::mouseClick(grid(tab).viewport(), Qt::LeftButton, keys, rowAt(tab, row));
     }
     /// Asks for the grid's menu and looks at it while it is open.
     void whileMenuIsOpen(int tab, const QContextMenuEvent::Reason by,
@@ -93,8 +56,6 @@ protected:
         }
         return texts;
     }
-    QLineEdit& search() const { return child<QLineEdit>("txtSearch"); }
-    using Texts = std::vector<std::string>;
 };
 
 // ---- columns
@@ -205,82 +166,6 @@ TEST_F(frmDDEGrids, EachTabHasItsOwnRowsButtonsAndTip) {
     EXPECT_EQ(state.curEvent->Subject, "Banjo");
     tabs.setCurrentIndex(0);
     EXPECT_EQ(state.curEvent->Subject, "Cello") << "that of the tab's own current row";
-}
-
-// ---- searching
-
-TEST_F(frmDDEGrids, TheSearchFiltersAsItIsTyped) {
-    loadThree();
-    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
-    EXPECT_TRUE(search().hasFocus());
-    QTest::keyClicks(&search(), "n");
-    EXPECT_EQ(shown(0), "Anvil Banjo");
-    QTest::keyClicks(&search(), "v");
-    EXPECT_EQ(shown(0), "Anvil");
-    EXPECT_EQ(shown(kEventsGrid), "Anvil") << "in all grids";
-    EXPECT_EQ(tab(0), "&New Reminders: 3") << "the captions count what is there";
-    QTest::keyClick(&search(), Qt::Key_Escape);
-    EXPECT_EQ(shown(0), "Cello Anvil Banjo");
-    QTest::keyClicks(&search(), "smith");
-    EXPECT_EQ(shown(0), "Anvil") << "by the location, too";
-    takeIn(event("{d}", "Bugle", someFriday(), 0));
-    EXPECT_EQ(shown(0), "Anvil") << "what comes is filtered as well";
-    EXPECT_EQ(tab(0), "&New Reminders: 4");
-    QTest::keyClicks(&search(), "y nowhere");
-    EXPECT_EQ(grid(0).emptyText(), "Nothing matches the search");
-}
-
-TEST_F(frmDDEGrids, WhatWasChosenIsChosenAgainAfterASearch) {
-    loadThree();
-    clickRow(0, 1);
-    clickRow(0, 2, Qt::ControlModifier);
-    ASSERT_EQ(listed(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
-    for (const char* found : {"cello", "nowhere", "n", "anvil"}) {
-        SCOPED_TRACE(found);
-        search().setFocus();
-        QTest::keyClicks(&search(), found);
-        for (const std::string& GUID : listed(0).SelectedGUIDs()) {
-            EXPECT_NE(GUID, "{c}") << "nobody chose it";
-        }
-        QTest::keyClick(&search(), Qt::Key_Escape);
-        EXPECT_EQ(listed(0).SelectedGUIDs(), (Texts{"{a}", "{b}"}));
-        ASSERT_NE(listed(0).currentRow(), nullptr);
-        EXPECT_EQ(listed(0).currentRow()->GUID, "{b}");
-        EXPECT_FALSE(child<QLabel>("lblStatus").text().isEmpty());
-        EXPECT_TRUE(child<QWidget>("butDismiss").isEnabled());
-    }
-    QTest::keyClicks(&search(), "n");
-    clickRow(0, 0);
-    search().clear();
-    EXPECT_EQ(listed(0).SelectedGUIDs(), Texts{"{a}"}) << "chosen while it was searched";
-}
-
-TEST_F(frmDDEGrids, TheKeyboardGetsFromTheSearchToWhatWasFound) {
-    loadThree();
-    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_Enter}) {
-        SCOPED_TRACE(key);
-        search().setFocus();
-        QTest::keyClicks(&search(), "n");
-        QTest::keyClick(&search(), key);
-        EXPECT_TRUE(grid(0).hasFocus());
-        EXPECT_EQ(listed(0).SelectedGUIDs(), Texts{"{a}"});
-        EXPECT_TRUE(started.empty()) << "it is not opened yet";
-        search().clear();
-        grid(0).list().selectFirst();
-    }
-}
-
-TEST_F(frmDDEGrids, ALettersTabHasTheFocusInItsRows) {
-    loadThree();
-    const std::pair<Qt::Key, int> letters[] = {
-        {Qt::Key_N, 0}, {Qt::Key_A, 1}, {Qt::Key_A, 1}, {Qt::Key_E, 2}};
-    for (const auto& [letter, index] : letters) {
-        SCOPED_TRACE(index);
-        search().setFocus();
-        QTest::keyClick(window.get(), letter, Qt::AltModifier);
-        EXPECT_TRUE(QTest::qWaitFor([&, at = index] { return grid(at).hasFocus(); }));
-        EXPECT_EQ(child<QTabWidget>("tabs").currentIndex(), index);
-    }
 }
 
 // ---- the context menu
