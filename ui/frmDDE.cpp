@@ -181,6 +181,7 @@ void frmDDE::showEvent(QShowEvent* event) {
 void frmDDE::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange && !loading_ && isWatched()) {
+        fillPeriod();
         TimerUpdate.start();
         TimerUpdate_Tick();
         fields_.Doubt();

@@ -65,7 +65,8 @@ public:
     /// The load handler: settings, period list, events, timers. The first check runs as soon as
     /// the event loop does. Call it once; the window stays hidden.
     void Load();
-    /// Makes the controls, as a first show does by itself. The window is loaded.
+    /// Makes the controls and the rows that are not there yet, as a show does by itself. The window
+    /// is loaded.
     void furnish();
     void setVisible(bool visible) override;
 
@@ -96,8 +97,9 @@ public:
     /// Opens the page of the window's help number, at the place of the control that has the focus.
     void ShowHelp();
     bool isNewRemindersTab() const;
-    /// The rows of a grid, whether it has been made or not.
-    const GridList& list(int grid) const { return *lists_[static_cast<std::size_t>(grid)]; }
+    /// The rows of a grid, whether it has been made or not. Those of the period are made now, where
+    /// they have waited for somebody who looks.
+    const GridList& list(int grid);
 
     // ReminderScreen
     void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
@@ -155,6 +157,7 @@ private:
     void wireList(GridList& each);
     void wireTray();
     bool isFurnished() const { return furnished_; }
+    void makeControls();
     void build();
     void buildGrids();
     void layOutControls();
@@ -229,11 +232,8 @@ private:
     void choosePeriod(std::string code);
     void showPeriodAnew();
     bool isWatched() const;
-    GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
-                   int grid, const TimeZone& here) const;
-    GridList& listOf(int grid) { return *lists_[static_cast<std::size_t>(grid)]; }
-    GridList& selectedList() { return listOf(tab()); }
-    const GridList& selectedList() const { return list(tab()); }
+    GridList& selectedList();
+    const GridList& selectedList() const { return listOf(tab()); }
     // Only where `isFurnished`.
     Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
     Grid& selectedGrid() const { return grid(tab()); }
@@ -247,6 +247,19 @@ private:
     std::string currentGUID() const;
     std::string troubleText() const;
     QString notice() const;
+
+    // rows (frmDDERows.cpp)
+    DateTime beginPeriod();
+    void countPeriod();
+    void fillPeriod();
+    void fillLists();
+    bool waits(int grid) const;
+    std::size_t rowsOfTab() const;
+    GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
+                   int grid, const TimeZone& here) const;
+    // As they were filled last.
+    GridList& listOf(int grid) { return *lists_[static_cast<std::size_t>(grid)]; }
+    const GridList& listOf(int grid) const { return *lists_[static_cast<std::size_t>(grid)]; }
 
     // names of fields (frmDDEFields.cpp)
     std::vector<std::shared_ptr<calEvent>> listedEvents() const;
@@ -287,6 +300,8 @@ private:
     FieldAsker fields_;
     TimeText timeText_;
     std::array<std::unique_ptr<GridList>, kGridCount> lists_;
+    bool periodWaits_ = false;  // the lists are not what the period lists now
+    std::array<std::size_t, kGridCount> waitingRows_{};  // how many rows it lists then
     KeptColumns keptColumns_;
     WheelQueue wheel_;
 

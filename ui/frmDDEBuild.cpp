@@ -40,12 +40,16 @@ constexpr std::array<Tab, kGridCount> kTabs{{
 
 }  // namespace
 
+void frmDDE::furnish() {
+    if (!isFurnished()) {
+        makeControls();
+    }
+    fillPeriod();
+}
+
 // Nothing of it is the user's doing. At the end the controls say what the lists and the state hold,
 // as if they had been there all the time.
-void frmDDE::furnish() {
-    if (isFurnished()) {
-        return;
-    }
+void frmDDE::makeControls() {
     const ErrScope scope;
     const bool loading = std::exchange(loading_, true);
     build();

@@ -207,8 +207,8 @@ void frmDDE::SetIcon() {
 void frmDDE::SetFlashingIcon(bool on) { tray_.setNew(on); }
 
 QString frmDDE::GetIconText() {
-    QString text = qtText(iconText(tab(), selectedList().rowCount(),
-                                   list(kNewRemindersGrid).rowCount(), IsWindowVisible()));
+    QString text =
+        qtText(iconText(tab(), rowsOfTab(), list(kNewRemindersGrid).rowCount(), IsWindowVisible()));
     tray_.setToolTip(text);
     return text;
 }

@@ -16,6 +16,9 @@
 namespace vl {
 namespace {
 
+using test::event;
+using test::someFriday;
+
 class frmDDEHidden : public test::WindowTest {
 protected:
     std::size_t controls() const { return std::size_t(window->findChildren<QWidget*>().size()); }
@@ -65,8 +68,8 @@ protected:
         switch (pick(7)) {
             case 0:
             case 1:
-                takeIn(test::event(GUID, "Subject of " + GUID,
-                                   clock.now().addMinutes(pick(90) - 30), pick(30)));
+                takeIn(event(GUID, "Subject of " + GUID, clock.now().addMinutes(pick(90) - 30),
+                             pick(30)));
                 break;
             case 2:
                 window->RemoveGUID(GUID, pick(kGridCount));
@@ -75,8 +78,8 @@ protected:
                 window->FirstNewRowCurrent();
                 break;
             case 4:
-                add(test::event(GUID, "Of the period " + GUID,
-                                clock.now().addMinutes(pick(600) - 200), pick(30)));
+                add(event(GUID, "Of the period " + GUID, clock.now().addMinutes(pick(600) - 200),
+                          pick(30)));
                 window->DoPeriod();
                 break;
             case 5:
@@ -94,7 +97,7 @@ protected:
 TEST_F(frmDDEHidden, ControlsAreMadeWhenItIsFirstShown) {
     haveDatabase();
     load();
-    takeIn(test::event("{1}", "Tea", clock.now(), 5));
+    takeIn(event("{1}", "Tea", clock.now(), 5));
     window->DoPeriod();
     window->UpdateUI();
     window->UpdateG1();
@@ -117,7 +120,7 @@ TEST_F(frmDDEHidden, NobodyCanTellWhenTheControlsWereMade) {
         SCOPED_TRACE(seed);
         std::string told[2];
         for (const bool early : {false, true}) {
-            clock.time = test::someFriday();
+            clock.time = someFriday();
             state = ReminderState();
             period.mCol = std::make_shared<GenCollection>();
             std::mt19937 random(seed);
@@ -140,7 +143,7 @@ TEST_F(frmDDEHidden, TheSavedOrderOfTheRowsHoldsBeforeAnybodySeesThem) {
     settings.SaveIni(kColumnsSection, "NewRemindersSort", "-Subject");
     load();
     for (const char* subject : {"b", "c", "a"}) {
-        takeIn(test::event(std::string("{") + subject + "}", subject, clock.now(), 5));
+        takeIn(event(std::string("{") + subject + "}", subject, clock.now(), 5));
     }
     window->FirstNewRowCurrent();
     EXPECT_EQ(plainText(listed(0).currentRow()->summary), "c");
@@ -151,6 +154,43 @@ TEST_F(frmDDEHidden, TheSavedOrderOfTheRowsHoldsBeforeAnybodySeesThem) {
 }
 
 // A window that nobody has opened all day leaves the settings as one that was.
+TEST_F(frmDDEHidden, RowsAreMadeWhenSomebodyLooks) {
+    load();
+    window->show();
+    child<QTabWidget>("tabs").setCurrentIndex(kEventsGrid);
+    add(event("{1}", "Meeting", someFriday().addMinutes(60), 15));
+    window->DoPeriod();
+    const GridList& events = grid(kEventsGrid).list();
+    ASSERT_EQ(events.rowCount(), 1U);
+
+    window->hide();
+    add(event("{2}", "Lunch", someFriday().addMinutes(90), 15));
+    window->DoPeriod();
+    EXPECT_EQ(events.rowCount(), 1U) << "nobody sees it";
+    EXPECT_EQ(window->GetIconText(), "2 Events\r\n(click to show/hide)");
+
+    window->AddItemR(event("{3}", "In no set", someFriday().addMinutes(95), 15), kEventsGrid);
+    EXPECT_EQ(events.rowCount(), 1U);
+
+    window->show();
+    EXPECT_EQ(events.rowCount(), 2U);
+    EXPECT_TRUE(events.contains("{2}"));
+    EXPECT_EQ(tab(kEventsGrid), "&Events: 2");
+    EXPECT_EQ(window->GetIconText(), "2 Events");
+}
+
+TEST_F(frmDDEHidden, RowsOfAMinimizedWindowAreMadeWhenItIsBack) {
+    load();
+    window->show();
+    const GridList& events = grid(kEventsGrid).list();
+    window->showMinimized();
+    add(event("{1}", "Meeting", someFriday().addMinutes(60), 15));
+    window->DoPeriod();
+    EXPECT_EQ(events.rowCount(), 0U);
+    window->showNormal();
+    EXPECT_EQ(events.rowCount(), 1U);
+}
+
 TEST_F(frmDDEHidden, WritesTheSameSettings) {
     settings.SaveIni("Window", "Left", "60");
     settings.SaveIni("Window", "Top", "70");

@@ -43,6 +43,7 @@ TEST_F(frmDDERows, RowsKeepWhatTheyShowWhenQueriesChangeTheEvent) {
     const auto e = event("{1}", "Meeting", someFriday().addMinutes(60), 15);
     add(e);
     window->DoPeriod();
+    ASSERT_EQ(listed(1).rowCount(), 1U);
     e->InstanceStart = DateTime();
     e->iRemMinutes = calEvent::kNoReminder;
     EXPECT_EQ(listed(1).rows().rows().at(0).reminder, someFriday().addMinutes(45));
