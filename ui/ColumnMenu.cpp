@@ -7,6 +7,7 @@
 #include <QMenu>
 
 #include "ui/Grid.h"
+#include "ui/MenuLook.h"
 
 namespace vl {
 
@@ -150,6 +151,14 @@ void fillColumnMenu(QMenu& menu, Grid& grid) {
     for (const QMenu* inside : menu.findChildren<QMenu*>()) {
         giveLetters(*inside);
     }
+}
+
+void showColumnMenu(Grid& grid, const QPoint& at) {
+    QMenu menu(&grid);
+    menu.setObjectName("mnuColumns");
+    fillColumnMenu(menu, grid);
+    applyMenuLook(menu);
+    menu.exec(at);
 }
 
 }  // namespace vl

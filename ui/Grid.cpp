@@ -10,7 +10,6 @@
 #include <QPainter>
 #include <QScrollBar>
 
-#include "ui/ColumnNeeds.h"
 #include "ui/GridDelegate.h"
 #include "ui/QtText.h"
 
@@ -25,7 +24,7 @@ struct Grid::Place {
 };
 
 Grid::Grid(GridList& list, QWidget* parent)
-    : QTreeView(parent), list_(list), widths_(list.rows().columns().size()) {
+    : QTreeView(parent), list_(list), columns_(*this, list) {
     const auto columns = list_.rows().columns();
     setItemDelegate(
         new GridDelegate(columnIndex(columns, CIDSubject), columnIndex(columns, CIDDue), this));
@@ -46,6 +45,7 @@ Grid::Grid(GridList& list, QWidget* parent)
     // As the list is sorted, or it would be sorted anew by whatever column comes first.
     header()->setSortIndicator(list_.proxy().sortColumn(), list_.proxy().sortOrder());
     setSortingEnabled(true);
+    columns_.watch();
     wireHeader();
     wireList();
 }
@@ -58,39 +58,13 @@ void Grid::wireList() {
     connect(&list_, &GridList::refilling, this,
             [this] { before_ = std::make_unique<Place>(place()); });
     connect(&list_, &GridList::refilled, this, [this] {
-        measure();
+        columns_.measure();
         restore(*before_);
     });
-    measuring_.setSingleShot(true);
-    connect(&measuring_, &QTimer::timeout, this, &Grid::measure);
-    connect(&list_.rows(), &QAbstractItemModel::rowsInserted, this, &Grid::measureSoon);
-    connect(&list_.rows(), &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& from, const QModelIndex& to) {
-                const int live = columnIndex(list_.rows().columns(), CIDDue);
-                if (from.column() != live || to.column() != live) {  // which a minute changes
-                    measureSoon();
-                }
-            });
-}
-
-// One row may follow the other.
-void Grid::measureSoon() {
-    if (isVisible()) {
-        measuring_.start(0);
-    }
 }
 
 void Grid::wireHeader() {
-    const auto changed = [this] { emit columnsChanged(); };
-    connect(header(), &QHeaderView::sectionMoved, this, changed);
-    connect(header(), &QHeaderView::sortIndicatorChanged, this, changed);
-    connect(header(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
-        if (width > 0 && !fitting_) {  // hiding one makes it 0
-            widths_[static_cast<std::size_t>(column)] = width;
-            sized_ = true;
-            emit columnsChanged();
-        }
-    });
+    connect(&columns_, &ShownColumns::changed, this, &Grid::columnsChanged);
     header()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(header(), &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
         emit headingMenuAsked(header()->viewport()->mapToGlobal(at));
@@ -98,82 +72,6 @@ void Grid::wireHeader() {
 }
 
 void Grid::InitGrid() { arrange(firstLayout(list_.grid(), unit())); }
-
-void Grid::arrange(const ColumnLayout& layout) {
-    int place = 0;
-    for (const ColumnLayout::Column& column : layout.columns) {
-        const int index = columnIndex(list_.rows().columns(), column.id);
-        header()->moveSection(header()->visualIndex(index), place++);
-        setColumnHidden(index, column.hidden);
-    }
-    setWidths(layout);
-    sized_ = layout.sized;
-    needs_.clear();
-    measure();
-    sortByColumn(columnIndex(list_.rows().columns(), layout.sortedBy),
-                 layout.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
-    emit columnsChanged();
-}
-
-void Grid::setWidths(const ColumnLayout& layout) {
-    fitting_ = true;
-    for (const ColumnLayout::Column& column : layout.columns) {
-        const int index = columnIndex(list_.rows().columns(), column.id);
-        widths_[static_cast<std::size_t>(index)] = column.width;
-        setColumnWidth(index, column.width);  // a hidden one has it when it is shown
-    }
-    fitting_ = false;
-}
-
-void Grid::measure() {
-    if (sized_) {
-        return;
-    }
-    std::vector<int> needs = neededWidths(list_.rows(), fontMetrics());
-    // A little more than the cell's margins, or the next column's text would seem to go on with it.
-    const int margins =
-        2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + unit();
-    for (int column = 0; column < header()->count(); ++column) {
-        int& need = needs[static_cast<std::size_t>(column)];
-        need = need == 0 ? 0 : std::max(need + margins, header()->sectionSizeHint(column));
-    }
-    if (needs != needs_) {
-        needs_ = std::move(needs);
-        fit();
-    }
-}
-
-void Grid::fit() {
-    if (!sized_) {
-        ColumnLayout layout = columnLayout();
-        fitColumns(layout, list_.grid(), unit(), viewport()->width(), needs_);
-        setWidths(layout);
-    }
-}
-
-ColumnLayout Grid::columnLayout() const {
-    ColumnLayout layout;
-    const auto columns = list_.rows().columns();
-    for (int place = 0; place < header()->count(); ++place) {
-        const int column = header()->logicalIndex(place);
-        const auto at = static_cast<std::size_t>(column);
-        layout.columns.push_back({columns[at].id, widths_[at], isColumnHidden(column)});
-    }
-    layout.sortedBy = columns[static_cast<std::size_t>(header()->sortIndicatorSection())].id;
-    layout.descending = header()->sortIndicatorOrder() == Qt::DescendingOrder;
-    layout.sized = sized_;
-    return layout;
-}
-
-void Grid::showColumn(int column, bool shown) {
-    if (shown == isColumnHidden(column)) {
-        fitting_ = true;
-        setColumnHidden(column, !shown);
-        fitting_ = false;
-        fit();
-        emit columnsChanged();
-    }
-}
 
 // From there on the user goes on by the keyboard: it is where a choice of several rows begins. With
 // a key held down the view would take it for a choice of the user's.
@@ -235,13 +133,13 @@ void Grid::paintEvent(QPaintEvent* event) {
 }
 
 void Grid::showEvent(QShowEvent* event) {
-    measure();
+    columns_.measure();
     QTreeView::showEvent(event);
 }
 
 void Grid::resizeEvent(QResizeEvent* event) {
     if (event->size().width() != event->oldSize().width()) {
-        fit();  // first, or a scroll bar would come and go
+        columns_.fit();  // first, or a scroll bar would come and go
     }
     QTreeView::resizeEvent(event);
 }
@@ -249,8 +147,8 @@ void Grid::resizeEvent(QResizeEvent* event) {
 void Grid::changeEvent(QEvent* event) {
     QTreeView::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        measure();
-        fit();
+        columns_.measure();
+        columns_.fit();
     }
 }
 

@@ -3,14 +3,13 @@
 
 #include <functional>
 #include <memory>
-#include <vector>
 
-#include <QTimer>
 #include <QTreeView>
 
 #include "ui/ColumnLayout.h"
 #include "ui/GridList.h"
 #include "ui/HeldKey.h"
+#include "ui/ShownColumns.h"
 
 namespace vl {
 
@@ -28,14 +27,11 @@ public:
 
     /// Order, widths and sorting as they are at first: by the reminder's time, or the event's date.
     void InitGrid();
-    /// Where the user has not chosen widths, the columns fit into the grid, however large it gets,
-    /// and dates are wide enough for what they say.
-    void arrange(const ColumnLayout& layout);
-    ColumnLayout columnLayout() const;
-    /// The width of an average character, which first widths are counted in.
-    int unit() const { return fontMetrics().averageCharWidth(); }
-    /// Hidden, a column keeps its width and its place.
-    void showColumn(int column, bool shown);
+    /// These four as `ShownColumns` has them.
+    void arrange(const ColumnLayout& layout) { columns_.arrange(layout); }
+    ColumnLayout columnLayout() const { return columns_.layout(); }
+    int unit() const { return columns_.unit(); }
+    void showColumn(int column, bool shown) { columns_.show(column, shown); }
     /// Scrolls one step: by so many pixels down and to the right, as far as there is something.
     void ScrollDown(int down, int right = 0);
     /// Scrolls as far as it takes to have the current row in view.
@@ -75,23 +71,15 @@ private:
     struct Place;
     void wireHeader();
     void wireList();
-    void measure();
-    void measureSoon();
-    void fit();
-    void setWidths(const ColumnLayout& layout);
     QPoint menuPlace() const;
     void onRowAsked(const QModelIndex& at);
     Place place() const;
     void restore(const Place& place);
 
     GridList& list_;
+    ShownColumns columns_;
     HeldKey held_;
     QString emptyText_;
-    std::vector<int> widths_;  // by column, also of the hidden ones
-    std::vector<int> needs_;   // for what the columns say, see `fitColumns`
-    QTimer measuring_;         // once, when rows have come
-    bool sized_ = false;       // by the user
-    bool fitting_ = false;     // by the grid itself, just now
     // Where the list stood before a refill that is under way.
     std::unique_ptr<Place> before_;
 };

@@ -2,12 +2,15 @@
 // not.
 #pragma once
 
+#include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <QItemSelectionModel>
 
+#include "notify/ReminderScreen.h"
 #include "ui/GridModel.h"
 #include "ui/GridProxy.h"
 
@@ -102,5 +105,8 @@ private:
     std::string chosenCurrent_;
     bool filtering_ = false;
 };
+
+/// One for each grid, in the order of the tabs.
+using GridLists = std::array<std::unique_ptr<GridList>, kGridCount>;
 
 }  // namespace vl

@@ -1,8 +1,25 @@
 #include "ui/KeptColumns.h"
 
+#include <chrono>
+
 #include "app/Settings.h"
+#include "base/ErrorState.h"
 
 namespace vl {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kRest = 500ms;
+
+}  // namespace
+
+KeptColumns::KeptColumns(Settings& settings) : settings_(settings) {
+    rest_.setSingleShot(true);
+    rest_.setInterval(kRest);
+    connect(&rest_, &QTimer::timeout, this, qOverload<>(&KeptColumns::write));
+}
 
 void KeptColumns::read() {
     for (int grid = 0; grid < kGridCount; ++grid) {
@@ -14,6 +31,29 @@ void KeptColumns::read() {
 ColumnLayout KeptColumns::layout(int grid, int unit) const {
     const One& kept = kept_[static_cast<std::size_t>(grid)];
     return readLayout(grid, unit, kept.columns, kept.sort);
+}
+
+void KeptColumns::arrange(Grid& grid) {
+    One& kept = one(grid.list().grid());
+    kept.shown = &grid;
+    grid.arrange(layout(grid.list().grid(), grid.unit()));
+    kept.saved = grid.columnLayout();
+}
+
+void KeptColumns::writeWhatWaits() {
+    if (rest_.isActive()) {
+        write();
+    }
+}
+
+void KeptColumns::write() {
+    const ErrScope scope;
+    rest_.stop();
+    for (int grid = 0; grid < kGridCount; ++grid) {
+        if (const Grid* shown = one(grid).shown) {
+            write(grid, shown->columnLayout());
+        }
+    }
 }
 
 void KeptColumns::write(int grid, const ColumnLayout& now) {

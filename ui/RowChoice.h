@@ -18,4 +18,13 @@ struct RowChoice {
     bool hides = true;      ///< else they are shown again
 };
 
+/// What the buttons offer to do to the rows that are chosen.
+struct ActsOffered {
+    bool snoozes = true;    ///< the current row; else the selected ones are hidden
+    bool hides = true;      ///< else they are shown again
+    bool dismisses = true;  ///< the selected rows; else they are reactivated
+    bool anySelected = false;
+    bool anyCurrent = false;
+};
+
 }  // namespace vl

@@ -1,54 +1,38 @@
 #include "ui/frmDDE.h"
 
-#include <chrono>
-
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QGridLayout>
 #include <QKeyEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QShortcut>
-#include <QTabBar>
 #include <QTabWidget>
 
 #include "app/TimeText.h"
 #include "base/ErrorState.h"
-#include "ui/ElidedLabel.h"
-#include "ui/InputWatch.h"
-#include "ui/SplitButton.h"
-#include "ui/UpDown.h"
 
 namespace vl {
-
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kColumnsRest = 500ms;
-
-}  // namespace
 
 frmDDE::frmDDE(const WindowParts& parts)
     : parts_(parts),
       state_(parts.state),
+      timeText_([](DateTime d) { return shortTimeText(d); }),
       acts_(parts.reminders, parts.period, parts.db, parts.clock, parts.ledger, parts.state),
       check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this, parts.ledger,
              acts_),
       update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
       tray_(pictures_, parts.state, this),
-      fields_([this] { return listedEvents(); }, [this] { return isWatched(); }, this),
-      timeText_([](DateTime d) { return shortTimeText(d); }),
+      popUp_(pictures_, tray_),
+      rowActs_(*this, parts_, timeText_, acts_, check_),
+      place_(*this, parts.settings),
+      statusText_(parts_, timeText_),
+      help_(parts_, [this](const QString& why) { sayOnce(why); }),
+      boxes_(*this, [this] { help_.open(help_.number, boxHelp_); }),
+      fields_([this] { return lists_.events(); }, [this] { return isWatched(); }, this),
+      lists_(parts_, timeText_, [this](calEvent& event) { fields_.Recall(event); }),
       keptColumns_(parts.settings),
       wheel_(parts.state) {
     setObjectName("frmDDE");
     setWindowTitle(tr("VL Reminders"));
     setAccessibleName(windowTitle());  // minimized it would have none
     setWindowIcon(pictures_.program);
-    for (int i = 0; i < kGridCount; ++i) {
-        auto& each = lists_[static_cast<std::size_t>(i)];
-        each = std::make_unique<GridList>(i, timeText_);
+    for (const auto& each : lists_.all()) {
         wireList(*each);
     }
     wireTimers();
@@ -56,12 +40,12 @@ frmDDE::frmDDE(const WindowParts& parts)
 }
 
 frmDDE::~frmDDE() {
-    saveColumnsThatWait();
+    keptColumns_.writeWhatWaits();
     removeSubclasses();
     if (isFurnished()) {  // while there are still the lists that the grids show
-        tabs->disconnect(this);
-        delete tabs;
-        furnished_ = false;
+        controls_->tabs->disconnect(this);
+        delete controls_->tabs;
+        controls_.reset();
     }
 }
 
@@ -82,10 +66,7 @@ void frmDDE::wireTimers() {
     trayWait_.setObjectName("TimerTray");
     trayWait_.setSingleShot(true);
     connect(&trayWait_, &QTimer::timeout, this, &frmDDE::lookForTray);
-    saveColumns_.setSingleShot(true);
-    saveColumns_.setInterval(kColumnsRest);
-    connect(&saveColumns_, &QTimer::timeout, this, &frmDDE::saveColumns);
-    connect(&fields_, &FieldAsker::named, this, &frmDDE::showFields);
+    connect(&fields_, &FieldAsker::named, this, [this] { lists_.renewFields(); });
 }
 
 void frmDDE::wireList(GridList& each) {
@@ -117,9 +98,11 @@ void frmDDE::wireTray() {
     });
     connect(&tray_, &Tray::refresh, this, &frmDDE::mnuRefresh_Click);
     connect(&tray_, &Tray::about, this, &frmDDE::mnuAbout_Click);
-    connect(&tray_, &Tray::cleanUp, this, &frmDDE::mnuCleanUp_Click);
-    connect(&tray_, &Tray::deleteAll, this, &frmDDE::mnuDeleteAll_Click);
+    connect(&tray_, &Tray::cleanUp, this, [this] { maintain(&Maintenance::CleanUp); });
+    connect(&tray_, &Tray::deleteAll, this, [this] { maintain(&Maintenance::DeleteAll); });
     connect(&tray_, &Tray::exit, this, &frmDDE::Exit);
+    connect(&popUp_, &PopUp::linkClicked, this, &frmDDE::MarkupHyperlinkClick);
+    connect(&popUp_, &PopUp::closed, this, &frmDDE::HidePopUp);
 }
 
 void frmDDE::TimerCheck_Tick() {
@@ -129,11 +112,9 @@ void frmDDE::TimerCheck_Tick() {
     }
 }
 
-bool frmDDE::isWatched() const { return isVisible() && !isMinimized(); }
-
 // Hidden, there is no clock to show and no row to age: it then runs with each check.
 void frmDDE::TimerUpdate_Tick() {
-    noteFrame();
+    place_.note();
     update_.Tick();
     if (!isWatched()) {
         TimerUpdate.stop();
@@ -192,7 +173,7 @@ void frmDDE::changeEvent(QEvent* event) {
 
 // The toast has no keys of its own.
 void frmDDE::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && popup_ != nullptr && popup_->isVisible()) {
+    if (event->key() == Qt::Key_Escape && popUp_.isShown()) {
         HidePopUp();
     } else {
         QWidget::keyPressEvent(event);
@@ -201,7 +182,7 @@ void frmDDE::keyPressEvent(QKeyEvent* event) {
 
 void frmDDE::moveEvent(QMoveEvent* event) {
     QWidget::moveEvent(event);
-    noteFrame();
+    place_.note();
 }
 
 void frmDDE::hideEvent(QHideEvent* event) {

@@ -1,16 +1,12 @@
 // The main window: period list, three grids, status line.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <QDeadlineTimer>
-#include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
@@ -21,34 +17,23 @@
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
 #include "notify/UpdateCycle.h"
-#include "ui/DialogParts.h"
 #include "ui/FieldAsker.h"
-#include "ui/Grid.h"
-#include "ui/GridList.h"
 #include "ui/GridUtils.h"
 #include "ui/KeptColumns.h"
 #include "ui/MessageBoxes.h"
-#include "ui/RowChoice.h"
-#include "ui/RowFill.h"
-#include "ui/Toast.h"
+#include "ui/PopUp.h"
+#include "ui/RowActs.h"
+#include "ui/StatusText.h"
 #include "ui/Tray.h"
 #include "ui/TrayPictures.h"
 #include "ui/WheelQueue.h"
+#include "ui/WindowControls.h"
+#include "ui/WindowHelp.h"
+#include "ui/WindowLists.h"
 #include "ui/WindowParts.h"
-
-class QComboBox;
-class QLabel;
-class QLineEdit;
-class QMenu;
-class QPushButton;
-class QTabWidget;
+#include "ui/WindowPlace.h"
 
 namespace vl {
-
-class SplitButton;
-class StatusLine;
-class UpDown;
-class frmDismiss;
 
 /// Hidden at start and whenever the user closes it; the program ends by `mnuExit` only. Its
 /// controls are made when it is first shown: most days it waits for hours, and what nobody sees
@@ -81,6 +66,7 @@ public:
     /// Saves and removes the wheel subclassing, once; from then on the window lets itself be
     /// closed.
     void Unload();
+    bool isExiting() const { return exiting_; }
     /// Unloads, then ends the event loop.
     void Exit();
     /// The text of the tray's tooltip, which it also sets.
@@ -94,12 +80,33 @@ public:
     void RequestMouseWheel(Grid& target, const WheelTurn& turn);
     /// Scrolls the grid of the request by what was turned.
     void MouseWheel();
+
     /// Opens the page of the window's help number, at the place of the control that has the focus.
     void ShowHelp();
-    bool isNewRemindersTab() const;
+    void openHelp(int page) { help_.open(page); }
+    /// Shows message boxes, which F1 tells about at that place of the window's page.
+    MessageScreen& boxes(const char* helpPlace);
+    /// Whoever asks for the window, or for another dialog, is first to answer the one that is open.
+    /// False where none is.
+    bool bringDialogForward();
+    /// The window has come by itself a moment ago, see `WindowParts::keysRest`.
+    bool hasJustCome() const { return !justCame_.hasExpired(); }
+    /// In the status line, until another row is current.
+    void sayOnce(const QString& notice);
+
+    bool isNewRemindersTab() const { return tab() == kNewRemindersGrid; }
+    /// The code of the period shown, without regard to case.
+    bool isPeriod(std::string_view code) const;
     /// The rows of a grid, whether it has been made or not. Those of the period are made now, where
     /// they have waited for somebody who looks.
     const GridList& list(int grid);
+    GridList& selectedList();
+    /// As it was filled last.
+    GridList& listOf(int grid) { return lists_.of(grid); }
+    /// What the user goes on with.
+    void focusRows();
+    /// Rows are taken out and put in again; the selected grid stays where it is scrolled to.
+    void keepScrollPlace(const std::function<void()>& change);
 
     // ReminderScreen
     void AddItemR(const std::shared_ptr<calEvent>& event, int grid) override;
@@ -129,217 +136,95 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    // what happens
+    // building (frmDDE.cpp, frmDDEBuild.cpp, frmDDELoad.cpp)
+    void wireTimers();
+    void wireList(GridList& each);
+    void wireTray();
+    void makeControls();
+    void wireControls();
+    void wireGrid(Grid& each);
+    void wireKeys();
+    void subclassGrids();
+    void removeSubclasses();
+    void upgradeDatabase();
+    void readColumns();
+    void startTimers();
+    void selectSavedPeriod();
+    bool isFurnished() const { return controls_ != nullptr; }
+
+    // timers
     void TimerCheck_Tick();
     void TimerUpdate_Tick();
     void TimerFlash_Tick();
     void TimerActions_Tick();
+
+    // views (frmDDEViews.cpp)
     void cboPeriod_Changed(int index);
     void DoUD();
     void tabs_Changed();
     void txtSearch_Changed(const QString& search);
     void currentRowChanged();
-    void Tray_Click();
-    void mnuTray_Opening();
-    void MarkupHyperlinkClick(int tag);
-    void mnuRefresh_Click();
-    void mnuAbout_Click();
-    void mnuCleanUp_Click();
-    void mnuDeleteAll_Click();
-    void butOpen_Click();
-    void butSnooze_Click();
-    void butDismiss_Click();
-    void lookForTray();
-    void sayTrayMissing();
-
-    // building (frmDDE.cpp, frmDDEBuild.cpp)
-    void wireTimers();
-    void wireList(GridList& each);
-    void wireTray();
-    bool isFurnished() const { return furnished_; }
-    void makeControls();
-    void build();
-    void buildGrids();
-    void layOutControls();
-    void wireControls();
-    void wireGrid(Grid& each);
-    void wireKeys();
-    void fillPeriods();
-    void setTabFont();
-    void initGrids();
-    void layOut();
-    void applyFont();
-    void subclassGrids();
-    Toast& popUp();
-
-    // the load handler's steps (frmDDELoad.cpp)
-    void beginLoading();
-    void placeWindow();
-    void readSettings();
-    void readPeriodSettings();
-    void upgradeDatabase();
-    void prepareActions();
-    void showTray();
-    void readEvents();
-    void setCheckTimer();
-    void readColumns();
-    void startTimers();
-    void endLoading();
-    void selectSavedPeriod();
-    void removeSubclasses();
-    int numberSetting(const char* key) const;  // of the section "Reminders"; 0 when not there
-
-    // columns (frmDDEColumns.cpp)
     void columnsChanged();
-    void saveColumns();
-    void saveColumnsThatWait();
-    static void headingMenu(Grid& of, const QPoint& at);
-
-    // acts on rows (frmDDEActs.cpp)
-    RowChoice choice() const;
-    RowChoice menuChoice();
-    void noteMenuChoice();
-    DialogParts dialogParts();
-    void snoozeOrHide(const RowChoice& of);
-    void doSnooze(const RowChoice& of);
-    void doHide(const RowChoice& of);
-    void openAsked();
-    void dismissAsked(bool choose);
-    void dismissChosen(bool choose);
-    void dismiss(const RowChoice& of);
-    void chooseDismiss(const RowChoice& of);
-    void fillDismiss(frmDismiss& dialog, const ActRow& row);
-    void reactivate(const RowChoice& of);
-    void removeFromAll(const std::vector<ActRow>& rows);
-    void leaveGrids(const std::vector<ActRow>& rows, int tab);
-    void leaveEmptyList(int tab);
-
-    // menus (frmDDEMenus.cpp)
-    MessageScreen& boxes(const char* helpPlace);
-    Maintenance maintenance();
-    void maintain(void (Maintenance::*flow)());
-    void open(const RowChoice& of);
-    void gridMenu(const QPoint& at);
-    void fillGridMenu(QMenu& menu);
-    void updateButtons();
-    void updateSnooze(bool anySelected);
-    void updateDismiss(bool anySelected);
-
-    // views (frmDDEViews.cpp)
-    bool isPeriod(std::string_view code) const;
-    int tab() const;
     void ShowPeriod();
     void choosePeriod(std::string code);
     void showPeriodAnew();
-    bool isWatched() const;
-    GridList& selectedList();
-    const GridList& selectedList() const { return listOf(tab()); }
-    // Only where `isFurnished`.
-    Grid& grid(int index) const { return *grids_[static_cast<std::size_t>(index)]; }
-    Grid& selectedGrid() const { return grid(tab()); }
-    void focusRows();
+    int tab() const;
     void selectTab(int grid);
-    void showCaptions();
-    void showEmptyTexts();
     void showStatus();
-    void sayOnce(const QString& notice);
-    QString rowStatus() const;
-    std::string currentGUID() const;
-    std::string troubleText() const;
-    QString notice() const;
-
-    // rows (frmDDERows.cpp)
-    DateTime beginPeriod();
-    void countPeriod();
+    void updateButtons();
     void fillPeriod();
-    void fillLists();
-    bool waits(int grid) const;
-    std::size_t rowsOfTab() const;
-    GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
-                   int grid, const TimeZone& here) const;
-    // As they were filled last.
-    GridList& listOf(int grid) { return *lists_[static_cast<std::size_t>(grid)]; }
-    const GridList& listOf(int grid) const { return *lists_[static_cast<std::size_t>(grid)]; }
-
-    // names of fields (frmDDEFields.cpp)
-    std::vector<std::shared_ptr<calEvent>> listedEvents() const;
-    bool showsFields() const;
     void wantFields();
-    void showFields();
 
-    // help (frmDDEHelp.cpp)
-    void openHelp(int page, const char* place = "");
+    // menus (frmDDEMenus.cpp)
+    void mnuTray_Opening();
+    void mnuRefresh_Click();
+    void mnuAbout_Click();
+    void maintain(void (Maintenance::*flow)());
+    void gridMenu(const QPoint& at);
+    void changeSetting(const std::function<void(ReminderState&)>& change);
 
     // showing (frmDDEShow.cpp)
-    bool bringDialogForward();
-    bool hasJustCome() const;
+    bool isWatched() const { return isVisible() && !isMinimized(); }
     void showWindow();
     void hideWindow();
-    void minimize();
-    void keepPlace();
-    bool isNormal() const;
-    void noteFrame();
     void SetFlashingIcon(bool on);
-    void changeSetting(const std::function<void(ReminderState&)>& change);
+    void Tray_Click();
+    void MarkupHyperlinkClick(int tag);
+    void lookForTray();
+    void sayTrayMissing();
 
     WindowParts parts_;
     ReminderState& state_;
+    TimeText timeText_;
     TrayPictures pictures_;  // Pic1, Pic2
     Acts acts_;
     CheckCycle check_;
     UpdateCycle update_;
     Tray tray_;
-    std::unique_ptr<Toast> popup_;  // made when there is something to say
+    PopUp popUp_;
+    RowActs rowActs_;
+    WindowPlace place_;
+    StatusText statusText_;
+    WindowHelp help_;
+    const char* boxHelp_ = "";  // the place that tells about the boxes of the command at work
+    MessageBoxes boxes_;
     QTimer TimerCheck{this};
     QTimer TimerUpdate{this};
     QTimer TimerFlash{this};
     QTimer TimerActions{this};
-    QTimer firstCheck_{this};   // once, as soon as the event loop runs
-    QTimer trayWait_{this};     // once, when a tray should have come
-    QTimer saveColumns_{this};  // once, when columns have come to rest
+    QTimer firstCheck_{this};  // once, as soon as the event loop runs
+    QTimer trayWait_{this};    // once, when a tray should have come
     FieldAsker fields_;
-    TimeText timeText_;
-    std::array<std::unique_ptr<GridList>, kGridCount> lists_;
-    bool periodWaits_ = false;  // the lists are not what the period lists now
-    std::array<std::size_t, kGridCount> waitingRows_{};  // how many rows it lists then
+    WindowLists lists_;
     KeptColumns keptColumns_;
     WheelQueue wheel_;
+    std::unique_ptr<WindowControls> controls_;  // null until the window is first shown
 
-    // The controls: null until the window is first shown.
-    QLabel* lblPeriod = nullptr;
-    QComboBox* cboPeriod = nullptr;
-    UpDown* UpDown1 = nullptr;
-    QLineEdit* txtSearch = nullptr;
-    QLabel* lblTime = nullptr;
-    QTabWidget* tabs = nullptr;
-    StatusLine* status_ = nullptr;
-    QPushButton* butSnooze = nullptr;
-    SplitButton* butDismiss = nullptr;
-    QPushButton* butOpen = nullptr;
-    QPushButton* butMenu = nullptr;
-    QPushButton* butHide = nullptr;
-    std::array<Grid*, kGridCount> grids_{};
-
-    std::optional<RowChoice> menuChoice_;  // what the menu is about that was opened last
-    QDeadlineTimer justCame_;              // see `hasJustCome`
-    QStringList captions_;                 // of the tabs, without counts
-    QPoint frame_;  // from the window's corner to its inside, when last seen in normal size
-    int helpNumber_ = 0;
-    bool canSave_ = true;  // the settings file could be written when last looked at
-    bool furnished_ = false;
+    QDeadlineTimer justCame_;
     bool loading_ = false;
     bool exiting_ = false;
     bool flashOn_ = false;
-    std::shared_ptr<GenCollection> shownEvCol_;  // what the links of the toast stand for
-    bool wasMinimized_ = false;                  // by the program, since it was last hidden
-    bool trayMissing_ = false;                   // and the user has not been told yet
-    // What the status line says instead of the current row, until another one is current than when
-    // it was said.
-    QString notice_;
-    std::string noticeRow_;
-    // Where the help tells about the boxes of the command that is at work.
-    const char* boxHelp_ = "";
-    MessageBoxes boxes_{*this, [this] { openHelp(helpNumber_, boxHelp_); }};
+    bool trayMissing_ = false;  // and the user has not been told yet
 };
 
 }  // namespace vl

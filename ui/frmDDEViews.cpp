@@ -1,14 +1,11 @@
-// Periods, rows, captions and the status line.
+// The period, the tabs, what stands around the rows.
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTabBar>
 #include <QTabWidget>
 
-#include "app/Settings.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
-#include "db/DBRemindUtils.h"
 #include "notify/PeriodRows.h"
 #include "notify/Periods.h"
 #include "ui/QtText.h"
@@ -23,18 +20,21 @@ bool frmDDE::isPeriod(std::string_view code) const {
 }
 
 void frmDDE::cboPeriod_Changed(int index) {
-    UpDown1->setValue(index + 1);
+    controls_->UpDown1->setValue(index + 1);
     if (!loading_ && index >= 0) {
         ShowPeriod();
     }
 }
 
 void frmDDE::DoUD() {
-    UpDown1->setValue(wrapped(UpDown1->value(), cboPeriod->count()));
-    cboPeriod->setCurrentIndex(UpDown1->value() - 1);
+    UpDown& arrows = *controls_->UpDown1;
+    arrows.setValue(wrapped(arrows.value(), controls_->cboPeriod->count()));
+    controls_->cboPeriod->setCurrentIndex(arrows.value() - 1);
 }
 
-void frmDDE::ShowPeriod() { choosePeriod(plainText(cboPeriod->currentData().toString())); }
+void frmDDE::ShowPeriod() {
+    choosePeriod(plainText(controls_->cboPeriod->currentData().toString()));
+}
 
 void frmDDE::choosePeriod(std::string code) {
     state_.sPeriod = std::move(code);
@@ -48,27 +48,84 @@ void frmDDE::showPeriodAnew() {
     DoPeriod();
     focusRows();
     if (isFurnished()) {
-        selectedGrid().showCurrentRow();  // the buttons are about it
+        controls_->selectedGrid().showCurrentRow();  // the buttons are about it
     }
 }
 
-int frmDDE::tab() const { return isFurnished() ? tabs->currentIndex() : kNewRemindersGrid; }
+int frmDDE::tab() const {
+    return isFurnished() ? controls_->tabs->currentIndex() : kNewRemindersGrid;
+}
 
 void frmDDE::selectTab(int grid) {
     if (isFurnished()) {
-        tabs->setCurrentIndex(grid);
+        controls_->tabs->setCurrentIndex(grid);
     }
 }
 
 void frmDDE::focusRows() {
     if (isFurnished()) {
-        selectedGrid().setFocus();
+        controls_->selectedGrid().setFocus();
     }
 }
 
+void frmDDE::keepScrollPlace(const std::function<void()>& change) {
+    isFurnished() ? controls_->selectedGrid().keepScrollPlace(change) : change();
+}
+
+void frmDDE::DoPeriod() {
+    lists_.letWait();
+    if (isWatched()) {
+        fillPeriod();
+        return;
+    }
+    const ErrScope scope;
+    attempt([&] { lists_.count(tab()); });
+    GetIconText();  // which tells it of the selected tab
+}
+
+void frmDDE::fillPeriod() {
+    if (lists_.fill()) {
+        UpdateUI();
+        wantFields();
+    }
+}
+
+const GridList& frmDDE::list(int grid) {
+    if (lists_.waits(grid)) {
+        fillPeriod();
+    }
+    return lists_.of(grid);
+}
+
+GridList& frmDDE::selectedList() {
+    list(tab());
+    return lists_.of(tab());
+}
+
+void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
+    const ErrScope scope;
+    attempt([&] {
+        if (lists_.put(event, index)) {
+            wantFields();
+        }
+    });
+    if (index == kNewRemindersGrid && !TimerFlash.isActive()) {
+        flashOn_ = true;
+        TimerFlash.start();
+    }
+}
+
+void frmDDE::UpdateItemR(const std::shared_ptr<calEvent>& event, int index) {
+    if (listOf(index).contains(event->GUID)) {
+        AddItemR(event, index);
+    }
+}
+
+void frmDDE::RemoveGUID(std::string_view GUID, int index) { listOf(index).RemoveGUID(GUID); }
+
 bool frmDDE::SelectGUID(std::string_view GUID) {
     if (!selectedList().SelectGUID(GUID) && selectedList().contains(GUID)) {
-        txtSearch->clear();  // it is the search that hides the row
+        controls_->txtSearch->clear();  // it is the search that hides the row
     }
     return selectedList().SelectGUID(GUID);
 }
@@ -76,23 +133,19 @@ bool frmDDE::SelectGUID(std::string_view GUID) {
 void frmDDE::FirstNewRowCurrent() { listOf(kNewRemindersGrid).selectFirst(); }
 
 void frmDDE::tabs_Changed() {
-    selectedGrid().showCurrentRow();
+    controls_->selectedGrid().showCurrentRow();
     currentRowChanged();
     GetIconText();
 }
 
 void frmDDE::txtSearch_Changed(const QString& search) {
-    for (const auto& each : lists_) {
-        each->setSearch(search);
-    }
+    lists_.setSearch(search);
     UpdateUI();
 }
 
 void frmDDE::currentRowChanged() {
-    if (currentGUID() != noticeRow_) {
-        notice_.clear();
-    }
     const GridRow* row = selectedList().currentRow();
+    statusText_.rowChanged(row);
     state_.curEvent = row ? row->event : nullptr;
     showStatus();
     updateButtons();
@@ -101,109 +154,62 @@ void frmDDE::currentRowChanged() {
 void frmDDE::ShowTime() {
     const DateTime now = parts_.clock.now();
     if (isFurnished()) {
-        lblTime->setText(qtText(timeText_(now)));
+        controls_->lblTime->setText(qtText(timeText_(now)));
     }
-    for (const auto& each : lists_) {
-        each->setNow(now);
-    }
+    lists_.setNow(now);
 }
 
 void frmDDE::UpdateUI() {
     GetIconText();
     if (isFurnished()) {
-        showCaptions();
-        showEmptyTexts();
+        controls_->showCaptions();
+        controls_->showEmptyTexts(statusText_.trouble(), state_.sPeriod);
     }
     showStatus();
     updateButtons();
 }
 
 void frmDDE::UpdateG1() {
-    for (Grid* each : grids_) {
-        if (each != nullptr) {
+    if (isFurnished()) {
+        for (Grid* each : controls_->grids) {
             each->viewport()->update();
         }
     }
 }
 
-void frmDDE::showCaptions() {
-    for (int i = 0; i < captions_.size(); ++i) {
-        const QString caption = qtText(tabCaption(plainText(captions_[i]), listOf(i).rowCount()));
-        if (tabs->tabText(i) != caption) {
-            tabs->setTabText(i, caption);
-        }
-    }
-}
-
-void frmDDE::showEmptyTexts() {
-    const std::string period = plainText(cboPeriod->currentText());
-    const std::string trouble = troubleText();
-    for (int i = 0; i < kGridCount; ++i) {
-        EmptyReason reason;
-        reason.grid = i;
-        reason.searching = listOf(i).allFilteredOut();
-        reason.trouble = trouble;
-        reason.periodCode = state_.sPeriod;
-        reason.periodText = period;
-        grid(i).setEmptyText(qtText(emptyText(reason)));
-    }
-}
-
-std::string frmDDE::troubleText() const {
-    const DBRemindUtils::Trouble& trouble = parts_.db.ReadTrouble();
-    return vl::troubleText(parts_.db.DBFullName, trouble.number, trouble.text);
-}
-
-QString frmDDE::rowStatus() const {
-    QString line;
-    if (const GridRow* row = selectedList().currentRow()) {
-        attempt([&] {
-            const DateWords words = wordsOf(timeText_, parts_.clock.now());
-            line = qtText(row->event->SBMessage(row->span.start, words));
-        });
-    }
-    return line;
-}
-
-std::string frmDDE::currentGUID() const {
-    const GridRow* row = selectedList().currentRow();
-    return row ? plainText(row->GUID) : std::string();
-}
-
 void frmDDE::sayOnce(const QString& notice) {
-    notice_ = notice;
-    noticeRow_ = currentGUID();
+    statusText_.sayOnce(notice, selectedList().currentRow());
     showStatus();
 }
 
 void frmDDE::showStatus() {
-    if (!isFurnished()) {
-        return;
-    }
     const ErrScope scope;
-    const QString trouble = qtText(troubleText());
-    StatusLine::Saying saying;
-    saying.trouble = !trouble.isEmpty();
-    if (saying.trouble) {
-        saying.line =
-            parts_.db.DBFullName.empty() ? trouble : tr("%1; F5 tries again").arg(trouble);
-        saying.tip = qtText(parts_.db.ReadTrouble().text);
-    } else {
-        saying.line = notice_.isEmpty() ? rowStatus() : notice_;
+    if (isFurnished()) {
+        controls_->status->say(statusText_.saying(selectedList().currentRow()));
     }
-    saying.notice = notice();
-    saying.noticeTip = canSave_ ? QString() : qtText(parts_.settings.filename);
-    status_->say(saying);
 }
 
-// While nothing can be read there is nothing to say of what was.
-QString frmDDE::notice() const {
-    const bool isRead = troubleText().empty();
-    const std::string waiting = waitingText(state_.waitingWrites);
-    const std::string damaged = damagedText(isRead ? state_.damagedRows : 0);
-    const std::string hidden = withoutStatusText(isRead ? state_.rowsWithoutStatus : 0);
-    const std::string& about = !waiting.empty() ? waiting : !damaged.empty() ? damaged : hidden;
-    return qtText(noticeText(about, canSave_));
+void frmDDE::updateButtons() {
+    const ActsOffered offered = rowActs_.offered();
+    state_.bIsDismiss = offered.dismisses;
+    if (isFurnished()) {
+        controls_->show(offered);
+    }
+}
+
+void frmDDE::columnsChanged() {
+    if (!loading_) {
+        keptColumns_.changed();
+    }
+    wantFields();
+}
+
+// The names of the fields that events belong to: when somebody can see them, never by a check, and
+// never while the window is hidden.
+void frmDDE::wantFields() {
+    if (!loading_ && isWatched() && isFurnished() && controls_->showsColumn(CIDField)) {
+        fields_.want();
+    }
 }
 
 }  // namespace vl

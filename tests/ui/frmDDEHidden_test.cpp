@@ -153,7 +153,6 @@ TEST_F(frmDDEHidden, TheSavedOrderOfTheRowsHoldsBeforeAnybodySeesThem) {
               std::string("NewRemindersSort=-Subject\0", 26));
 }
 
-// A window that nobody has opened all day leaves the settings as one that was.
 TEST_F(frmDDEHidden, RowsAreMadeWhenSomebodyLooks) {
     load();
     window->show();
@@ -191,6 +190,7 @@ TEST_F(frmDDEHidden, RowsOfAMinimizedWindowAreMadeWhenItIsBack) {
     EXPECT_EQ(events.rowCount(), 1U);
 }
 
+// A window that nobody has opened all day leaves the settings as one that was.
 TEST_F(frmDDEHidden, WritesTheSameSettings) {
     settings.SaveIni("Window", "Left", "60");
     settings.SaveIni("Window", "Top", "70");

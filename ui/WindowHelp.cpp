@@ -1,6 +1,11 @@
-// The window's help: the page of its number, at the place that is about the control in use.
+#include "ui/WindowHelp.h"
+
+#include <string>
+#include <utility>
+
+#include <QWidget>
+
 #include "ui/HelpNumbers.h"
-#include "ui/frmDDE.h"
 
 namespace vl {
 
@@ -39,22 +44,24 @@ const ControlHelp* helpOf(const QWidget* control) {
 
 }  // namespace
 
-void frmDDE::ShowHelp() {
-    const QWidget* control = focusWidget();
+WindowHelp::WindowHelp(const WindowParts& parts, std::function<void(const QString&)> say)
+    : parts_(parts), say_(std::move(say)) {}
+
+void WindowHelp::show(const QWidget* control, bool snoozes) const {
     if (const ControlHelp* at = helpOf(control)) {
-        openHelp(at->page, at->place);
-    } else if (control && control->objectName() == u"butSnooze" && isNewRemindersTab()) {
-        openHelp(kHelpSnooze);
+        open(at->page, at->place);
+    } else if (snoozes && control != nullptr && control->objectName() == u"butSnooze") {
+        open(kHelpSnooze);
     } else {
-        openHelp(helpNumber_);
+        open(number);
     }
 }
 
-void frmDDE::openHelp(int page, const char* place) {
+void WindowHelp::open(int page, const char* place) const {
     if (parts_.HelpBase.empty()) {
-        sayOnce(tr("The help is not installed"));
+        say_(QObject::tr("The help is not installed"));
     } else if (!parts_.openDocument(parts_.HelpBase + std::to_string(page) + place)) {
-        sayOnce(tr("The help could not be opened"));
+        say_(QObject::tr("The help could not be opened"));
     }
 }
 
