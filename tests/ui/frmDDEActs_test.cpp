@@ -106,6 +106,33 @@ TEST_F(frmDDEActs, OnTheOtherTabsTheButtonHides) {
     EXPECT_EQ(listed(2), (Names{"{1}", "{2}"}));
 }
 
+TEST_F(frmDDEActs, TheTraysTipCountsWhatIsLeft) {
+    loadThree();
+    const auto tip = [] {
+        return plainText(trayMenu()->findChild<QAction*>("mnuShowHide")->text());
+    };
+    tabTo(2);
+    EXPECT_EQ(tip(), "3 Events: 3 new reminders");
+    select(2, {"{1}", "{3}"});
+    snooze().click();
+    EXPECT_EQ(tip(), "1 Event: 3 new reminders") << "after hiding";
+    child<QComboBox>("cboPeriod").setCurrentText("Hidden");
+    EXPECT_EQ(tip(), "2 Events: 3 new reminders");
+    select(2, {"{3}"});
+    snooze().click();
+    EXPECT_EQ(tip(), "1 Event: 3 new reminders") << "after it is listed again";
+    child<QComboBox>("cboPeriod").setCurrentText("Today");
+    select(2, {"{2}", "{3}"});
+    clickDismiss();
+    EXPECT_EQ(tip(), "2 Events: 1 new reminder");
+    child<QComboBox>("cboPeriod").setCurrentText("Dismissed");
+    select(2, {"{2}"});
+    clickDismiss();
+    EXPECT_EQ(tip(), "1 Event: 1 new reminder") << "after reactivating";
+    window->HideMe();
+    EXPECT_EQ(tip(), "1 Event: 1 new reminder: (click to show/hide)");
+}
+
 TEST_F(frmDDEActs, KeepThePendingError) {
     loadThree();
     ErrorState::set(ErrNo::Locked);

@@ -18,7 +18,43 @@ using test::childOf;
 using test::event;
 using test::someFriday;
 
-using frmDDEDismiss = test::ActsTest;
+class frmDDEDismiss : public test::ActsTest {
+protected:
+    /// Chooses to delete in the dialog of each of the rows.
+    void deleteItems(const Names& which) {
+        select(0, which);
+        std::size_t asked = 0;
+        const std::function<void(frmDismiss&)> answer = [&](frmDismiss& d) {
+            if (++asked < which.size()) {  // the next one opens when this one is left
+                QTimer::singleShot(0, qApp, [&] {
+                    auto* next = qobject_cast<frmDismiss*>(QApplication::activeModalWidget());
+                    ASSERT_NE(next, nullptr);
+                    answer(*next);
+                });
+            }
+            childOf<QRadioButton>(d, "radDeleteItem").click();
+            childOf<QPushButton>(d, "butOK").click();
+        };
+        test::whileOpen<frmDismiss>(
+            [this] { QTest::keyClick(&grid(0), Qt::Key_Delete, Qt::ShiftModifier); }, answer);
+        EXPECT_EQ(asked, which.size());
+    }
+    /// The events' host is gone, so that they can be deleted.
+    void loseHost() {
+        haveDatabase();
+        for (const char* GUID : {"{1}", "{2}", "{3}"}) {
+            held(GUID)->VLBase = (folder / "no such host.vlb").string();
+        }
+    }
+    static QWidget* popup() {
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == "Popup1" && top->isVisible()) {
+                return top;
+            }
+        }
+        return nullptr;
+    }
+};
 
 TEST_F(frmDDEDismiss, APlainClickDismissesTheSelectedRows) {
     loadThree();
@@ -149,11 +185,7 @@ TEST_F(frmDDEDismiss, MarkingAsDoneFinishesTheEvent) {
 
 TEST_F(frmDDEDismiss, DeletingTakesTheEventAwayAndSaysSo) {
     loadThree();
-    db.DBFullName = (folder / "Velmora.RemindDB").string();
-    test::writeFile(db.DBFullName, test::readFile(test::repoFile("data/first-light.RemindDB")));
-    for (const char* GUID : {"{1}", "{2}", "{3}"}) {
-        held(GUID)->VLBase = (folder / "no such host.vlb").string();
-    }
+    loseHost();
     test::whileOpen<frmDismiss>([this] { emit dismiss().chooseChosen(); },
                                 [](frmDismiss& d) {
                                     childOf<QRadioButton>(d, "radDeleteItem").click();
@@ -163,47 +195,48 @@ TEST_F(frmDDEDismiss, DeletingTakesTheEventAwayAndSaysSo) {
     for (const int tab : {0, 1, 2}) {
         EXPECT_FALSE(window->list(tab).contains("{1}")) << tab;
     }
-    QWidget* popup = nullptr;
-    for (QWidget* top : QApplication::topLevelWidgets()) {
-        popup = top->objectName() == "Popup1" && top->isVisible() ? top : popup;
-    }
-    ASSERT_NE(popup, nullptr);
-    EXPECT_EQ(popup->findChild<QLabel*>("lblPopupTitle")->text(), "Items deleted...");
-    EXPECT_EQ(popup->findChild<QLabel*>("lblPopupText")->text(),
+    ASSERT_NE(popup(), nullptr);
+    EXPECT_EQ(popup()->findChild<QLabel*>("lblPopupTitle")->text(), "Items deleted...");
+    EXPECT_EQ(popup()->findChild<QLabel*>("lblPopupText")->text(),
               "Items were deleted. Opened grids and calendars may need to be refreshed");
+}
+
+TEST_F(frmDDEDismiss, SeveralDeletedItemsAreToldOnce) {
+    /// Counts how often the pop-up is given something to say: each time in a label of its own.
+    class Tellings final : public QObject {
+    public:
+        Tellings() { qApp->installEventFilter(this); }
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (event->type() == QEvent::Show && watched->objectName() == "lblPopupText") {
+                ++count;
+            }
+            return false;
+        }
+        int count = 0;
+    };
+    loadThree();
+    loseHost();
+    Tellings tellings;
+    deleteItems({"{1}", "{3}"});
+    EXPECT_EQ(listed(0), Names{"{2}"});
+    EXPECT_EQ(period.mCol->Count(), 1U);
+    EXPECT_EQ(tellings.count, 1);
+    ASSERT_NE(popup(), nullptr);
+    EXPECT_EQ(popup()->findChild<QLabel*>("lblPopupTitle")->text(), "Items deleted...");
+    deleteItems({"{2}"});
+    EXPECT_EQ(tellings.count, 2) << "and it is told again";
 }
 
 // What others hold for good stays listed; what could be deleted is told once, and so is what could
 // not, though another row is current then.
 TEST_F(frmDDEDismiss, OfSeveralItemsTheOnesThatStayAreNamedAtTheEnd) {
     loadThree();
-    haveDatabase();
+    loseHost();
     const std::string foreign = (folder / "foreign.vlb").string();
     std::string bytes("\0\1\0\0Standard ACE DB\0", 20);
     bytes.resize(8192);
     test::writeFile(foreign, bytes);
-    for (const char* GUID : {"{1}", "{2}", "{3}"}) {
-        held(GUID)->VLBase = (folder / "no such host.vlb").string();
-    }
     held("{2}")->VLBase = foreign;
-    const auto deleteItems = [this](const Names& which) {
-        select(0, which);
-        std::size_t asked = 0;
-        const std::function<void(frmDismiss&)> answer = [&](frmDismiss& d) {
-            if (++asked < which.size()) {  // the next one opens when this one is left
-                QTimer::singleShot(0, qApp, [&] {
-                    auto* next = qobject_cast<frmDismiss*>(QApplication::activeModalWidget());
-                    ASSERT_NE(next, nullptr);
-                    answer(*next);
-                });
-            }
-            childOf<QRadioButton>(d, "radDeleteItem").click();
-            childOf<QPushButton>(d, "butOK").click();
-        };
-        test::whileOpen<frmDismiss>(
-            [this] { QTest::keyClick(&grid(0), Qt::Key_Delete, Qt::ShiftModifier); }, answer);
-        EXPECT_EQ(asked, which.size());
-    };
     deleteItems({"{1}", "{2}"});
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
     EXPECT_EQ(child<QLabel>("lblStatus").text(), "Event 2 could not be deleted");

@@ -1,4 +1,6 @@
 // The pop-up and the tray's icon, from the window's side.
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -9,6 +11,7 @@
 #include <QTimer>
 
 #include "WindowTest.h"
+#include "base/ErrorState.h"
 
 namespace vl {
 namespace {
@@ -18,6 +21,18 @@ using test::someFriday;
 
 class frmDDEPopUp : public test::WindowTest {
 protected:
+    /// How much of a label is drawn, in whole pixels of ink.
+    static double inkOf(QLabel& label) {
+        const QImage seen = label.grab().toImage().convertToFormat(QImage::Format_Grayscale8);
+        const int paper = qGray(seen.pixel(0, 0));
+        double ink = 0;
+        for (int y = 0; y < seen.height(); ++y) {
+            for (int x = 0; x < seen.width(); ++x) {
+                ink += std::abs(qGray(seen.pixel(x, y)) - paper) / 255.0;
+            }
+        }
+        return ink;
+    }
     static QWidget* popup() {
         for (QWidget* top : QApplication::topLevelWidgets()) {
             if (top->objectName() == "Popup1") {
@@ -61,6 +76,38 @@ TEST_F(frmDDEPopUp, APopUpStaysUntilClosedUnlessItWasGivenATime) {
     window->ShowPopUp({"Stays", "", -1, false, 300, 100, 100});
     QTest::qWait(60);
     EXPECT_TRUE(popup()->isVisible()) << "whatever time the one before had";
+}
+
+// The font is that of the form, which must not take its weight away.
+TEST_F(frmDDEPopUp, ItsTitleIsBoldAndItsTextAsItWasAsked) {
+    load();
+    for (const bool bold : {false, true}) {
+        SCOPED_TRACE(bold);
+        window->ShowPopUp({"Items deleted", "Items deleted", -1, bold, 300, 100, 100});
+        ASSERT_NE(popup(), nullptr);
+        auto& title = *popup()->findChild<QLabel*>("lblPopupTitle");
+        const auto texts = popup()->findChildren<QLabel*>("lblPopupText");
+        QLabel& text = *texts.back();  // one shown before may still wait to be deleted
+        EXPECT_EQ(title.font().family(), text.font().family());
+        EXPECT_EQ(title.font().pixelSize(), text.font().pixelSize());
+        if (bold) {
+            EXPECT_NEAR(inkOf(title), inkOf(text), 0.05 * inkOf(title));
+        } else {
+            EXPECT_GT(inkOf(title), 1.15 * inkOf(text));
+        }
+    }
+}
+
+TEST_F(frmDDEPopUp, ItKeepsThePendingError) {
+    load();
+    ErrorState::set(ErrNo::Locked);
+    window->ShowPopUp({"Stays", "", -1, false, 300, 100, 100});
+    window->ShowSystem("Title", "Text", 5000);
+    window->ShowNewReminders("{of none}");
+    window->SetIcon();
+    window->HidePopUp();
+    EXPECT_EQ(ErrorState::number(), ErrNo::Locked);
+    ErrorState::clear();
 }
 
 // In the window Escape has nothing else to close.

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextDocument>
 
 #include "WindowTest.h"
 #include "notify/Periods.h"
@@ -139,6 +140,20 @@ TEST_F(frmDDERows, AnEmptyGridSaysWhy) {
     child<QLineEdit>("txtSearch").setText("nowhere");
     EXPECT_EQ(grid(2).emptyText(), "Nothing matches the search");
     EXPECT_EQ(tab(2), "&Events: 1");
+}
+
+// The line is cut where it does not fit; its tip is not.
+TEST_F(frmDDERows, TheTipOfTheStatusLineIsAllOfItToTheLetter) {
+    load();
+    haveDatabase();
+    takeIn(event("{1}", "<b>Tom</b> & Ann", someFriday(), 15));
+    window->ShowHide();
+    window->FirstNewRowCurrent();
+    const QLabel& status = child<QLabel>("lblStatus");
+    EXPECT_TRUE(status.text().startsWith("<b>Tom</b> & Ann, ")) << plainText(status.text());
+    QTextDocument shown;
+    shown.setHtml(status.toolTip());
+    EXPECT_EQ(shown.toPlainText(), status.text());
 }
 
 TEST_F(frmDDERows, TheStatusLineFollowsTheCurrentRow) {
