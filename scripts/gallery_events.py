@@ -1,4 +1,5 @@
-"""The events of the gallery's pictures: an ordinary Friday, and texts from all over the world.
+"""The events of the gallery's pictures: an ordinary Friday, texts from all over the world, and the
+month of a call centre.
 
 Everything lies around NOW, to which the pictures' clock is set.
 """
@@ -45,13 +46,38 @@ WORLD = (
     Event("اجتماع المشروع مع Anna Keller", at(15, 0), 60, (30,), "القاعة الكبرى"),
     Event("Συνάντηση με την ομάδα", at(14, 45), 60, (15,), "Αίθουσα 3"),
     Event("Совещание по бюджету на следующий год", at(14, 50), 90, (20,), "Кабинет 12"),
-    Event("Übergrößenträger & Söhne <Vertrag> \"prüfen\"", at(15, 15), 30, (45,), "Straße 5"),
+    Event("Übergrößenträger & Söhne <Vertrag> \"prüfen\"", at(15, 30), 30, (60,), "Straße 5"),
     Event("Một cuộc họp rất dài với tên được cắt sau năm mươi ký tự", at(14, 35), 30, (10,), "Hà Nội"),
     Event("Żółw: przegląd łodzi", at(16, 30), 60, (120,), "Gdańsk"),
 )
 
 MANY = tuple(Event(f"Reading group, chapter {n}", at(14, 40), 30, (15,), "Library")
              for n in range(1, 61))
+
+_CALLS = ("Call", "Call back", "Offer for", "Visit of", "Contract with", "Question from", "Invoice to",
+          "Thanks to", "Delivery to", "Meeting with", "Training of", "Reply to", "Reminder to",
+          "Repair at", "Order of", "Return from", "Test with", "Papers for", "Talk with",
+          "Feedback of", "Complaint of", "Address of", "Survey with", "Welcome to", "Refund to")
+_CUSTOMERS = ("Adams", "Becker", "Costa", "Dubois", "Evans", "Fischer", "Garcia", "Huber", "Ivanova",
+              "Jensen", "Keller", "Lopez", "Moreau", "Novak", "Olsen", "Petrov", "Quinn", "Rossi",
+              "Santos", "Taylor", "Urban", "Vogel", "Weber", "Young", "Zimmer")
+TURN = 1.875  # days that the call centre's list lasts; then it begins again
+TURNS_DOUBLED = 4  # so often: 16 turns are the 30 days
+CALL_CENTRE = tuple(
+    Event(f"{_CALLS[n % 25]} {_CUSTOMERS[(n // 25 + 7 * n) % 25]}",
+          at(0, 15) + timedelta(minutes=n * 1440 * TURN // 625 // 5 * 5), 15, (15,), f"Desk {n % 40 + 1}")
+    for n in range(625))
+
+
+def doubling(turns):
+    """The statement that lists the events of so many turns once more, after them."""
+    new = {"GUID": f'GUID & "+{turns}"', "StartDateTime": f"StartDateTime + {turns * TURN}",
+           "EndDateTime": f"EndDateTime + {turns * TURN}"}
+    same = ("EventID", "ItemID", "FieldID", "VLBase", "Subject", "Location", "Body", "status",
+            "IsAllDayEvent", "Created", "Modified", "CalendarID", "reminders", "recurrence",
+            "RecurrenceState")
+    return (f"INSERT INTO Reminders ([{'], ['.join((*new, *same))}]) "
+            f"SELECT {', '.join((*new.values(), *(f'[{name}]' for name in same)))} FROM Reminders")
 
 
 HOST = "Home.vlb"  # the file that the events come from

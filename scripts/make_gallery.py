@@ -28,8 +28,10 @@ KEYS_REST = 0.7  # seconds after which a window that has come by itself takes ke
 class Scene(Program):
     """The program on the gallery's events; the window is up unless the type says otherwise."""
 
-    def __init__(self, build, events, kind="D", scale=None, dark=False, lost=()):
-        """`lost`: the subjects of events whose files are gone."""
+    def __init__(self, build, events, kind="D", scale=None, dark=False, lost=(),
+                 doubled=0, period="T"):
+        """`lost`: the subjects of events whose files are gone; `doubled`: how often all events are
+        listed once more, see gallery_events."""
         folder = os.path.join(os.environ["DESKTOP_TMP"], "gallery")
         shutil.rmtree(folder, ignore_errors=True)
         variables = make_profile.environment(folder)
@@ -45,6 +47,9 @@ class Scene(Program):
                            stdout=subprocess.DEVNULL)
         for number, event in enumerate(events, 1):
             make_profile.insert(remindb, database, gallery_events.columns(number, event, host))
+        for times in range(doubled):
+            subprocess.run([remindb, "sql", database, gallery_events.doubling(2 ** times)],
+                           check=True, stdout=subprocess.DEVNULL)
         for number, subject in enumerate(lost):
             gone = os.path.join(folder, f"Gone{number}.vlb")
             subprocess.run([remindb, "sql", database, f'UPDATE Reminders SET VLBase="{gone}" '
@@ -53,7 +58,7 @@ class Scene(Program):
         os.makedirs(os.path.dirname(self.settings))
         with open(self.settings, "w") as file:
             width, height = {2: (560, 330), 1.5: (760, 400)}.get(scale, (920, 440))
-            file.write(f"[Reminders]\nNotifType={kind}\n[Window]\nLeft=20\nTop=20\n"
+            file.write(f"[Reminders]\nNotifType={kind}\nPeriod={period}\n[Window]\nLeft=20\nTop=20\n"
                        f"Width={width}\nHeight={height}\n")
         if dark:
             variables.update(colours.ENVIRONMENT)
@@ -281,6 +286,14 @@ class Gallery:
             tray.click(reminders.PROGRAM)
             self.shown()
             self.keep("empty", self.frame())
+
+    def ten_thousand(self):
+        with self.window(events=gallery_events.CALL_CENTRE,
+                         doubled=gallery_events.TURNS_DOUBLED, period="D+30"):
+            act.key("alt+a")
+            wait_for(lambda: "All Reminders: 10000" in tree.tab_captions(TITLE), 20, "all rows")
+            act.key("End")
+            self.keep("ten-thousand", self.frame())
 
     def many(self):
         """A toast with more than the screen holds."""
