@@ -114,10 +114,7 @@ void RowActs::fillDismiss(frmDismiss& dialog, const ActRow& row) {
     const DateTime next = row.reminder.isZero() ? event->NextReminderD(now) : row.reminder;
     dialog.sNext = next.isZero() ? "No reminder ahead."
                                  : "Reminder " + momentText(next, true, now, time_) + ".";
-    const std::string subject = event->Summary();
-    // It begins with the subject, where there is one.
-    dialog.sEvent = (isBlank(subject) ? shownSubject(subject) + ", " : std::string()) +
-                    event->SBMessage(row.InstanceStart, wordsOf(time_, now));
+    dialog.sEvent = plainText(eventLine(*event, row.InstanceStart, wordsOf(time_, now)));
 }
 
 // Out of the lists first, where many rows go at once.

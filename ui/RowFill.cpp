@@ -3,6 +3,7 @@
 #include "base/ErrorState.h"
 #include "events/GenCollection.h"
 #include "notify/ReminderScreen.h"
+#include "ui/Direction.h"
 #include "ui/QtText.h"
 
 namespace vl {
@@ -48,6 +49,9 @@ GridRow rowOf(const std::shared_ptr<calEvent>& event, const RowOccurrence& occur
     });
     attempt([&] { row.repeats = qtText(event->RecurrenceInWords()); });
     attempt([&] { row.toolTip = qtText(event->ToolTip(occurrence.start, wordsOf(time))); });
+    if (isBlank(event->Summary())) {
+        row.toolTip = qtText(shownSubject({})) + u'\n' + row.toolTip.trimmed();
+    }
     return row;
 }
 
@@ -57,6 +61,26 @@ void tellDue(GridRow& row, const RowDue& due) {
         row.detail = due.fate == Fate::Snoozed ? QStringLiteral("(snoozed)") : QString();
     }
     row.fate = due.fate;
+}
+
+QString eventLine(const calEvent& event, DateTime start, const DateWords& words) {
+    const QString line = qtText(event.SBMessage(start, words));
+    if (isBlank(event.Summary())) {
+        return qtText(shownSubject({})) + QStringLiteral(", ") + line;
+    }
+    // Subject and location may be written from right to left, what stands beside them is not.
+    const QString when = QStringLiteral(", ") + qtText(event.WhenText(start, words));
+    const qsizetype at = line.indexOf(when);
+    if (at < 0) {
+        return line;
+    }
+    QString behind = line.mid(at + when.size());
+    const QString location = qtText(event.Location).simplified();
+    const qsizetype place = location.isEmpty() ? -1 : behind.indexOf(location);
+    if (place >= 0) {
+        behind.replace(place, location.size(), apart(location));
+    }
+    return apart(line.left(at)) + when + behind;
 }
 
 DateWords wordsOf(const TimeText& time) {

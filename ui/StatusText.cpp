@@ -39,9 +39,8 @@ std::string StatusText::trouble() const {
 
 QString StatusText::rowText(const GridRow& row) const {
     QString line;
-    attempt([&] {
-        line = qtText(row.event->SBMessage(row.span.start, wordsOf(time_, parts_.clock.now())));
-    });
+    attempt(
+        [&] { line = eventLine(*row.event, row.span.start, wordsOf(time_, parts_.clock.now())); });
     return line;
 }
 

@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <QTextDocument>
 
+#include "ui/Direction.h"
+
 namespace vl {
 
 namespace {
@@ -11,15 +13,11 @@ namespace {
 // right to left would read "minutes 15".
 QString linesApart(const QString& text) {
     constexpr QChar kLeftToRight(0x200e);
-    constexpr QChar kFirstStrongIsolate(0x2068);
-    constexpr QChar kPopDirectionalIsolate(0x2069);
     QStringList lines = text.split(u'\n');
     bool turned = false;
     for (QString& line : lines) {
-        if (line.isRightToLeft()) {
-            line = kFirstStrongIsolate + line + kPopDirectionalIsolate;
-            turned = true;
-        }
+        turned = turned || line.isRightToLeft();
+        line = apart(line);
     }
     return turned ? kLeftToRight + lines.join(u'\n') : text;
 }

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "ui/Direction.h"
 #include "ui/LongWords.h"
 #include "ui/QtText.h"
 #include "ui/Tones.h"
@@ -31,12 +32,8 @@ qsizetype endOfSummary(const QString& text) { return text.lastIndexOf(QLatin1Str
 // A summary may be written from right to left; the time behind it is none of it and stays behind
 // it.
 QString summaryApart(const QString& text) {
-    constexpr QChar kFirstStrongIsolate(0x2068);
-    constexpr QChar kPopDirectionalIsolate(0x2069);
     const qsizetype end = endOfSummary(text);
-    return end <= 0 || !text.isRightToLeft()
-               ? text
-               : kFirstStrongIsolate + text.left(end) + kPopDirectionalIsolate + text.mid(end);
+    return end <= 0 ? text : apart(text.left(end)) + text.mid(end);
 }
 
 // What stands for the summary of an event that has none.
