@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "FoundPages.h"
 #include "PageReader.h"
 
 namespace vl {
@@ -43,10 +44,10 @@ void FullRead::look(const calEvent& event) {
 }
 
 void FullRead::forgetPassedOver() {
-    for (const auto& page : pages_) {
-        if (page->passesOver) {
-            page->mark.digest = 0;
-            std::erase_if(page->passedOver, [](const PassedRow& row) { return !row.event; });
+    for (Page& page : pages_) {
+        if (page.rows->passesOver) {
+            page.mark.digest = 0;
+            std::erase_if(page.rows->passedOver, [](const PassedRow& row) { return !row.event; });
         }
     }
     stamp_ = 0;
@@ -60,44 +61,55 @@ bool FullRead::isTouched(const PageRows& page) const {
 }
 
 // Both the pages that come and those that are known are in the order of their numbers.
-FullRead::Pages FullRead::stream(sql::RowStream& stream, const GenCollection& before,
-                                 const Make& make, Changes& changes) {
+void FullRead::stream(sql::RowStream& stream, const GenCollection& before, const Make& make,
+                      Changes& changes, FoundPages& found) {
     PageReader reader(*this, stream, before, make);
-    Pages pages;
-    pages.reserve(pages_.size());
     auto known = pages_.begin();
     const auto noteChange = [&](std::shared_ptr<const PageRows> was) {
         changes.noted = changes.noted && changes.pages.size() < kMostChangedPages;
         if (changes.noted) {
-            changes.pages.push_back({pages.size(), std::move(was)});
+            changes.pages.push_back({found.count(), std::move(was)});
         } else if (!changes.all) {
-            changes.all = collected(pages);
+            changes.all = collected(found.pages());
         }
     };
     while (stream.nextPage()) {
-        for (; known != pages_.end() && (*known)->mark.page < stream.page(); ++known) {
-            changes.noted = changes.noted && (*known)->events.empty();
+        for (; known != pages_.end() && known->mark.page < stream.page(); ++known) {
+            changes.noted = changes.noted && known->count == 0;
         }
-        const bool isThere = known != pages_.end() && (*known)->mark.page == stream.page();
-        if (isThere && mayPassBy_ && !isTouched(**known) && stream.holds((*known)->mark)) {
-            pages.push_back(*known);
+        const bool isThere = known != pages_.end() && known->mark.page == stream.page();
+        const PageRows* rows = nullptr;
+        if (isThere && mayPassBy_ && !isTouched(*known->rows) && stream.holds(known->mark)) {
+            rows = known->rows.get();
+            found.keep(*known);
         } else {
-            auto page = reader.read(isThere ? known->get() : nullptr);
-            if (!isThere || page->events != (*known)->events) {
-                noteChange(isThere ? *known : nullptr);
+            Page page = reader.read(isThere ? known->rows.get() : nullptr);
+            rows = page.rows.get();
+            if (!isThere || rows->events != known->rows->events) {
+                noteChange(isThere ? known->rows : nullptr);
             }
-            pages.push_back(std::move(page));
+            found.put(std::move(page));
         }
         // Now that its events have just been made: later they would have to be fetched again.
         if (changes.all) {
-            addTo(*changes.all, *pages.back());
+            addTo(*changes.all, *rows);
         }
         known += isThere ? 1 : 0;
     }
     for (; known != pages_.end(); ++known) {
-        changes.noted = changes.noted && (*known)->events.empty();
+        changes.noted = changes.noted && known->count == 0;
     }
-    return pages;
+}
+
+// Of the pages as the read has found them.
+void FullRead::take(FoundPages& found) {
+    found.moveTo(pages_);
+    count_ = 0;
+    lastModified_ = DateTime();
+    for (const Page& page : pages_) {
+        count_ += page.count;
+        lastModified_ = std::max(lastModified_, page.lastModified);
+    }
 }
 
 std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::string& statement,
@@ -110,7 +122,7 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
     now_ = now;
     std::sort(touched_.begin(), touched_.end());
     Changes changes;
-    Pages pages;
+    FoundPages found(pages_);
     int readings = 0;
     const bool isRead = db.ForRows(statement, [&](sql::RowStream& rowStream) {
         if (++readings > 1) {
@@ -119,30 +131,25 @@ std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::stri
         changes = {};
         changes.noted = stamp_ != 0 && before.Stamp() == stamp_ && before.Count() == count_;
         changes.all = changes.noted ? nullptr : std::make_shared<GenCollection>();
-        pages = stream(rowStream, before, make, changes);
+        found = FoundPages(pages_);
+        stream(rowStream, before, make, changes, found);
     });
     if (isRead) {
         damage_ = Damage();
     } else {
         changes = {};
-        if (db.LastError() != ErrNo::Corrupt || !readDamaged(db, before, make, pages)) {
+        if (db.LastError() != ErrNo::Corrupt || !readDamaged(db, before, make, found)) {
             forget();
             return nullptr;
         }
     }
     touched_.clear();
-    pages_ = std::move(pages);
+    take(found);
     auto collection = changes.all ? changes.all : changed(changes, before);
     if (!collection) {
         collection = collected(pages_);
     }
     stamp_ = collection->Stamp();
-    count_ = 0;
-    lastModified_ = DateTime();
-    for (const auto& page : pages_) {
-        count_ += page->events.size();
-        lastModified_ = std::max(lastModified_, page->lastModified);
-    }
     mayPassBy_ = true;
     if (readings > 1) {
         lookAtAll();

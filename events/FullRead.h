@@ -87,14 +87,27 @@ private:
         std::shared_ptr<calEvent> event;  // null: it was not taken in
     };
     struct PageRows {
-        jet::PageMark mark;
         Events events;                     // that its rows gave
         std::vector<std::uint16_t> slots;  // of these rows
         std::vector<PassedRow> passedOver;
         bool passesOver = false;  // whether there are rows that the condition is not true of
         DateTime lastModified;    // of the events
     };
-    using Pages = std::vector<std::shared_ptr<PageRows>>;  // ascending
+    // What a read asks of each page stands together: fetching the rows of all of them takes longer
+    // than all else that is done about those that hold what they held.
+    struct Page {
+        Page(jet::PageMark itsMark, std::shared_ptr<PageRows> itsRows)
+            : mark(std::move(itsMark)),
+              rows(std::move(itsRows)),
+              count(rows->events.size()),
+              lastModified(rows->lastModified) {}
+
+        jet::PageMark mark;
+        std::shared_ptr<PageRows> rows;  // never null
+        std::size_t count;               // of their events
+        DateTime lastModified;
+    };
+    using Pages = std::vector<Page>;  // ascending
     struct ChangedPage {
         std::size_t page;                        // in the new list
         std::shared_ptr<const PageRows> before;  // null: there was none
@@ -106,13 +119,15 @@ private:
     };
 
     class PageReader;
+    class FoundPages;
 
-    Pages stream(sql::RowStream& stream, const GenCollection& before, const Make& make,
-                 Changes& changes);
+    void stream(sql::RowStream& stream, const GenCollection& before, const Make& make,
+                Changes& changes, FoundPages& found);
     Pages streamDamaged(sql::RowStream& stream, const GenCollection& before, const Make& make);
     bool readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
-                     Pages& pages);
+                     FoundPages& found);
     const PageRows* knownOf(jet::PageNo page) const;
+    void take(FoundPages& found);
     void keepLost(const jet::RowCursor::Unreadable& lost, PageRows& page) const;
     bool isTouched(const PageRows& page) const;
     std::shared_ptr<GenCollection> changed(const Changes& changes,

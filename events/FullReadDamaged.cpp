@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "FoundPages.h"
 #include "FullRead.h"
 #include "PageReader.h"
 #include "base/ErrorState.h"
@@ -11,8 +12,8 @@ namespace vl {
 const FullRead::PageRows* FullRead::knownOf(jet::PageNo page) const {
     const auto known = std::lower_bound(
         pages_.begin(), pages_.end(), page,
-        [](const auto& rows, jet::PageNo wanted) { return rows->mark.page < wanted; });
-    return known != pages_.end() && (*known)->mark.page == page ? known->get() : nullptr;
+        [](const Page& one, jet::PageNo wanted) { return one.mark.page < wanted; });
+    return known != pages_.end() && known->mark.page == page ? known->rows.get() : nullptr;
 }
 
 // What cannot be read any more counts as it was.
@@ -39,12 +40,20 @@ FullRead::Pages FullRead::streamDamaged(sql::RowStream& stream, const GenCollect
                                         const Make& make) {
     PageReader reader(*this, stream, before, make);
     Pages pages;
-    const auto at = [&](jet::PageNo number) -> PageRows& {
-        if (pages.empty() || pages.back()->mark.page != number) {
-            pages.push_back(std::make_shared<PageRows>());
-            pages.back()->mark.page = number;
+    jet::PageNo last = 0;
+    std::shared_ptr<PageRows> rows;  // of the page that is read
+    const auto close = [&] {
+        if (rows) {
+            pages.emplace_back(jet::PageMark{last, 0, {}}, std::move(rows));
         }
-        return *pages.back();
+    };
+    const auto at = [&](jet::PageNo number) -> PageRows& {
+        if (!rows || last != number) {
+            close();
+            last = number;
+            rows = std::make_shared<PageRows>();
+        }
+        return *rows;
     };
     for (bool more = true; more;) {
         if (isReadable([&] { more = stream.next(); })) {
@@ -61,18 +70,19 @@ FullRead::Pages FullRead::streamDamaged(sql::RowStream& stream, const GenCollect
         ++damage_.rows;
         keepLost(*lost, at(lost->page));
     }
+    close();
     return pages;
 }
 
 // Not where somebody writes: what looks damaged then is only torn.
 bool FullRead::readDamaged(DBRemindUtils& db, const GenCollection& before, const Make& make,
-                           Pages& pages) {
+                           FoundPages& found) {
     const DBRemindUtils::Look look = db.TakeLook();
     const Damage known = std::exchange(damage_, Damage());
     const bool isRead = db.ForRows(statement_, [&](sql::RowStream& rowStream) {
         damage_ = Damage();
         damage_.inPart = known.inPart;  // which of those that are held are no whole ones
-        pages = streamDamaged(rowStream, before, make);
+        found = FoundPages(streamDamaged(rowStream, before, make));
     });
     if (!isRead || !look.same(db.TakeLook())) {
         damage_ = known;

@@ -49,7 +49,7 @@ std::shared_ptr<GenCollection> FullRead::changed(const Changes& changes,
     auto collection = std::make_shared<GenCollection>(before);
     std::vector<const ChangedPage*> others;
     for (const ChangedPage& change : changes.pages) {
-        const Events& now = pages_[change.page]->events;
+        const Events& now = pages_[change.page].rows->events;
         const Events& was = eventsBefore(change);
         if (!haveKeys(now) || !haveKeys(was)) {
             return nullptr;
@@ -73,9 +73,9 @@ std::shared_ptr<GenCollection> FullRead::changed(const Changes& changes,
     std::size_t page = 0;
     for (const ChangedPage* change : others) {
         for (; page < change->page; ++page) {
-            position += pages_[page]->events.size();
+            position += pages_[page].count;
         }
-        if (!insert(*collection, pages_[page]->events, position)) {
+        if (!insert(*collection, pages_[page].rows->events, position)) {
             return nullptr;
         }
     }
@@ -93,8 +93,8 @@ void FullRead::addTo(GenCollection& collection, const PageRows& page) {
 
 std::shared_ptr<GenCollection> FullRead::collected(const Pages& pages) {
     auto collection = std::make_shared<GenCollection>();
-    for (const auto& page : pages) {
-        addTo(*collection, *page);
+    for (const Page& page : pages) {
+        addTo(*collection, *page.rows);
     }
     return collection;
 }

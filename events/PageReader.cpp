@@ -51,7 +51,7 @@ void FullRead::PageReader::add(PageRows& page, std::shared_ptr<calEvent> event,
     page.slots.push_back(slot);
 }
 
-std::shared_ptr<FullRead::PageRows> FullRead::PageReader::read(const PageRows* known) {
+FullRead::Page FullRead::PageReader::read(const PageRows* known) {
     found_.events.clear();
     found_.slots.clear();
     found_.passedOver.clear();
@@ -66,8 +66,7 @@ std::shared_ptr<FullRead::PageRows> FullRead::PageReader::read(const PageRows* k
         const auto held = objectAt<calEvent>(before_, event->GUID);
         add(found_, held ? stillValid(held, event) : std::move(event), stream_.id().row);
     }
-    found_.mark = stream_.mark();
-    return std::make_shared<PageRows>(found_);  // a copy has no room to spare
+    return {stream_.mark(), std::make_shared<PageRows>(found_)};  // a copy has no room to spare
 }
 
 std::shared_ptr<calEvent> FullRead::PageReader::made() {

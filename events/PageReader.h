@@ -17,7 +17,7 @@ public:
 
     /// All rows of the page that the stream has come to. `known`: what that page gave the last
     /// time, or null. Throws `Error`.
-    std::shared_ptr<PageRows> read(const PageRows* known);
+    Page read(const PageRows* known);
 
     /// What can be read of the stream's current row, into `page`. Counts in the owner's damage.
     /// Throws every `Error` but `ErrNo::Corrupt`.
