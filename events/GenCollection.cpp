@@ -87,8 +87,7 @@ Variant GenCollection::addText(const Variant& member, const SharedText& sKey, st
         if (bReplace && isReplacedInPlace(member)) {
             own().setValue(taken, member);
         } else if (bReplace) {
-            ownOrder().remove(taken);
-            append(member, sKey, hash);
+            ownOrder().moveToEnd(taken, itemFor(member, sKey, hash));
         }
         return member;
     }
@@ -114,9 +113,10 @@ void GenCollection::AddLatest(std::span<const Keyed> values) {
         const auto& [value, key] = values[i];
         const auto taken = key.empty() ? KeyedSlots::kNone : items_->slotOf(key, hashes[i]);
         if (taken != KeyedSlots::kNone) {
-            ownOrder().remove(taken);
+            ownOrder().moveToEnd(taken, itemFor(value, key, hashes[i]));
+        } else {
+            append(value, key, hashes[i]);
         }
-        append(value, key, hashes[i]);
     }
 }
 
@@ -174,8 +174,7 @@ void GenCollection::UpdateItem(std::string_view key, const Variant& NewItem, boo
         return;
     }
     const SharedText spelled = (*items_)[slot].key;
-    ownOrder().remove(slot);
-    append(NewItem, spelled, hashOf(spelled));
+    ownOrder().moveToEnd(slot, itemFor(NewItem, spelled, hashOf(spelled)));
 }
 
 std::size_t GenCollection::Count() const noexcept { return items_->count(); }

@@ -8,12 +8,21 @@
 
 namespace vl {
 
-KeyedSlots::Item& KeyedSlots::own(Slot slot) {
-    std::shared_ptr<Block>& block = blocks_[slot / kBlock];
-    if (block.use_count() > 1) {
-        block = std::make_shared<Block>(*block);
+namespace {
+
+/// The part for changing: a copy of its own where a copy of the list has it, too.
+template <class Part>
+Part& ownOf(std::shared_ptr<Part>& part) {
+    if (part.use_count() > 1) {
+        part = std::make_shared<Part>(*part);
     }
-    return (*block)[slot % kBlock];
+    return *part;
+}
+
+}  // namespace
+
+KeyedSlots::Item& KeyedSlots::own(Slot slot) {
+    return ownOf(blocks_[slot / kBlock])[slot % kBlock];
 }
 
 KeyedSlots::Slot KeyedSlots::addSlot() {
@@ -22,10 +31,8 @@ KeyedSlots::Slot KeyedSlots::addSlot() {
         if (blocks_.size() > 1) {
             blocks_.back()->reserve(kBlock);
         }
-    } else if (blocks_.back().use_count() > 1) {
-        blocks_.back() = std::make_shared<Block>(*blocks_.back());
     }
-    blocks_.back()->emplace_back();
+    ownOf(blocks_.back()).emplace_back();
     return static_cast<Slot>((blocks_.size() - 1) * kBlock + blocks_.back()->size() - 1);
 }
 
@@ -33,11 +40,11 @@ KeyedSlots::Slot KeyedSlots::slotAt(std::int64_t position) const noexcept {
     if (position < 1 || static_cast<std::uint64_t>(position) > count()) {
         return kNone;
     }
-    return order_.at(static_cast<std::size_t>(position) - 1);
+    return order_->at(static_cast<std::size_t>(position) - 1);
 }
 
 KeyedSlots::Slot KeyedSlots::slotOf(std::string_view key, std::uint32_t hash) const noexcept {
-    return byKey_.find(hash, [&](Slot slot) {
+    return byKey_->find(hash, [&](Slot slot) {
         const std::string_view present = (*this)[slot].key.view();
         return present == key || text::equalsNoCase(present, key);
     });
@@ -80,20 +87,28 @@ void KeyedSlots::insert(std::size_t position, Item item) {
         free_.pop_back();
     }
     if (item.keyed) {
-        byKey_.add(item.hash, slot);
+        ownOf(byKey_).add(item.hash, slot);
     }
     own(slot) = std::move(item);
-    order_.insert(position - 1, slot);
+    ownOf(order_).insert(position - 1, slot);
 }
 
 void KeyedSlots::remove(Slot slot) {
-    order_.removeAt(order_.indexOf(slot));
+    ownOf(order_).removeAt(order_->indexOf(slot));
     Item& item = own(slot);
     if (item.keyed) {
-        byKey_.remove(item.hash, slot);
+        ownOf(byKey_).remove(item.hash, slot);
     }
     item = Item();
     free_.push_back(slot);
+}
+
+void KeyedSlots::moveToEnd(Slot slot, Item item) {
+    assert((*this)[slot].keyed == item.keyed && (*this)[slot].hash == item.hash);
+    SlotOrder& order = ownOf(order_);
+    order.removeAt(order.indexOf(slot));
+    order.insert(order.size(), slot);
+    own(slot) = std::move(item);
 }
 
 }  // namespace vl

@@ -22,8 +22,8 @@ namespace vl {
 /// keyed items.
 ///
 /// Cost: by key and by position O(1), append and remove at both ends O(1) amortised, insert and
-/// remove elsewhere O(sqrt n). A copy shares the items, a block of them until one of the two
-/// changes something in it: what it copies is some 20 bytes an item.
+/// remove elsewhere O(sqrt n). A copy shares all until one of the two changes something: of the
+/// items it then copies a block, of the order 8 bytes an item, of the keys 11 to 21.
 class KeyedSlots {
 public:
     using Slot = SlotOrder::Slot;
@@ -37,7 +37,7 @@ public:
     };
     static constexpr Slot kNone = KeyIndex::kNone;
 
-    std::size_t count() const noexcept { return order_.size(); }
+    std::size_t count() const noexcept { return order_->size(); }
 
     /// Slot of a position counted from 1, or of a key; `kNone` when there is none.
     Slot slotAt(std::int64_t position) const noexcept;
@@ -47,16 +47,16 @@ public:
     /// The same for who knows the key's hash.
     Slot slotOf(std::string_view key, std::uint32_t hash) const noexcept;
     /// Position, from 1, of the item in a slot.
-    std::size_t positionOf(Slot slot) const noexcept { return order_.indexOf(slot) + 1; }
+    std::size_t positionOf(Slot slot) const noexcept { return order_->indexOf(slot) + 1; }
 
     const Item& operator[](Slot slot) const noexcept {
         return (*blocks_[slot / kBlock])[slot % kBlock];
     }
     /// The item at an index, counted from 0 and less than `count()`.
-    const Item& at(std::size_t index) const noexcept { return (*this)[order_.at(index)]; }
+    const Item& at(std::size_t index) const noexcept { return (*this)[order_->at(index)]; }
 
     /// See `KeyIndex`.
-    void expect(std::uint32_t hash) const noexcept { byKey_.expect(hash); }
+    void expect(std::uint32_t hash) const noexcept { byKey_->expect(hash); }
 
     /// How many slots there are, those that wait for an item included.
     std::size_t slotCount() const noexcept;
@@ -69,6 +69,9 @@ public:
     /// not be taken.
     void insert(std::size_t position, Item item);
     void remove(Slot slot);
+    /// The same as taking the slot's item out and putting `item`, which has an equal key, behind
+    /// all others.
+    void moveToEnd(Slot slot, Item item);
 
 private:
     static constexpr Slot kBlock = 128;
@@ -79,8 +82,8 @@ private:
 
     std::vector<std::shared_ptr<Block>> blocks_;  // by slot; all full but the last
     std::vector<Slot> free_;
-    SlotOrder order_;
-    KeyIndex byKey_;
+    std::shared_ptr<SlotOrder> order_ = std::make_shared<SlotOrder>();  // never null, nor is this:
+    std::shared_ptr<KeyIndex> byKey_ = std::make_shared<KeyIndex>();
 };
 
 }  // namespace vl
