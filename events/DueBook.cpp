@@ -1,6 +1,7 @@
 #include "DueBook.h"
 
 #include <algorithm>
+#include <limits>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -11,6 +12,8 @@
 namespace vl {
 
 namespace {
+
+constexpr double kNever = std::numeric_limits<double>::infinity();
 
 bool isOccurrence(const calEvent& event, DateTime wall) {
     const DateTime start = event.FromWall(wall);
@@ -43,13 +46,12 @@ bool isReactivated(const EventState* state) { return state != nullptr && state->
 
 // Most times are far off, which the plain numbers tell: `DateTime` compares whole milliseconds, and
 // below 0 days run the other way.
-bool hasCome(DateTime time, DateTime now) {
+bool isLater(double days, DateTime now) {
     constexpr double kSecond = 1.0 / 86400;
-    if (now.days() >= 0 && time.days() > now.days() + kSecond) {
-        return false;
-    }
-    return time <= now;
+    return now.days() >= 0 && days > now.days() + kSecond;
 }
+
+bool hasCome(DateTime time, DateTime now) { return !isLater(time.days(), now) && time <= now; }
 
 bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
 
@@ -63,10 +65,13 @@ void DueBook::markChanged(const Asked& asked) {
     if (!turnedBack && changed.empty()) {
         return;
     }
-    for (Slot& slot : slots_) {
-        slot.look = slot.look || turnedBack;
+    if (turnedBack) {
+        lookAtAll();
+    }
+    for (std::size_t i = 0; i < slots_.size() && !changed.empty(); ++i) {
+        Slot& slot = slots_[i];
         if (slot.event && changed.contains(slot.hash)) {
-            slot.look = true;
+            lookAt(i);
             const EventState* state = asked.ledger.find(asked.database, slot.event->GUID);
             const bool forgotten = state == nullptr || isReactivated(state);
             slot.firstMet = slot.firstMet || forgotten;
@@ -120,9 +125,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
 void DueBook::takeZone(const TimeZone& zone) {
     if (zone_ && !zone_->same(zone)) {
         exceptionsChanged_ = true;
-        for (Slot& slot : slots_) {
-            slot.look = true;
-        }
+        lookAtAll();
     }
     zone_ = zone;
 }
@@ -147,11 +150,15 @@ bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
 std::vector<GenCollection::Place> DueBook::toBeAsked(const Asked& asked, bool wentBack) {
     std::vector<GenCollection::Place> places;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
-        if (wentBack) {
-            slots_[i].quiet = false;
+        if (isLater(quietUntil_[i], asked.to)) {
+            continue;  // most of them: their slots are not even fetched
         }
-        if (isToBeAsked(slots_[i], asked)) {
+        Slot& slot = slots_[i];
+        slot.quiet = slot.quiet && !wentBack;
+        if (isToBeAsked(slot, asked)) {
             places.push_back(static_cast<GenCollection::Place>(i));
+        } else if (!slot.look && !slot.pending) {
+            quietUntil_[i] = slot.next.isZero() ? kNever : slot.next.days();
         }
     }
     const auto before = [this](GenCollection::Place a, GenCollection::Place b) {
@@ -185,6 +192,7 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
     moved_.clear();
     for (const GenCollection::Place place : toBeAsked(asked, wentBack)) {
         const std::size_t before = found.size() + moved_.size();
+        quietUntil_[place] = kAlways;
         attempt([&] { askOne(slots_[place], asked, found); });
         if (found.size() + moved_.size() > before) {
             found_[slots_[place].hash] = place;
@@ -197,10 +205,21 @@ std::vector<DueBook::Found> DueBook::ask(const GenCollection& events, const Aske
 
 void DueBook::look(std::string_view GUID) {
     const std::uint64_t hash = guidHash(GUID);
-    for (Slot& slot : slots_) {
-        if (slot.hash == hash) {
-            slot.look = true;
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        if (slots_[i].hash == hash) {
+            lookAt(i);
         }
+    }
+}
+
+void DueBook::lookAt(std::size_t place) {
+    slots_[place].look = true;
+    quietUntil_[place] = kAlways;
+}
+
+void DueBook::lookAtAll() {
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        lookAt(i);
     }
 }
 

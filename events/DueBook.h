@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -72,6 +73,8 @@ public:
     std::vector<Left> takeLeft();
 
 private:
+    static constexpr double kAlways = -std::numeric_limits<double>::infinity();
+
     struct Slot {
         std::shared_ptr<calEvent> event;
         std::uint64_t hash = 0;  // of the GUID
@@ -94,6 +97,8 @@ private:
     Slot slotFor(std::shared_ptr<calEvent> event, std::unordered_map<std::uint64_t, Slot>& before,
                  DateTime checked, DateTime now);
     void takeOver(Slot& slot, std::shared_ptr<calEvent> event);
+    void lookAt(std::size_t place);
+    void lookAtAll();
     std::vector<GenCollection::Place> toBeAsked(const Asked& asked, bool wentBack);
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
     void findReplaced(const Ledger& ledger, std::string_view database);
@@ -102,8 +107,11 @@ private:
     DateTime sinceOf(const Slot& slot, const EventState* state, DateTime asked) const;
     void askOne(Slot& slot, const Asked& asked, std::vector<Found>& found);
 
-    GenCollection events_;                                  // at the last question
-    std::vector<Slot> slots_;                               // by its places
+    GenCollection events_;     // at the last question
+    std::vector<Slot> slots_;  // by its places
+    // The same: days before which a slot is surely not asked, for most of them later than now. Who
+    // changes a slot puts `kAlways` there; the next question finds out anew.
+    std::vector<double> quietUntil_;
     std::unordered_map<std::uint64_t, Slot> deleting_;      // not in it now, and may come back
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
     ReplacedStarts replaced_;

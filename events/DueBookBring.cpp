@@ -19,6 +19,12 @@ bool reTimed(const calEvent& before, const calEvent& now) {
            before.ISRecurrenceExceptionDeleted != now.ISRecurrenceExceptionDeleted;
 }
 
+// Whether what exceptions have taken over from the one it is the same for the other.
+bool isSameSeries(const calEvent& before, const calEvent& now) {
+    return before.IsRepeating() && now.IsRepeating() && before.id == now.id &&
+           before.VLBase == now.VLBase && before.HasOwnZone() == now.HasOwnZone();
+}
+
 }  // namespace
 
 DateTime DueBook::startOf(const calEvent& event) {
@@ -32,12 +38,14 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
     const DateTime checked = asked.ledger.lastCheck(asked.database);
     const auto places = events.PlacesThatDiffer(events_);
     slots_.resize(std::max(slots_.size(), events.PlaceCount()));
+    quietUntil_.resize(slots_.size(), kAlways);
     std::unordered_map<std::uint64_t, Slot> before = std::exchange(deleting_, {});
     std::vector<GenCollection::Place> strangers;
     for (const auto place : places) {
         auto event = place < events.PlaceCount() ? objectIn<calEvent>(events.AtPlace(place))
                                                  : std::shared_ptr<calEvent>();
         Slot& slot = slots_[place];
+        quietUntil_[place] = kAlways;
         // Most have another object in the same place.
         if (slot.event && event && slot.hash == guidHash(event->GUID)) {
             takeOver(slot, std::move(event));
@@ -52,6 +60,7 @@ void DueBook::bring(const GenCollection& events, const Asked& asked) {
         }
     }
     slots_.resize(events.PlaceCount());
+    quietUntil_.resize(events.PlaceCount());
     for (const auto place : strangers) {
         slots_[place] =
             slotFor(objectIn<calEvent>(events.AtPlace(place)), before, checked, asked.now);
@@ -104,8 +113,9 @@ void DueBook::takeOver(Slot& slot, std::shared_ptr<calEvent> event) {
         exceptionsChanged_ = exceptionsChanged_ || replacesOne(*was);
     }
     if (was != slot.event) {
-        // A series may be one of which the ledger knows.
-        exceptionsChanged_ = exceptionsChanged_ || replacesOne(now) || now.IsRepeating();
+        // Another series may be one of which the ledger knows.
+        exceptionsChanged_ = exceptionsChanged_ || replacesOne(now) ||
+                             (now.IsRepeating() && !(was && isSameSeries(*was, now)));
     }
     const bool starting = lastNow_.isZero();
     if (!starting && isNew && !now.Modified.isZero() && now.Modified <= lastFrom_) {

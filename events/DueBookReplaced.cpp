@@ -13,9 +13,16 @@ bool DueBook::replacesOne(const calEvent& event) {
 
 void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
     ReplacedStarts now;
-    for (const Slot& slot : slots_) {
-        if (slot.event && replacesOne(*slot.event)) {
-            now.say(seriesOf(*slot.event), {slot.event->RExceptionStartTimeOrig, {}});
+    std::vector<const calEvent*> series;
+    std::vector<std::size_t> places;  // of these
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        const calEvent* event = slots_[i].event.get();
+        if (event != nullptr && replacesOne(*event)) {
+            now.say(seriesOf(*event), {event->RExceptionStartTimeOrig, {}});
+        }
+        if (event != nullptr && event->IsRepeating()) {
+            series.push_back(event);
+            places.push_back(i);
         }
     }
     // Of exceptions that are read no more the ledger knows which starts they have taken over.
@@ -30,16 +37,11 @@ void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
     if (now.empty() && replaced_.empty()) {
         return;
     }
-    std::vector<const calEvent*> series;
-    for (const Slot& slot : slots_) {
-        if (slot.event && slot.event->IsRepeating()) {
-            series.push_back(slot.event.get());
-        }
-    }
     now.settle(series, *zone_);
-    for (Slot& slot : slots_) {
-        slot.look = slot.look || (slot.event && !std::ranges::equal(now.of(*slot.event),
-                                                                    replaced_.of(*slot.event)));
+    for (std::size_t i = 0; i < series.size(); ++i) {
+        if (!std::ranges::equal(now.of(*series[i]), replaced_.of(*series[i]))) {
+            lookAt(places[i]);
+        }
     }
     replaced_ = std::move(now);
 }
