@@ -23,6 +23,8 @@ protected:
         }
         // What is there at the start was met by an earlier run.
         EXPECT_EQ(ask(at(14, 0)), Names());
+        // With nothing ahead they are not even looked at from now on.
+        EXPECT_EQ(ask(at(14, 5)), Names());
     }
     /// With a reminder that was due before the first question.
     void put(const std::string& GUID) { events.Add(Variant(rung(GUID)), GUID); }
@@ -83,6 +85,44 @@ TEST_F(Book, WhatLeavesAndComesBackLaterIsMetAnew) {
     EXPECT_EQ(ask(at(14, 10)), Names());
     put("B");
     EXPECT_EQ(ask(at(14, 20)), Names{"B"});
+}
+
+TEST_F(Book, AnEventWithNothingAheadIsAskedWhenItWasChangedInPlace) {
+    EXPECT_EQ(ask(at(14, 10)), Names());
+    objectAt<calEvent>(events, "B")->StartDateTime = at(15, 50);
+    book.look("B");
+    EXPECT_EQ(ask(at(14, 20)), Names{"B"});
+}
+
+TEST_F(Book, AnEventWithNothingAheadIsAskedWhenItIsReactivated) {
+    EXPECT_EQ(ask(at(14, 10)), Names());
+    const std::vector<Ledger::Change> changes = {
+        {"C", [](EventState& state) { state.newlyMet = true; }}};
+    ledger.change("base", "reactivated", changes);
+    EXPECT_EQ(ask(at(14, 20)), Names{"C"});
+}
+
+TEST_F(Book, AClockTurnedBackBringsTimesAgain) {
+    EXPECT_EQ(ask(at(14, 10)), Names());
+    EXPECT_EQ(ask(at(13, 35)), (Names{"A", "B", "C"}));
+}
+
+TEST_F(Book, ASeriesReadAgainKeepsItsReplacedStartsAndOneWithAnotherIdGetsThem) {
+    const DateTime start = at(9, 0).addDays(1);
+    ledger.keepReplaced("base", SeriesName{"kept"}, start);
+    const auto series = test::series("S", start, "FREQ=DAILY", {15});
+    events.Add(Variant(series), "S");
+    EXPECT_EQ(ask(at(14, 10)), Names());
+    EXPECT_TRUE(book.replaced(*series).empty());
+    const auto renamed = std::make_shared<calEvent>(*series);
+    renamed->id = "kept";
+    for (const auto& again : {renamed, std::make_shared<calEvent>(*renamed)}) {
+        events.UpdateItem("S", Variant(again));
+        ask(at(14, 20));
+        const auto replaced = book.replaced(*again);
+        ASSERT_EQ(replaced.size(), 1U);
+        EXPECT_EQ(replaced[0], start);
+    }
 }
 
 }  // namespace
