@@ -189,7 +189,16 @@ bool isDoneByUser(const calEvent& event, const EventState* state) {
 }
 
 void recordSnooze(EventState& state, const ActOn& act, DateTime until) {
-    begin(state, act).snoozed = act.zone.toUtc(until);
+    OccurrenceState& entry = begin(state, act);
+    entry.snoozed = act.zone.toUtc(until);
+    // Also what of a single event was listed since the host has moved it.
+    for (OccurrenceState& one : state.occurrences) {
+        if (!act.event.IsRepeating() && !one.listed.isZero() &&
+            act.event.FromMoment(one.listed) < until) {
+            entry.reminder = entry.reminder.isZero() ? one.listed : entry.reminder;
+            one.listed = DateTime();
+        }
+    }
 }
 
 void recordDismiss(EventState& state, const ActOn& act, DismissMode mode) {

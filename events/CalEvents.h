@@ -56,6 +56,10 @@ public:
     /// however many have changed. Both sets read the same file; `full` must outlive this one.
     void ReadWith(CalEvents& full) { full_ = &full; }
 
+    /// Leaves out of the set what that full read has not found any more: its row has gone since, by
+    /// whomever, or is finished. Reading what has changed leaves it in.
+    void DropGone();
+
     std::shared_ptr<GenCollection> mCol;  // by GUID; absent until the first read
     DateTime dLastRead;                   // 0: never; local time at the end of the last read
 

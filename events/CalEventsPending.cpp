@@ -184,7 +184,10 @@ void CalEvents::SetRight() {
     const TimeZone here = TimeZone::local();
     std::vector<Ledger::Change> changes;
     for (const std::string& GUID : ledger_->actedAfter(db_.DBFullName, latestAct(now, here))) {
-        if (const auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr) {
+        auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr;
+        // By that clock it may be finished, and is taken back only when it has been set right.
+        event = event ? event : EventByGUID(GUID);
+        if (event) {
             changes.push_back({GUID, [event, now, here](EventState& state) {
                                    setRight(state, *event, now, here);
                                }});

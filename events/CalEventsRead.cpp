@@ -160,6 +160,26 @@ void CalEvents::takeChangedOf(const GenCollection& all, Source& source) {
     damage_.inPart.insert(damage.inPart.begin(), damage.inPart.end());
 }
 
+void CalEvents::DropGone() {
+    const ErrScope scope;
+    if (!mCol || full_ == nullptr || !full_->ahead_.events) {
+        return;
+    }
+    const GenCollection& all = *full_->ahead_.events;
+    std::vector<std::string> gone;
+    for (const auto place : mCol->PlacesThatDiffer(all)) {
+        const auto event = place < mCol->PlaceCount() ? objectIn<calEvent>(mCol->AtPlace(place))
+                                                      : std::shared_ptr<calEvent>();
+        if (event && !all.Exists(event->GUID)) {
+            gone.push_back(event->GUID);
+        }
+    }
+    for (const std::string& GUID : gone) {
+        mCol->Remove(GUID);
+    }
+    adopted_ = adopted_ || !gone.empty();
+}
+
 void CalEvents::takeChanged(std::shared_ptr<calEvent> event) {
     if (const auto known = objectAt<calEvent>(*mCol, event->GUID)) {
         event = stillValid(known, event);

@@ -83,9 +83,14 @@ void Ledger::load() {
     }
     for (const auto& [key, entry] : fresh->events) {
         const auto old = content_->events.find(key);
-        if (old == content_->events.end() || old->second.state != entry.state) {
-            log_.push_back(guidHash(entry.GUID));
+        if (old != content_->events.end() && old->second.state == entry.state) {
+            continue;
         }
+        const EventState before = old != content_->events.end() ? old->second.state : EventState();
+        if (before.row != entry.state.row || before.acted != entry.state.acted) {
+            byOthers_.push_back(log_.size());
+        }
+        log_.push_back(guidHash(entry.GUID));
     }
     for (const auto& [key, entry] : content_->events) {
         if (!fresh->events.contains(key)) {
@@ -342,6 +347,15 @@ void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>
 std::vector<std::uint64_t> Ledger::changedSince(std::uint64_t version) const {
     const auto first = std::min(static_cast<std::size_t>(version), log_.size());
     return {log_.begin() + static_cast<std::ptrdiff_t>(first), log_.end()};
+}
+
+std::vector<std::uint64_t> Ledger::actedByOthersSince(std::uint64_t version) const {
+    std::vector<std::uint64_t> hashes;
+    for (auto at = std::lower_bound(byOthers_.begin(), byOthers_.end(), version);
+         at != byOthers_.end(); ++at) {
+        hashes.push_back(log_[*at]);
+    }
+    return hashes;
 }
 
 std::string Ledger::compacted(DateTime reference) const {

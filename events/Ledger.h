@@ -131,6 +131,8 @@ public:
     std::uint64_t version() const noexcept { return log_.size(); }
     /// `guidHash` of the events that changed since `version` was that.
     std::vector<std::uint64_t> changedSince(std::uint64_t version) const;
+    /// Of these, those that somebody else has acted on.
+    std::vector<std::uint64_t> actedByOthersSince(std::uint64_t version) const;
 
     /// Whether changes reach the disk at the moment.
     bool onDisk() const noexcept { return owed_.empty() && file_ != nullptr; }
@@ -153,8 +155,9 @@ private:
     const Clock& clock_;
     std::unique_ptr<SharedFile> file_;  // null: in memory only
     std::unique_ptr<Content> content_;
-    std::string owed_;                // lines that are not on the disk yet
-    std::vector<std::uint64_t> log_;  // `guidHash` of each change, in order
+    std::string owed_;                   // lines that are not on the disk yet
+    std::vector<std::uint64_t> log_;     // `guidHash` of each change, in order
+    std::vector<std::size_t> byOthers_;  // places in it of the acts of others, ascending
     std::uint64_t replacedVersion_ = 0;
     mutable std::map<std::string, std::string, std::less<>> names_;  // databases, see `nameOf`
     std::size_t lines_ = 0;                                          // in the file

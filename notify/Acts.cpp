@@ -141,6 +141,7 @@ bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
         return false;
     }
     attempt([&] {
+        takeActsOfOthers(row);
         const auto event = EventOf(row);
         calEvent wanted(*event);
         wanted.NextReminder = clock_.now().addMinutes(minutes);
@@ -157,6 +158,7 @@ bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
 void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
     const ErrScope scope;
     attempt([&] {
+        takeActsOfOthers(row);
         const auto event = EventOf(row);
         const DateTime now = clock_.now();
         calEvent wanted(*event);
@@ -199,6 +201,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
 void Acts::Reactivate(const ActRow& row) {
     const ErrScope scope;
     attempt([&] {
+        takeActsOfOthers(row);
         const auto event = EventOf(row);
         calEvent wanted(*event);
         wanted.NextReminder = DateTime();
@@ -217,6 +220,7 @@ void Acts::Reactivate(const ActRow& row) {
 void Acts::Hide(const ActRow& row, bool hidden) {
     const ErrScope scope;
     attempt([&] {
+        takeActsOfOthers(row);
         calEvent wanted(*EventOf(row));
         wanted.Hidden = hidden;
         // Without a time the ledger would take it for one of long ago, and drop it at a restart.

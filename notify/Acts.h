@@ -123,6 +123,8 @@ private:
     using Objects = std::vector<std::shared_ptr<calEvent>>;
 
     Objects objectsOf(const ActRow& row) const;
+    void takeActsOfOthers(const ActRow& row);
+    void lookAtRow(const EventState& known, const Objects& objects);
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;

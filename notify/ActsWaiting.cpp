@@ -47,6 +47,13 @@ bool isWanted(const calEvent& event, const EventState& state, std::string_view c
            (column != kStatus || note->after != kAllDone || isLastMuted(event, state));
 }
 
+void setIn(std::span<const std::shared_ptr<calEvent>> objects, std::string_view column,
+           const Variant& value) {
+    for (const auto& object : objects) {
+        attempt([&] { object->setProperty(column, value); });
+    }
+}
+
 }  // namespace
 
 void Acts::countWaiting() { state_.waitingWrites = static_cast<int>(Waiting()); }
@@ -62,6 +69,49 @@ void Acts::leaveSets(const std::string& GUID) {
 bool Acts::Write::isOf(std::string_view otherColumn, std::string_view otherGUID,
                        std::uint64_t otherHash) const {
     return hash == otherHash && column == otherColumn && text::equalsNoCase(GUID, otherGUID);
+}
+
+// Another copy may have acted on the event since its row was read: what that has noted stands
+// there by now, or will.
+void Acts::takeActsOfOthers(const ActRow& row) {
+    ledger_.ReadAgain();
+    const std::string& GUID = row.event->GUID;
+    const EventState* known = ledger_.find(db_.DBFullName, GUID);
+    if (known == nullptr || known->row.empty()) {
+        return;
+    }
+    const Objects objects = objectsOf(row);
+    const auto changed = ledger_.actedByOthersSince(lookedAt_.value_or(0));
+    if (std::find(changed.begin(), changed.end(), guidHash(GUID)) != changed.end()) {
+        lookAtRow(*known, objects);
+    }
+    for (const std::string_view column : kStateColumns) {
+        if (isWanted(*objects.front(), *known, column)) {
+            const std::string& text = known->note(column)->after;
+            setIn(objects, column, Variant(text));
+            enqueue(GUID, column, text);
+            hadToWait_ = true;
+        }
+    }
+}
+
+// Since it was read the row may have been written by several acts of another copy, or by another
+// program after one: only the row can tell. Where nobody can read it, what was noted is likelier
+// than what is held, and perhaps waits.
+void Acts::lookAtRow(const EventState& known, const Objects& objects) {
+    const std::string& GUID = objects.front()->GUID;
+    const auto row = period_.EventByGUID(GUID);
+    for (const std::string_view column : kStateColumns) {
+        const ColumnNote* note = known.note(column);
+        if (row) {
+            setIn(objects, column, row->property(column));
+        } else if (note != nullptr) {
+            setIn(objects, column, Variant(note->after));
+            enqueue(GUID, column, note->after);
+            hadToWait_ = true;
+        }
+    }
+    noteChange(GUID);
 }
 
 // A later act on the same column takes the place of the earlier, which nobody has seen.
@@ -219,9 +269,12 @@ void Acts::RestoreWaiting() {
 // by a command. Of what was looked at only what has changed since is looked at again.
 void Acts::findLeftOver() {
     std::optional<std::unordered_set<std::uint64_t>> changed;
+    std::unordered_set<std::uint64_t> byOthers;
     if (lookedAt_) {
         const auto hashes = ledger_.changedSince(*lookedAt_);
         changed.emplace(hashes.begin(), hashes.end());
+        const auto others = ledger_.actedByOthersSince(*lookedAt_);
+        byOthers.insert(others.begin(), others.end());
     }
     lookedAt_ = ledger_.version();
     auto known = ledger_.all(db_.DBFullName);
@@ -235,6 +288,13 @@ void Acts::findLeftOver() {
         event = event ? event : heldBy(reminders_.mCol, one.GUID);
         if (!event && isToComeBack(one.state)) {
             event = period_.EventByGUID(one.GUID);  // its row may still say that it is all done
+        }
+        if (event && byOthers.contains(guidHash(one.GUID)) && !one.state.row.empty()) {
+            Objects objects{event};
+            if (const auto other = heldBy(reminders_.mCol, one.GUID); other && other != event) {
+                objects.push_back(other);
+            }
+            lookAtRow(one.state, objects);
         }
         if (event && one.state.deleting) {
             enqueueDeletion(*event);

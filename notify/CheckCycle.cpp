@@ -120,6 +120,9 @@ bool CheckCycle::readSets() {
     DoRemoveDeleted();
     takeZone();
     const bool isRead = readAgain(reminders_, false, false);
+    if (isRead) {
+        reminders_.DropGone();
+    }
     takeClock(isRead);
     acts_.RestoreWaiting();
     acts_.WriteWaiting();

@@ -180,5 +180,26 @@ TEST_F(TouchedWhileRead, IsNotReadAtAll) {
     EXPECT_EQ(full.damage().rows, 1U);
 }
 
+// Nor is anything of it kept: what is known of the damage is what the last reading found.
+TEST_F(TouchedWhileRead, LeavesWhatWasKnownOfDamageAsItWas) {
+    damage();
+    const auto before = read(GenCollection());
+    ASSERT_TRUE(before);
+    const auto inPart = full.damage().inPart;
+    EXPECT_EQ(full.damage().rows, 1U);
+    EXPECT_EQ(inPart.size(), 1U);
+
+    bytes.at(23 * 4096) = 9;  // a page with rows
+    test::writeFile(path, bytes);
+    touches = true;
+    EXPECT_FALSE(read(*before));
+    EXPECT_EQ(full.damage().rows, 1U);
+    EXPECT_EQ(full.damage().inPart, inPart);
+
+    touches = false;
+    ASSERT_TRUE(read(*before));
+    EXPECT_GT(full.damage().rows, 1U);
+}
+
 }  // namespace
 }  // namespace vl

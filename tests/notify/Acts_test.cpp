@@ -229,8 +229,7 @@ TEST_F(Dismissing, EachModeMovesTheNextReminderInItsWay) {
         SCOPED_TRACE(c.what);
         auto e = c.repeats ? test::series("{A}", at(10, 0), "FREQ=DAILY", {120, 5, -20})
                            : test::single("{A}", at(10, 0), {120, 5, -20});
-        e->NextReminder = c.stored;
-        acts.Reactivate({e, at(10, 0), at(8, 0)});
+        e->GUID = c.what;
         e->NextReminder = c.stored;
         acts.Dismiss({e, at(10, 0), at(8, 0)}, c.mode);
         EXPECT_EQ(e->Dismissed, at(9, 50));

@@ -81,6 +81,22 @@ TEST_F(Pending, WithoutAnEarlierRunTheFirstCheckBeginsAtMidnight) {
     EXPECT_EQ(desk.check(at(9, 0)), "B 20 00:00 (20 00:00)");
 }
 
+// That check was one by a wrong clock: since when nobody has asked is not known.
+TEST_F(Pending, WhereTheLastCheckLiesAheadTheFirstOneBeginsAtMidnight) {
+    for (const DateTime last : {at(9, 0, 1), at(12, 0, 0, 25), at(9, 0).addDays(400)}) {
+        SCOPED_TRACE(formatDateTime(last));
+        Desk fresh;
+        fresh.check(last);
+        fresh.stop();
+        fresh.clock.time = at(9, 0);
+        fresh.put(single("A", at(23, 59, 59, 19), {0}));
+        fresh.put(single("B", at(0, 0), {0}));
+        fresh.start();
+        EXPECT_EQ(fresh.program->cycle.UncheckedSince(), at(0, 0));
+        EXPECT_EQ(fresh.check(), "B 20 00:00 (20 00:00)");
+    }
+}
+
 TEST_F(Pending, AnEventEnteredLateStillRings) {
     struct Case {
         const char* what;

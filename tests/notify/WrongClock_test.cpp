@@ -65,6 +65,20 @@ TEST_F(WrongClock, WhatWasFinishedUnderAClockAheadComesAllTheSame) {
     EXPECT_EQ(desk.check(day(2026, 11, 23, 7, 45)), "S 07:45");
 }
 
+// It is in neither set when the clock is put back, since it was finished by the wrong one.
+TEST_F(WrongClock, WhatWasDoneUnderAClockAheadIsSetRightAlsoWhereTheEventWasFinishedByIt) {
+    desk.put(single("A", at(10, 0), {15, 5, -60}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.clock.time = day(2026, 12, 6);
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    restart(day(2026, 12, 6));
+    restart(day(2026, 12, 6, 10));
+    ASSERT_EQ(statusOf("A"), "AllDone");
+    EXPECT_EQ(desk.check(at(9, 56)), "");
+    EXPECT_EQ(desk.check(at(9, 56, 10)), "") << "what had come by then was dismissed";
+    EXPECT_EQ(desk.check(at(11, 0)), "A 11:00");
+}
+
 // What the host has written since then has stamps of before that check.
 TEST_F(WrongClock, AStartBeforeTheLastCheckMeetsEverythingAnew) {
     desk.put(single("Dealt", at(9, 10), {15}));

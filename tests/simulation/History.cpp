@@ -35,7 +35,10 @@ constexpr std::array<Kind, static_cast<std::size_t>(Do::kCount)> kKinds = {{
     {Do::During, "During", 5},
     {Do::HostClock, "HostClock", 3},
     {Do::TurnClock, "TurnClock", 2},
-    {Do::WrongClock, "WrongClock", 0},  // in written histories only
+    {Do::WrongClock, "WrongClock", 0},  // these come in some histories only, see `Trouble`
+    {Do::Copy, "Copy", 0},
+    {Do::LoseLedger, "LoseLedger", 0},
+    {Do::TearLedger, "TearLedger", 0},
     {Do::Travel, "Travel", 1},
     {Do::Restart, "Restart", 6},
     {Do::Kill, "Kill", 2},
@@ -141,6 +144,25 @@ Step stepOf(Do what, Dice& dice) {
     return step;
 }
 
+// Anywhere in it.
+void add(Trouble trouble, History& history, std::uint64_t seed) {
+    constexpr std::uint64_t kOther = 0x9E3779B97F4A7C15U;
+    static constexpr std::array<std::array<Do, 2>, 4> kSteps = {{{Do::Check, Do::Check},
+                                                                 {Do::Copy, Do::Copy},
+                                                                 {Do::LoseLedger, Do::TearLedger},
+                                                                 {Do::WrongClock, Do::WrongClock}}};
+    if (trouble == Trouble::None) {
+        return;
+    }
+    Dice dice(seed ^ kOther);
+    for (int left = 1 + dice.upTo(8); left > 0; --left) {
+        const int at = dice.upTo(static_cast<int>(history.steps.size()));
+        const auto which = static_cast<std::size_t>(dice.upTo(2));
+        const Do what = kSteps.at(static_cast<std::size_t>(trouble)).at(which);
+        history.steps.insert(history.steps.begin() + at, stepOf(what, dice));
+    }
+}
+
 Zone zoneNamed(const std::string& name) {
     for (const Zone zone : kAllZones) {
         if (name == nameOf(zone)) {
@@ -209,7 +231,7 @@ History readHistory(std::istream& text) {
     return history;
 }
 
-History randomHistory(std::uint64_t seed) {
+History randomHistory(std::uint64_t seed, Trouble trouble) {
     Dice dice(seed);
     const Day day = kDays[static_cast<std::size_t>(dice.upTo(kDays.size()))];
     History history{day.year, day.month, day.day, dice.upTo(1440), Zone::Berlin, {}};
@@ -220,6 +242,7 @@ History randomHistory(std::uint64_t seed) {
     for (int i = 0; i < steps; ++i) {
         history.steps.push_back(stepOf(dice.step(), dice));
     }
+    add(trouble, history, seed);
     return history;
 }
 

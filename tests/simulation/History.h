@@ -29,6 +29,11 @@ enum class Do {
     HostClock,  ///< a: seconds that the host's clock is off
     TurnClock,  ///< a: seconds
     WrongClock,  ///< a: days that it is off; 0: it is right again
+    Copy,        ///< a second copy of the program starts; with one, a: the user turns to the other
+                 ///< of the two, or with some that ends which he does not use
+    LoseLedger,  ///< somebody removes it; a: while the program runs, or is off
+    TearLedger,  ///< the last line of what an act or a check adds reaches the disk in part, and the
+                 ///< program is killed; a: which row or event, b: which act, c: how much of it
     Travel,      ///< a: to which zone; the host writes local times anew, or with some c leaves its
                  ///< rows as they are
     Restart,     ///< the program ends and starts
@@ -75,13 +80,20 @@ std::ostream& operator<<(std::ostream& out, const History& history);
 /// Throws `std::runtime_error` for a text that is none, naming the line.
 History readHistory(std::istream& text);
 
-/// The same seed gives the same history.
-History randomHistory(std::uint64_t seed);
+/// What is added to a history: too much for every one.
+enum class Trouble { None, Copies, Ledger, Clock };
+
+/// The same seed gives the same history; with a trouble some steps more.
+History randomHistory(std::uint64_t seed, Trouble trouble = Trouble::None);
 
 struct Outcome {
     std::string wrong;  ///< empty: everything as it must be
     std::uint64_t decisions = 0;
     std::uint64_t acts = 0;
+    std::uint64_t copies = 0;  ///< checks of a second copy
+    std::uint64_t lost = 0;    ///< ledgers that were removed
+    std::uint64_t torn = 0;    ///< lines of which only a part was there
+    std::uint64_t clocks = 0;  ///< checks by a clock that was days wrong
 };
 
 /// Lives through it in a folder of its own. With `trace` it says what it does.

@@ -39,7 +39,7 @@ Host::Kept* Host::chosen(int which, bool series) {
 void Host::write(Kept& kept, const Plan& plan, const At& at) {
     file_.put(*rowOf(plan, kept.GUID, kept.id, at.now + clockOff, at.here));
     kept.plan = plan;
-    oracle_.written(kept.GUID, kept.id, plan, at.now + clockOff);
+    oracles_.tell([&](Oracle& one) { one.written(kept.GUID, kept.id, plan, at.now + clockOff); });
 }
 
 void Host::writeAnew(Seconds now, Zone here) {
@@ -206,7 +206,7 @@ void Host::take(const Step& step, Seconds now, Zone here) {
             if (kept != nullptr) {
                 file_.change(kept->GUID, {{"Deleted", true}});
                 kept->gone = true;
-                oracle_.deleted(kept->GUID);
+                oracles_.tell([&](Oracle& one) { one.deleted(kept->GUID); });
             }
             return;
         default:

@@ -7,7 +7,7 @@
 
 #include "Calendar.h"
 #include "History.h"
-#include "Oracle.h"
+#include "Oracles.h"
 #include "support/EventFile.h"
 
 namespace vl::simulation {
@@ -22,7 +22,7 @@ public:
     };
 
     /// Both must outlive it.
-    Host(test::EventFile& file, Oracle& oracle) : file_(file), oracle_(oracle) {}
+    Host(test::EventFile& file, Oracles& oracles) : file_(file), oracles_(oracles) {}
 
     Seconds clockOff = 0;  ///< its clock is ahead of the computer's by this
 
@@ -62,7 +62,7 @@ private:
     static std::optional<Occurrence> oneOf(const Kept& series, int which, const At& at);
 
     test::EventFile& file_;
-    Oracle& oracle_;
+    Oracles& oracles_;
     std::deque<Kept> kept_;
 };
 

@@ -1,7 +1,9 @@
 #include "Life.h"
 
+#include <cstdlib>
 #include <exception>
 #include <ostream>
+#include <utility>
 
 namespace vl::simulation {
 
@@ -11,8 +13,8 @@ Life::Life(const History& history, std::ostream* trace)
       utc_(toUtc(here_,
                  dateOf(history.year, history.month, history.day) + history.minute * kMinute)),
       file_((folder_ / "Velmora.RemindDB").string()),
-      oracle_(here_),
-      host_(file_, oracle_) {
+      oracles_(here_),
+      host_(file_, oracles_) {
     useZone(here_);
     pass(0);
     start();
@@ -28,7 +30,7 @@ Outcome Life::run(const History& history) {
     if (outcome_.wrong.empty()) {
         finish();
     }
-    outcome_.decisions = oracle_.decisions();
+    oracles_.tell([&](const Oracle& one) { outcome_.decisions += one.decisions(); });
     if (trace_ != nullptr) {
         *trace_ << test::readFile(folder_ / "VLReminders.ledger");
     }
@@ -44,31 +46,62 @@ void Life::setClock(Seconds skew) {
     const Seconds before = now();
     skew_ = skew;
     pass(0);
-    oracle_.clockTurned(now() - before);
+    oracles_.tell([&](Oracle& one) { one.clockTurned(now() - before); });
 }
 
 void Life::start() {
     program_.reset();
     program_ = std::make_unique<Program>(file_.path(), folder_.path().string(), clock_);
     program_->load();
-    oracle_.started(now(), !hidden_);
+    oracles_.used.started(now(), !hidden_);
     check();
 }
 
 void Life::check(bool disturbed) {
+    Oracle* other = oracles_.other ? &*oracles_.other : nullptr;
+    checkOf(*program_, oracles_.used, other, disturbed);
+    if (other_ && !disturbed) {
+        ++outcome_.copies;
+        checkOf(*other_, *other, &oracles_.used, false);
+    }
+}
+
+void Life::checkOf(Program& program, Oracle& oracle, Oracle* other, bool disturbed) {
     Check check{now(), now() + kInterval, !hidden_, disturbed, 0, {}};
-    program_->takeSounds();
-    program_->tick(kInterval * 1000);
-    check.heard = program_->takeSounds();
-    check.taken = program_->takeNew();
+    program.takeSounds();
+    program.tick(kInterval * 1000);
+    check.heard = program.takeSounds();
+    check.taken = program.takeNew();
+    outcome_.clocks += std::abs(skew_) >= kDay ? 1U : 0U;
     if (trace_ != nullptr) {
         for (const Listing& row : check.taken) {
-            *trace_ << "  " << formatDateTime(clock_.time) << " lists " << row.GUID << ' '
-                    << formatDateTime(dateTime(row.start)) << ", reminder "
+            *trace_ << "  " << formatDateTime(clock_.time)
+                    << (&program == other_.get() ? " the other copy lists " : " lists ") << row.GUID
+                    << ' ' << formatDateTime(dateTime(row.start)) << ", reminder "
                     << formatDateTime(dateTime(row.reminder)) << '\n';
         }
     }
-    outcome_.wrong += oracle_.judge(check, program_->listed());
+    outcome_.wrong += oracle.judge(check, program.listed());
+    if (other != nullptr) {
+        other->checkedByOther(check, oracle);
+    }
+}
+
+// Both copies go by the same file and the same ledger.
+void Life::turnToCopy(const Step& step) {
+    if (!other_) {
+        other_ = std::make_unique<Program>(file_.path(), folder_.path().string(), clock_);
+        other_->load();
+        oracles_.other = oracles_.used;
+        oracles_.other->started(now(), !hidden_);
+        check();
+    } else if (step.a % 4 == 0) {
+        other_.reset();
+        oracles_.other.reset();
+    } else {
+        std::swap(program_, other_);
+        std::swap(oracles_.used, *oracles_.other);
+    }
 }
 
 void Life::wait(Seconds seconds) {
@@ -108,6 +141,12 @@ void Life::take(const Step& step) {
             return setClock(step.a * kDay);
         case Do::Travel:
             return travel(step);
+        case Do::Copy:
+            return turnToCopy(step);
+        case Do::LoseLedger:
+            return loseLedger(step);
+        case Do::TearLedger:
+            return step.c % 3 == 0 ? tearCheck(step) : killInLine(step);
         case Do::Restart:
             return start();
         case Do::Kill:
@@ -144,7 +183,7 @@ Outcome live(const History& history, std::ostream* trace) {
     try {
         return Life(history, trace).run(history);
     } catch (const std::exception& error) {  // of the host's own writing
-        return {std::string("it ended by an error: ") + error.what() + "\n", 0, 0};
+        return {std::string("it ended by an error: ") + error.what() + "\n"};
     }
 }
 

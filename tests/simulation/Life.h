@@ -12,7 +12,7 @@
 #include "Calendar.h"
 #include "History.h"
 #include "Host.h"
-#include "Oracle.h"
+#include "Oracles.h"
 #include "Program.h"
 #include "db/jet/Database.h"
 #include "db/jet/Transaction.h"
@@ -21,6 +21,7 @@
 
 namespace vl::simulation {
 
+inline constexpr const char* kLedger = "VLReminders.ledger";
 inline constexpr int kInterval = 10;  ///< seconds from one check to the next
 
 /// Time stands still unless it is turned, but things can happen at a look at it.
@@ -64,6 +65,8 @@ private:
     void setClock(Seconds skew);
     void start();
     void check(bool disturbed = false);
+    void checkOf(Program& program, Oracle& oracle, Oracle* other, bool disturbed);
+    void turnToCopy(const Step& step);
     void wait(Seconds seconds);
 
     // ---- the host
@@ -89,11 +92,14 @@ private:
         ++outcome_.acts;
         const std::string before = isDying_ ? ledger() : "";
         doing();
+        if (tear_) {
+            tearLine(before, *tear_);
+        }
         if (!isDying_ || isNoted(before)) {
             telling();
         }
         if (!hidden_) {
-            oracle_.mayHaveRead();
+            oracles_.used.mayHaveRead();
         }
     }
     void snooze(const std::optional<Listing>& row, int minutes);
@@ -103,8 +109,9 @@ private:
 
     // ---- what kills the program
 
-    std::string ledger() const { return test::readFile(folder_ / "VLReminders.ledger"); }
+    std::string ledger() const { return test::readFile(folder_ / kLedger); }
     bool isNoted(const std::string& before) const;
+    bool tearLine(const std::string& before, int part);
     void freeze(bool on);
     void freezeAtLook(int looks);
     bool mayDie() const { return !hidden_ && !holder_ && !isProtected_; }
@@ -112,6 +119,9 @@ private:
     void kill(const Step& step);
     void killInCheck(const Step& step);
     void killInAct(const Step& step);
+    void killInLine(const Step& step);
+    void tearCheck(const Step& step);
+    void loseLedger(const Step& step);
     void actBefore(const Step& step);
     // The program's columns, in the order in which it writes them.
     static constexpr std::array kColumns = {"NextReminder", "Dismissed", "Hidden", "status"};
@@ -142,10 +152,12 @@ private:
     bool isProtected_ = false;
     std::unique_ptr<Holder> holder_;
     std::optional<int> during_;  // looks at the clock before the host's next step
-    Oracle oracle_;
+    Oracles oracles_;
     Host host_;
-    std::unique_ptr<Program> program_;
+    std::unique_ptr<Program> program_;  // that the user uses
+    std::unique_ptr<Program> other_;    // a second copy; null: there is none
     bool isDying_ = false;              // the program, at the end of what it does
+    std::optional<int> tear_;           // how much of the line that is being written stays
     std::map<std::string, Said> said_;  // by GUID
     Outcome outcome_;
 };

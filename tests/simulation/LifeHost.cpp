@@ -81,10 +81,10 @@ void Life::travel(const Step& step) {
     here_ = kAllZones[static_cast<std::size_t>(step.a) % kAllZones.size()];
     useZone(here_);
     pass(0);
-    oracle_.travelled(here_);
+    oracles_.tell([&](Oracle& one) { one.travelled(here_); });
     if (step.c % 4 == 0) {
         host_.keepAsWritten(there, here_);
-        oracle_.keptAsWritten(there);
+        oracles_.tell([&](Oracle& one) { one.keptAsWritten(there); });
     } else {
         host_.writeAnew(now(), here_);
     }

@@ -1,4 +1,5 @@
 // What kills the program.
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -8,9 +9,10 @@ namespace fs = std::filesystem;
 
 namespace vl::simulation {
 
-// A line of an event was added since.
+// A line of an event was added since, as a whole.
 bool Life::isNoted(const std::string& before) const {
-    const std::string after = ledger();
+    std::string after = ledger();
+    after.resize(after.rfind('\n') + 1);
     const bool isLonger = after.compare(0, before.size(), before) == 0;
     return after.find("\"guid\"", isLonger ? before.size() : 0) != std::string::npos;
 }
@@ -18,7 +20,7 @@ bool Life::isNoted(const std::string& before) const {
 // Nothing that the program still does reaches the disk.
 void Life::freeze(bool on) {
     const auto write = fs::perms::owner_write;
-    for (const fs::path& path : {folder_ / "VLReminders.ledger", folder_.path()}) {
+    for (const fs::path& path : {folder_ / kLedger, folder_.path()}) {
         fs::permissions(path, write, on ? fs::perm_options::remove : fs::perm_options::add);
     }
     protect(on);
@@ -122,6 +124,77 @@ void Life::takeBack(const Columns& before, int count) {
             file_.change(GUID, lost);
         }
     }
+}
+
+// Of the last line that was added since then a part is left, without its end: false where there is
+// none.
+bool Life::tearLine(const std::string& before, int part) {
+    const std::string after = ledger();
+    if (after.size() <= before.size() + 2 || after.compare(0, before.size(), before) != 0) {
+        return false;
+    }
+    const std::size_t line = after.rfind('\n', after.size() - 2) + 1;
+    const std::size_t longest = after.size() - 2 - line;
+    fs::resize_file(folder_ / kLedger, line + static_cast<std::size_t>(part) % longest);
+    ++outcome_.torn;
+    return true;
+}
+
+// The program adds a line before it writes a row, so of that row nothing was written.
+void Life::killInLine(const Step& step) {
+    if (mayDie()) {
+        isDying_ = true;
+        tear_ = step.c * 7;
+        protect(true);
+        actBefore(step);
+        tear_.reset();
+        die();
+    }
+}
+
+// What it had listed the next run lists by itself.
+void Life::tearCheck(const Step& step) {
+    if (!mayDie()) {
+        return;
+    }
+    isDying_ = true;
+    pass(kInterval);
+    const std::string before = ledger();
+    program_->tick(kInterval * 1000);
+    const std::string after = ledger();
+    const std::size_t line =
+        after.rfind('\n', after.size() - std::min<std::size_t>(2, after.size()));
+    // Other lines are followed by what they are written for.
+    if (after.find("\"act\":\"listed\"", line + 1) != std::string::npos) {
+        tearLine(before, step.b);
+    }
+    die();
+}
+
+// Who runs knows what stood in it, and writes it anew; a program that starts goes by the rows.
+void Life::loseLedger(const Step& step) {
+    if (step.a % 2 == 0) {
+        outcome_.lost += fs::remove(folder_ / kLedger) ? 1U : 0U;
+        return wait(kInterval);
+    }
+    if (!mayDie()) {
+        return;
+    }
+    wait(kInterval);  // what has waited is in the rows
+    other_.reset();
+    oracles_.other.reset();
+    program_.reset();
+    outcome_.lost += fs::remove(folder_ / kLedger) ? 1U : 0U;
+    oracles_.used.ledgerLost([&](const std::string& GUID) {
+        const auto status = file_.value(GUID, "status");
+        return Oracle::RowSays{inRow(GUID, "NextReminder"), inRow(GUID, "Dismissed"),
+                               status.has_value(), status == Variant("AllDone")};
+    });
+    for (auto& [GUID, said] : said_) {
+        said.next = inRow(GUID, "NextReminder");
+        said.dismissed = inRow(GUID, "Dismissed");
+    }
+    start();
 }
 
 }  // namespace vl::simulation

@@ -45,7 +45,8 @@ void Life::snooze(const std::optional<Listing>& row, int minutes) {
         act([&] { program_->snooze(*row, minutes); },
             [&] {
                 const Seconds until = now() + minutes * kMinute;
-                oracle_.acted(*row, Act::Snooze, now(), until);
+                oracles_.tellAct(row->GUID,
+                                 [&](Oracle& one) { one.acted(*row, Act::Snooze, now(), until); });
                 said_[row->GUID].next = until;
             });
     }
@@ -63,10 +64,12 @@ void Life::dismiss(const std::optional<Listing>& row, const Step& step) {
     const bool done = step.c % 8 == 0;
     act([&, mode = mode] { program_->dismiss(*row, mode, done); },
         [&, how = how] {
-            oracle_.acted(*row, how, now());
-            if (done) {
-                oracle_.acted(*row, Act::Done, now());
-            }
+            oracles_.tellAct(row->GUID, [&, how = how](Oracle& one) {
+                one.acted(*row, how, now());
+                if (done) {
+                    one.acted(*row, Act::Done, now());
+                }
+            });
             said_[row->GUID].dismissed = now();
             said_[row->GUID].next.reset();
         });
@@ -82,7 +85,8 @@ void Life::other(const Step& step) {
     if (step.what == Do::Reactivate) {
         act([&] { program_->reactivate(row); },
             [&] {
-                oracle_.reactivated(kept->GUID, now());
+                oracles_.tellAct(kept->GUID,
+                                 [&](Oracle& one) { one.reactivated(kept->GUID, now()); });
                 said_[kept->GUID].next = said_[kept->GUID].dismissed = 0;
             });
     } else if (step.what == Do::HideEvent) {
@@ -93,7 +97,7 @@ void Life::other(const Step& step) {
             [&] {
                 if (isOff) {
                     kept->gone = true;
-                    oracle_.itemDeleted(kept->GUID);
+                    oracles_.tellAct(kept->GUID, [&](Oracle& one) { one.itemDeleted(kept->GUID); });
                 }
             });
     }
@@ -103,13 +107,14 @@ void Life::other(const Step& step) {
 // take it for ours. The next check reads it.
 void Life::foreign(const Step& step) {
     const Host::Kept* kept = host_.chosen(step.a);
-    if (!mayDie() || kept == nullptr || !program_->shows(kept->GUID)) {
+    if (!mayDie() || kept == nullptr || !program_->shows(kept->GUID) ||
+        file_.value(kept->GUID, "status") == Variant("AllDone")) {
         return;
     }
     pass(1);
     Said& said = said_[kept->GUID];
     const auto date = [](Seconds time) { return Variant(dateTime(time)); };
-    if (step.c % 2 == 0 && oracle_.canSnoozeElsewhere(kept->GUID, now() + step.b * kMinute)) {
+    if (step.c % 2 == 0 && oracles_.used.canSnoozeElsewhere(kept->GUID, now() + step.b * kMinute)) {
         said.next = now() + step.b * kMinute;
         file_.change(kept->GUID, {{"NextReminder", date(*said.next)}});
     } else {
@@ -117,7 +122,8 @@ void Life::foreign(const Step& step) {
         said.dismissed = now();
         file_.change(kept->GUID, {{"NextReminder", date(0)}, {"Dismissed", date(now())}});
     }
-    oracle_.actedElsewhere(kept->GUID, *said.next, inRow(kept->GUID, "Dismissed"));
+    const Seconds dismissed = inRow(kept->GUID, "Dismissed");
+    oracles_.tell([&](Oracle& one) { one.actedElsewhere(kept->GUID, *said.next, dismissed); });
     wait(kInterval);
 }
 

@@ -81,6 +81,10 @@ void Oracle::clockTurned(Seconds by) {
     for (auto& [GUID, event] : events_) {
         event.isSure = false;
         event.hasTravelled = true;
+        if (event.metAt) {  // on another day
+            event.metAt.reset();
+            event.stamp.reset();
+        }
     }
 }
 
@@ -88,6 +92,14 @@ void Oracle::clockTurned(Seconds by) {
 
 void Oracle::started(Seconds now, bool readable) {
     for (auto& [GUID, event] : events_) {
+        // What any copy has listed and nobody acted upon is listed again.
+        for (const Seconds key : event.byOther) {
+            if (const auto listed = event.open.find(key); listed != event.open.end()) {
+                event.must.insert(*listed);
+            }
+        }
+        event.byOther.clear();
+        event.leaves = false;
         event.isSure = readable;
         event.missedSince.reset();
         event.held = readable ? std::vector{event.plan} : std::vector<Plan>();
@@ -109,6 +121,54 @@ void Oracle::started(Seconds now, bool readable) {
     lastCheck_.reset();
     unseenSince_.reset();
     isFirst_ = true;
+}
+
+void Oracle::checkedByOther(const Check& check, const Oracle& other) {
+    now_ = check.now;
+    if (other.wasSetRight_) {
+        for (auto& [GUID, event] : events_) {
+            setRight(event, check.now);
+        }
+    }
+    lastRead_ = other.lastRead_;
+    for (const Listing& row : check.taken) {
+        Event& event = events_.at(row.GUID);
+        const Seconds key = keyAt(event, row.start);
+        event.open[key] = static_cast<int>((row.start - row.reminder) / kMinute);
+        event.byOther.insert(key);
+        event.leaves = false;  // it stands there again
+    }
+}
+
+void Oracle::wasActedByOther(const std::string& GUID) {
+    Event& event = events_.at(GUID);
+    event.leaves = event.open.empty() && event.may.empty();
+}
+
+void Oracle::ledgerLost(const std::function<RowSays(const std::string&)>& rowOf) {
+    lastRead_.reset();
+    hasTravelled_ = false;
+    for (auto& [GUID, event] : events_) {
+        const RowSays says = rowOf(GUID);
+        Event fresh;
+        fresh.id = event.id;
+        fresh.plan = event.plan;
+        fresh.held = event.held;
+        fresh.modified = event.modified;
+        fresh.modifiedKnown = event.modifiedKnown;
+        fresh.gone = event.gone;
+        fresh.goneIsKnown = event.goneIsKnown;
+        fresh.isKnown = event.isKnown;
+        fresh.mayBeFinished = event.mayBeFinished || event.isDone;
+        fresh.isFinished = says.isAllDone;
+        // Done is what says so and has not been written since.
+        fresh.isDone = event.isDone && says.isAllDone && event.modified <= says.dismissed;
+        fresh.isForgotten = event.isForgotten || !says.isThere;
+        if (says.next > 0 || says.dismissed > 0) {
+            fresh.word = Word{says.next, says.dismissed};
+        }
+        event = std::move(fresh);
+    }
 }
 
 void Oracle::mayHaveRead() {
@@ -151,6 +211,7 @@ void Oracle::read(const Check& check) {
             event.held = {event.plan};
             event.between.clear();
             event.isSure = true;
+            event.isFinished = false;
             event.missedSince = momentOf(from);
             event.isKnown = true;
             event.metAt = event.stamp ? std::optional(check.now) : event.metAt;

@@ -60,6 +60,20 @@ public:
 
     // The program. What it is asked about a check is said after it.
     void started(Seconds now, bool readable);
+    /// Another copy of the program has checked, as `other` followed it: both go by one ledger.
+    void checkedByOther(const Check& check, const Oracle& other);
+    /// What was told before it was done in the other copy: it leaves the list here.
+    void wasActedByOther(const std::string& GUID);
+    /// What rows say of their reminders: local times, 0: nothing.
+    struct RowSays {
+        Seconds next = 0;
+        Seconds dismissed = 0;
+        bool isThere = false;
+        bool isAllDone = false;
+    };
+    /// The ledger was removed while no program ran: from the next start on each event is what its
+    /// row says.
+    void ledgerLost(const std::function<RowSays(const std::string& GUID)>& rowOf);
     /// What is wrong after the check with what is `listed` (GUIDs); empty: nothing.
     std::string judge(const Check& check, const std::set<std::string>& listed);
 
@@ -125,6 +139,7 @@ private:
         bool goneIsKnown = false;           // the program must know it
         bool isDone = false;                // all of it
         bool mayBeFinished = false;         // a day after its last reminder
+        bool isFinished = false;            // and nobody knows better
         std::optional<Word> word;
         std::optional<Word> wordBefore;     // the program may still go by this one
         Seconds modified = 0;               // as the host says
@@ -142,6 +157,9 @@ private:
         std::set<Seconds>
             stood;  // moved by the host while it was listed: keys that it has had since
         std::map<Seconds, int> open;  // listed and not acted upon: by key, with which reminder
+        std::set<Seconds> byOther;    // of these, what another copy has listed
+        bool leaves = false;          // the list, since another copy has dealt with it
+        bool isForgotten = false;     // the ledger that knew what it replaced is gone
 
         template <class Visit>
         void forEachPlan(Visit&& visit) const {
@@ -212,6 +230,7 @@ private:
     std::optional<Moment> lastRead_;     // check that could read the file, of any run
     std::optional<Moment> unseenSince_;  // no check of this run since then could
     bool isFirst_ = true;                // none of this run could yet
+    bool wasSetRight_ = false;           // by the last check
     bool hasTravelled_ = false;          // since the last that could
     std::uint64_t decisions_ = 0;
 };

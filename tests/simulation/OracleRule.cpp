@@ -12,6 +12,8 @@ constexpr Seconds kReach = 3 * kDay;
 // Nor has one that goes on, or is of today, been reminded of longer ago.
 constexpr Seconds kLongest = 2 * kReach;
 constexpr Seconds kLongestOff = 30 * kDay;
+// Nor has any series begun before that, or ended.
+constexpr Seconds kLongestSeries = 400 * kDay;
 
 bool sameDay(Seconds a, Seconds b) { return midnightOf(a) == midnightOf(b); }
 
@@ -93,7 +95,8 @@ void Oracle::setRight(Event& event, Seconds now) const {
 
 // The first check of a run that can read sees it, and the first after the clock was put back.
 void Oracle::noteClock(const Check& check) {
-    if (!check.readable || (!isFirst_ && lastRead_ && check.now >= lastRead_->local)) {
+    wasSetRight_ = check.readable && (isFirst_ || !lastRead_ || check.now < lastRead_->local);
+    if (!wasSetRight_) {
         return;
     }
     for (auto& [GUID, event] : events_) {
@@ -119,7 +122,7 @@ bool Oracle::isReplaced(const Event& event, Seconds key, bool surely) const {
            std::any_of(events_.begin(), events_.end(), [&](const auto& entry) {
                const Event& other = entry.second;
                return other.plan.replaces == key && other.plan.master == event.id &&
-                      (!surely || other.isKnown || other.goneIsKnown);
+                      (!surely || (!other.isForgotten && (other.isKnown || other.goneIsKnown)));
            });
 }
 
@@ -143,7 +146,7 @@ std::optional<Seconds> Oracle::keySnoozedElsewhere(const Event& event, const Pla
     }
     const Seconds latest =
         next + *std::max_element(plan.reminders.begin(), plan.reminders.end()) * kMinute;
-    const auto all = plan.occurrences(latest - kLongestOff, latest, here_);
+    const auto all = plan.occurrences(latest - kLongestSeries, latest, here_);
     const auto one = std::find_if(all.rbegin(), all.rend(), [&](const Occurrence& occurrence) {
         return !isReplaced(event, occurrence.key, surely);
     });
@@ -246,6 +249,7 @@ void Oracle::noteFinished(Event& event, Seconds now) const {
         event.mayBeFinished = true;
     } else if (last && *last > now) {
         event.mayBeFinished = false;
+        event.isFinished = false;
     }
 }
 
@@ -307,6 +311,10 @@ void Oracle::noteStanding(Event& event, Seconds upTo) const {
         if (event.plan.toLocal(key, here_) - minutes * kMinute <= upTo) {
             event.stood.insert(key);
         }
+    }
+    if (const auto snoozed = snoozeOf(event, event.plan.start);
+        snoozed && *snoozed <= upTo && !event.plan.isSeries()) {
+        event.stood.insert(event.plan.start);
     }
 }
 

@@ -39,15 +39,14 @@ struct Limits {
     std::uint64_t decisions = number("VL_SIM_DECISIONS", UINT64_MAX);
     std::chrono::steady_clock::time_point end;
 
-    Limits() {
+    explicit Limits(std::uint64_t unlessSaid) {
         constexpr std::uint64_t kSeconds = 50;
-        constexpr std::uint64_t kHistories = 1000;
         constexpr std::uint64_t kYear = 31'536'000;
         const bool limited = histories != UINT64_MAX || decisions != UINT64_MAX;
         end = std::chrono::steady_clock::now() +
               std::chrono::seconds(number("VL_SIM_SECONDS", limited ? kYear : kSeconds));
         if (!limited && std::getenv("VL_SIM_SECONDS") == nullptr) {
-            histories = kHistories;  // the same ones wherever the time suffices
+            histories = unlessSaid;  // the same ones wherever the time suffices
         }
     }
     bool allow(std::uint64_t tried, std::uint64_t decided) const {
@@ -55,24 +54,59 @@ struct Limits {
     }
 };
 
-TEST(Simulation, EveryReminderComesAndNoneComesBack) {
+struct Tried {
+    std::uint64_t histories = 0;
+    Outcome all;  // `wrong`: of the last
+};
+
+void add(const Outcome& one, Outcome& all) {
+    all.decisions += one.decisions;
+    all.acts += one.acts;
+    all.copies += one.copies;
+    all.lost += one.lost;
+    all.torn += one.torn;
+    all.clocks += one.clocks;
+    all.wrong = one.wrong;
+}
+
+Tried liveSeeds(const Limits& limits, Trouble trouble) {
     const std::uint64_t first = number("VL_SIM_SEED", 1);
-    const Limits limits;
-    std::uint64_t tried = 0;
-    std::uint64_t decisions = 0;
-    std::uint64_t acts = 0;
-    for (; limits.allow(tried, decisions); ++tried) {
-        const History history = randomHistory(first + tried);
-        const Outcome outcome = live(history);
-        decisions += outcome.decisions;
-        acts += outcome.acts;
-        if (!outcome.wrong.empty()) {
-            FAIL() << failureOf(first + tried, history);
+    Tried tried;
+    for (; limits.allow(tried.histories, tried.all.decisions); ++tried.histories) {
+        const History history = randomHistory(first + tried.histories, trouble);
+        add(live(history), tried.all);
+        if (!tried.all.wrong.empty()) {
+            ADD_FAILURE() << failureOf(first + tried.histories, history);
+            return tried;
         }
     }
-    std::cout << "from seed " << first << ": " << tried << " histories, " << decisions
-              << " decisions, " << acts << " acts\n";
-    EXPECT_GT(decisions, tried / 2);
+    std::cout << "from seed " << first << ": " << tried.histories << " histories, "
+              << tried.all.decisions << " decisions, " << tried.all.acts << " acts";
+    EXPECT_GT(tried.all.decisions, tried.histories / 2);
+    return tried;
+}
+
+TEST(Simulation, EveryReminderComesAndNoneComesBack) {
+    liveSeeds(Limits(1000), Trouble::None);
+    std::cout << '\n';
+}
+
+TEST(Simulation, SoItIsWithTwoCopiesOfTheProgram) {
+    const Tried tried = liveSeeds(Limits(200), Trouble::Copies);
+    std::cout << ", " << tried.all.copies << " checks of a second copy\n";
+    EXPECT_GT(tried.all.copies, tried.histories);
+}
+
+TEST(Simulation, SoItIsWithALedgerThatIsLostOrTorn) {
+    const Tried tried = liveSeeds(Limits(200), Trouble::Ledger);
+    std::cout << ", " << tried.all.lost << " ledgers lost, " << tried.all.torn << " torn\n";
+    EXPECT_GT(tried.all.lost + tried.all.torn, tried.histories / 2);
+}
+
+TEST(Simulation, SoItIsUnderAClockThatIsDaysWrong) {
+    const Tried tried = liveSeeds(Limits(200), Trouble::Clock);
+    std::cout << ", " << tried.all.clocks << " checks by a clock that was days wrong\n";
+    EXPECT_GT(tried.all.clocks, tried.histories);
 }
 
 // What once went wrong.

@@ -1,6 +1,7 @@
 // What the oracle says after a check.
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 #include "Oracle.h"
 #include "base/Variant.h"
@@ -10,6 +11,11 @@ namespace vl::simulation {
 namespace {
 
 std::string text(Seconds time) { return formatDateTime(dateTime(time)); }
+
+bool isTaken(const Check& check, const std::string& GUID) {
+    return std::any_of(check.taken.begin(), check.taken.end(),
+                       [&](const Listing& row) { return row.GUID == GUID; });
+}
 
 }  // namespace
 
@@ -123,7 +129,7 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
 }
 
 void Oracle::judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const {
-    if (event.held.empty() || event.gone || event.isDone) {
+    if (event.held.empty() || event.gone || event.isDone || event.isFinished) {
         return;
     }
     if (const Reminder* due = firstDue(event, check.upTo)) {
@@ -192,9 +198,12 @@ std::string Oracle::judge(const Check& check, const std::set<std::string>& liste
     for (const Listing& row : check.taken) {
         judgeTaken(check, row, wrong);
     }
-    for (const auto& [GUID, event] : events_) {
+    for (auto& [GUID, event] : events_) {
         if (!listed.contains(GUID)) {
             judgeMissing(check, event, wrong);
+        } else if (std::exchange(event.leaves, false) && !isTaken(check, GUID)) {
+            wrong << "at " << text(check.now) << " " << event.id
+                  << " stands in the list, but another copy has dealt with it\n";
         }
     }
     judgeSound(check, wrong);

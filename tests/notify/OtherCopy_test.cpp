@@ -1,0 +1,146 @@
+// Two copies of the program over one file and one ledger, each acting before it has read what the
+// other has done.
+#include <gtest/gtest.h>
+
+#include "FileDesk.h"
+
+namespace vl {
+namespace {
+
+using test::at;
+using test::FileDesk;
+using test::single;
+
+class TwoCopies : public testing::Test {
+protected:
+    TwoCopies() { desk.clock.time = at(9, 0); }
+
+    void startOther() {
+        other = std::make_unique<FileDesk::Program>(desk, desk.clock,
+                                                    (desk.folder / "VLReminders.ledger").string());
+        other->cycle.ReadAtStart();
+        checkOther();
+    }
+    /// A check of the other one; what stands in its list then.
+    std::string checkOther() {
+        other->cycle.Tick(10000);
+        std::string listed;
+        for (const Variant& item : *other->state.NewReminders) {
+            listed += objectIn<calEvent>(item)->GUID;
+        }
+        return listed;
+    }
+    /// One check of each; what the list of either took, and what stands in the other's.
+    std::string checkBoth(DateTime when) {
+        const std::string taken = desk.check(when);
+        return taken + "/" + checkOther();
+    }
+    ActRow rowOf(const FileDesk::Program& program, const char* GUID) {
+        ActRow row = desk.listed.at(GUID);
+        row.event = objectAt<calEvent>(*program.period.mCol, GUID);
+        return row;
+    }
+    DateTime inRow(const char* column) {
+        const auto value = desk.file.value("A", column);
+        return value && !value->isNull() ? value->toDateTime() : DateTime();
+    }
+
+    FileDesk desk;
+    std::unique_ptr<FileDesk::Program> other;
+};
+
+TEST_F(TwoCopies, WhatOneDismissesThatTheOtherHasJustSnoozedDoesNotComeBack) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 45));
+    startOther();
+    desk.program->acts.Snooze(rowOf(*desk.program, "A"), 11);
+    other->acts.Dismiss(rowOf(*other, "A"), DismissMode::This);
+    EXPECT_EQ(inRow("Dismissed"), at(9, 45));
+    EXPECT_EQ(checkBoth(at(9, 45, 10)), "/");
+    EXPECT_EQ(checkBoth(at(9, 56)), "/");
+    EXPECT_EQ(checkBoth(at(10, 10)), "/");
+}
+
+TEST_F(TwoCopies, WhatOneHasWrittenByTwoActsIsNoWordOfAnotherProgram) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 45));
+    startOther();
+    desk.program->acts.Snooze(rowOf(*desk.program, "A"), 5);
+    EXPECT_EQ(checkBoth(at(9, 50)), "A 09:50/A");
+    desk.program->acts.Dismiss(rowOf(*desk.program, "A"), DismissMode::This);
+    desk.program->acts.Snooze(rowOf(*desk.program, "A"), 60);
+    EXPECT_EQ(checkBoth(at(9, 50, 10)), "/");
+    EXPECT_EQ(checkBoth(at(10, 50)).substr(0, 7), "A 10:50");
+}
+
+TEST_F(TwoCopies, NeitherWritesOverAWordThatIsNewerThanAnActOfTheOther) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 45));
+    startOther();
+    desk.program->acts.Dismiss(rowOf(*desk.program, "A"), DismissMode::This);
+    desk.file.change("A", {{"Dismissed", Variant(at(9, 45, 1))}});
+    desk.clock.time = at(9, 45, 10);
+    EXPECT_EQ(checkOther(), "");
+    EXPECT_EQ(inRow("Dismissed"), at(9, 45, 1));
+}
+
+// Its row is gone when the second one looks.
+TEST_F(TwoCopies, WhatTheOtherHasPurgedIsNotListed) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 0));
+    startOther();
+    desk.file.change("A", {{"Deleted", Variant(true)}});
+    EXPECT_EQ(checkBoth(at(9, 50)), "/");
+    EXPECT_EQ(checkBoth(at(9, 50, 10)), "/");
+}
+
+// Nobody can read the file: neither what has reached the row nor what waits is known for certain.
+TEST_F(TwoCopies, AnActStandsInTheRowWhateverOfTheOthersHasReachedIt) {
+    for (const bool snoozes : {false, true}) {
+        for (const bool checks : {false, true}) {
+            SCOPED_TRACE(std::string(snoozes ? "snoozed" : "reactivated") +
+                         (checks ? ", a check between" : ""));
+            const std::string GUID = std::string("A") + (snoozes ? "s" : "r") + (checks ? "c" : "");
+            desk.program.reset();
+            other.reset();
+            desk.clock.time = at(9, 0);
+            desk.put(single(GUID, at(10, 0), {15}));
+            desk.check(at(9, 45));
+            startOther();
+            Acts& acts = desk.program->acts;
+            acts.Snooze(rowOf(*desk.program, GUID.c_str()), 30);
+            desk.takeFileAway();
+            if (snoozes) {
+                acts.Snooze(rowOf(*desk.program, GUID.c_str()), 60);
+            } else {
+                acts.Reactivate(rowOf(*desk.program, GUID.c_str()));
+            }
+            if (checks) {
+                checkBoth(at(9, 46));
+            }
+            desk.clock.time = at(9, 47);
+            other->acts.Snooze(rowOf(*other, GUID.c_str()), 15);
+            desk.bringFileBack();
+            checkBoth(at(9, 48));
+            checkBoth(at(9, 49));
+            EXPECT_EQ(desk.file.value(GUID, "NextReminder")->toDateTime(), at(10, 2));
+            EXPECT_NE(checkBoth(at(10, 2)).find(GUID + " 10:02"), std::string::npos);
+            desk.program->acts.Dismiss(rowOf(*desk.program, GUID.c_str()), DismissMode::All);
+        }
+    }
+}
+
+TEST_F(TwoCopies, ASnoozeOfARowFromBeforeAMoveLeavesTheListOfTheOther) {
+    desk.put(single("A", at(9, 10), {15}));
+    desk.check(at(9, 0));
+    startOther();
+    desk.clock.time = at(9, 1);
+    const auto moved = single("A", at(9, 5), {15});
+    desk.put(moved);
+    EXPECT_EQ(checkBoth(at(9, 1, 10)), "/A");
+    desk.program->acts.Snooze(rowOf(*desk.program, "A"), 30);
+    EXPECT_EQ(checkBoth(at(9, 1, 20)), "/");
+}
+
+}  // namespace
+}  // namespace vl
