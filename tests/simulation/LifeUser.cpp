@@ -122,7 +122,9 @@ void Life::foreign(const Step& step) {
         said.dismissed = now();
         file_.change(kept->GUID, {{"NextReminder", date(0)}, {"Dismissed", date(now())}});
     }
+    // What of ours has waited is none any more.
     const Seconds dismissed = inRow(kept->GUID, "Dismissed");
+    said.dismissed = said.dismissed ? std::optional(dismissed) : std::nullopt;
     oracles_.tell([&](Oracle& one) { one.actedElsewhere(kept->GUID, *said.next, dismissed); });
     wait(kInterval);
 }
