@@ -97,12 +97,14 @@ public:
     bool isNewRemindersTab() const { return tab() == kNewRemindersGrid; }
     /// The code of the period shown, without regard to case.
     bool isPeriod(std::string_view code) const;
-    /// The rows of a grid, whether it has been made or not. Those of the period are made now, where
-    /// they have waited for somebody who looks.
-    const GridList& list(int grid);
-    GridList& selectedList();
-    /// As it was filled last.
+    /// The rows of a grid, whether it has been made or not, as they were filled last: those of the
+    /// period wait while nobody looks.
     GridList& listOf(int grid) { return lists_.of(grid); }
+    const GridList& list(int grid) const { return lists_.of(grid); }
+    GridList& selectedList() { return listOf(tab()); }
+    /// Makes the rows that wait, as a show does by itself. Never from what a list says of itself:
+    /// who else listens to it would be left with rows that are gone.
+    void fillPeriod();
     /// What the user goes on with.
     void focusRows();
     /// Rows are taken out and put in again; the selected grid stays where it is scrolled to.
@@ -172,7 +174,6 @@ private:
     void selectTab(int grid);
     void showStatus();
     void updateButtons();
-    void fillPeriod();
     void wantFields();
 
     // menus (frmDDEMenus.cpp)

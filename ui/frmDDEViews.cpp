@@ -90,18 +90,6 @@ void frmDDE::fillPeriod() {
     }
 }
 
-const GridList& frmDDE::list(int grid) {
-    if (lists_.waits(grid)) {
-        fillPeriod();
-    }
-    return lists_.of(grid);
-}
-
-GridList& frmDDE::selectedList() {
-    list(tab());
-    return lists_.of(tab());
-}
-
 void frmDDE::AddItemR(const std::shared_ptr<calEvent>& event, int index) {
     const ErrScope scope;
     attempt([&] {
@@ -156,7 +144,9 @@ void frmDDE::ShowTime() {
     if (isFurnished()) {
         controls_->lblTime->setText(qtText(timeText_(now)));
     }
-    lists_.setNow(now);
+    if (isWatched()) {
+        lists_.setNow(now);
+    }
 }
 
 void frmDDE::UpdateUI() {

@@ -52,7 +52,7 @@ protected:
     }
     std::vector<std::string> listed(int tab) const {
         std::vector<std::string> GUIDs;
-        for (const GridRow& row : window->list(tab).rows().rows()) {
+        for (const GridRow& row : WindowTest::listed(tab).rows().rows()) {
             GUIDs.push_back(plainText(row.GUID));
         }
         return GUIDs;

@@ -108,7 +108,10 @@ protected:
     }
     Grid& grid(int i) const { return child<Grid>(("G" + std::to_string(i)).c_str()); }
     /// The rows of a grid, which need no control.
-    const GridList& listed(int i) const { return window->list(i); }
+    const GridList& listed(int i) const {
+        window->fillPeriod();
+        return window->list(i);
+    }
     QComboBox& list() const { return child<QComboBox>("cboPeriod"); }
     std::string tab(int i) const { return plainText(child<QTabWidget>("tabs").tabText(i)); }
     std::string ini(const char* section, const char* key) const {

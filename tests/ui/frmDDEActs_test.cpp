@@ -37,7 +37,7 @@ TEST_F(frmDDEActs, TheButtonReactivatesWhatIsShownAsDismissed) {
     clickDismiss();
     EXPECT_TRUE(held("{1}")->Dismissed.isZero());
     EXPECT_TRUE(held("{2}")->NextReminder.isZero());
-    EXPECT_EQ(window->list(1).rowCount(), 3U);
+    EXPECT_EQ(WindowTest::listed(1).rowCount(), 3U);
     EXPECT_TRUE(state.bIsDismiss);
 }
 
@@ -48,8 +48,8 @@ TEST_F(frmDDEActs, WhatIsNewIsNotShownAsDismissedBefore) {
     window->UpdateItemR(again, 0);
     window->DoPeriod();
     const auto shownAsDismissed = [this](int tab) {
-        const int row = *window->list(tab).rows().find("{1}");
-        return window->list(tab).rows().index(row, 0).data(GridModel::DismissedRole).toBool();
+        const int row = *WindowTest::listed(tab).rows().find("{1}");
+        return WindowTest::listed(tab).rows().index(row, 0).data(GridModel::DismissedRole).toBool();
     };
     EXPECT_FALSE(shownAsDismissed(0));
     EXPECT_TRUE(shownAsDismissed(1));

@@ -65,7 +65,7 @@ TEST_F(frmDDEDismiss, APlainClickDismissesTheSelectedRows) {
     EXPECT_EQ(held("{3}")->Dismissed, someFriday());
     EXPECT_EQ(listed(0), Names{"{2}"});
     EXPECT_FALSE(state.NewReminders->Exists("{3}"));
-    EXPECT_EQ(window->list(1).rowCount(), 3U) << "the view lists what is dismissed, too";
+    EXPECT_EQ(WindowTest::listed(1).rowCount(), 3U) << "the view lists what is dismissed, too";
     EXPECT_TRUE(window->isVisible());
     select(0, {"{2}"});
     clickDismiss();
@@ -92,10 +92,10 @@ TEST_F(frmDDEDismiss, TheListStandsStillUnderWhoDismissesOneRowAfterAnother) {
         grid(1).setCurrentIndex(grid(1).indexAt(QPoint(5, 30)));
         const int scroll = bar.value();
         for (int i = 0; i < 3; ++i) {
-            const QString first = window->list(1).currentRow()->GUID;
+            const QString first = WindowTest::listed(1).currentRow()->GUID;
             QTest::keyClick(&grid(1), Qt::Key_Delete);
             EXPECT_EQ(bar.value(), scroll) << "after " << i + 1;
-            EXPECT_NE(window->list(1).currentRow()->GUID, first) << "the next one is at hand";
+            EXPECT_NE(WindowTest::listed(1).currentRow()->GUID, first) << "the next one is at hand";
             EXPECT_TRUE(inView());
         }
     }
@@ -120,7 +120,7 @@ TEST_F(frmDDEDismiss, DeleteDismissesWithoutAsking) {
     loadThree();
     QTest::keyClick(&grid(0), Qt::Key_Delete);
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
-    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{2}"}) << "and the next one is at hand";
+    EXPECT_EQ(WindowTest::listed(0).SelectedGUIDs(), Names{"{2}"}) << "and the next one is at hand";
 }
 
 TEST_F(frmDDEDismiss, TheDialogIsShownForEachRow) {
@@ -193,7 +193,7 @@ TEST_F(frmDDEDismiss, DeletingTakesTheEventAwayAndSaysSo) {
                                 });
     EXPECT_FALSE(period.mCol->Exists("{1}"));
     for (const int tab : {0, 1, 2}) {
-        EXPECT_FALSE(window->list(tab).contains("{1}")) << tab;
+        EXPECT_FALSE(WindowTest::listed(tab).contains("{1}")) << tab;
     }
     ASSERT_NE(popup(), nullptr);
     EXPECT_EQ(popup()->findChild<QLabel*>("lblPopupTitle")->text(), "Items deleted...");

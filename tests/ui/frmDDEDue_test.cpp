@@ -14,7 +14,7 @@ using test::someFriday;
 class frmDDEDue : public test::ActsTest {
 protected:
     std::string due(const char* GUID) const {
-        const GridModel& model = window->list(1).rows();
+        const GridModel& model = WindowTest::listed(1).rows();
         const auto row = model.find(GUID);
         if (!row) {
             return "(not listed)";
@@ -23,7 +23,7 @@ protected:
         return plainText(model.index(*row, column).data().toString());
     }
     QString detail(const char* GUID) const {
-        const GridModel& model = window->list(1).rows();
+        const GridModel& model = WindowTest::listed(1).rows();
         return model.rows()[static_cast<std::size_t>(*model.find(GUID))].detail;
     }
     void refill() const { window->DoPeriod(); }

@@ -88,6 +88,7 @@ protected:
     }
     std::string inGrid(int i) const {
         std::string GUIDs;
+        program->window->fillPeriod();
         for (const GridRow& row : program->window->list(i).rows().rows()) {
             GUIDs += plainText(row.GUID);
         }

@@ -165,6 +165,7 @@ TEST_F(frmDDERows, TheStatusLineFollowsTheCurrentRow) {
     add(e);
     window->DoPeriod();
     EXPECT_EQ(state.curEvent, nullptr);
+    window->fillPeriod();
     EXPECT_TRUE(window->SelectGUID("{1}"));
     EXPECT_EQ(state.curEvent, e);
     const QString status = child<QLabel>("lblStatus").text();

@@ -21,9 +21,9 @@ TEST_F(frmDDESnooze, SnoozingTakesTheRowFromNewAndShowsItsNewTime) {
     EXPECT_EQ(listed(0), (Names{"{2}", "{3}"}));
     EXPECT_FALSE(state.NewReminders->Exists("{1}"));
     EXPECT_FALSE(state.LastEventsReminded->Exists("{1}"));
-    ASSERT_TRUE(window->list(1).contains("{1}"));
-    const auto& rows = window->list(1).rows().rows();
-    const GridRow& row = rows[static_cast<std::size_t>(*window->list(1).rows().find("{1}"))];
+    ASSERT_TRUE(WindowTest::listed(1).contains("{1}"));
+    const auto& rows = WindowTest::listed(1).rows().rows();
+    const GridRow& row = rows[static_cast<std::size_t>(*WindowTest::listed(1).rows().find("{1}"))];
     EXPECT_EQ(row.reminder, someFriday().addMinutes(120));
     EXPECT_EQ(row.detail, "(snoozed)");
     EXPECT_EQ(row.span.start, someFriday().addMinutes(10));
@@ -41,9 +41,9 @@ TEST_F(frmDDESnooze, AfterSnoozingTheNeighbourIsSelected) {
     loadThree();
     window->SelectGUID("{2}");
     snoozeBy("5m");
-    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{3}"});
+    EXPECT_EQ(WindowTest::listed(0).SelectedGUIDs(), Names{"{3}"});
     snoozeBy("5m");  // the last row: the one before it
-    EXPECT_EQ(window->list(0).SelectedGUIDs(), Names{"{1}"});
+    EXPECT_EQ(WindowTest::listed(0).SelectedGUIDs(), Names{"{1}"});
 }
 
 TEST_F(frmDDESnooze, WhatIsNoTimeOrWasCancelledChangesNothing) {
