@@ -54,18 +54,20 @@ WORLD = (
 MANY = tuple(Event(f"Reading group, chapter {n}", at(14, 40), 30, (15,), "Library")
              for n in range(1, 61))
 
-_CALLS = ("Call", "Call back", "Offer for", "Visit of", "Contract with", "Question from", "Invoice to",
-          "Thanks to", "Delivery to", "Meeting with", "Training of", "Reply to", "Reminder to",
-          "Repair at", "Order of", "Return from", "Test with", "Papers for", "Talk with",
-          "Feedback of", "Complaint of", "Address of", "Survey with", "Welcome to", "Refund to")
-_CUSTOMERS = ("Adams", "Becker", "Costa", "Dubois", "Evans", "Fischer", "Garcia", "Huber", "Ivanova",
-              "Jensen", "Keller", "Lopez", "Moreau", "Novak", "Olsen", "Petrov", "Quinn", "Rossi",
-              "Santos", "Taylor", "Urban", "Vogel", "Weber", "Young", "Zimmer")
+_CALLS = ("Call", "Call back", "Offer for", "Visit of", "Contract with", "Question from",
+          "Invoice to", "Thanks to", "Delivery to", "Meeting with", "Training of", "Reply to",
+          "Reminder to", "Repair at", "Order of", "Return from", "Test with", "Papers for",
+          "Talk with", "Feedback of", "Complaint of", "Address of", "Survey with", "Welcome to",
+          "Refund to")
+_CUSTOMERS = ("Adams", "Becker", "Costa", "Dubois", "Evans", "Fischer", "Garcia", "Huber",
+              "Ivanova", "Jensen", "Keller", "Lopez", "Moreau", "Novak", "Olsen", "Petrov",
+              "Quinn", "Rossi", "Santos", "Taylor", "Urban", "Vogel", "Weber", "Young", "Zimmer")
 TURN = 1.875  # days that the call centre's list lasts; then it begins again
 TURNS_DOUBLED = 4  # so often: 16 turns are the 30 days
 CALL_CENTRE = tuple(
     Event(f"{_CALLS[n % 25]} {_CUSTOMERS[(n // 25 + 7 * n) % 25]}",
-          at(0, 15) + timedelta(minutes=n * 1440 * TURN // 625 // 5 * 5), 15, (15,), f"Desk {n % 40 + 1}")
+          at(0, 15) + timedelta(minutes=n * 1440 * TURN // 625 // 5 * 5), 15, (15,),
+          f"Desk {n % 40 + 1}")
     for n in range(625))
 
 

@@ -246,6 +246,8 @@ class Gallery:
     def context(self):
         with self.window():
             act.key("Down")
+            wait_for(lambda: any(tree.name(n).startswith("Call the bank")
+                                 for n in tree.find_all("label", within=TITLE)), 10, "the next row")
             act.key("Menu")
             wait_for(tree.open_menus, 10)
             self.keep("context", self.frame())

@@ -13,6 +13,7 @@ from .waiting import TIMEOUT, NotThere, run, wait_for
 
 _WINDOW = re.compile(r'( +)0x[0-9a-f]+ (.*?): \(([^)]*)\)\s+(\d+)x(\d+)\+-?\d+\+-?\d+\s+'
                      r'\+(-?\d+)\+(-?\d+)')
+_TIP_TAKES = 3  # seconds at the most, once the mouse rests
 
 
 def _embedded():
@@ -47,14 +48,21 @@ def click(program, button=1):
 
 def tooltip(program, timeout=TIMEOUT, across=0.5, down=0.5):
     """Rests the mouse on the icon, so far across and down; the text of the tip that appears."""
-    x, y, width, height = icon(program)
-    at = x + int(width * across), y + int(height * down)
-    move_to(at[0] + 3, at[1])
-    time.sleep(0.1)  # two movements, or the program takes the mouse for passing by
-    move_to(*at)
-    return wait_for(lambda: next((name(w) for w in windows(showing=False)
-                                  if role(w) == "tool tip" and name(w)), None),
-                    timeout, "the tray icon's tip")
+    end = time.monotonic() + timeout
+    while True:
+        x, y, width, height = icon(program)
+        at = x + int(width * across), y + int(height * down)
+        move_to(at[0] + 3, at[1])
+        time.sleep(0.1)  # two movements, or the program takes the mouse for passing by
+        move_to(*at)
+        left = end - time.monotonic()
+        try:
+            return wait_for(lambda: next((name(w) for w in windows(showing=False)
+                                          if role(w) == "tool tip" and name(w)), None),
+                            min(_TIP_TAKES, left), "the tray icon's tip")
+        except NotThere:  # the icon may just have been given its place
+            if left <= _TIP_TAKES:
+                raise
 
 
 def start():
