@@ -20,7 +20,7 @@ class frmDismiss;
 
 /// Asks where something is to be asked, has it done and takes the rows off the lists. Rows are
 /// copied before anything is asked: while a box is open checks go on and refill the grids.
-/// The public methods are procedures: nothing is thrown out of them.
+/// Slots are procedures: nothing is thrown out of them.
 class RowActs final : public QObject {
     Q_OBJECT
 
@@ -50,7 +50,7 @@ public:
     /// From a menu.
     void dismissChosen(bool choose);
 
-    // Each may throw.
+    // What a menu chooses; each may throw.
     void open(const RowChoice& of);
     /// On the first tab the current row is snoozed, on the others the selected ones are hidden.
     void snoozeOrHide(const RowChoice& of);

@@ -64,7 +64,7 @@ void tellDue(GridRow& row, const RowDue& due) {
 }
 
 QString eventLine(const calEvent& event, DateTime start, const DateWords& words) {
-    const QString line = qtText(event.SBMessage(start, words));
+    QString line = qtText(event.SBMessage(start, words));
     if (isBlank(event.Summary())) {
         return qtText(shownSubject({})) + QStringLiteral(", ") + line;
     }

@@ -63,6 +63,8 @@ void frmDDE::wireTimers() {
     connect(&TimerActions, &QTimer::timeout, this, &frmDDE::TimerActions_Tick);
     firstCheck_.setSingleShot(true);
     connect(&firstCheck_, &QTimer::timeout, this, &frmDDE::TimerCheck_Tick);
+    firstAction_.setSingleShot(true);
+    connect(&firstAction_, &QTimer::timeout, this, &frmDDE::TimerActions_Tick);
     trayWait_.setObjectName("TimerTray");
     trayWait_.setSingleShot(true);
     connect(&trayWait_, &QTimer::timeout, this, &frmDDE::lookForTray);

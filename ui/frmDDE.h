@@ -213,8 +213,9 @@ private:
     QTimer TimerUpdate{this};
     QTimer TimerFlash{this};
     QTimer TimerActions{this};
-    QTimer firstCheck_{this};  // once, as soon as the event loop runs
-    QTimer trayWait_{this};    // once, when a tray should have come
+    QTimer firstCheck_{this};   // once, as soon as the event loop runs
+    QTimer firstAction_{this};  // once, for a request that comes after none
+    QTimer trayWait_{this};     // once, when a tray should have come
     FieldAsker fields_;
     WindowLists lists_;
     KeptColumns keptColumns_;

@@ -19,7 +19,7 @@ void frmDDE::RequestMouseWheel(Grid& target, const WheelTurn& turn) {
         if (!TimerActions.isActive()) {
             TimerActions.start();
             // The first one is not kept waiting; a hand on a touchpad would feel it.
-            QMetaObject::invokeMethod(this, &frmDDE::TimerActions_Tick, Qt::QueuedConnection);
+            firstAction_.start(0);
         }
     });
 }
