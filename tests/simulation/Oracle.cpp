@@ -25,9 +25,11 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
     }
     event.modified = modified;
     event.mayBeFinished = false;
-    // The host may clear its status; what its user has done stays so.
-    event.isSure = event.isSure && !retimed;
-    event.isDone = event.isDone && !retimed;
+    // The host may clear its status; what its user has done stays so, if the ledger knows that.
+    const bool isOpenAgain =
+        retimed || (event.isDoneByRow && event.word && modified > event.word->dismissed);
+    event.isSure = event.isSure && !isOpenAgain;
+    event.isDone = event.isDone && !isOpenAgain;
     event.id = id;
     event.plan = plan;
 }
@@ -78,6 +80,7 @@ void Oracle::clockTurned(Seconds by) {
     if (by > -kDay) {
         return;
     }
+    wentBack_ = true;
     for (auto& [GUID, event] : events_) {
         event.isSure = false;
         event.hasTravelled = true;
@@ -135,6 +138,7 @@ void Oracle::checkedByOther(const Check& check, const Oracle& other) {
         Event& event = events_.at(row.GUID);
         const Seconds key = keyAt(event, row.start);
         event.open[key] = static_cast<int>((row.start - row.reminder) / kMinute);
+        event.ahead[key] = row.start - row.reminder;
         event.byOther.insert(key);
         event.leaves = false;  // it stands there again
     }
@@ -163,6 +167,7 @@ void Oracle::ledgerLost(const std::function<RowSays(const std::string&)>& rowOf)
         fresh.isFinished = says.isAllDone;
         // Done is what says so and has not been written since.
         fresh.isDone = event.isDone && says.isAllDone && event.modified <= says.dismissed;
+        fresh.isDoneByRow = fresh.isDone;
         fresh.isForgotten = event.isForgotten || !says.isThere;
         if (says.next > 0 || says.dismissed > 0) {
             fresh.word = Word{says.next, says.dismissed};

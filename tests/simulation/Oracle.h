@@ -138,6 +138,7 @@ private:
         bool gone = false;                  // by the host's will
         bool goneIsKnown = false;           // the program must know it
         bool isDone = false;                // all of it
+        bool isDoneByRow = false;           // as far as that says
         bool mayBeFinished = false;         // a day after its last reminder
         bool isFinished = false;            // and nobody knows better
         std::optional<Word> word;
@@ -154,12 +155,14 @@ private:
         std::set<Seconds> spared;
         std::set<Reminder> must;
         std::set<Reminder> may;
+        std::set<Seconds> stoodOnce;  // the same, before an act
         std::set<Seconds>
             stood;  // moved by the host while it was listed: keys that it has had since
-        std::map<Seconds, int> open;  // listed and not acted upon: by key, with which reminder
-        std::set<Seconds> byOther;    // of these, what another copy has listed
-        bool leaves = false;          // the list, since another copy has dealt with it
-        bool isForgotten = false;     // the ledger that knew what it replaced is gone
+        std::map<Seconds, int> open;       // listed and not acted upon: by key, with which reminder
+        std::map<Seconds, Seconds> ahead;  // how long before the start that was, to the second
+        std::set<Seconds> byOther;         // of these, what another copy has listed
+        bool leaves = false;               // the list, since another copy has dealt with it
+        bool isForgotten = false;          // the ledger that knew what it replaced is gone
 
         template <class Visit>
         void forEachPlan(Visit&& visit) const {
@@ -231,6 +234,7 @@ private:
     std::optional<Moment> unseenSince_;  // no check of this run since then could
     bool isFirst_ = true;                // none of this run could yet
     bool wasSetRight_ = false;           // by the last check
+    bool wentBack_ = false;              // the clock, by days
     bool hasTravelled_ = false;          // since the last that could
     std::uint64_t decisions_ = 0;
 };

@@ -74,18 +74,31 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     now_ = now;
     Event& event = events_.at(row.GUID);
     takeOverWord(event);
+    event.stoodOnce.merge(event.stood);
     event.stood.clear();
     const Seconds key = keyAt(event, row.start);
     Seconds handled = now;
     std::optional<Seconds> shown;
     if (const auto listed = event.open.find(key); listed != event.open.end()) {
-        shown = row.start - listed->second * kMinute;
+        const auto exactly = event.ahead.find(key);
+        const bool isSnooze =
+            exactly != event.ahead.end() && exactly->second / kMinute == listed->second;
+        shown = row.start - (isSnooze ? exactly->second : listed->second * kMinute);
         handled = std::max(handled, *shown);
     }
     handled = event.plan.toMoment(handled, here_);
     if (event.plan.isSeries()) {
         endEarlier(event, key, now);
     } else {
+        // What a snooze has silenced that an act on a row from before a move ends, may be shown.
+        if (const auto snoozed = snoozeOf(event, key); snoozed && key != event.plan.start) {
+            const Seconds start = event.plan.toLocal(event.plan.start, here_);
+            for (const int minutes : event.plan.reminders) {
+                if (start - minutes * kMinute < std::min(*snoozed, now)) {
+                    event.may.insert({event.plan.start, minutes});
+                }
+            }
+        }
         for (auto& [start, mark] : event.marks) {
             event.metBelow = std::max(event.metBelow, mark.snoozed);
             mark.snoozed = kNone;

@@ -20,11 +20,11 @@ bool isTaken(const Check& check, const std::string& GUID) {
 }  // namespace
 
 // What was listed and not acted upon stands in the list, unless its reminder was dealt with by
-// another program.
+// another program. By a clock that was put back by days it comes at its time, too.
 bool Oracle::stands(const Event& event, Seconds key) const {
     const auto listed = event.open.find(key);
     const auto one = event.plan.occurrenceOf(key, here_);
-    return listed != event.open.end() && one &&
+    return listed != event.open.end() && one && !wentBack_ &&
            !isSettled(event, event.plan, *one, listed->second, false);
 }
 
@@ -95,6 +95,7 @@ bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const
             });
         may = may || event.open.contains(*key) || (snoozed && *snoozed <= upTo) ||
               (row.reminder <= upTo && event.may.contains({*key, minutes})) ||
+              (wentBack_ && event.stoodOnce.contains(*key)) ||
               (stands && (event.stood.contains(*key) || event.may.contains({*key, minutes})));
     });
     return may;
@@ -120,6 +121,7 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
     const Seconds key = keyAt(event, row.start);
     const auto minutes = static_cast<int>((row.start - row.reminder) / kMinute);
     event.open[key] = minutes;
+    event.ahead[key] = row.start - row.reminder;
     if (!event.listedSince) {
         event.listedSince = momentOf(std::min(mayAskFrom(check.now), row.reminder));
     }
