@@ -30,8 +30,15 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
         retimed || (event.isDoneByRow && event.word && modified > event.word->dismissed);
     event.isSure = event.isSure && !isOpenAgain;
     event.isDone = event.isDone && !isOpenAgain;
+    event.isWritten = true;
+    noteDone(event);
     event.id = id;
     event.plan = plan;
+}
+
+// A row at another moment stays done only as long as its status says so, which the host clears.
+void Oracle::noteDone(Event& event) {
+    event.isDone = event.isDone && !(event.isWritten && event.isElsewhere);
 }
 
 void Oracle::deleted(const std::string& GUID) {
@@ -64,6 +71,8 @@ void Oracle::keptAsWritten(Zone there) {
             }
         }
         event.openSince = event.listedSince;
+        event.isElsewhere = event.isElsewhere || (event.plan.zone && !event.plan.isSeries());
+        noteDone(event);
         if (event.plan.zone) {
             event.metAt.reset();  // it may have been asked for already, as what it was then
         }

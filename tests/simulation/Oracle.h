@@ -102,6 +102,7 @@ private:
         Seconds handled = kNone;
         Seconds handledLast = kNone;
         Seconds snoozed = kNone;   // in UTC
+        Seconds atLatest = kNone;  // local: when that must be shown at the latest, if set right
         Seconds acted = kNone;     // in UTC
         Seconds reminder = kNone;  // that the row showed
         bool wasTaken = false;     // by an exception that now is at another moment
@@ -139,6 +140,8 @@ private:
         bool goneIsKnown = false;           // the program must know it
         bool isDone = false;                // all of it
         bool isDoneByRow = false;           // as far as that says
+        bool isWritten = false;             // by the host, since the last act
+        bool isElsewhere = false;           // its row means another moment than it did then
         bool mayBeFinished = false;         // a day after its last reminder
         bool isFinished = false;            // and nobody knows better
         std::optional<Word> word;
@@ -225,6 +228,7 @@ private:
     void judgeSound(const Check& check, std::ostream& wrong) const;
     void judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const;
     void endEarlier(Event& event, Seconds key, Seconds now) const;
+    static void noteDone(Event& event);
 
     std::map<std::string, Event> events_;
     Zone here_;

@@ -32,6 +32,7 @@ void Oracle::actedElsewhere(const std::string& GUID, Seconds next, Seconds dismi
         event.wordBefore = event.word;
     }
     event.word = Word{next, dismissed};
+    event.isDone = event.isDone && !event.word->isSnooze();
 }
 
 bool Oracle::canSnoozeElsewhere(const std::string& GUID, Seconds next) const {
@@ -113,6 +114,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     }
     Mark& mark = event.marks[key];
     mark.snoozed = act == Act::Snooze ? toUtc(here_, until) : kNone;
+    mark.atLatest = kNone;
     mark.wasTaken = false;
     mark.acted = toUtc(here_, now);
     mark.reminder = shown ? event.plan.toMoment(*shown, here_) : mark.reminder;
@@ -127,6 +129,8 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     const bool isLast = event.plan.lastKey() == key;
     const bool isSnoozed = std::any_of(event.marks.begin(), event.marks.end(),
                                        [](const auto& one) { return one.second.snoozed != kNone; });
+    event.isWritten = false;
+    event.isElsewhere = false;
     event.isDone =
         act == Act::Done && isLast && event.must.empty() && event.open.empty() && !isSnoozed;
 }

@@ -89,6 +89,10 @@ void Oracle::setRight(Event& event, Seconds now) const {
         mark.handledLast = std::min(mark.handledLast, dealtWith);
         if (mark.snoozed != kNone && mark.reminder != kNone) {
             mark.snoozed = event.plan.zone ? mark.reminder : toUtc(here_, mark.reminder);
+            // The row was perhaps from before a move: then it may come with what was missed since.
+            const auto last = lastReminder(event.plan);
+            mark.atLatest =
+                !event.plan.isSeries() && key != event.plan.start && last ? *last : kNone;
         }
     }
 }

@@ -57,7 +57,7 @@ bool Oracle::isSnoozeDue(const Event& event, Seconds upTo) const {
         const bool isOurs = !elsewhere || (event.plan.isSeries() && elsewhere != key);
         return mark.snoozed != kNone && !mark.wasTaken && isOurs &&
                !isSnoozeSilenced(event, event.plan, key, mark, false) &&
-               localSnooze(event, mark) <= upTo &&
+               std::max(localSnooze(event, mark), mark.atLatest) <= upTo &&
                (!event.plan.isSeries() ||
                 (!isReplaced(event, key, false) && !event.plan.excluded.contains(key)));
     });
