@@ -47,7 +47,7 @@ RowOccurrence nearestOccurrence(calEvent& event, DateTime now) {
     event.InstanceStart = start;
     DateTime reminder = event.NextReminderD(now);
     if (reminder.isZero() && event.RemindersCol && event.RemindersCol->Count() > 0) {
-        reminder = event.FirstReminderD();
+        reminder = event.LastReminderD();  // all are past
     }
     return recorded(event, start, reminder);
 }

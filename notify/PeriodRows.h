@@ -20,7 +20,7 @@ struct RowOccurrence {
 RowOccurrence recordedOccurrence(const calEvent& event);
 
 /// For a list that no query made: the next occurrence after `now`, else the last one, with its
-/// next reminder, else its first. Leaves that occurrence in the event, as a query does.
+/// next reminder, else its latest. Leaves that occurrence in the event, as a query does.
 RowOccurrence nearestOccurrence(calEvent& event, DateTime now);
 
 /// For an event that was just snoozed: its next reminder, of the occurrence at `start`. Leaves that

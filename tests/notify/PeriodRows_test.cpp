@@ -67,6 +67,7 @@ TEST_F(PeriodRows, AHiddenEventShowsItsNextOccurrenceElseItsLast) {
         {series("B", at(10, 0, 0, 1), "FREQ=DAILY;COUNT=3", {15}), "B 03 10:00 (03 09:45)",
          "B 03 10:00"},
         {single("C", at(10, 0, 0, 2), {15}), "C 02 10:00 (02 09:45)", "C 02 10:00"},
+        {single("C", at(10, 0, 0, 2), {24 * 60, 15}), "C 02 10:00 (02 09:45)", "C 02 10:00"},
         {single("D", at(10, 0, 0, 27), {}), "", "D 27 10:00"},
     };
     for (const Case& c : cases) {
