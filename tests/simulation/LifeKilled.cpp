@@ -55,6 +55,7 @@ void Life::killInCheck(const Step& step) {
         pass(kInterval);
         freezeAtLook(1 + step.a);
         program_->tick(kInterval * 1000);
+        oracles_.used.mayHaveListed({now(), now() + kInterval, !hidden_, false, 0, {}});
         die();
     }
 }
@@ -168,6 +169,7 @@ void Life::tearCheck(const Step& step) {
     if (after.find("\"act\":\"listed\"", line + 1) != std::string::npos) {
         tearLine(before, step.b);
     }
+    oracles_.used.mayHaveListed({now(), now() + kInterval, !hidden_, false, 0, {}});
     die();
 }
 

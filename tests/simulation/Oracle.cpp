@@ -24,6 +24,7 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
         event.openSince = event.listedSince;
     }
     event.modified = modified;
+    event.hasTravelled = event.hasTravelled || event.mayBeFinished;  // met anew, if it was finished
     event.mayBeFinished = false;
     // The host may clear its status; what its user has done stays so, if the ledger knows that.
     const bool isOpenAgain =
@@ -150,6 +151,15 @@ void Oracle::checkedByOther(const Check& check, const Oracle& other) {
         event.ahead[key] = row.start - row.reminder;
         event.byOther.insert(key);
         event.leaves = false;  // it stands there again
+    }
+}
+
+void Oracle::mayHaveListed(const Check& check) {
+    now_ = check.now;
+    for (auto& [GUID, event] : events_) {
+        settle(event);
+        event.forEachPlan([&, &event = event](const Plan& plan) { gatherMay(event, plan, check); });
+        event.perhaps.insert(event.may.begin(), event.may.end());
     }
 }
 

@@ -63,6 +63,8 @@ public:
     /// Another copy of the program has checked, as `other` followed it: both go by one ledger.
     void checkedByOther(const Check& check, const Oracle& other);
     /// What was told before it was done in the other copy: it leaves the list here.
+    /// A check that was killed may have listed what it may list, and the ledger know of it.
+    void mayHaveListed(const Check& check);
     void wasActedByOther(const std::string& GUID);
     /// What rows say of their reminders: local times, 0: nothing.
     struct RowSays {
@@ -102,6 +104,7 @@ private:
         Seconds handled = kNone;
         Seconds handledLast = kNone;
         Seconds snoozed = kNone;   // in UTC
+        bool mayBeOver = false;    // since it was set right, but nobody knows of which reminder
         Seconds atLatest = kNone;  // local: when that must be shown at the latest, if set right
         Seconds acted = kNone;     // in UTC
         Seconds reminder = kNone;  // that the row showed
@@ -163,6 +166,7 @@ private:
             stood;  // moved by the host while it was listed: keys that it has had since
         std::map<Seconds, int> open;       // listed and not acted upon: by key, with which reminder
         std::map<Seconds, Seconds> ahead;  // how long before the start that was, to the second
+        std::set<Reminder> perhaps;        // the same, in a check that was killed
         std::set<Seconds> byOther;         // of these, what another copy has listed
         bool leaves = false;               // the list, since another copy has dealt with it
         bool isForgotten = false;          // the ledger that knew what it replaced is gone

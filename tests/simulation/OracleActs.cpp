@@ -75,6 +75,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     now_ = now;
     Event& event = events_.at(row.GUID);
     takeOverWord(event);
+    event.perhaps.clear();
     event.stoodOnce.merge(event.stood);
     event.stood.clear();
     const Seconds key = keyAt(event, row.start);
@@ -115,6 +116,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     Mark& mark = event.marks[key];
     mark.snoozed = act == Act::Snooze ? toUtc(here_, until) : kNone;
     mark.atLatest = kNone;
+    mark.mayBeOver = false;
     mark.wasTaken = false;
     mark.acted = toUtc(here_, now);
     mark.reminder = shown ? event.plan.toMoment(*shown, here_) : mark.reminder;

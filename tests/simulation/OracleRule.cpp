@@ -87,6 +87,7 @@ void Oracle::setRight(Event& event, Seconds now) const {
         const Seconds dealtWith = std::max(mark.reminder, event.plan.toMoment(now, here_));
         mark.handled = std::min(mark.handled, dealtWith);
         mark.handledLast = std::min(mark.handledLast, dealtWith);
+        mark.mayBeOver = mark.reminder == kNone;
         if (mark.snoozed != kNone && mark.reminder != kNone) {
             mark.snoozed = event.plan.zone ? mark.reminder : toUtc(here_, mark.reminder);
             // The row was perhaps from before a move: then it may come with what was missed since.

@@ -93,8 +93,12 @@ bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const
             std::none_of(event.open.begin(), event.open.end(), [&](const auto& entry) {
                 return plan.occurrenceOf(entry.first, here_).has_value();
             });
+        const auto mark = event.marks.find(*key);
+        const bool isPerhapsOver = mark != event.marks.end() && mark->second.mayBeOver &&
+                                   mark->second.snoozed != kNone && row.reminder <= upTo;
         may = may || event.open.contains(*key) || (snoozed && *snoozed <= upTo) ||
               (row.reminder <= upTo && event.may.contains({*key, minutes})) ||
+              event.perhaps.contains({*key, minutes}) || isPerhapsOver ||
               (wentBack_ && event.stoodOnce.contains(*key)) ||
               (stands && (event.stood.contains(*key) || event.may.contains({*key, minutes})));
     });
