@@ -79,16 +79,16 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     event.stoodOnce.merge(event.stood);
     event.stood.clear();
     const Seconds key = keyAt(event, row.start);
-    Seconds handled = now;
     std::optional<Seconds> shown;
     if (const auto listed = event.open.find(key); listed != event.open.end()) {
         const auto exactly = event.ahead.find(key);
         const bool isSnooze =
             exactly != event.ahead.end() && exactly->second / kMinute == listed->second;
         shown = row.start - (isSnooze ? exactly->second : listed->second * kMinute);
-        handled = std::max(handled, *shown);
     }
-    handled = event.plan.toMoment(handled, here_);
+    // A time that clocks skip is later by the gap.
+    Seconds handled = event.plan.toMoment(now, here_);
+    handled = shown ? std::max(handled, event.plan.toMoment(*shown, here_)) : handled;
     if (event.plan.isSeries()) {
         endEarlier(event, key, now);
     } else {
