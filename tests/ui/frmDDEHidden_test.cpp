@@ -171,7 +171,7 @@ TEST_F(frmDDEHidden, TheSavedOrderOfTheRowsHoldsBeforeAnybodySeesThem) {
 
 TEST_F(frmDDEHidden, NobodyCanTellHowOftenItWasHidden) {
     haveDatabase();
-    for (unsigned seed = 1; seed <= 60; ++seed) {
+    for (unsigned seed = 1; seed <= 25; ++seed) {
         SCOPED_TRACE(seed);
         std::string told[2];
         for (const bool hides : {false, true}) {

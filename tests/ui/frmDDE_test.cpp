@@ -1,5 +1,6 @@
 #include "ui/frmDDE.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QComboBox>
@@ -39,6 +40,49 @@ TEST_F(frmDDETest, StartsHiddenWithDefaults) {
     EXPECT_EQ(window->CheckInterval(), 20000);  // hidden
     EXPECT_EQ(list().count(), 17);
     EXPECT_EQ(list().currentText(), "Today");
+}
+
+// Seen whenever the handler asks for the time.
+TEST_F(frmDDETest, LoadsInItsOrder) {
+    haveDatabase();
+    settings.SaveIni("Reminders", "NotifType", "T");
+    settings.SaveIni("Reminders", "Period", "D+7");
+    settings.SaveIni("Reminders", "DBVersion", "2");
+    std::vector<std::string> seen;
+    clock.whenAsked = [&] {
+        const auto* tray = window ? window->findChild<QSystemTrayIcon*>() : nullptr;
+        const auto* check = window ? window->findChild<QTimer*>("TimerCheck") : nullptr;
+        const std::pair<const char*, bool> steps[] = {
+            {"how to notify", state.sNotifType == "T"},
+            {"saved period", state.sPeriod == "D+7"},
+            {"upgrade", state.DBVersion == 4},
+            {"actions", state.pendingActions && state.OneMin > 0},
+            {"tray", tray != nullptr && tray->isVisible()},
+            {"events", period.IsRead()},
+            {"timers", check != nullptr && check->isActive()},
+            {"period shown", !state.dShownStart.isZero()},
+        };
+        std::string done;
+        bool all = true;
+        for (const auto& [name, isDone] : steps) {
+            EXPECT_TRUE(all || !isDone) << name << " comes too early; before it only" << done;
+            all = all && isDone;
+            done += isDone ? std::string(" ") + name + "," : "";
+        }
+        if (seen.empty() || seen.back() != done) {
+            seen.push_back(done);
+        }
+    };
+    load();
+    clock.whenAsked();
+    clock.whenAsked = nullptr;
+    EXPECT_THAT(seen, testing::Contains(" how to notify,"));
+    EXPECT_THAT(seen, testing::Contains(" how to notify, saved period, upgrade, actions, tray,"));
+    EXPECT_THAT(seen, testing::Contains(
+                          " how to notify, saved period, upgrade, actions, tray, events, timers,"));
+    EXPECT_EQ(seen.back(),
+              " how to notify, saved period, upgrade, actions, tray, events, timers, "
+              "period shown,");
 }
 
 TEST_F(frmDDETest, OlderFlagsWinOverTheType) {
