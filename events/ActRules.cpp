@@ -24,12 +24,6 @@ DateTime occurrenceAt(const calEvent& event, DateTime time, std::span<const Date
     return start.isZero() ? event.StartDateTime : start;
 }
 
-OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start) {
-    OccurrenceState& entry = state.at(event.ToWall(start));
-    entry.end = event.ToWall(event.EndOf(start));
-    return entry;
-}
-
 // What the row has said so far is kept: after the act it shows what the act has put there.
 void takeOverRow(EventState& state, const ActOn& act) {
     if (!rowSpeaks(act.event, &state)) {
@@ -186,6 +180,13 @@ bool isDoneByUser(const calEvent& event, const EventState* state) {
     }
     return rowSpeaks(event, state) && !event.Dismissed.isZero() &&
            event.Modified <= event.Dismissed;
+}
+
+OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start) {
+    OccurrenceState& entry = state.at(event.ToWall(start));
+    const DateTime last = start.addMinutes(event.LastReminder());
+    entry.end = event.ToWall(std::max(event.EndOf(start), last));
+    return entry;
 }
 
 void recordSnooze(EventState& state, const ActOn& act, DateTime until) {

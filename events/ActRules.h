@@ -52,6 +52,10 @@ bool isLastMuted(const calEvent& event, const EventState& state);
 /// in another program, whose dismissal is not older than what the host has written.
 bool isDoneByUser(const calEvent& event, const EventState* state);
 
+/// The entry of the occurrence that begins at `start`, local time, made when there is none; it says
+/// when the occurrence is over and its last reminder has come.
+OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start);
+
 // Each of these handles the occurrence's reminders up to now (or up to the reminder it was listed
 // with, where the list took it early), ends what is earlier and over, and takes over what the row
 // said, since from now on the row does not speak any more.

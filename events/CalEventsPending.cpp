@@ -65,8 +65,7 @@ const DueBook::Found* seriesOf(const calEvent& exception, const std::vector<DueB
 
 // It stands in the list with the reminder of that time.
 void recordListed(EventState& state, const calEvent& event, DateTime start, DateTime time) {
-    OccurrenceState& entry = state.at(event.ToWall(start));
-    entry.end = event.ToWall(event.EndOf(start));
+    OccurrenceState& entry = entryOf(state, event, start);
     entry.listed = event.ToMoment(time);
     state.newlyMet = false;
 }
@@ -124,9 +123,11 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
 
 // The row of an exception may be purged, or be read no more: its series must not ring instead.
 void CalEvents::keepLeft() {
+    std::vector<Ledger::Replaced> replaced;
     for (const DueBook::Left& left : book_->takeLeft()) {
-        ledger_->keepReplaced(db_.DBFullName, left.series, left.replaced);
+        replaced.push_back({left.series, {notedNow(left.replaced)}});
     }
+    ledger_->keepReplaced(db_.DBFullName, replaced);
 }
 
 // What is shown after a restart is the event as it is now.
@@ -155,7 +156,7 @@ void CalEvents::keepPassedOver() {
     for (auto& one : fullRead_->takePassedOver()) {
         replaced.push_back({std::move(one.series), {notedNow(one.start)}});
     }
-    ledger_->keepReplaced(db_.DBFullName, replaced);
+    ledger_->keepRecentlyReplaced(db_.DBFullName, std::move(replaced));
 }
 
 void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) {

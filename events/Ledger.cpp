@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <chrono>
 
+#include "LedgerKept.h"
 #include "LedgerLines.h"
 #include "app/Files.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
-#include "base/Variant.h"
 #include "events/WrongClock.h"
 
 namespace vl {
@@ -16,26 +16,12 @@ namespace {
 
 // A change takes a few milliseconds; whoever holds the lock longer is not coming back.
 constexpr std::chrono::milliseconds kLockWait(500);
-constexpr int kKeptDays = 90;
 constexpr std::size_t kSpareLines = 256;
 
 std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
 
 // Somebody has removed it since it was last seen.
 bool isGone(const SharedFile& file) { return file.changed() && !fileExists(file.path()); }
-
-// How many days ago `when` was, as seen from `now`.
-bool longAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
-
-// An event's part beside its occurrences, as long as the row could still speak of a time to come.
-bool isOver(const EventState& state, DateTime now) {
-    DateTime written;
-    if (const ColumnNote* next = state.note("NextReminder")) {
-        attempt([&] { written = parseDateTime(next->after); });
-    }
-    return !state.deleting && state.occurrences.empty() && longAgo(state.acted, now) &&
-           longAgo(written, now);
-}
 
 }  // namespace
 
@@ -188,7 +174,7 @@ bool Ledger::flush(const SharedFile::Lock& lock) {
         torn_ = false;
         lines_ = 0;
         bytes_ = 0;
-        write(compacted(DateTime()));  // what stood in it, and what is owed
+        write(ledger::keptLines(*content_, DateTime()));  // what stood in it, and what is owed
     };
     if (lock && attempt(writeOwed)) {
         owed_.clear();
@@ -317,8 +303,7 @@ void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>
     const std::string name = nameOf(database);
     const auto isNew = [&](const SeriesName& series, const Noted& start) {
         const auto known = content_->replaced.find(ledger::keyOf(name, series));
-        return !longAgo(start.local, clock_.now()) &&
-               (known == content_->replaced.end() || !known->second.contains(start));
+        return known == content_->replaced.end() || !known->second.contains(start);
     };
     const auto anyNew = [&](const Replaced& one) {
         return std::any_of(one.starts.begin(), one.starts.end(),
@@ -344,6 +329,15 @@ void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>
     });
 }
 
+void Ledger::keepRecentlyReplaced(std::string_view database, std::vector<Replaced> all) {
+    const DateTime now = reference();
+    for (Replaced& one : all) {
+        std::erase_if(one.starts,
+                      [&](const Noted& start) { return ledger::isLongAgo(start.local, now); });
+    }
+    keepReplaced(database, all);
+}
+
 std::vector<std::uint64_t> Ledger::changedSince(std::uint64_t version) const {
     const auto first = std::min(static_cast<std::size_t>(version), log_.size());
     return {log_.begin() + static_cast<std::ptrdiff_t>(first), log_.end()};
@@ -358,39 +352,25 @@ std::vector<std::uint64_t> Ledger::actedByOthersSince(std::uint64_t version) con
     return hashes;
 }
 
-std::string Ledger::compacted(DateTime reference) const {
-    std::string lines;
-    for (const auto& [key, entry] : content_->events) {
-        ledger::Entry kept = entry;
-        std::erase_if(kept.state.occurrences, [&](const OccurrenceState& one) {
-            return one.snoozed.isZero() && longAgo(std::max(one.start, one.end), reference);
-        });
-        if (!isOver(kept.state, reference)) {
-            lines += lineEnd(ledger::eventLine(kept, {}, true, "kept", kept.state.acted));
-        }
-    }
+// A clock that is far ahead for once must not make everything look old.
+DateTime Ledger::reference() const {
+    DateTime latest;
     for (const auto& [database, when] : content_->checked) {
-        lines += lineEnd(ledger::checkLine(database, when));
+        latest = std::max(latest, when.local);
     }
-    for (const auto& [key, starts] : content_->replaced) {
-        const auto& [database, series] = content_->masters.at(key);
-        for (const Noted& start : starts) {
-            if (!longAgo(start.local, reference)) {
-                lines += lineEnd(ledger::replacedLine(database, series, start));
-            }
-        }
-    }
-    for (const std::string& line : content_->foreign) {
-        lines += lineEnd(line);
-    }
-    return lines;
+    const DateTime now = clock_.now();
+    return latest.isZero() ? now : std::min(now, latest.addDays(1));
 }
 
 // Worth it when most lines have been overtaken by later ones, or at a start when any has become
-// too old.
+// too old. That is known until the end of the run, since the clock may be wrong; but what is asked
+// for is what the file says, to which this run's lines are added.
 void Ledger::compact(bool starting) {
-    const std::size_t held = content_->events.size() + content_->checked.size() +
-                             content_->replaced.size() + content_->foreign.size();
+    std::size_t held =
+        content_->events.size() + content_->checked.size() + content_->foreign.size();
+    for (const auto& [key, starts] : content_->replaced) {
+        held += starts.size();
+    }
     if (lines_ == 0 || (!starting && lines_ <= 2 * held + kSpareLines)) {
         return;
     }
@@ -399,19 +379,17 @@ void Ledger::compact(bool starting) {
         lock = file_->lock(kLockWait);
         takeChanges();
     }
-    // A clock that is far ahead for once must not make everything look old.
-    DateTime latest;
-    for (const auto& [database, when] : content_->checked) {
-        latest = std::max(latest, when.local);
-    }
-    const DateTime now = clock_.now();
-    const std::string lines = compacted(latest.isZero() ? now : std::min(now, latest.addDays(1)));
+    const DateTime now = starting ? reference() : DateTime();
+    const std::string lines = ledger::keptLines(*content_, now);
     const auto live = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
     if (live < lines_ || lines.size() < bytes_) {
         file_->replace(lines);
         lines_ = live;
         bytes_ = lines.size();
         torn_ = false;
+        for (auto& [key, entry] : content_->events) {
+            entry.state.openSince = ledger::openSinceAt(entry.state, now);
+        }
     }
 }
 

@@ -121,9 +121,11 @@ public:
     };
     std::vector<Replaced> allReplaced(std::string_view database) const;
     void keepReplaced(std::string_view database, const SeriesName& series, DateTime start);
-    /// The same for several, flushed once. What is so old that it would soon be dropped is not
-    /// kept.
+    /// The same for several, flushed once. However old: the clock may be ahead.
     void keepReplaced(std::string_view database, const std::vector<Replaced>& all);
+    /// The same of exceptions whose rows are still there, and are met again: of these may be many,
+    /// and what is so old that it would soon be dropped is not kept.
+    void keepRecentlyReplaced(std::string_view database, std::vector<Replaced> all);
     /// Grows with every such start, by whomever.
     std::uint64_t replacedVersion() const noexcept { return replacedVersion_; }
 
@@ -150,7 +152,7 @@ private:
     std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
                        const std::function<void(EventState&)>& edit, bool forget);
     void compact(bool always);
-    std::string compacted(DateTime reference) const;
+    DateTime reference() const;
 
     const Clock& clock_;
     std::unique_ptr<SharedFile> file_;  // null: in memory only

@@ -44,7 +44,7 @@ enum class Muted { No, ThroughStart, ForEver };
 /// same wherever the computer is. 0: none.
 struct OccurrenceState {
     DateTime start;    ///< by this it is known
-    DateTime end;      ///< when it is over, on the same clock
+    DateTime end;      ///< when it is over and its last reminder has come, on the same clock
     DateTime handled;  ///< reminders up to this moment, included, are dealt with
     DateTime snoozed;  ///< in UTC
     Muted muted = Muted::No;

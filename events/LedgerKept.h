@@ -1,0 +1,23 @@
+// What of the ledger is kept when its file is written anew.
+#pragma once
+
+#include <string>
+
+#include "LedgerLines.h"
+
+namespace vl::ledger {
+
+/// Whether `when` is so long ago, as seen from `now`, that nobody needs to know of it any more.
+bool isLongAgo(DateTime when, DateTime now);
+
+/// `EventState::openSince` once what is too old at `now` has left: what was dealt with must not be
+/// asked for again when nothing is known of it any more.
+DateTime openSinceAt(const EventState& state, DateTime now);
+
+/// The lines of what is kept at `now`; 0: everything. An occurrence leaves some months after it is
+/// over and its last reminder has come, unless it is snoozed or is what stands in the list; what is
+/// known of its event leaves with the last one, unless the row alone would bring something back. A
+/// start that an exception has taken over stays as long as what that has ended.
+std::string keptLines(const Content& content, DateTime now);
+
+}  // namespace vl::ledger
