@@ -100,6 +100,16 @@ void endEarlier(EventState& state, const ActOn& act) {
     }
 }
 
+// The list takes a reminder a little before its time, and in an hour that comes twice the second
+// pass shows an earlier time than an act in the first: what was dealt with then stays so. What lies
+// ahead otherwise is still to come: the computer was farther east, or its clock was wrong.
+bool isStillHandled(const OccurrenceState& entry, const ActOn& act) {
+    const DateTime now = act.event.ToMoment(act.now);
+    const bool early = entry.handled <= now.addMinutes(1);
+    const bool secondPass = !entry.acted.isZero() && act.zone.fromUtc(entry.acted) > act.now;
+    return entry.handled > now && (early || secondPass);
+}
+
 OccurrenceState& begin(EventState& state, const ActOn& act) {
     setRight(state, act.event, act.now, act.zone);
     takeOverRow(state, act);
@@ -111,13 +121,12 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     state.acted = act.now;
     OccurrenceState& entry = entryOf(state, act.event, act.start);
     const DateTime now = act.event.ToMoment(act.now);
-    // The list takes a reminder a little before its time: what was dealt with then stays so, also
-    // by a second act before that time. A time far ahead is that of a clock which was wrong.
-    const bool early = entry.handled > now && entry.handled <= now.addMinutes(1);
-    entry.handled = std::max(early ? entry.handled : now, listed);
+    const DateTime acted = act.zone.toUtc(act.now);
+    const bool stays = isStillHandled(entry, act);
+    entry.handled = std::max(stays ? entry.handled : now, listed);
     entry.snoozed = DateTime();
     entry.listed = DateTime();
-    entry.acted = act.zone.toUtc(act.now);
+    entry.acted = stays ? std::max(entry.acted, acted) : acted;
     if (!listed.isZero()) {
         entry.reminder = listed;
     }

@@ -284,5 +284,28 @@ TEST_F(PendingClock, AnHourThatComesTwiceElsewhereSilencesNothing) {
     EXPECT_EQ(desk.run(on(7, 10), 60), "A 01 08:00 (01 07:10)") << "and 1:10 for the second";
 }
 
+TEST_F(PendingClock, AnActInTheSecondPassOfAnHourBringsNothingBackThatOneInTheFirstDealtWith) {
+    const test::ZoneForTest berlin("Europe/Berlin");  // at 3:00 it is 2:00 again
+    const auto on = [](int hour, int minute) {
+        return DateTime::fromCivil(2026, 10, 25, hour, minute, 0);
+    };
+    for (const int acts : {1, 2}) {
+        SCOPED_TRACE(acts);
+        Desk fresh;
+        fresh.clock.time = on(1, 0);
+        fresh.put(series("A", on(5, 0), "FREQ=DAILY", {170, 150, 15}));
+        EXPECT_EQ(fresh.check(on(2, 10)), "A 25 05:00 (25 02:10)");
+        EXPECT_EQ(fresh.check(on(2, 30)), "") << "the same row";
+        fresh.clock.time = on(2, 31);
+        fresh.dismiss("A");
+        for (int i = 0; i < acts; ++i) {
+            fresh.check(on(2, 5 + 10 * i));
+            fresh.dismiss("A");
+        }
+        EXPECT_EQ(fresh.run(on(4, 44), 60), "");
+        EXPECT_EQ(fresh.run(on(4, 45), 60), "A 25 05:00 (25 04:45)");
+    }
+}
+
 }  // namespace
 }  // namespace vl
