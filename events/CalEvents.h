@@ -152,8 +152,12 @@ public:
     void LookAgain(std::string_view GUID);
 
     /// The starts of a series that exceptions have taken over, as of the last question for what is
-    /// pending; ascending.
+    /// pending, or of `FindReplaced`; ascending.
     std::span<const DateTime> Replaced(const calEvent& event) const;
+
+    /// For a set that holds a few events only and is asked no such question: reads from the file
+    /// and the ledger what exceptions have taken over from its series. Costs a look at each row.
+    void FindReplaced();
 
     /// The events that start in [`FromDate`, `ToDate`], both ends included, by `GUID`, each left
     /// with its earliest occurrence there unless an earlier one already stands in it. Never null.

@@ -62,8 +62,13 @@ public:
     /// for `EventState::openSince`.
     DateTime openSince(const calEvent& event) const;
 
-    /// The starts of a series that exceptions have taken over, as of the last `ask`.
+    /// The starts of a series that exceptions have taken over, as of the last `ask` or
+    /// `learnReplaced`.
     std::span<const DateTime> replaced(const calEvent& event) const { return replaced_.of(event); }
+
+    /// Learns them from `events` and the ledger without a question.
+    void learnReplaced(const GenCollection& events, const Ledger& ledger,
+                       std::string_view database);
 
     struct Left {
         SeriesName series;

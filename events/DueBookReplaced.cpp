@@ -6,6 +6,19 @@
 
 namespace vl {
 
+namespace {
+
+// Of exceptions that are read no more the ledger knows which starts they have taken over.
+void sayKept(ReplacedStarts& starts, const Ledger& ledger, std::string_view database) {
+    for (const Ledger::Replaced& kept : ledger.allReplaced(database)) {
+        for (const Noted& start : kept.starts) {
+            starts.say(kept.series, start);
+        }
+    }
+}
+
+}  // namespace
+
 bool DueBook::replacesOne(const calEvent& event) {
     return event.IsException() && !event.recurringEventId.empty() &&
            !event.RExceptionStartTimeOrig.isZero();
@@ -25,12 +38,7 @@ void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
             places.push_back(i);
         }
     }
-    // Of exceptions that are read no more the ledger knows which starts they have taken over.
-    for (const Ledger::Replaced& kept : ledger.allReplaced(database)) {
-        for (const Noted& start : kept.starts) {
-            now.say(kept.series, start);
-        }
-    }
+    sayKept(now, ledger, database);
     for (const Left& left : left_) {
         now.say(left.series, {left.replaced, {}});
     }
@@ -43,6 +51,24 @@ void DueBook::findReplaced(const Ledger& ledger, std::string_view database) {
             lookAt(places[i]);
         }
     }
+    replaced_ = std::move(now);
+}
+
+void DueBook::learnReplaced(const GenCollection& events, const Ledger& ledger,
+                            std::string_view database) {
+    ReplacedStarts now;
+    std::vector<const calEvent*> series;
+    for (const Variant& item : events) {
+        const auto event = objectIn<calEvent>(item);
+        if (event && replacesOne(*event)) {
+            now.say(seriesOf(*event), {event->RExceptionStartTimeOrig, {}});
+        }
+        if (event && event->IsRepeating()) {
+            series.push_back(event.get());
+        }
+    }
+    sayKept(now, ledger, database);
+    now.settle(series, TimeZone::local());
     replaced_ = std::move(now);
 }
 

@@ -44,8 +44,14 @@ public:
         db_.DBFullName = file.lexically_normal().string();
         db_.Patience = jet::OpenOptions().patience;
         set_.mCol = std::make_shared<GenCollection>();
+        set_.UseLedger(ledger_, {});
+        std::vector<std::shared_ptr<calEvent>> events;
         for (std::size_t i = 1; i < arguments.words.size(); ++i) {
-            rows_.push_back(rowOf(arguments.words[i], arguments.option("--at")));
+            events.push_back(eventOf(arguments.words[i]));
+        }
+        set_.FindReplaced();
+        for (const auto& event : events) {
+            rows_.push_back(rowOf(event, arguments.option("--at")));
         }
         acts_.RestoreWaiting();
     }
@@ -89,16 +95,27 @@ public:
 private:
     static Json date(DateTime time) { return time.isZero() ? Json() : Json(wallText(time)); }
 
-    ActRow rowOf(const std::string& GUID, const std::string& at) {
+    std::shared_ptr<calEvent> eventOf(const std::string& GUID) {
         const auto event = set_.EventByGUID(GUID);
         if (!event) {
             const std::string& why = db_.LastErrorText();
             throw Error(ErrNo::NotFound, why.empty() ? "there is no event " + GUID : why);
         }
         set_.Add(event, event->GUID);
+        return event;
+    }
+
+    ActRow rowOf(const std::shared_ptr<calEvent>& event, const std::string& at) {
         const DateTime start = at.empty() ? occurrenceOf(*event) : wallTime(at);
+        if (start.isZero()) {
+            throw Error(ErrNo::NotFound, event->GUID + " has no occurrence");
+        }
         if (event->ICalRecEvents(start, start, 1).empty()) {
-            throw Error(ErrNo::NotFound, GUID + " has no occurrence at " + wallText(start));
+            throw Error(ErrNo::NotFound, event->GUID + " has no occurrence at " + wallText(start));
+        }
+        if (isReplaced(*event, start)) {
+            throw Error(ErrNo::NotFound, "an exception has taken the place of the occurrence of " +
+                                             event->GUID + " at " + wallText(start));
         }
         event->InstanceStart = start;
         const bool scheduled = event->RemindersCol && event->RemindersCol->Count() > 0;
@@ -106,8 +123,13 @@ private:
                 scheduled ? event->PrevReminderD(clock_.now(), DateTime()) : DateTime()};
     }
 
+    bool isReplaced(const calEvent& event, DateTime start) const {
+        const auto replaced = set_.Replaced(event);
+        return std::binary_search(replaced.begin(), replaced.end(), start);
+    }
+
     // What stands in the window's list; else the last one whose reminders have begun, else the
-    // first to come.
+    // first to come. 0: there is none.
     DateTime occurrenceOf(const calEvent& event) const {
         if (!event.IsRepeating()) {
             return event.StartDateTime;
@@ -115,19 +137,29 @@ private:
         const EventState* known = ledger_.find(db_.DBFullName, event.GUID);
         if (const auto* one = known != nullptr ? known->listed() : nullptr) {
             const DateTime listed = event.FromWall(one->start);
-            if (!event.ICalRecEvents(listed, listed, 1).empty()) {
+            if (!event.ICalRecEvents(listed, listed, 1).empty() && !isReplaced(event, listed)) {
                 return listed;
             }
         }
         const DateTime begun = clock_.now().addMinutes(event.RemindersMaxOffsetMin).addSeconds(1);
-        const DateTime last = event.PreviousInstance(begun);
-        return last.isZero() ? event.NextInstance(begun.addSeconds(-1)) : last;
+        DateTime last = event.PreviousInstance(begun);
+        while (!last.isZero() && isReplaced(event, last)) {
+            last = event.PreviousInstance(last);
+        }
+        if (!last.isZero()) {
+            return last;
+        }
+        DateTime next = event.NextInstance(begun.addSeconds(-1));
+        while (!next.isZero() && isReplaced(event, next)) {
+            next = event.NextInstance(next);
+        }
+        return next;
     }
 
     SystemClock clock_;
     DBRemindUtils db_;
-    CalEvents set_{db_, clock_};
     Ledger ledger_;
+    CalEvents set_{db_, clock_};
     ReminderState state_;
     Acts acts_{set_, set_, db_, clock_, ledger_, state_};
     std::vector<ActRow> rows_;

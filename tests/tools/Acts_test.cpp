@@ -2,8 +2,12 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <optional>
 
 #include "Remindb.h"
+#include "base/Clock.h"
+#include "support/EventFile.h"
+#include "support/Events.h"
 #include "support/Support.h"
 
 namespace vl {
@@ -143,6 +147,98 @@ TEST_F(RemindbActs, SaysWhatFailed) {
     const auto run = act({"snooze", kDentist});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("the ledger cannot be written"));
+}
+
+// A daily series whose occurrence of today an exception has moved.
+class RemindbActsOnSeries : public testing::Test {
+protected:
+    /// Who knows of the exception.
+    enum class Known { ByItsRow, ByItsFinishedRow, ByTheLedger };
+
+    void begin(Known known) {
+        folder.emplace();
+        ledger = (*folder / "VLReminders.ledger").string();
+        calendar.emplace((*folder / "Velmora.RemindDB").string());
+        calendar->put(*test::series("M", today.addDays(-3), "FREQ=DAILY", {15}));
+        auto exception = test::single("X", today.addMinutes(300), {15});
+        exception->RecurrenceState = 3;
+        exception->recurringEventId = "idM";
+        exception->RExceptionStartTimeOrig = today;
+        exception->status = known == Known::ByItsFinishedRow ? "AllDone" : "";
+        if (known == Known::ByTheLedger) {
+            const Json line = {
+                {"db", calendar->path()}, {"master", "idM"}, {"replaced", formatDateTime(today)}};
+            test::writeFile(ledger, line.dump() + "\n");
+        } else {
+            calendar->put(*exception);
+        }
+    }
+    test::Outcome act(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin() + 1, calendar->path());
+        arguments.insert(arguments.end(), {"--ledger", ledger, "--json"});
+        return test::remindb(arguments);
+    }
+    /// "2026-11-20T10:00:00"
+    static std::string named(DateTime time) {
+        std::string text = formatDateTime(time) + (time.hasTime() ? "" : " 00:00:00");
+        text[10] = 'T';
+        return text;
+    }
+    /// What the ledger's last line says of the occurrence.
+    Json noted(DateTime start) {
+        const Json last = linesOf(test::readFile(ledger)).back();
+        for (const Json& one : last.value("occurrences", Json::array())) {
+            if (one["start"] == formatDateTime(start)) {
+                return one;
+            }
+        }
+        return Json();
+    }
+
+    const DateTime today = SystemClock().now().addMinutes(-10);
+    std::optional<test::TempFolder> folder;
+    std::optional<test::EventFile> calendar;
+    std::string ledger;
+};
+
+TEST_F(RemindbActsOnSeries, NoActIsOnAnOccurrenceThatAnExceptionHasReplaced) {
+    for (const Known known : {Known::ByItsRow, Known::ByItsFinishedRow, Known::ByTheLedger}) {
+        SCOPED_TRACE(static_cast<int>(known));
+        for (const char* command : {"snooze", "dismiss"}) {
+            begin(known);
+            const auto refused = act({command, "M", "--at", named(today)});
+            EXPECT_EQ(refused.code, 1);
+            EXPECT_THAT(refused.err, HasSubstr("an exception has taken the place"));
+            const auto run = act({command, "M"});
+            ASSERT_EQ(run.code, 0) << run.err;
+            EXPECT_EQ(linesOf(run.out).at(0)["start"], named(today.addDays(-1)));
+            EXPECT_TRUE(noted(today).is_null());
+            EXPECT_FALSE(noted(today.addDays(-1)).is_null());
+        }
+    }
+}
+
+TEST_F(RemindbActsOnSeries, ASnoozeInTheRowIsNotOfAnOccurrenceThatAnExceptionHasReplaced) {
+    for (const Known known : {Known::ByItsRow, Known::ByItsFinishedRow, Known::ByTheLedger}) {
+        SCOPED_TRACE(static_cast<int>(known));
+        begin(known);
+        calendar->change("M", {{"NextReminder", Variant(today.addMinutes(40))}});
+        const auto run = act({"dismiss", "M", "--at", named(today.addDays(1))});
+        ASSERT_EQ(run.code, 0) << run.err;
+        EXPECT_FALSE(noted(today.addDays(-1)).value("snoozed", "").empty()) << "it still comes";
+        EXPECT_TRUE(noted(today).is_null());
+    }
+}
+
+TEST_F(RemindbActsOnSeries, AnExceptionInAnotherOfTheHostsDatabasesReplacesNothingHere) {
+    begin(Known::ByItsRow);
+    calendar->change("X", {{"VLBase", Variant(std::string("C:\\Work.vldb"))}});
+    auto other = test::series("N", today.addDays(-3), "FREQ=DAILY", {15});
+    other->id = "idM";
+    other->VLBase = "C:\\Work.vldb";
+    calendar->put(*other);
+    EXPECT_EQ(act({"dismiss", "M", "--at", named(today)}).code, 0);
+    EXPECT_EQ(act({"dismiss", "N", "--at", named(today)}).code, 1);
 }
 
 }  // namespace
