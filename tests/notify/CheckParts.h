@@ -23,6 +23,11 @@ struct CheckParts {
     CheckParts(const ManualClock& clock, const std::string& ledgerPath, ForScreen&&... forScreen)
         : now(clock), screen(std::forward<ForScreen>(forScreen)...), ledger(clock, ledgerPath) {}
 
+    /// The ledger goes by another clock.
+    CheckParts(const ManualClock& clock, const ManualClock& ledgerClock,
+               const std::string& ledgerPath)
+        : now(clock), ledger(ledgerClock, ledgerPath) {}
+
     const ManualClock& now;
     DBRemindUtils db;
     CalEvents reminders{db, now};

@@ -22,6 +22,7 @@ public:
     std::string ledgerPath = (folder / "VLReminders.ledger").string();
     std::map<std::string, std::shared_ptr<calEvent>> rows;
     bool rowsAreWritten = true;
+    const ManualClock* ledgerClock = nullptr;  ///< that the ledger goes by; null: by `clock`
 
     /// The program and all that it forgets when it ends.
     using Program = CheckParts<>;
@@ -54,7 +55,7 @@ public:
 
     void start() {
         program.reset();
-        program = std::make_unique<Program>(clock, ledgerPath);
+        program = std::make_unique<Program>(clock, ledgerClock ? *ledgerClock : clock, ledgerPath);
         program->reminders.mCol = std::make_shared<GenCollection>();
         program->period.mCol = std::make_shared<GenCollection>();
         for (const auto& [GUID, row] : rows) {
