@@ -3,10 +3,12 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/Files.h"
 #include "db/DBRemindUtils.h"
 #include "events/GenCollection.h"
+#include "events/LedgerState.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -30,5 +32,10 @@ inline bool passes(const DBRemindUtils& db) {
     return error == ErrNo::Locked || error == ErrNo::Io ||
            (error == ErrNo::NotFound && !fileExists(db.DBFullName));
 }
+
+/// Whether the text noted for it is still to be written into the event's column. Where another
+/// program has put a word of its own into the row, ours is none any more, although a column may be
+/// as it was.
+bool isWanted(const calEvent& event, const EventState& state, std::string_view column);
 
 }  // namespace vl

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "base/Clock.h"
@@ -146,6 +147,10 @@ private:
     void countWaiting();
     void leaveSets(const std::string& GUID);
     void findLeftOver();
+    void findLeftOverOfAbsent();
+    std::shared_ptr<calEvent> held(const std::string& GUID) const;
+    void takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,
+                        bool byOthers);
 
     CalEvents& reminders_;
     CalEvents& period_;
@@ -158,8 +163,11 @@ private:
     int together_ = 0;        // scopes of `Together`
     bool hadToWait_ = false;  // something of what waits, since an earlier try
     std::string trouble_;
-    std::optional<std::uint64_t>
-        lookedAt_;  // the ledger's version, when left-overs were looked for
+    // The ledger's version, when left-overs were looked for.
+    std::optional<std::uint64_t> lookedAt_;
+    // Whose events were in no set then: what is all done may come back.
+    std::unordered_set<std::string> absent_;
+    std::uint64_t absentFrom_ = 0;  // the stamp of the list that they were looked for in last
 };
 
 }  // namespace vl

@@ -1,6 +1,5 @@
 // What acts write into rows: now, or when the file can be written again.
 #include <algorithm>
-#include <unordered_set>
 
 #include "ActParts.h"
 #include "base/ErrorState.h"
@@ -27,24 +26,6 @@ constexpr Writer kWriters[] = {
 // The statement named a column that the table has not (any more).
 bool lacksColumn(const DBRemindUtils& db) {
     return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
-}
-
-// The last act was to have a finished event shown again: there are few of these.
-bool isToComeBack(const EventState& state) {
-    const ColumnNote* status = state.note(kStatus);
-    return status != nullptr && status->after != kAllDone &&
-           (state.newlyMet || std::any_of(state.occurrences.begin(), state.occurrences.end(),
-                                          [](const auto& one) { return !one.snoozed.isZero(); }));
-}
-
-// Whether that text is still to be written into the event's column. Where another program has put
-// a word of its own into the row, ours is none any more, although a column may be as it was.
-bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
-    const ColumnNote* note = state.note(column);
-    const bool isWord = column == kNextReminder || column == kDismissed;
-    return note != nullptr && note->waits(columnText(event, column)) &&
-           !(isWord && rowSpeaks(event, &state)) &&
-           (column != kStatus || note->after != kAllDone || isLastMuted(event, state));
 }
 
 void setIn(std::span<const std::shared_ptr<calEvent>> objects, std::string_view column,
@@ -251,6 +232,7 @@ void Acts::RestoreWaiting() {
     if (lookedAt_ != ledger_.version() && (reminders_.mCol || period_.mCol)) {
         attempt([&] { findLeftOver(); });
     }
+    attempt([&] { findLeftOverOfAbsent(); });
     for (const Deletion& one : deletions_) {
         leaveSets(one.GUID);
     }
@@ -263,49 +245,6 @@ void Acts::RestoreWaiting() {
         noteChange(write.GUID);
     }
     countWaiting();
-}
-
-// What was noted and did not come to the row, by an earlier run, by another copy of the program or
-// by a command. Of what was looked at only what has changed since is looked at again.
-void Acts::findLeftOver() {
-    std::optional<std::unordered_set<std::uint64_t>> changed;
-    std::unordered_set<std::uint64_t> byOthers;
-    if (lookedAt_) {
-        const auto hashes = ledger_.changedSince(*lookedAt_);
-        changed.emplace(hashes.begin(), hashes.end());
-        const auto others = ledger_.actedByOthersSince(*lookedAt_);
-        byOthers.insert(others.begin(), others.end());
-    }
-    lookedAt_ = ledger_.version();
-    auto known = ledger_.all(db_.DBFullName);
-    std::sort(known.begin(), known.end(),
-              [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
-    for (const auto& one : known) {
-        if (changed && !changed->contains(guidHash(one.GUID))) {
-            continue;
-        }
-        auto event = heldBy(period_.mCol, one.GUID);
-        event = event ? event : heldBy(reminders_.mCol, one.GUID);
-        if (!event && isToComeBack(one.state)) {
-            event = period_.EventByGUID(one.GUID);  // its row may still say that it is all done
-        }
-        if (event && byOthers.contains(guidHash(one.GUID)) && !one.state.row.empty()) {
-            Objects objects{event};
-            if (const auto other = heldBy(reminders_.mCol, one.GUID); other && other != event) {
-                objects.push_back(other);
-            }
-            lookAtRow(one.state, objects);
-        }
-        if (event && one.state.deleting) {
-            enqueueDeletion(*event);
-            continue;
-        }
-        for (const std::string_view name : kStateColumns) {
-            if (event && isWanted(*event, one.state, name)) {
-                enqueue(event->GUID, name, one.state.note(name)->after);
-            }
-        }
-    }
 }
 
 }  // namespace vl

@@ -354,6 +354,27 @@ TEST_F(OnFile, WhatIsHiddenWhileNobodyCanWriteIsHiddenAlsoAfterTwoRestarts) {
     EXPECT_EQ(desk.file.value("A", "Hidden"), Variant(true));
 }
 
+// Nobody reads what is all done, so the act waits for the host to take the event back.
+TEST_F(OnFile, WhatWasHiddenAndIsAllDoneBeforeThatIsWrittenIsHiddenWhenItsHostTakesItBack) {
+    desk.put(single("A", at(8, 0), {15}));
+    desk.check(at(9, 0));
+    desk.takeFileAway();
+    const auto event = objectAt<calEvent>(*desk.program->period.mCol, "A");
+    desk.program->acts.Hide({event, at(8, 0), DateTime()});
+    desk.program.reset();
+    desk.bringFileBack();
+    desk.file.change("A", {{"status", Variant(std::string("AllDone"))}});
+    EXPECT_EQ(desk.check(at(9, 1, 0, 22)), "");
+    EXPECT_EQ(desk.check(at(9, 2, 0, 22)), "");
+    EXPECT_EQ(desk.file.value("A", "Hidden"), Variant(false));
+    desk.file.change("A",
+                     {{"status", Variant(std::string())}, {"Modified", Variant(at(9, 3, 0, 22))}});
+    EXPECT_EQ(desk.check(at(9, 4, 0, 22)), "A 07:45") << "nobody has acted on that";
+    EXPECT_TRUE(objectAt<calEvent>(*desk.program->period.mCol, "A")->Hidden);
+    EXPECT_EQ(desk.check(at(9, 5, 0, 22)), "");
+    EXPECT_EQ(desk.file.value("A", "Hidden"), Variant(true));
+}
+
 // One of its columns is then as it was before our act.
 TEST_F(OnFile, WhatIsDismissedElsewhereAfterASnoozeHereStaysSoAfterARestart) {
     desk.put(single("A", at(10, 0), {15}));
