@@ -149,8 +149,9 @@ private:
     void findLeftOver();
     void findLeftOverOfAbsent();
     std::shared_ptr<calEvent> held(const std::string& GUID) const;
+    void lookAtRowOf(const std::shared_ptr<calEvent>& event, const EventState& known);
     void takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,
-                        bool byOthers);
+                        std::span<const std::string_view> columns);
 
     CalEvents& reminders_;
     CalEvents& period_;

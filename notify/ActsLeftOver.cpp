@@ -11,6 +11,8 @@ namespace vl {
 
 namespace {
 
+constexpr std::string_view kColumnsButStatus[] = {kNextReminder, kDismissed, kHidden};
+
 // The last act was to have a finished event shown again: there are few of these.
 bool isToComeBack(const EventState& state) {
     const ColumnNote* status = state.note(kStatus);
@@ -58,12 +60,16 @@ void Acts::findLeftOver() {
             event = isToComeBack(one.state) ? period_.EventByGUID(one.GUID) : nullptr;
         }
         if (event) {
-            takeUpLeftOver(event, one.state, byOthers.contains(hash));
+            if (byOthers.contains(hash)) {
+                lookAtRowOf(event, one.state);
+            }
+            takeUpLeftOver(event, one.state, kStateColumns);
         }
     }
 }
 
-// An event that its host has taken back has what was noted of it while it was all done.
+// An event that was taken back has what was noted of it while it was all done. What its status is
+// to be, whoever has taken it back has said.
 void Acts::findLeftOverOfAbsent() {
     if (absent_.empty() || !period_.mCol || period_.mCol->Stamp() == absentFrom_) {
         return;
@@ -73,7 +79,7 @@ void Acts::findLeftOverOfAbsent() {
         const auto event = held(GUID);
         const EventState* known = ledger_.find(db_.DBFullName, GUID);
         if (event && known != nullptr) {
-            takeUpLeftOver(event, *known, false);
+            takeUpLeftOver(event, *known, kColumnsButStatus);
         }
         return event || known == nullptr;
     });
@@ -84,20 +90,24 @@ std::shared_ptr<calEvent> Acts::held(const std::string& GUID) const {
     return event ? event : heldBy(reminders_.mCol, GUID);
 }
 
-void Acts::takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,
-                          bool byOthers) {
-    if (byOthers && !known.row.empty()) {
-        Objects objects{event};
-        if (const auto other = heldBy(reminders_.mCol, event->GUID); other && other != event) {
-            objects.push_back(other);
-        }
-        lookAtRow(known, objects);
+void Acts::lookAtRowOf(const std::shared_ptr<calEvent>& event, const EventState& known) {
+    if (known.row.empty()) {
+        return;
     }
+    Objects objects{event};
+    if (const auto other = heldBy(reminders_.mCol, event->GUID); other && other != event) {
+        objects.push_back(other);
+    }
+    lookAtRow(known, objects);
+}
+
+void Acts::takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,
+                          std::span<const std::string_view> columns) {
     if (known.deleting) {
         enqueueDeletion(*event);
         return;
     }
-    for (const std::string_view name : kStateColumns) {
+    for (const std::string_view name : columns) {
         if (isWanted(*event, known, name)) {
             enqueue(event->GUID, name, known.note(name)->after);
         }
