@@ -24,6 +24,7 @@ class EventIndex;
 class FullRead;
 class Ledger;
 class SharedReminders;
+struct ClockWord;
 
 /// The set of events behind checks and views. Two of these live: one for the checks, one behind
 /// the period views. Events are shared with who asks for them, and both queries write
@@ -139,9 +140,10 @@ public:
     /// of now. False when it says none.
     bool RecordListed(calEvent& event) const;
 
-    /// Once the computer's clock was put back: what was done to the events while it was ahead is
-    /// set right in the ledger.
-    void SetRight();
+    /// Notes in the ledger what the computer's clock says of the acts that lie ahead of it: see
+    /// `takeClock`. True: of some it must be asked again with the next check, since which clock is
+    /// right is not known yet.
+    bool TakeClock(const ClockWord& clock);
 
     /// Works out anew which occurrences series have, for a computer whose zone has changed.
     void TakeZone(const TimeZone& here);

@@ -179,24 +179,32 @@ void CalEvents::NoteListed(const std::vector<std::shared_ptr<calEvent>>& taken) 
     }
 }
 
-void CalEvents::SetRight() {
+bool CalEvents::TakeClock(const ClockWord& clock) {
     const ErrScope scope;
-    const DateTime now = clock_.now();
     const TimeZone here = TimeZone::local();
     std::vector<Ledger::Change> changes;
-    for (const std::string& GUID : ledger_->actedAfter(db_.DBFullName, latestAct(now, here))) {
+    bool isInDoubt = false;
+    for (const std::string& GUID :
+         ledger_->actedAfter(db_.DBFullName, latestAct(clock.now, here))) {
+        if (!bearsOn(clock, *ledger_->find(db_.DBFullName, GUID), here)) {
+            isInDoubt = true;
+            continue;
+        }
         auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr;
-        // By that clock it may be finished, and is taken back only when it has been set right.
+        // By a clock that was ahead it may be finished, and is taken back only when it was set
+        // right.
         event = event ? event : EventByGUID(GUID);
         if (event) {
-            changes.push_back({GUID, [event, now, here](EventState& state) {
-                                   setRight(state, *event, now, here);
+            changes.push_back({GUID, [&, event](EventState& state) {
+                                   takeClock(state, *event, clock, here);
+                                   isInDoubt = isInDoubt || !state.doubted.empty();
                                }});
         }
     }
     if (!changes.empty()) {
         ledger_->change(db_.DBFullName, "clock", changes);
     }
+    return isInDoubt;
 }
 
 bool CalEvents::RecordListed(calEvent& event) const {

@@ -211,7 +211,7 @@ DateTime notedOpenSince(const calEvent& event, const EventState* state) {
 }
 
 bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now) {
-    const EventView view(event, facts);
+    const EventView view(event, facts, now);
     bool open = false;
     const auto found = [&](DateTime, DateTime) { open = true; };
     view.forEachSnooze(found);

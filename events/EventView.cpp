@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "events/GenCollection.h"
+#include "events/WrongClock.h"
 #include "model/clsReminder.h"
 
 namespace vl {
@@ -40,7 +41,14 @@ EventView::EventView(const calEvent& event, const DueFacts& facts, std::optional
         const std::int64_t length =
             event.EndOf(event.StartDateTime).milliseconds() - event.StartDateTime.milliseconds();
         over_ = DateTime::fromMilliseconds(now->milliseconds() - length);
-        latestAct_ = facts.zone.toUtc(*now).addDays(1);
+    }
+    endedBefore_ = state_.endedBefore;
+    if (now && isActedAfter(state_, {})) {
+        now_ = now;
+        latestAct_ = latestAct(*now, facts.zone);
+        if (const auto seen = behind(state_.endedAt)) {
+            endedBefore_ = endedRight(state_, event, *seen);
+        }
     }
     const RowWord live{event.NextReminder, event.Dismissed};
     rowSpeaks_ = live.saysAnything() && rowSpeaks(event, facts.state);
@@ -54,7 +62,7 @@ bool EventView::isOpen(DateTime start, DateTime time) const {
     if (isReplaced(start) || time < says_.snoozed || isSilenced(event_, says_, start, time)) {
         return false;
     }
-    if (state_.occurrences.empty() && state_.endedBefore.isZero()) {
+    if (state_.occurrences.empty() && endedBefore_.isZero()) {
         return true;
     }
     const DateTime wall = event_.ToWall(start);
@@ -65,7 +73,7 @@ bool EventView::isOpen(DateTime start, DateTime time) const {
     }
     const bool spared = entry != nullptr && (entry->spared || !entry->snoozed.isZero());
     // Ended with others was only what was over, by a clock that may have been ahead.
-    if (wall < state_.endedBefore && isOver(start) && !spared) {
+    if (wall < endedBefore_ && isOver(start) && !spared) {
         return false;
     }
     if (entry == nullptr) {
@@ -76,7 +84,7 @@ bool EventView::isOpen(DateTime start, DateTime time) const {
 }
 
 DateTime EventView::firstOpenStart() const {
-    DateTime first = event_.FromWall(state_.endedBefore);
+    DateTime first = event_.FromWall(endedBefore_);
     if (over_) {
         first = std::min(first, goesOn());
     }
@@ -102,18 +110,21 @@ bool EventView::isGone(DateTime start) const {
     return repeats_ && (isReplaced(start) || event_.IsExcluded(start));
 }
 
-// Of an act by a clock that was ahead only which reminder it was on.
+std::optional<DateTime> EventView::behind(DateTime acted) const {
+    return now_ ? vl::behind(state_, acted, *now_, latestAct_, facts_.zone) : std::nullopt;
+}
+
 DateTime EventView::handledThrough(const OccurrenceState& one) const {
-    return isOfWrongClock(one) ? std::min(one.handled, one.reminder) : one.handled;
+    const auto seen = behind(one.acted);
+    return seen ? handledRight(one, event_, *seen) : one.handled;
 }
 
 DateTime EventView::localSnooze(const OccurrenceState& one) const {
     if (one.snoozed.isZero()) {
         return {};
     }
-    // Nobody knows what was meant: the reminder is shown again.
-    return isOfWrongClock(one) && !one.reminder.isZero() ? event_.FromMoment(one.reminder)
-                                                         : facts_.zone.fromUtc(one.snoozed);
+    return facts_.zone.fromUtc(behind(one.acted) ? snoozedRight(one, event_, facts_.zone)
+                                                 : one.snoozed);
 }
 
 // Of a single event also one that was made before the host moved it.

@@ -86,9 +86,7 @@ public:
 
 private:
     bool isGone(DateTime start) const;
-    bool isOfWrongClock(const OccurrenceState& one) const {
-        return latestAct_ && one.acted > *latestAct_;
-    }
+    std::optional<DateTime> behind(DateTime acted) const;
     DateTime handledThrough(const OccurrenceState& one) const;
     DateTime localSnooze(const OccurrenceState& one) const;
     DateTime snoozeOf(const OccurrenceState* entry) const;
@@ -97,8 +95,10 @@ private:
     const DueFacts& facts_;
     const EventState& state_;
     RowSays says_;
-    std::optional<DateTime> over_;       // occurrences that begin up to here are over
-    std::optional<DateTime> latestAct_;  // UTC; a later one was by a clock that was ahead
+    std::optional<DateTime> over_;  // occurrences that begin up to here are over
+    std::optional<DateTime> now_;   // where acts may be by a clock that was ahead
+    DateTime latestAct_;            // then: in UTC, a later one was
+    DateTime endedBefore_;          // as in the state, set right
     bool repeats_;
     bool rowSpeaks_ = false;
 };

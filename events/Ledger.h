@@ -27,7 +27,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
 ///     "acted":,"reminder":,"local":,"spared":true}],
 ///    "endedBefore":,"endedAt":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
-///    "newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
+///    "doubted":{TIME:TIME},"newlyMet":true,"deleting":true,"row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken
 ///     over: of the series with that id in the host's database "base"
@@ -68,7 +68,7 @@ public:
     /// Everything known of the events of one database, in no order.
     std::vector<Known> all(std::string_view database) const;
 
-    /// GUIDs of the events that were acted upon later than `moment`, in UTC.
+    /// GUIDs of the events that were acted upon later than `moment`, in UTC, or have acts in doubt.
     std::vector<std::string> actedAfter(std::string_view database, DateTime moment) const;
 
     /// Changes what is known of one event, as one line. `act` says by what. False when the line is

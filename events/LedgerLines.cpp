@@ -95,6 +95,22 @@ decltype(EventState::row) rowOf(const Json& json) {
     return row;
 }
 
+Json doubtsJson(const EventState& state) {
+    Json doubts = Json::object();
+    for (const auto& [acted, seen] : state.doubted) {
+        doubts[formatDateTime(acted)] = formatDateTime(seen);
+    }
+    return doubts;
+}
+
+decltype(EventState::doubted) doubtsOf(const Json& json) {
+    decltype(EventState::doubted) doubts;
+    for (const auto& [acted, seen] : json.items()) {
+        doubts[parseDateTime(acted)] = parseDateTime(seen.get<std::string>());
+    }
+    return doubts;
+}
+
 void takeEvent(Content& content, const Json& json) {
     Entry entry{json.at("db").get<std::string>(), json.at("guid").get<std::string>(), {}};
     const std::string key = keyOf(entry.database, entry.GUID);
@@ -112,6 +128,7 @@ void takeEvent(Content& content, const Json& json) {
     state.openSince = time(json, "openSince");
     state.openOf = time(json, "openOf");
     state.acted = time(json, "acted");
+    state.doubted = doubtsOf(json.value("doubted", Json::object()));
     const Json said = json.value("said", Json::object());
     state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
     state.newlyMet = json.value("newlyMet", false);
@@ -184,6 +201,9 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     put(json, "openSince", state.openSince);
     put(json, "openOf", state.openOf);
     put(json, "acted", state.acted);
+    if (!state.doubted.empty()) {
+        json["doubted"] = doubtsJson(state);
+    }
     if (state.word.saysAnything()) {
         put(json["said"], "NextReminder", state.word.NextReminder);
         put(json["said"], "Dismissed", state.word.Dismissed);

@@ -57,6 +57,11 @@ const OccurrenceState* EventState::listed() const {
 
 void EventState::tidy() {
     std::erase_if(occurrences, [](const OccurrenceState& one) { return !one.saysAnything(); });
+    std::erase_if(doubted, [this](const auto& doubt) {
+        return endedAt != doubt.first &&
+               std::none_of(occurrences.begin(), occurrences.end(),
+                            [&](const auto& one) { return one.acted == doubt.first; });
+    });
 }
 
 std::string columnText(const calEvent& event, std::string_view column) {

@@ -94,6 +94,10 @@ struct EventState {
     /// other times.
     DateTime openOf;
     DateTime acted;  ///< local; when the last act was
+    /// Acts that lie ahead of a clock, by their moments, and what that showed when it was first
+    /// seen to be behind them, in UTC. Which of the two clocks is right is not known yet; until
+    /// then the acts stand as they were made, and hold as if they were wrong.
+    std::map<DateTime, DateTime> doubted;
     /// It counts as newly met until it is listed: what came before its user reactivated it is
     /// asked for again, also by the next run.
     bool newlyMet = false;
@@ -111,7 +115,7 @@ struct EventState {
     /// The occurrence whose reminder stands in the list, null when none does: the last of those
     /// that are noted as listed. An earlier one may be left from before a restart.
     const OccurrenceState* listed() const;
-    /// Removes the entries that say nothing.
+    /// Removes the entries that say nothing, and doubts about acts that are none any more.
     void tidy();
 
     friend bool operator==(const EventState&, const EventState&) = default;

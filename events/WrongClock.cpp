@@ -4,8 +4,73 @@
 
 namespace vl {
 
+namespace {
+
+// A clock that was set anew is nearer to the right time than the one it was before.
+constexpr int kDriftMinutes = 5;
+
+template <class Visit>
+void forEachAct(const EventState& state, Visit&& visit) {
+    visit(state.endedAt);
+    for (const OccurrenceState& one : state.occurrences) {
+        visit(one.acted);
+    }
+}
+
+bool isFresh(const EventState& state, DateTime acted, DateTime latest) {
+    return acted > latest && !state.doubted.contains(acted);
+}
+
+enum class Fate { InDoubt, AsItWas, Wrong };
+
+Fate fateOf(DateTime acted, const ClockWord& clock, DateTime moment) {
+    if (clock.jumped && acted <= moment.addMinutes(kDriftMinutes)) {
+        return Fate::AsItWas;
+    }
+    return clock.stood || acted <= moment ? Fate::Wrong : Fate::InDoubt;
+}
+
+// What was listed by the clock that was behind, since the act on it was in doubt.
+void endListing(EventState& state, const calEvent& event, const ClockWord& clock,
+                const TimeZone& here) {
+    const auto isOf = [&](DateTime acted) {
+        return state.doubted.contains(acted) &&
+               fateOf(acted, clock, here.toUtc(clock.now)) == Fate::AsItWas;
+    };
+    const DateTime ended = isOf(state.endedAt)
+                               ? std::min(state.endedBefore, overBefore(event, clock.now))
+                               : DateTime();
+    for (OccurrenceState& one : state.occurrences) {
+        const bool isEnded = one.start < ended && !one.spared && one.snoozed.isZero();
+        const bool isPutOff =
+            !one.snoozed.isZero() && event.FromMoment(one.listed) < here.fromUtc(one.snoozed);
+        if (isEnded || (isOf(one.acted) && (one.listed <= one.handled || isPutOff))) {
+            one.listed = DateTime();
+        }
+    }
+}
+
+// `seenBy` gives the local time of the clock that an act was ahead of; none: it was right.
+template <class SeenBy>
+void setActsRight(EventState& state, const calEvent& event, const TimeZone& here,
+                  const SeenBy& seenBy) {
+    if (const auto seen = seenBy(state.endedAt)) {
+        state.endedBefore = endedRight(state, event, *seen);
+        state.endedAt = here.toUtc(*seen);
+    }
+    for (OccurrenceState& one : state.occurrences) {
+        if (const std::optional<DateTime> seen = seenBy(one.acted)) {
+            one.handled = handledRight(one, event, *seen);
+            one.snoozed = snoozedRight(one, event, here);
+            one.acted = here.toUtc(*seen);
+            state.acted = std::min(state.acted, *seen);
+        }
+    }
+}
+
+}  // namespace
+
 DateTime latestAct(DateTime now, const TimeZone& here) {
-    constexpr int kOffMinutes = 25;  // less than zones differ by
     constexpr int kAfterAnyChange = 180;
     const DateTime first = here.toUtc(now);
     const DateTime second =
@@ -15,36 +80,79 @@ DateTime latestAct(DateTime now, const TimeZone& here) {
 }
 
 bool isActedAfter(const EventState& state, DateTime latest) {
-    return state.endedAt > latest ||
-           std::any_of(state.occurrences.begin(), state.occurrences.end(),
-                       [&](const OccurrenceState& one) { return one.acted > latest; });
+    bool isAfter = !state.doubted.empty();
+    forEachAct(state, [&](DateTime acted) { isAfter = isAfter || acted > latest; });
+    return isAfter;
+}
+
+bool bearsOn(const ClockWord& clock, const EventState& state, const TimeZone& here) {
+    const DateTime moment = here.toUtc(clock.now);
+    const DateTime latest = latestAct(clock.now, here);
+    bool bears = false;
+    forEachAct(state, [&](DateTime acted) { bears = bears || isFresh(state, acted, latest); });
+    return bears || std::any_of(state.doubted.begin(), state.doubted.end(), [&](const auto& one) {
+               return one.second > moment || fateOf(one.first, clock, moment) != Fate::InDoubt;
+           });
+}
+
+void takeClock(EventState& state, const calEvent& event, const ClockWord& clock,
+               const TimeZone& here) {
+    const DateTime moment = here.toUtc(clock.now);
+    const DateTime latest = latestAct(clock.now, here);
+    endListing(state, event, clock, here);
+    auto& doubted = state.doubted;
+    std::erase_if(doubted, [&](const auto& one) {
+        return fateOf(one.first, clock, moment) == Fate::AsItWas;
+    });
+    setActsRight(state, event, here, [&](DateTime acted) -> std::optional<DateTime> {
+        const auto found = doubted.find(acted);
+        const bool isWrong = found != doubted.end() && fateOf(acted, clock, moment) == Fate::Wrong;
+        return isWrong ? std::optional(here.fromUtc(found->second)) : std::nullopt;
+    });
+    for (auto& [acted, seen] : doubted) {
+        seen = std::min(seen, moment);
+    }
+    forEachAct(state, [&](DateTime acted) {
+        if (isFresh(state, acted, latest)) {
+            doubted[acted] = moment;
+        }
+    });
+    state.tidy();
+}
+
+void setRight(EventState& state, const calEvent& event, DateTime now, const TimeZone& here) {
+    const DateTime latest = latestAct(now, here);
+    setActsRight(state, event, here,
+                 [&](DateTime acted) { return behind(state, acted, now, latest, here); });
+    state.tidy();
+}
+
+std::optional<DateTime> behind(const EventState& state, DateTime acted, DateTime now,
+                               DateTime latest, const TimeZone& here) {
+    if (const auto found = state.doubted.find(acted); found != state.doubted.end()) {
+        return here.fromUtc(found->second);
+    }
+    return acted > latest ? std::optional(now) : std::nullopt;
+}
+
+DateTime handledRight(const OccurrenceState& one, const calEvent& event, DateTime seen) {
+    return std::min(one.handled, std::max(one.reminder, event.ToMoment(seen)));
+}
+
+DateTime snoozedRight(const OccurrenceState& one, const calEvent& event, const TimeZone& here) {
+    return one.snoozed.isZero() || one.reminder.isZero()
+               ? one.snoozed
+               : here.toUtc(event.FromMoment(one.reminder));
+}
+
+DateTime endedRight(const EventState& state, const calEvent& event, DateTime seen) {
+    return std::min(state.endedBefore, overBefore(event, seen));
 }
 
 DateTime overBefore(const calEvent& event, DateTime now) {
     const std::int64_t length =
         event.EndOf(event.StartDateTime).milliseconds() - event.StartDateTime.milliseconds();
     return event.ToWall(DateTime::fromMilliseconds(now.milliseconds() - length)).addSeconds(1);
-}
-
-void setRight(EventState& state, const calEvent& event, DateTime now, const TimeZone& here) {
-    const DateTime latest = latestAct(now, here);
-    const DateTime moment = here.toUtc(now);
-    if (state.endedAt > latest) {
-        state.endedBefore = std::min(state.endedBefore, overBefore(event, now));
-        state.endedAt = moment;
-    }
-    for (OccurrenceState& one : state.occurrences) {
-        if (one.acted <= latest) {
-            continue;
-        }
-        one.acted = moment;
-        one.handled = std::min(one.handled, std::max(one.reminder, event.ToMoment(now)));
-        if (!one.snoozed.isZero() && !one.reminder.isZero()) {
-            one.snoozed = here.toUtc(event.FromMoment(one.reminder));
-        }
-    }
-    state.acted = std::min(state.acted, now);
-    state.tidy();
 }
 
 }  // namespace vl

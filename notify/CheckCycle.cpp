@@ -147,14 +147,14 @@ void CheckCycle::takeZone() {
 
 // The clock may have been put right while the program was off, too.
 void CheckCycle::takeClock(bool isRead) {
+    watch_.look(clock_.now());
     if (!isRead && !db_.DBFullName.empty()) {
         return;
     }
-    const DateTime now = clock_.now();
-    if (!seen_ || now < *seen_) {
-        reminders_.SetRight();
+    const ClockWord clock = watch_.take();
+    if (clock.turnedBack || isInDoubt_) {
+        isInDoubt_ = reminders_.TakeClock(clock);
     }
-    seen_ = now;
 }
 
 DateTime CheckCycle::UncheckedSince() const {

@@ -13,6 +13,7 @@
 #include "events/Ledger.h"
 #include "events/LedgerHistory.h"
 #include "notify/Acts.h"
+#include "notify/ClockWatch.h"
 #include "notify/ReminderScreen.h"
 #include "notify/ReminderState.h"
 
@@ -85,8 +86,9 @@ private:
     LedgerHistory history_;
     std::optional<TimeZone> zone_;  // the computer's, at the last check
     std::optional<Noted> asked_;    // the end of the last check
-    std::optional<DateTime> seen_;  // the time of the last check that could read the file
     std::optional<Noted> unseen_;   // no check since then could read the file
+    ClockWatch watch_;
+    bool isInDoubt_ = false;  // acts lie ahead of the clock, perhaps since that is behind
     bool purgeWaits_ = false;
     std::uint64_t dealtVersion_ = 0;   // of the ledger, when the list was held against it
     std::uint64_t dealtList_ = 0;      // the stamp of the list then
