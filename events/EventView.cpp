@@ -111,7 +111,9 @@ bool EventView::isGone(DateTime start) const {
 }
 
 std::optional<DateTime> EventView::behind(DateTime acted) const {
-    return now_ ? vl::behind(state_, acted, *now_, latestAct_, facts_.zone) : std::nullopt;
+    const auto seen =
+        now_ ? vl::behind(state_, acted, *now_, latestAct_, facts_.zone) : std::nullopt;
+    return seen ? std::optional(startIn(event_, *seen, facts_.zone)) : std::nullopt;
 }
 
 DateTime EventView::handledThrough(const OccurrenceState& one) const {

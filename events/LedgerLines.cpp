@@ -98,7 +98,10 @@ decltype(EventState::row) rowOf(const Json& json) {
 Json doubtsJson(const EventState& state) {
     Json doubts = Json::object();
     for (const auto& [acted, seen] : state.doubted) {
-        doubts[formatDateTime(acted)] = formatDateTime(seen);
+        Json noted = Json::object();
+        put(noted, "seen", seen.local);
+        put(noted, "utc", seen.utc);
+        doubts[formatDateTime(acted)] = std::move(noted);
     }
     return doubts;
 }
@@ -106,7 +109,7 @@ Json doubtsJson(const EventState& state) {
 decltype(EventState::doubted) doubtsOf(const Json& json) {
     decltype(EventState::doubted) doubts;
     for (const auto& [acted, seen] : json.items()) {
-        doubts[parseDateTime(acted)] = parseDateTime(seen.get<std::string>());
+        doubts[parseDateTime(acted)] = {time(seen, "seen"), time(seen, "utc")};
     }
     return doubts;
 }

@@ -95,9 +95,9 @@ struct EventState {
     DateTime openOf;
     DateTime acted;  ///< local; when the last act was
     /// Acts that lie ahead of a clock, by their moments, and what that showed when it was first
-    /// seen to be behind them, in UTC. Which of the two clocks is right is not known yet; until
+    /// seen to be behind them. Which of the two clocks is right is not known yet; until
     /// then the acts stand as they were made, and hold as if they were wrong.
-    std::map<DateTime, DateTime> doubted;
+    std::map<DateTime, Noted> doubted;
     /// It counts as newly met until it is listed: what came before its user reactivated it is
     /// asked for again, also by the next run.
     bool newlyMet = false;

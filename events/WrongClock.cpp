@@ -50,20 +50,20 @@ void endListing(EventState& state, const calEvent& event, const ClockWord& clock
     }
 }
 
-// `seenBy` gives the local time of the clock that an act was ahead of; none: it was right.
+// `seenBy` gives what the clock showed that an act was ahead of; none: it was right.
 template <class SeenBy>
 void setActsRight(EventState& state, const calEvent& event, const TimeZone& here,
                   const SeenBy& seenBy) {
-    if (const auto seen = seenBy(state.endedAt)) {
-        state.endedBefore = endedRight(state, event, *seen);
-        state.endedAt = here.toUtc(*seen);
+    if (const std::optional<Noted> seen = seenBy(state.endedAt)) {
+        state.endedBefore = endedRight(state, event, startIn(event, *seen, here));
+        state.endedAt = seen->utc;
     }
     for (OccurrenceState& one : state.occurrences) {
-        if (const std::optional<DateTime> seen = seenBy(one.acted)) {
-            one.handled = handledRight(one, event, *seen);
+        if (const std::optional<Noted> seen = seenBy(one.acted)) {
+            one.handled = handledRight(one, event, startIn(event, *seen, here));
             one.snoozed = snoozedRight(one, event, here);
-            one.acted = here.toUtc(*seen);
-            state.acted = std::min(state.acted, *seen);
+            one.acted = seen->utc;
+            state.acted = std::min(state.acted, seen->local);
         }
     }
 }
@@ -91,7 +91,7 @@ bool bearsOn(const ClockWord& clock, const EventState& state, const TimeZone& he
     bool bears = false;
     forEachAct(state, [&](DateTime acted) { bears = bears || isFresh(state, acted, latest); });
     return bears || std::any_of(state.doubted.begin(), state.doubted.end(), [&](const auto& one) {
-               return one.second > moment || fateOf(one.first, clock, moment) != Fate::InDoubt;
+               return one.second.utc > latest || fateOf(one.first, clock, moment) != Fate::InDoubt;
            });
 }
 
@@ -104,17 +104,17 @@ void takeClock(EventState& state, const calEvent& event, const ClockWord& clock,
     std::erase_if(doubted, [&](const auto& one) {
         return fateOf(one.first, clock, moment) == Fate::AsItWas;
     });
-    setActsRight(state, event, here, [&](DateTime acted) -> std::optional<DateTime> {
+    setActsRight(state, event, here, [&](DateTime acted) -> std::optional<Noted> {
         const auto found = doubted.find(acted);
         const bool isWrong = found != doubted.end() && fateOf(acted, clock, moment) == Fate::Wrong;
-        return isWrong ? std::optional(here.fromUtc(found->second)) : std::nullopt;
+        return isWrong ? std::optional(found->second) : std::nullopt;
     });
     for (auto& [acted, seen] : doubted) {
-        seen = std::min(seen, moment);
+        seen = seen.utc > latest ? Noted{clock.now, moment} : seen;
     }
     forEachAct(state, [&](DateTime acted) {
         if (isFresh(state, acted, latest)) {
-            doubted[acted] = moment;
+            doubted[acted] = {clock.now, moment};
         }
     });
     state.tidy();
@@ -127,12 +127,12 @@ void setRight(EventState& state, const calEvent& event, DateTime now, const Time
     state.tidy();
 }
 
-std::optional<DateTime> behind(const EventState& state, DateTime acted, DateTime now,
-                               DateTime latest, const TimeZone& here) {
+std::optional<Noted> behind(const EventState& state, DateTime acted, DateTime now, DateTime latest,
+                            const TimeZone& here) {
     if (const auto found = state.doubted.find(acted); found != state.doubted.end()) {
-        return here.fromUtc(found->second);
+        return found->second;
     }
-    return acted > latest ? std::optional(now) : std::nullopt;
+    return acted > latest ? std::optional(Noted{now, here.toUtc(now)}) : std::nullopt;
 }
 
 DateTime handledRight(const OccurrenceState& one, const calEvent& event, DateTime seen) {

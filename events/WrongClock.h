@@ -43,14 +43,14 @@ void takeClock(EventState& state, const calEvent& event, const ClockWord& clock,
 /// The same for good, for an event that is acted upon at `now` (local), whatever was in doubt.
 void setRight(EventState& state, const calEvent& event, DateTime now, const TimeZone& here);
 
-/// By which clock an act on the event was wrong, if it was: the local time that this one showed
-/// when it was first seen to be behind the act. `latest` as `latestAct(now)`.
-std::optional<DateTime> behind(const EventState& state, DateTime acted, DateTime now,
-                               DateTime latest, const TimeZone& here);
+/// By which clock an act on the event was wrong, if it was: what this one showed when it was first
+/// seen to be behind the act. `latest` as `latestAct(now)`.
+std::optional<Noted> behind(const EventState& state, DateTime acted, DateTime now, DateTime latest,
+                            const TimeZone& here);
 
-// Of a wrong act no more holds than what had fallen due by `seen` (local): what comes later comes
-// at its time, a snooze, of which nobody knows what time was meant, is over, and what is not over
-// is not ended.
+// Of a wrong act no more holds than what had fallen due by `seen` (local, see `startIn`): what
+// comes later comes at its time, a snooze, of which nobody knows what time was meant, is over, and
+// what is not over is not ended.
 
 /// As `OccurrenceState::handled`.
 DateTime handledRight(const OccurrenceState& one, const calEvent& event, DateTime seen);

@@ -26,7 +26,7 @@ TEST_F(LedgerFile, KeepsEveryPartOverARestart) {
     all.at(at(12, 0)).local = at(13, 0);
     all.endedBefore = at(9, 0);
     all.endedAt = at(9, 5);
-    all.doubted[at(9, 5)] = at(8, 5);
+    all.doubted[at(9, 5)] = {at(9, 6), at(8, 6)};
     all.openSince = at(8, 0);
     all.openOf = at(8, 30);
     all.newlyMet = true;

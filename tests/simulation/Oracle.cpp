@@ -134,14 +134,14 @@ void Oracle::started(Seconds now, bool readable) {
     lastCheck_.reset();
     unseenSince_.reset();
     isFirst_ = true;
+    looked_.reset();
+    goneOn_ = 0;
 }
 
 void Oracle::checkedByOther(const Check& check, const Oracle& other) {
     now_ = check.now;
-    if (other.wasSetRight_) {
-        for (auto& [GUID, event] : events_) {
-            setRight(event, check.now);
-        }
+    if (other.turn_) {
+        noteClock(*other.turn_);
     }
     lastRead_ = other.lastRead_;
     for (const Listing& row : check.taken) {

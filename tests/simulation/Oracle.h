@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <limits>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -112,6 +113,8 @@ private:
         bool silentThroughStart = false;
         bool silent = false;
         bool ended = false;
+        // As it was before it was set right, while the clock may as well be behind.
+        std::shared_ptr<const Mark> was;
     };
     /// What another program has put into the row; it stays true after an act here.
     struct Word {
@@ -158,6 +161,7 @@ private:
         std::map<Seconds, Mark> marks;
         Seconds endedAt = kNone;      // in UTC; by the act then
         Seconds endedBefore = kNone;  // keys before it are ended, but for those in
+        std::optional<std::pair<Seconds, Seconds>> endedWas;  // both, as `Mark::was`
         std::set<Seconds> spared;
         std::set<Reminder> must;
         std::set<Reminder> may;
@@ -203,8 +207,18 @@ private:
     bool isOfWrongClock(const Mark& mark) const;
     Seconds latestAct(Seconds now) const;
     void setRight(Event& event, Seconds now) const;
-    void noteClock(const Check& check);
-    Seconds handledBy(const Mark& mark, bool surely) const;
+    static void settleClock(Event& event);
+    /// What a check sees of the clock: since the last one that could read the file.
+    struct Turn {
+        Seconds now;
+        bool jumped;
+        bool stood;
+    };
+    std::optional<Turn> look(const Check& check);
+    void unlist(Event& event, Seconds key) const;
+    void turn(Event& event, const Turn& turn) const;
+    void noteClock(const Turn& turn);
+    Seconds handledBy(const Event& event, const Mark& mark, bool surely) const;
     Seconds localSnooze(const Event& event, const Mark& mark) const;
     bool isReplaced(const Event& event, Seconds key, bool surely) const;
     std::optional<Seconds> snoozeOf(const Event& event, Seconds key) const;
@@ -241,7 +255,10 @@ private:
     std::optional<Moment> lastRead_;     // check that could read the file, of any run
     std::optional<Moment> unseenSince_;  // no check of this run since then could
     bool isFirst_ = true;                // none of this run could yet
-    bool wasSetRight_ = false;           // by the last check
+    std::optional<Turn> turn_;           // by the last check
+    std::optional<Seconds> looked_;      // UTC, by the last check of this run
+    bool jumped_ = false;                // the clock, since the last that could read
+    Seconds goneOn_ = 0;                 // since it was turned back, without what it jumped over
     bool wentBack_ = false;              // the clock, by days
     bool hasTravelled_ = false;          // since the last that could
     std::uint64_t decisions_ = 0;

@@ -74,6 +74,8 @@ bool Oracle::isSnoozeSilenced(const Event& event, const Plan& plan, Seconds key,
 void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     now_ = now;
     Event& event = events_.at(row.GUID);
+    setRight(event, now);
+    settleClock(event);
     takeOverWord(event);
     event.perhaps.clear();
     event.stoodOnce.merge(event.stood);
@@ -148,6 +150,8 @@ void Oracle::reactivated(const std::string& GUID, Seconds now) {
     event.mayBeFinished = false;
     event.metBelow = kNone;
     event.endedBefore = kNone;
+    event.endedAt = kNone;
+    event.endedWas.reset();
     event.spared.clear();
     event.must.clear();
     event.open.clear();

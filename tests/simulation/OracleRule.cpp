@@ -1,5 +1,7 @@
 // The rule: what is dealt with, and what is asked for.
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "Oracle.h"
 
@@ -56,10 +58,9 @@ Seconds Oracle::mayAskFrom(Seconds now) const {
 
 // ---- what is dealt with
 
-// Of an act by a clock that was more than a day ahead only that counts which reminder it was on:
-// snoozed it is shown again, else it is dealt with.
+// Until a check has set it right, the same holds of it as then.
 bool Oracle::isOfWrongClock(const Mark& mark) const {
-    return mark.acted != kNone && mark.acted > toUtc(here_, now_) + kDay;
+    return mark.acted != kNone && mark.acted > latestAct(now_);
 }
 
 // An act later than this, in UTC, was by a clock that is ahead of the one that now says `now`: one
@@ -75,6 +76,9 @@ Seconds Oracle::latestAct(Seconds now) const {
 void Oracle::setRight(Event& event, Seconds now) const {
     const Seconds latest = latestAct(now);
     if (event.endedAt != kNone && event.endedAt > latest) {
+        event.endedWas = event.endedWas
+                             ? event.endedWas
+                             : std::optional(std::pair(event.endedBefore, event.endedAt));
         event.endedBefore =
             std::min(event.endedBefore, event.plan.toOwn(now - event.plan.length, here_) + 1);
         event.endedAt = toUtc(here_, now);
@@ -83,6 +87,7 @@ void Oracle::setRight(Event& event, Seconds now) const {
         if (mark.acted == kNone || mark.acted <= latest) {
             continue;
         }
+        mark.was = mark.was ? mark.was : std::make_shared<const Mark>(mark);
         mark.acted = toUtc(here_, now);
         const Seconds dealtWith = std::max(mark.reminder, event.plan.toMoment(now, here_));
         mark.handled = std::min(mark.handled, dealtWith);
@@ -98,20 +103,74 @@ void Oracle::setRight(Event& event, Seconds now) const {
     }
 }
 
-// The first check of a run that can read sees it, and the first after the clock was put back.
-void Oracle::noteClock(const Check& check) {
-    wasSetRight_ = check.readable && (isFirst_ || !lastRead_ || check.now < lastRead_->local);
-    if (!wasSetRight_) {
-        return;
-    }
-    for (auto& [GUID, event] : events_) {
-        setRight(event, check.now);
+// Who acts on an event, or a clock that goes on as it does, says that it was ahead.
+void Oracle::settleClock(Event& event) {
+    event.endedWas.reset();
+    for (auto& [key, mark] : event.marks) {
+        mark.was.reset();
     }
 }
 
-Seconds Oracle::handledBy(const Mark& mark, bool surely) const {
+std::optional<Oracle::Turn> Oracle::look(const Check& check) {
+    const Seconds moment = toUtc(here_, check.now);
+    const Seconds step = looked_ ? moment - *looked_ : 0;
+    const bool jumps = !looked_ || step > 25 * kMinute;
+    looked_ = moment;
+    jumped_ = jumped_ || jumps;
+    goneOn_ = step < 0 ? 0 : goneOn_ + (jumps ? 0 : step);
+    if (!check.readable) {
+        return std::nullopt;
+    }
+    return Turn{check.now, std::exchange(jumped_, false), goneOn_ >= kHour};
+}
+
+// What was listed although it is dealt with leaves the list.
+void Oracle::unlist(Event& event, Seconds key) const {
+    const auto listed = event.open.find(key);
+    const auto one = event.plan.occurrenceOf(key, here_);
+    if (listed != event.open.end() && one &&
+        isSettled(event, event.plan, *one, listed->second, true)) {
+        event.open.erase(listed);
+    }
+}
+
+// A clock that is set forward over an act that lay ahead of it was behind, and the act by a right
+// one; one that comes to it step by step, or goes on for an hour, was ahead before.
+void Oracle::turn(Event& event, const Turn& turn) const {
+    const Seconds moment = toUtc(here_, turn.now);
+    const auto asItWas = [&](Seconds acted) {
+        return turn.jumped && acted <= moment + 5 * kMinute;
+    };
+    const auto isWrong = [&](Seconds acted) { return turn.stood || acted <= moment; };
+    if (event.endedWas && asItWas(event.endedWas->second)) {
+        std::tie(event.endedBefore, event.endedAt) = *event.endedWas;
+        event.endedWas.reset();
+    } else if (event.endedWas && isWrong(event.endedWas->second)) {
+        event.endedWas.reset();
+    }
+    for (auto& [key, mark] : event.marks) {
+        if (mark.was && asItWas(mark.was->acted)) {
+            const auto was = mark.was;
+            mark = *was;
+            unlist(event, key);
+        } else if (mark.was && isWrong(mark.was->acted)) {
+            mark.was.reset();
+        }
+    }
+    setRight(event, turn.now);
+}
+
+void Oracle::noteClock(const Turn& turned) {
+    for (auto& [GUID, event] : events_) {
+        turn(event, turned);
+    }
+}
+
+Seconds Oracle::handledBy(const Event& event, const Mark& mark, bool surely) const {
     const Seconds handled = surely ? mark.handledLast : mark.handled;
-    return isOfWrongClock(mark) ? std::min(handled, mark.reminder) : handled;
+    return isOfWrongClock(mark)
+               ? std::min(handled, std::max(mark.reminder, event.plan.toMoment(now_, here_)))
+               : handled;
 }
 
 Seconds Oracle::localSnooze(const Event& event, const Mark& mark) const {
@@ -197,7 +256,7 @@ bool Oracle::isSettled(const Event& event, const Plan& plan, const Occurrence& o
         return false;
     }
     const Mark& mark = found->second;
-    const Seconds handled = handledBy(mark, surely);
+    const Seconds handled = handledBy(event, mark, surely);
     return mark.silent || (handled != kNone && plan.toMoment(time, here_) <= handled) ||
            (mark.silentThroughStart && time <= one.start);
 }

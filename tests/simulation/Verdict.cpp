@@ -181,7 +181,10 @@ void Oracle::judgeSound(const Check& check, std::ostream& wrong) const {
 
 std::string Oracle::judge(const Check& check, const std::set<std::string>& listed) {
     now_ = check.now;
-    noteClock(check);
+    turn_ = look(check);
+    if (turn_) {
+        noteClock(*turn_);
+    }
     for (auto& [GUID, event] : events_) {
         if (event.gone || event.isDone) {
             continue;
