@@ -19,6 +19,7 @@ class calEvent;
 struct Noted {
     DateTime local;
     DateTime utc;  ///< 0: not known
+    // NOLINTNEXTLINE(modernize-use-nullptr): the compiler's own comparison with 0
     friend auto operator<=>(const Noted&, const Noted&) = default;
 };
 

@@ -22,7 +22,7 @@ void ClockWatch::look(DateTime now) {
 }
 
 ClockWord ClockWatch::take() {
-    constexpr std::int64_t kHour = 3600 * 1000;
+    constexpr std::int64_t kHour = 3'600'000;
     return {now_, std::exchange(turnedBack_, false), std::exchange(jumped_, false),
             goneOn_ >= kHour};
 }
