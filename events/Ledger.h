@@ -27,8 +27,8 @@ std::uint64_t guidHash(std::string_view GUID);
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
 ///     "acted":,"reminder":,"local":,"spared":true}],
 ///    "endedBefore":,"endedAt":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
-///    "doubted":{TIME:{"seen":,"utc":}},"newlyMet":true,"deleting":true,"row":{COLUMN:[before
-///    ...,after]}}
+///    "doubted":{TIME:{"seen":,"utc":}},"newlyMet":true,"deleting":true,
+///    "row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken
 ///     over: of the series with that id in the host's database "base"
