@@ -13,6 +13,16 @@ namespace {
 class ColumnMenuTest : public test::WindowTest {
 protected:
     int column(int i, const char* id) const { return columnIndex(gridColumns(i), id); }
+    /// Opens the menu and chooses the entry of that name; false where there is none.
+    static bool choose(Grid& from, const char* name) {
+        QMenu menu;
+        fillColumnMenu(menu, from);
+        auto* entry = menu.findChild<QAction*>(name);
+        if (entry != nullptr) {
+            entry->trigger();
+        }
+        return entry != nullptr;
+    }
 };
 
 TEST_F(ColumnMenuTest, TheMenuOfTheHeadingsShowsAndHides) {
@@ -44,27 +54,20 @@ TEST_F(ColumnMenuTest, TheMenuOfTheHeadingsShowsAndHides) {
 TEST_F(ColumnMenuTest, TheMenuSortsAndMovesForWhoHasNoMouse) {
     load();
     Grid& all = grid(kAllRemindersGrid);
-    const auto choose = [&all](const char* name) {
-        QMenu menu;
-        fillColumnMenu(menu, all);
-        auto* entry = menu.findChild<QAction*>(name);
-        ASSERT_NE(entry, nullptr) << name;
-        entry->trigger();
-    };
-    choose("mnuSortLocation");
+    ASSERT_TRUE(choose(all, "mnuSortLocation"));
     EXPECT_EQ(all.header()->sortIndicatorSection(), column(1, CIDLocation));
     EXPECT_EQ(all.header()->sortIndicatorOrder(), Qt::AscendingOrder);
-    choose("mnuSortDown");
+    ASSERT_TRUE(choose(all, "mnuSortDown"));
     EXPECT_EQ(all.header()->sortIndicatorOrder(), Qt::DescendingOrder);
     EXPECT_EQ(all.header()->sortIndicatorSection(), column(1, CIDLocation));
     const auto place = [&](const char* id) { return all.header()->visualIndex(column(1, id)); };
     ASSERT_EQ(place(CIDDue), 1);
-    choose("mnuMoveLeftDue");
+    ASSERT_TRUE(choose(all, "mnuMoveLeftDue"));
     EXPECT_EQ(place(CIDDue), 0);
     EXPECT_EQ(place(CIDSubject), 1);
     all.showColumn(column(1, CIDSubject), true);
     all.showColumn(column(1, CIDReminderD), false);
-    choose("mnuMoveRightSubject");
+    ASSERT_TRUE(choose(all, "mnuMoveRightSubject"));
     EXPECT_EQ(place(CIDSubject), 3) << "past the one that is hidden";
     QMenu menu;
     fillColumnMenu(menu, all);
@@ -76,31 +79,22 @@ TEST_F(ColumnMenuTest, TheMenuSortsAndMovesForWhoHasNoMouse) {
 TEST_F(ColumnMenuTest, TheMenuSizesThemForWhoHasNoMouse) {
     load();
     Grid& all = grid(kAllRemindersGrid);
-    const auto choose = [&all](const char* name) {
-        QMenu menu;
-        fillColumnMenu(menu, all);
-        auto* entry = menu.findChild<QAction*>(name);
-        if (entry) {
-            entry->trigger();
-        }
-        return entry != nullptr;
-    };
     const int due = column(1, CIDDue);
     const int before = all.columnWidth(due);
-    EXPECT_TRUE(choose("mnuWiderDue"));
+    EXPECT_TRUE(choose(all, "mnuWiderDue"));
     EXPECT_EQ(all.columnWidth(due), before + 4 * all.unit());
     EXPECT_TRUE(all.columnLayout().sized) << "by the user: it no longer follows the window";
-    EXPECT_TRUE(choose("mnuNarrowerDue"));
+    EXPECT_TRUE(choose(all, "mnuNarrowerDue"));
     EXPECT_EQ(all.columnWidth(due), before);
     int times = 0;
-    while (times < 100 && choose("mnuNarrowerDue")) {
+    while (times < 100 && choose(all, "mnuNarrowerDue")) {
         ++times;
     }
     EXPECT_GT(times, 0);
     EXPECT_GE(all.columnWidth(due), 4 * all.unit()) << "it never goes";
     EXPECT_LT(all.columnWidth(due), 8 * all.unit());
     all.showColumn(due, false);
-    EXPECT_FALSE(choose("mnuWiderDue")) << "it is not shown";
+    EXPECT_FALSE(choose(all, "mnuWiderDue")) << "it is not shown";
 }
 
 TEST_F(ColumnMenuTest, EachEntryOfTheMenuHasALetterOfItsOwn) {

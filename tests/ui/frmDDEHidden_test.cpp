@@ -29,6 +29,20 @@ protected:
                            [](const QWidget* each) { return each->objectName() == "Popup1"; });
     }
 
+    /// Nothing has happened yet, and nothing is there.
+    void beginAnew() {
+        clock.time = someFriday();
+        state = ReminderState();
+        period.mCol = std::make_shared<GenCollection>();
+    }
+    static std::string cellsOf(const QAbstractItemModel& rows, int row) {
+        std::string all;
+        for (int column = 0; column < rows.columnCount(); ++column) {
+            all += plainText(rows.index(row, column).data().toString()) + '|';
+        }
+        return all;
+    }
+
     /// All that a user could tell one window from another by.
     std::string seen() {
         window->furnish();
@@ -40,10 +54,7 @@ protected:
                 << grid(i).header()->sortIndicatorSection() << '\n';
             const QAbstractItemModel& shown = *grid(i).model();
             for (int row = 0; row < shown.rowCount(); ++row) {
-                for (int column = 0; column < shown.columnCount(); ++column) {
-                    out << plainText(shown.index(row, column).data().toString()) << '|';
-                }
-                out << (grid(i).currentIndex().row() == row) << '\n';
+                out << cellsOf(shown, row) << (grid(i).currentIndex().row() == row) << '\n';
             }
             for (const std::string& GUID : listed(i).SelectedGUIDs()) {
                 out << GUID << ' ';
@@ -66,12 +77,9 @@ protected:
     std::string rowsSeen() {
         std::string out = plainText(window->GetIconText());
         for (int i = 0; i < kGridCount; ++i) {
-            out += "\n" + tab(i) + '|' + plainText(grid(i).emptyText());
-            const QAbstractItemModel& shown = *grid(i).model();
-            for (int row = 0; row < shown.rowCount(); ++row) {
-                for (int column = 0; column < shown.columnCount(); ++column) {
-                    out += '|' + plainText(shown.index(row, column).data().toString());
-                }
+            out += "\n" + tab(i) + '|' + plainText(grid(i).emptyText()) + '|';
+            for (int row = 0; row < grid(i).model()->rowCount(); ++row) {
+                out += cellsOf(*grid(i).model(), row);
             }
         }
         return out;
@@ -136,9 +144,7 @@ TEST_F(frmDDEHidden, NobodyCanTellWhenTheControlsWereMade) {
         SCOPED_TRACE(seed);
         std::string told[2];
         for (const bool early : {false, true}) {
-            clock.time = someFriday();
-            state = ReminderState();
-            period.mCol = std::make_shared<GenCollection>();
+            beginAnew();
             std::mt19937 random(seed);
             settings.SaveIni("Reminders", "Period", periods()[random() % periods().size()].code);
             load();
@@ -175,9 +181,7 @@ TEST_F(frmDDEHidden, NobodyCanTellHowOftenItWasHidden) {
         SCOPED_TRACE(seed);
         std::string told[2];
         for (const bool hides : {false, true}) {
-            clock.time = someFriday();
-            state = ReminderState();
-            period.mCol = std::make_shared<GenCollection>();
+            beginAnew();
             std::mt19937 random(seed);
             load();
             window->show();

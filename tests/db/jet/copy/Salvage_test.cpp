@@ -57,6 +57,18 @@ std::string patchedFile(const std::vector<jet::NewColumn>& columns,
     return file;
 }
 
+/// What can be read of a file, in a database of its own, which is sound.
+struct Saved {
+    explicit Saved(Disk& disk)
+        : report(jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", db)) {
+        EXPECT_EQ(whatIsWrong(db), "");
+    }
+
+    test::TempFolder folder;
+    Database db = Database::create((folder / "saved.mdb").string());
+    jet::CopyReport report;
+};
+
 template <class Number>
 std::string bytesOf(Number number) {
     std::string bytes(sizeof number, '\0');
@@ -109,10 +121,9 @@ TEST(JetCopy, DatesKeepEveryBitAlsoInUniqueIndexes) {
     auto copy = Database::create((folder / "copy.mdb").string());
     EXPECT_EQ(copyTables(source, copy).rows, days.size());
     EXPECT_EQ(bitsIn(copy), expected);
-    auto saved = Database::create((folder / "saved.mdb").string());
-    EXPECT_TRUE(
-        jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved).lost.empty());
-    EXPECT_EQ(bitsIn(saved), expected);
+    Saved saved(disk);
+    EXPECT_TRUE(saved.report.lost.empty());
+    EXPECT_EQ(bitsIn(saved.db), expected);
 }
 
 // As numeric columns keep a number of hundredths.
@@ -188,10 +199,7 @@ TEST(JetCopy, AValueThatNoColumnHoldsIsLostAloneWhereRowsAreSaved) {
         auto copy = Database::create((folder / "copy.mdb").string());
         EXPECT_EQ(test::errorOf([&] { copyTables(source, copy); }), c.copying);
 
-        auto saved = Database::create((folder / "saved.mdb").string());
-        const jet::CopyReport report =
-            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
-        EXPECT_EQ(whatIsWrong(saved), "");
+        const auto& [home, saved, report] = Saved(disk);
         if (holds) {
             EXPECT_TRUE(report.lost.empty());
             expectSameTables(source, copy);
@@ -263,11 +271,7 @@ TEST(JetCopy, WhatNoTableCanHaveIsMendedWhereRowsAreSaved) {
         Disk disk(patchedFile(columns, indexes, rows, {c.patch}));
         auto source = test::openMemory(disk);
         EXPECT_NE(whatIsWrong(source), "");
-        const test::TempFolder folder;
-        auto saved = Database::create((folder / "saved.mdb").string());
-        const jet::CopyReport report =
-            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
-        EXPECT_EQ(whatIsWrong(saved), "");
+        const auto& [home, saved, report] = Saved(disk);
         ASSERT_EQ(report.lost.size(), 1U);
         EXPECT_THAT(report.lost[0].what, testing::HasSubstr(c.said));
         const std::string name = saved.tables().back().name;
@@ -320,11 +324,7 @@ TEST(JetCopy, AnIndexGoesBeforeARowDoesWhereRowsAreSaved) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         Disk disk(patchedFile(columns, {c.index}, {{one, 1.375}, {two, 2.625}}, c.patches));
-        const test::TempFolder folder;
-        auto saved = Database::create((folder / "saved.mdb").string());
-        const jet::CopyReport report =
-            jet::salvage(std::make_unique<test::MemoryFile>(disk), "memory", saved);
-        EXPECT_EQ(whatIsWrong(saved), "");
+        const auto& [home, saved, report] = Saved(disk);
         EXPECT_EQ(report.rows, 2U);
         const Table table = saved.table("Things");
         EXPECT_EQ(sortedRows(table).size(), 2U);
