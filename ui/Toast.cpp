@@ -36,6 +36,14 @@ QString summaryApart(const QString& text) {
     return end <= 0 ? text : apart(text.left(end)) + text.mid(end);
 }
 
+// How long before, and the time: read in one piece, where a line holds it.
+QString timeTogether(const QString& text, const QFontMetrics& metrics, int width) {
+    const qsizetype from = endOfSummary(text) + 2;
+    QString time = text.mid(from);
+    time.replace(u' ', QChar::Nbsp);
+    return from < 2 || metrics.horizontalAdvance(time) > width ? text : text.left(from) + time;
+}
+
 // What stands for the summary of an event that has none.
 QString shownLink(const QString& text) {
     const qsizetype end = endOfSummary(text);
@@ -201,7 +209,8 @@ void Toast::fillBody() {
             label->setObjectName("lblPopupLink" + QString::number(link.tag));
             label->setTextFormat(Qt::RichText);
             const QString shown = shownLink(link.text);
-            label->setText(linkHtml(link, parted(shown), colour));
+            const QString together = timeTogether(shown, metrics, lineWidth());
+            label->setText(linkHtml(link, parted(together), colour));
             label->setAccessibleName(shown);
             label->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
             connect(label, &QLabel::linkActivated, this,

@@ -84,8 +84,25 @@ TEST_F(ToastTest, NamesWhatHasNoSubject) {
     ASSERT_EQ(labels.size(), 5);
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(labels[i]->accessibleName(), shown[i]);
-        EXPECT_TRUE(labels[i]->text().contains(QString(shown[i]).toHtmlEscaped())) << i;
+        const QString said = labels[i]->text().replace(QChar::Nbsp, u' ');
+        EXPECT_TRUE(said.contains(QString(shown[i]).toHtmlEscaped())) << i;
     }
+}
+
+// "20 minutes (14:30)" stands on one line, whatever is in front of it.
+TEST_F(ToastTest, HowLongBeforeIsReadInOnePieceWhereALineHoldsIt) {
+    const QString longTime = QString("7 hours ").repeated(20) + "(14:30)";
+    ToastContent content;
+    content.links = {{1, "Tea for two  20 minutes (14:30)"}, {2, "Tea for two  " + longTime}};
+    toast.present(content, kNowhere);
+    const QList<QLabel*> labels = links();
+    ASSERT_EQ(labels.size(), 2);
+    const QChar bound = QChar::Nbsp;
+    EXPECT_TRUE(labels[0]->text().contains(QString("Tea for two  20") + bound + "minutes" + bound +
+                                           "(14:30)"))
+        << labels[0]->text().toStdString();
+    EXPECT_TRUE(labels[1]->text().contains("Tea for two  " + longTime));
+    EXPECT_LE(labels[1]->minimumSizeHint().width(), labels[1]->width());
 }
 
 // All of it is to be read, and nothing is cut at the edge.
