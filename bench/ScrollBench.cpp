@@ -52,7 +52,8 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const int count = argc > 1 ? std::atoi(argv[1]) : 10'000;
     vl::GridList list(0, vl::test::clockText);
-    vl::Grid grid(list);
+    vl::ColumnWidths widths;
+    vl::Grid grid(list, widths);
     grid.InitGrid();
     list.setNow(vl::test::someFriday());
     grid.resize(760, 400);

@@ -251,10 +251,9 @@ void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
     } else {
         ledger_.change(db_.DBFullName, event->GUID, name, change);
     }
-    for (const auto& object : objectsOf(row)) {
-        for (const std::string& column : columns) {
-            object->setProperty(column, wanted.property(column));
-        }
+    const Objects objects = objectsOf(row);
+    for (const std::string& column : columns) {
+        setIn(objects, column, wanted.property(column));
     }
     noteChange(event->GUID);
     for (const std::string_view column : kStateColumns) {

@@ -124,6 +124,8 @@ private:
     using Objects = std::vector<std::shared_ptr<calEvent>>;
 
     Objects objectsOf(const ActRow& row) const;
+    Objects heldObjects(const std::string& GUID) const;
+    void setIn(const Objects& objects, std::string_view column, const Variant& value);
     void takeActsOfOthers(const ActRow& row);
     void lookAtRow(const EventState& known, const Objects& objects);
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,

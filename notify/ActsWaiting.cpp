@@ -28,16 +28,34 @@ bool lacksColumn(const DBRemindUtils& db) {
     return db.LastError() == ErrNo::NotFound && fileExists(db.DBFullName);
 }
 
-void setIn(std::span<const std::shared_ptr<calEvent>> objects, std::string_view column,
-           const Variant& value) {
-    for (const auto& object : objects) {
-        attempt([&] { object->setProperty(column, value); });
-    }
-}
-
 }  // namespace
 
 void Acts::countWaiting() { state_.waitingWrites = static_cast<int>(Waiting()); }
+
+// Whoever shows the event again, or hides it: the views ask the list.
+void Acts::setIn(const Objects& objects, std::string_view column, const Variant& value) {
+    for (const auto& object : objects) {
+        attempt([&] { object->setProperty(column, value); });
+    }
+    if (column == kHidden && !objects.empty()) {
+        const calEvent& event = *objects.front();
+        if (!event.Hidden) {
+            state_.HiddenGUIDColR->Remove(event.GUID);
+        } else {
+            state_.HiddenGUIDColR->Add(event.GUID.str(), event.GUID);
+        }
+    }
+}
+
+Acts::Objects Acts::heldObjects(const std::string& GUID) const {
+    Objects objects;
+    for (const CalEvents* set : {&period_, &reminders_}) {
+        if (auto event = heldBy(set->mCol, GUID)) {
+            objects.push_back(std::move(event));
+        }
+    }
+    return objects;
+}
 
 void Acts::leaveSets(const std::string& GUID) {
     for (CalEvents* set : {&period_, &reminders_}) {
@@ -207,27 +225,24 @@ void Acts::RestoreWaiting() {
         if (note == nullptr || note->after == write.text) {
             continue;
         }
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            const auto event = heldBy(set->mCol, write.GUID);
-            if (event && columnText(*event, write.column) == write.text) {
-                attempt([&] { event->setProperty(write.column, Variant(note->after)); });
-            }
-        }
+        Objects objects = heldObjects(write.GUID);
+        std::erase_if(objects, [&write](const auto& event) {
+            return columnText(*event, write.column) != write.text;
+        });
+        setIn(objects, write.column, Variant(note->after));
         noteChange(write.GUID);
         write.text = note->after;
     }
     // Who has written something else meanwhile has the last word.
     std::erase_if(waiting_, [&](const Write& write) {
         const EventState* known = ledger_.find(db_.DBFullName, write.GUID);
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            const auto event = heldBy(set->mCol, write.GUID);
-            const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
-            if (event && note != nullptr && columnText(*event, write.column) != note->after &&
-                !isWanted(*event, *known, write.column)) {
-                return true;
-            }
-        }
-        return false;
+        const ColumnNote* note = known != nullptr ? known->note(write.column) : nullptr;
+        const Objects objects = heldObjects(write.GUID);
+        return note != nullptr &&
+               std::any_of(objects.begin(), objects.end(), [&](const auto& event) {
+                   return columnText(*event, write.column) != note->after &&
+                          !isWanted(*event, *known, write.column);
+               });
     });
     if (lookedAt_ != ledger_.version() && (reminders_.mCol || period_.mCol)) {
         attempt([&] { findLeftOver(); });
@@ -237,11 +252,7 @@ void Acts::RestoreWaiting() {
         leaveSets(one.GUID);
     }
     for (const Write& write : waiting_) {
-        for (const CalEvents* set : {&period_, &reminders_}) {
-            if (const auto event = heldBy(set->mCol, write.GUID)) {
-                attempt([&] { event->setProperty(write.column, Variant(write.text)); });
-            }
-        }
+        setIn(heldObjects(write.GUID), write.column, Variant(write.text));
         noteChange(write.GUID);
     }
     countWaiting();

@@ -33,7 +33,7 @@ void CheckCycle::removeEvent(const std::string& GUID) {
         }
     }
     if (state_.curEvent && text::equalsNoCase(state_.curEvent->GUID, GUID)) {
-        state_.curEvent.reset();
+        state_.releaseCurrent();
     }
 }
 

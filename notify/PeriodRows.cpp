@@ -2,8 +2,6 @@
 
 #include "base/ErrorState.h"
 #include "base/Text.h"
-#include "notify/Periods.h"
-#include "notify/ReminderScreen.h"
 
 namespace vl {
 
@@ -19,13 +17,26 @@ RowOccurrence recorded(calEvent& event, DateTime start, DateTime reminder) {
     return {start, reminder};
 }
 
-void listFound(const GenCollection& found, std::string_view code, int grid, const TakeRow& take) {
+bool isShownAs(std::string_view code, const calEvent& event) {
+    return !text::equalsNoCase(code, "Di") || event.Dismissed > DateTime();
+}
+
+// Tells how many were left out as hidden.
+std::size_t listFound(const GenCollection& found, const PeriodView& view, int grid,
+                      const TakeRow& take) {
+    std::size_t leftOut = 0;
     for (const Variant& item : found) {
         const auto event = objectIn<calEvent>(item);
-        if (event && isListedIn(code, *event)) {
+        if (!event || !isShownAs(view.code, *event)) {
+            continue;
+        }
+        if (view.hidden.Position(event->GUID) > 0) {
+            ++leftOut;
+        } else {
             take(event, recordedOccurrence(*event), grid);
         }
     }
+    return leftOut;
 }
 
 }  // namespace
@@ -56,24 +67,41 @@ RowOccurrence snoozedOccurrence(calEvent& event, DateTime start) {
     return recorded(event, start, event.NextReminder);
 }
 
-bool isListedIn(std::string_view code, const calEvent& event) {
-    return !event.Hidden && (!text::equalsNoCase(code, "Di") || event.Dismissed > DateTime());
-}
-
-void DoPeriodSS(CalEvents& events, std::string_view code, DateTime now, const TakeRow& take) {
-    const PeriodRange range = periodRange(code, now);
-    listFound(*events.RemindCol(range.from, range.to), code, kAllRemindersGrid, take);
-    listFound(*events.EventCol(range.from, range.to), code, kEventsGrid, take);
-}
-
-void DoShowHidden(CalEvents& events, DateTime now, const TakeRow& take) {
-    const GenCollection all = events.mCol ? *events.mCol : GenCollection();
-    for (const Variant& item : all) {
+std::shared_ptr<GenCollection> hiddenGUIDs(const CalEvents& events) {
+    auto hidden = std::make_shared<GenCollection>();
+    if (!events.mCol) {
+        return hidden;
+    }
+    for (const Variant& item : *events.mCol) {
         const auto event = objectIn<calEvent>(item);
-        if (!event || !event->Hidden) {
+        if (event && event->Hidden) {
+            hidden->Add(event->GUID.str(), event->GUID);
+        }
+    }
+    return hidden;
+}
+
+bool isListedIn(std::string_view code, const calEvent& event, const GenCollection& hidden) {
+    const bool isHidden = hidden.Position(event.GUID) > 0;
+    return isHidden == text::equalsNoCase(code, "H") && isShownAs(code, event);
+}
+
+LeftOut DoPeriodSS(CalEvents& events, const PeriodView& view, const TakeRow& take) {
+    const auto& [from, to] = view.range;
+    LeftOut leftOut{};
+    leftOut[kAllRemindersGrid] =
+        listFound(*events.RemindCol(from, to), view, kAllRemindersGrid, take);
+    leftOut[kEventsGrid] = listFound(*events.EventCol(from, to), view, kEventsGrid, take);
+    return leftOut;
+}
+
+void DoShowHidden(CalEvents& events, const PeriodView& view, const TakeRow& take) {
+    for (const Variant& GUID : view.hidden) {
+        const auto event = events.mCol ? objectAt<calEvent>(*events.mCol, GUID.toText()) : nullptr;
+        if (!event) {
             continue;
         }
-        const RowOccurrence nearest = nearestOccurrence(*event, now);
+        const RowOccurrence nearest = nearestOccurrence(*event, view.now);
         events.LookAgain(event->GUID);
         if (!nearest.reminder.isZero()) {
             take(event, nearest, kAllRemindersGrid);
@@ -82,12 +110,12 @@ void DoShowHidden(CalEvents& events, DateTime now, const TakeRow& take) {
     }
 }
 
-void listPeriod(CalEvents& events, std::string_view code, DateTime now, const TakeRow& take) {
-    if (text::equalsNoCase(code, "H")) {
-        DoShowHidden(events, now, take);
-    } else {
-        DoPeriodSS(events, code, now, take);
+LeftOut listPeriod(CalEvents& events, const PeriodView& view, const TakeRow& take) {
+    if (!text::equalsNoCase(view.code, "H")) {
+        return DoPeriodSS(events, view, take);
     }
+    DoShowHidden(events, view, take);
+    return {};
 }
 
 }  // namespace vl

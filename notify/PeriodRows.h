@@ -1,20 +1,19 @@
 // What a period lists, and which occurrence of its event each row stands for.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string_view>
 
 #include "events/CalEvents.h"
 #include "model/calEvent.h"
+#include "notify/Periods.h"
+#include "notify/ReminderScreen.h"
+#include "notify/RowOccurrence.h"
 
 namespace vl {
-
-/// The occurrence of an event that a row stands for.
-struct RowOccurrence {
-    DateTime start;
-    DateTime reminder;  ///< 0 when the row shows none
-};
 
 /// What the last query left in the event; where it left no instance, the event's own start.
 RowOccurrence recordedOccurrence(const calEvent& event);
@@ -27,9 +26,23 @@ RowOccurrence nearestOccurrence(calEvent& event, DateTime now);
 /// occurrence in the event, as a query does.
 RowOccurrence snoozedOccurrence(calEvent& event, DateTime start);
 
-/// Whether the period with this code lists the event: no hidden one, and as dismissed only what
-/// was.
-bool isListedIn(std::string_view code, const calEvent& event);
+/// The `GUID`s of the hidden events of a set, each under itself, in the order of the set.
+std::shared_ptr<GenCollection> hiddenGUIDs(const CalEvents& events);
+
+/// Whether the period with this code lists the event: as hidden what is hidden, else nothing that
+/// is, and as dismissed only what was. `hidden` are the `hiddenGUIDs`.
+bool isListedIn(std::string_view code, const calEvent& event, const GenCollection& hidden);
+
+/// What is asked of a set.
+struct PeriodView {
+    std::string_view code;
+    PeriodRange range;
+    DateTime now;
+    const GenCollection& hidden;  ///< `hiddenGUIDs`
+};
+
+/// How many rows are left out because their events are hidden, by grid.
+using LeftOut = std::array<std::size_t, kGridCount>;
 
 /// Given each row of a period, of `kAllRemindersGrid` or `kEventsGrid`. Who takes it copies what he
 /// shows, since a later question changes what is in the event.
@@ -38,12 +51,12 @@ using TakeRow = std::function<void(const std::shared_ptr<calEvent>& event,
 
 /// What has a reminder in the period's range, then what occurs there, in the order of the set. An
 /// event of which the first question has left an earlier start in the set shows that one.
-void DoPeriodSS(CalEvents& events, std::string_view code, DateTime now, const TakeRow& take);
+LeftOut DoPeriodSS(CalEvents& events, const PeriodView& view, const TakeRow& take);
 
 /// The hidden events, each at its next occurrence, else its last; as reminders those that have any.
-void DoShowHidden(CalEvents& events, DateTime now, const TakeRow& take);
+void DoShowHidden(CalEvents& events, const PeriodView& view, const TakeRow& take);
 
-/// What the period with this code lists: one of both.
-void listPeriod(CalEvents& events, std::string_view code, DateTime now, const TakeRow& take);
+/// What the view lists: one of both.
+LeftOut listPeriod(CalEvents& events, const PeriodView& view, const TakeRow& take);
 
 }  // namespace vl

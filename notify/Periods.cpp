@@ -10,15 +10,19 @@ namespace {
 
 // What the ranges are counted from.
 struct Moments {
-    explicit Moments(DateTime moment)
-        : now(moment),
+    Moments(DateTime moment, double minute)
+        : OneMin(minute),
+          now(moment),
           today(moment.date()),
           WeekStart(today.addDays(1 - today.weekday())),
           WeekEnd(lastMinuteBefore(WeekStart.addDays(7))) {}
 
-    static DateTime lastMinuteBefore(DateTime midnight) { return midnight.addMinutes(-1); }
+    DateTime lastMinuteBefore(DateTime midnight) const {
+        return DateTime(midnight.days() - OneMin);
+    }
     DateTime endOfDay(int day) const { return lastMinuteBefore(today.addDays(day + 1)); }
 
+    double OneMin;
     DateTime now;
     DateTime today;
     DateTime WeekStart;
@@ -118,8 +122,21 @@ std::optional<std::size_t> periodIndex(std::string_view code) noexcept {
     return std::nullopt;
 }
 
-PeriodRange periodRange(std::string_view code, DateTime now) {
-    const Moments moments(now);
+std::shared_ptr<GenCollection> listPositions() {
+    auto positions = std::make_shared<GenCollection>();
+    for (const Period& period : periods()) {
+        positions->Add(static_cast<std::int32_t>(positions->Count()) + 1, period.code);
+    }
+    return positions;
+}
+
+int listPosition(const GenCollection& positions, std::string_view code) {
+    const Variant at = positions.Item(code);
+    return at.isEmpty() ? positions.Item("T").toInt32() : at.toInt32();
+}
+
+PeriodRange periodRange(std::string_view code, DateTime now, double OneMin) {
+    const Moments moments(now, OneMin);
     const auto index = periodIndex(code);
     return index ? kEntries[*index].range(moments) : thisWeek(moments);
 }

@@ -27,7 +27,9 @@ int run(const Arguments& arguments, const Streams& streams) {
     const int wanted = columns == Columns::Events ? kEventsGrid : kAllRemindersGrid;
     EventsOfFile file(arguments.words[0], now);
     EventList events;
-    listPeriod(file.set, code, now, [&](const auto& event, const RowOccurrence&, int grid) {
+    const auto hidden = hiddenGUIDs(file.set);
+    const PeriodView view{code, periodRange(code, now), now, *hidden};
+    listPeriod(file.set, view, [&](const auto& event, const RowOccurrence&, int grid) {
         if (grid == wanted) {
             events.push_back(std::make_shared<calEvent>(*event));
         }

@@ -23,8 +23,8 @@ struct Grid::Place {
     int scrollX = 0;
 };
 
-Grid::Grid(GridList& list, QWidget* parent)
-    : QTreeView(parent), list_(list), columns_(*this, list) {
+Grid::Grid(GridList& list, ColumnWidths& widths, QWidget* parent)
+    : QTreeView(parent), list_(list), columns_(*this, list, widths) {
     const auto columns = list_.rows().columns();
     setItemDelegate(
         new GridDelegate(columnIndex(columns, CIDSubject), columnIndex(columns, CIDDue), this));

@@ -18,8 +18,8 @@ class Grid final : public QTreeView {
     Q_OBJECT
 
 public:
-    /// `list` must outlive the grid.
-    explicit Grid(GridList& list, QWidget* parent = nullptr);
+    /// `list` and `widths`, which are its columns', must outlive the grid.
+    Grid(GridList& list, ColumnWidths& widths, QWidget* parent = nullptr);
     ~Grid() override;
 
     GridList& list() { return list_; }

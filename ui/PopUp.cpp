@@ -40,7 +40,7 @@ void PopUp::show(const PopUpRequest& request, const std::shared_ptr<GenCollectio
 
 Toast& PopUp::toast() {
     if (toast_ == nullptr) {
-        toast_ = std::make_unique<Toast>(pictures_.Pic2);
+        toast_ = std::make_unique<Toast>(picture_);
         applyFormFont(*toast_);
         connect(toast_.get(), &Toast::linkClicked, this, &PopUp::linkClicked);
         connect(toast_.get(), &Toast::closed, this, &PopUp::closed);

@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
+#include <QIcon>
 #include <QObject>
 
 #include "events/GenCollection.h"
 #include "notify/ReminderScreen.h"
 #include "ui/Toast.h"
 #include "ui/Tray.h"
-#include "ui/TrayPictures.h"
 
 namespace vl {
 
@@ -19,8 +19,8 @@ class PopUp final : public QObject {
     Q_OBJECT
 
 public:
-    /// Both must outlive it.
-    PopUp(const TrayPictures& pictures, const Tray& tray) : pictures_(pictures), tray_(tray) {}
+    /// `picture` stands in the toast. `tray` must outlive it.
+    PopUp(const QIcon& picture, const Tray& tray) : picture_(picture), tray_(tray) {}
 
     /// Shows the reminders of `EvCol` (see `ReminderState`), each as a link whose tag is its
     /// position from 1, or the request's own text.
@@ -39,7 +39,7 @@ signals:
 private:
     Toast& toast();
 
-    const TrayPictures& pictures_;
+    const QIcon picture_;
     const Tray& tray_;
     std::unique_ptr<Toast> toast_;
     std::shared_ptr<GenCollection> shown_;

@@ -51,8 +51,8 @@ RowChoice RowActs::choice() const {
     RowChoice made;
     made.tab = list.grid();
     made.rows = actRows(list.selectedRows());
-    if (const GridRow* row = list.currentRow()) {
-        made.current = actRow(*row);
+    if (state_.curEvent) {
+        made.current = {state_.curEvent, state_.curReminder.start, state_.curReminder.reminder};
     }
     made.dismisses = state_.bIsDismiss;
     made.hides = !window_.isPeriod("H");
@@ -72,7 +72,7 @@ ActsOffered RowActs::offered() const {
     offered.snoozes = window_.isNewRemindersTab();
     offered.hides = !window_.isPeriod("H");
     offered.anySelected = list.selection().hasSelection();
-    offered.anyCurrent = list.currentRow() != nullptr;
+    offered.anyCurrent = state_.curEvent != nullptr;
     if (offered.anySelected && !offered.snoozes) {
         const std::vector<GridRow> rows = list.selectedRows();
         offered.dismisses = !std::all_of(rows.begin(), rows.end(), [](const GridRow& row) {
@@ -148,7 +148,7 @@ void RowActs::doHide(const RowChoice& of) {
     }
     removeFrom(kAllRemindersGrid, of.rows);
     removeFrom(kEventsGrid, of.rows);
-    window_.UpdateUI();
+    window_.DoPeriod();  // where nothing is left it tells how many are hidden
 }
 
 void RowActs::openAsked() {

@@ -133,7 +133,7 @@ void RowActs::leaveGrids(const std::vector<ActRow>& rows, int tab) {
     if (rows.empty()) {
         return;
     }
-    state_.curEvent.reset();
+    state_.releaseCurrent();
     window_.keepScrollPlace([&] {
         removeFromAll(rows);
         window_.DoPeriod();
@@ -148,7 +148,7 @@ void RowActs::reactivate(const RowChoice& of) {
             acts_.Reactivate(row);
         }
     }
-    state_.curEvent.reset();
+    state_.releaseCurrent();
     if (window_.isPeriod("Di")) {
         removeFromAll(of.rows);
     }

@@ -10,8 +10,8 @@
 
 namespace vl {
 
-ShownColumns::ShownColumns(QTreeView& grid, const GridList& list)
-    : grid_(grid), list_(list), widths_(list.rows().columns().size()) {
+ShownColumns::ShownColumns(QTreeView& grid, const GridList& list, ColumnWidths& widths)
+    : grid_(grid), list_(list), widths_(widths) {
     measuring_.setSingleShot(true);
     connect(&measuring_, &QTimer::timeout, this, &ShownColumns::measure);
 }
@@ -34,9 +34,13 @@ void ShownColumns::watch() {
 
 int ShownColumns::unit() const { return grid_.fontMetrics().averageCharWidth(); }
 
+int& ShownColumns::widthOf(int column) const {
+    return widths_[list_.rows().columns()[static_cast<std::size_t>(column)].id];
+}
+
 void ShownColumns::sectionResized(int column, int width) {
     if (width > 0 && !fitting_) {  // hiding one makes it 0
-        widths_[static_cast<std::size_t>(column)] = width;
+        widthOf(column) = width;
         sized_ = true;
         emit changed();
     }
@@ -69,7 +73,7 @@ void ShownColumns::setWidths(const ColumnLayout& layout) {
     fitting_ = true;
     for (const ColumnLayout::Column& column : layout.columns) {
         const int index = columnIndex(list_.rows().columns(), column.id);
-        widths_[static_cast<std::size_t>(index)] = column.width;
+        widthOf(index) = column.width;
         grid_.setColumnWidth(index, column.width);  // a hidden one has it when it is shown
     }
     fitting_ = false;
@@ -109,7 +113,7 @@ ColumnLayout ShownColumns::layout() const {
     for (int place = 0; place < header.count(); ++place) {
         const int column = header.logicalIndex(place);
         const auto at = static_cast<std::size_t>(column);
-        now.columns.push_back({columns[at].id, widths_[at], grid_.isColumnHidden(column)});
+        now.columns.push_back({columns[at].id, widthOf(column), grid_.isColumnHidden(column)});
     }
     now.sortedBy = columns[static_cast<std::size_t>(header.sortIndicatorSection())].id;
     now.descending = header.sortIndicatorOrder() == Qt::DescendingOrder;

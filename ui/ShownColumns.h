@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include "notify/ReminderState.h"
 #include "ui/ColumnLayout.h"
 #include "ui/GridList.h"
 
@@ -20,8 +21,8 @@ class ShownColumns final : public QObject {
     Q_OBJECT
 
 public:
-    /// `grid` shows `list`; both must outlive it.
-    ShownColumns(QTreeView& grid, const GridList& list);
+    /// `grid` shows `list`; `widths` are those of its columns. All must outlive it.
+    ShownColumns(QTreeView& grid, const GridList& list, ColumnWidths& widths);
 
     /// From now on the user's changes are taken up. The grid has its header and its model.
     void watch();
@@ -45,15 +46,16 @@ signals:
 
 private:
     void sectionResized(int column, int width);
+    int& widthOf(int column) const;
     void setWidths(const ColumnLayout& layout);
 
     QTreeView& grid_;
     const GridList& list_;
-    std::vector<int> widths_;  // by column, also of the hidden ones
-    std::vector<int> needs_;   // for what the columns say, see `fitColumns`
-    QTimer measuring_;         // once, when rows have come
-    bool sized_ = false;       // by the user
-    bool fitting_ = false;     // by the program itself, just now
+    ColumnWidths& widths_;    // also of the hidden ones
+    std::vector<int> needs_;  // for what the columns say, see `fitColumns`
+    QTimer measuring_;        // once, when rows have come
+    bool sized_ = false;      // by the user
+    bool fitting_ = false;    // by the program itself, just now
 };
 
 }  // namespace vl

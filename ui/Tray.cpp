@@ -38,12 +38,12 @@ TrayClick trayClick(bool hasFocus, bool visible) {
     return visible ? TrayClick::BringForward : TrayClick::Show;
 }
 
-Tray::Tray(const TrayPictures& pictures, const ReminderState& state, QObject* parent)
-    : QObject(parent), pictures_(pictures), state_(state), balloon_(icon_) {
+Tray::Tray(const QIcon& Pic1, const QIcon& Pic2, const ReminderState& state, QObject* parent)
+    : QObject(parent), quiet_(Pic1), new_(Pic2), state_(state), balloon_(icon_) {
     icon_.setParent(this);  // found by that
     mnuTray_.setObjectName("mnuTray");
     fillMenu();
-    icon_.setIcon(pictures_.Pic1);
+    icon_.setIcon(quiet_);
     icon_.setContextMenu(&mnuTray_);
     connect(&mnuTray_, &QMenu::aboutToShow, this, &Tray::menuOpening);
     connect(&mnuTray_, &QMenu::aboutToShow, this, &Tray::mark);
@@ -75,7 +75,7 @@ void Tray::notePointer() {
 void Tray::setNew(bool withDot) {
     if (withDot != withDot_) {
         withDot_ = withDot;
-        icon_.setIcon(withDot ? pictures_.Pic2 : pictures_.Pic1);
+        icon_.setIcon(withDot ? new_ : quiet_);
     }
 }
 

@@ -3,13 +3,13 @@
 
 #include <cstdint>
 
+#include <QIcon>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
 
 #include "notify/ReminderState.h"
 #include "ui/Balloon.h"
-#include "ui/TrayPictures.h"
 
 namespace vl {
 
@@ -26,8 +26,9 @@ class Tray final : public QObject {
     Q_OBJECT
 
 public:
-    /// `pictures` and `state` must outlive the tray.
-    Tray(const TrayPictures& pictures, const ReminderState& state, QObject* parent = nullptr);
+    /// `Pic1` is shown while nothing is new, else `Pic2`. `state` must outlive the tray.
+    Tray(const QIcon& Pic1, const QIcon& Pic2, const ReminderState& state,
+         QObject* parent = nullptr);
     ~Tray() override;
 
     void show() { icon_.show(); }
@@ -69,7 +70,8 @@ private:
     void notePointer();
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
-    const TrayPictures& pictures_;
+    const QIcon quiet_;
+    const QIcon new_;
     const ReminderState& state_;
     QSystemTrayIcon icon_;
     QMenu mnuTray_;

@@ -76,15 +76,15 @@ private:
     QMap<int, QPixmap> read_;
 };
 
-QIcon picture(const char* name) { return QIcon(new PictureEngine(QString::fromLatin1(name))); }
+QIcon picture(const char* name) {
+    takeInResources();
+    return QIcon(new PictureEngine(QString::fromLatin1(name)));
+}
 
 }  // namespace
 
-TrayPictures::TrayPictures() {
-    takeInResources();
-    Pic1 = picture("tray");
-    Pic2 = picture("tray-new");
-    program = picture("vlreminders");
-}
+QIcon quietPicture() { return picture("tray"); }
+QIcon newPicture() { return picture("tray-new"); }
+QIcon programPicture() { return picture("vlreminders"); }
 
 }  // namespace vl

@@ -5,15 +5,15 @@
 
 namespace vl {
 
-/// From the pictures in data/icons, at 16, 20, 22, 24, 32, 48 and 64 pixels; each is read when it
-/// is first shown. Bell and bell with dot differ in outline, not only in colour: the dot stands
-/// clear of the bell. Needs a running QGuiApplication.
-struct TrayPictures {
-    TrayPictures();
+// From the pictures in data/icons, at 16, 20, 22, 24, 32, 48 and 64 pixels; each is read when it is
+// first shown. Bell and bell with dot differ in outline, not only in colour: the dot stands clear
+// of the bell. These need a running QGuiApplication.
 
-    QIcon Pic1;     ///< nothing new
-    QIcon Pic2;     ///< new reminders wait
-    QIcon program;  ///< of windows
-};
+/// The bell: nothing new.
+QIcon quietPicture();
+/// The bell with a dot: new reminders wait.
+QIcon newPicture();
+/// Of windows.
+QIcon programPicture();
 
 }  // namespace vl

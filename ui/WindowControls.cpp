@@ -18,6 +18,7 @@
 #include "ui/SplitButton.h"
 #include "ui/StatusLine.h"
 #include "ui/UpDown.h"
+#include "ui/WindowLists.h"
 #include "ui/Wording.h"
 
 namespace vl {
@@ -41,7 +42,9 @@ QString tr(const char* text) { return QObject::tr(text); }
 }  // namespace
 
 // In the order in which Tab goes through them.
-WindowControls::WindowControls(QWidget& window, const GridLists& lists, QMenu& menu) {
+WindowControls::WindowControls(QWidget& window, ReminderState& state, const GridLists& lists,
+                               QMenu& menu)
+    : state_(state) {
     makeTop(window);
     makeGrids(window, lists);
     status = new StatusLine(&window);
@@ -67,8 +70,11 @@ void WindowControls::makeTop(QWidget& window) {
 
 void WindowControls::makeGrids(QWidget& window, const GridLists& lists) {
     tabs = named(new QTabWidget(&window), "tabs", "Lists");
+    const std::array<ColumnWidths*, kGridCount> widths{&state_.WidthsR[0], &state_.WidthsR[1],
+                                                       &state_.WidthsE};
     for (std::size_t i = 0; i < kTabs.size(); ++i) {
-        grids[i] = named(new Grid(*lists[i], tabs), kTabs[i].gridName, kTabs[i].accessibleName);
+        grids[i] = named(new Grid(*lists[i], *widths[i], tabs), kTabs[i].gridName,
+                         kTabs[i].accessibleName);
         tabs->addTab(grids[i], tr(kTabs[i].caption));
         captions_ << tabs->tabText(static_cast<int>(i));
     }
@@ -117,13 +123,13 @@ bool WindowControls::showsColumn(std::string_view id) const {
     });
 }
 
-void WindowControls::fillPeriods(std::string_view sPeriod) {
+void WindowControls::fillPeriods() {
     for (const Period& period : periods()) {
         cboPeriod->addItem(tr(period.text), QString(period.code));
     }
-    const auto shown = periodIndex(sPeriod);
-    cboPeriod->setCurrentIndex(static_cast<int>(shown.value_or(*periodIndex("T"))));
-    UpDown1->setValue(cboPeriod->currentIndex() + 1);
+    const int shown = listPosition(*state_.ListIndexCol, state_.sPeriod);
+    cboPeriod->setCurrentIndex(shown - 1);
+    UpDown1->setValue(shown);
 }
 
 void WindowControls::setTabFont() { tabs->setFont(formFont(*tabs)); }
@@ -138,15 +144,16 @@ void WindowControls::showCaptions() {
     }
 }
 
-void WindowControls::showEmptyTexts(std::string_view trouble, std::string_view periodCode) {
+void WindowControls::showEmptyTexts(std::string_view trouble, const WindowLists& lists) {
     const std::string period = plainText(cboPeriod->currentText());
     for (Grid* each : grids) {
         EmptyReason reason;
         reason.grid = each->list().grid();
         reason.searching = each->list().allFilteredOut();
         reason.trouble = trouble;
-        reason.periodCode = periodCode;
+        reason.periodCode = state_.sPeriod;
         reason.periodText = period;
+        reason.leftOut = lists.leftOut(reason.grid);
         each->setEmptyText(qtText(emptyText(reason)));
     }
 }

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include "notify/ReminderState.h"
 #include "ui/Grid.h"
 #include "ui/GridList.h"
 #include "ui/RowChoice.h"
@@ -23,13 +24,15 @@ namespace vl {
 class SplitButton;
 class StatusLine;
 class UpDown;
+class WindowLists;
 
 /// Makes them under their given names, lays them out and shows in them what it is told. They belong
 /// to the window, which wires them.
 class WindowControls final {
 public:
-    /// Each grid shows the list of its number. `menu` is what `butMenu` opens. All must outlive it.
-    WindowControls(QWidget& window, const GridLists& lists, QMenu& menu);
+    /// Each grid shows the list of its number; its widths stand in `state`. `menu` is what
+    /// `butMenu` opens. All must outlive it.
+    WindowControls(QWidget& window, ReminderState& state, const GridLists& lists, QMenu& menu);
 
     QLabel* lblPeriod = nullptr;
     QComboBox* cboPeriod = nullptr;
@@ -50,14 +53,14 @@ public:
     /// Some grid shows the column.
     bool showsColumn(std::string_view id) const;
 
-    /// Fills the list and chooses the period of that code, or "Today" where there is none.
-    void fillPeriods(std::string_view sPeriod);
+    /// Fills the list and chooses the period of the state, or "Today" where there is none.
+    void fillPeriods();
     /// The grids are left out by the form's font, they follow their tab.
     void setTabFont();
     /// The captions of the tabs, with the number of rows.
     void showCaptions();
     /// What the empty grids say; `trouble` as in `EmptyReason`.
-    void showEmptyTexts(std::string_view trouble, std::string_view periodCode);
+    void showEmptyTexts(std::string_view trouble, const WindowLists& lists);
     /// Captions and hints of the buttons, and which of them there is something to do for.
     void show(const ActsOffered& offered);
 
@@ -69,6 +72,7 @@ private:
     void showSnooze(const ActsOffered& offered);
     void showDismiss(const ActsOffered& offered);
 
+    ReminderState& state_;
     QStringList captions_;  // of the tabs, without counts
 };
 

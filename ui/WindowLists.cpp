@@ -17,22 +17,32 @@ WindowLists::WindowLists(const WindowParts& parts, TimeText time,
     }
 }
 
-DateTime WindowLists::takePeriod() {
+PeriodView WindowLists::takePeriod() {
+    ReminderState& state = parts_.state;
     const DateTime now = parts_.clock.now();
-    const PeriodRange range = periodRange(parts_.state.sPeriod, now);
-    parts_.state.dShownStart = range.from;
-    parts_.state.dShownEnd = range.to;
-    return now;
+    const PeriodRange range = periodRange(state.sPeriod, now, state.OneMin);
+    state.dShownStart = range.from;
+    state.dShownEnd = range.to;
+    takeHidden();
+    return {state.sPeriod, {state.dShownStart, state.dShownEnd}, now, *state.HiddenGUIDColR};
+}
+
+// What acts change in a set that stays as it is, they bring in themselves.
+void WindowLists::takeHidden() {
+    const std::uint64_t stamp = parts_.period.mCol ? parts_.period.mCol->Stamp() : 0;
+    if (stamp != hiddenOf_) {
+        parts_.state.HiddenGUIDColR = hiddenGUIDs(parts_.period);
+        hiddenOf_ = stamp;
+    }
 }
 
 void WindowLists::count(int grid) {
     counted_ = {};
-    const DateTime now = takePeriod();
+    const PeriodView view = takePeriod();
     if (waits(grid)) {
-        listPeriod(parts_.period, parts_.state.sPeriod, now,
-                   [&](const auto&, const RowOccurrence&, int index) {
-                       ++counted_[static_cast<std::size_t>(index)];
-                   });
+        listPeriod(parts_.period, view, [&](const auto&, const RowOccurrence&, int index) {
+            ++counted_[static_cast<std::size_t>(index)];
+        });
     }
 }
 
@@ -42,15 +52,15 @@ bool WindowLists::fill() {
     }
     const ErrScope scope;
     attempt([&] {
-        const DateTime now = takePeriod();
-        setNow(now);
-        const bool dismissed = text::equalsNoCase(parts_.state.sPeriod, "Di");
+        const PeriodView view = takePeriod();
+        setNow(view.now);
+        const bool dismissed = text::equalsNoCase(view.code, "Di");
         std::vector<GridRow> rows[kGridCount];
         const TimeZone here = TimeZone::local();
-        listPeriod(parts_.period, parts_.state.sPeriod, now,
-                   [&](const auto& event, const RowOccurrence& occurrence, int grid) {
-                       rows[grid].push_back(rowFor(event, occurrence, grid, here));
-                   });
+        leftOut_ = listPeriod(parts_.period, view,
+                              [&](const auto& event, const RowOccurrence& occurrence, int grid) {
+                                  rows[grid].push_back(rowFor(event, occurrence, grid, here));
+                              });
         for (const int grid : {kAllRemindersGrid, kEventsGrid}) {
             of(grid).setDismissedView(dismissed);
             of(grid).setRows(std::move(rows[grid]));
@@ -79,7 +89,9 @@ GridRow WindowLists::rowFor(const std::shared_ptr<calEvent>& event, const RowOcc
 }
 
 bool WindowLists::put(const std::shared_ptr<calEvent>& event, int grid) {
-    if (waits(grid) || (grid != kNewRemindersGrid && !isListedIn(parts_.state.sPeriod, *event))) {
+    const ReminderState& state = parts_.state;
+    if (waits(grid) ||
+        (grid != kNewRemindersGrid && !isListedIn(state.sPeriod, *event, *state.HiddenGUIDColR))) {
         return false;
     }
     of(grid).putRow(rowFor(event, recordedOccurrence(*event), grid, TimeZone::local()));

@@ -3,8 +3,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <QString>
@@ -43,6 +45,8 @@ public:
     bool waits(int grid) const { return waits_ && grid != kNewRemindersGrid; }
     /// Where the rows wait, how many they were when they were counted last.
     std::size_t rowCount(int grid) const;
+    /// How many rows the period has beside those, of hidden events.
+    std::size_t leftOut(int grid) const { return leftOut_[static_cast<std::size_t>(grid)]; }
 
     /// Adds the event's row, or replaces the one it has in that grid; not where the rows wait, nor
     /// where the period does not list it. Whether it did.
@@ -56,7 +60,8 @@ public:
     void renewFields();
 
 private:
-    DateTime takePeriod();
+    PeriodView takePeriod();
+    void takeHidden();
     GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
                    int grid, const TimeZone& here) const;
 
@@ -66,6 +71,8 @@ private:
     GridLists lists_;
     bool waits_ = false;
     std::array<std::size_t, kGridCount> counted_{};
+    LeftOut leftOut_{};
+    std::optional<std::uint64_t> hiddenOf_;  // the set's stamp when hidden events were looked for
 };
 
 }  // namespace vl

@@ -278,13 +278,15 @@ std::string emptyText(const EmptyReason& reason) {
         return "No new reminders";
     }
     const std::string what = reason.grid == 1 ? "reminders" : "events";
-    if (text::equalsNoCase(reason.periodCode, "Di")) {
-        return "No dismissed " + what;
-    }
     if (text::equalsNoCase(reason.periodCode, "H")) {
         return "No hidden " + what;
     }
-    return "No " + what + " in the period \"" + std::string(reason.periodText) + '"';
+    const std::string hidden =
+        reason.leftOut > 0 ? " (" + std::to_string(reason.leftOut) + " hidden)" : std::string();
+    if (text::equalsNoCase(reason.periodCode, "Di")) {
+        return "No dismissed " + what + hidden;
+    }
+    return "No " + what + " in the period \"" + std::string(reason.periodText) + '"' + hidden;
 }
 
 }  // namespace vl

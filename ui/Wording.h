@@ -88,6 +88,7 @@ struct EmptyReason {
     std::string_view trouble = {};  ///< why the database cannot be read, when it cannot
     std::string_view periodCode;
     std::string_view periodText;
+    std::size_t leftOut = 0;  ///< rows of hidden events, which the period would have
 };
 std::string emptyText(const EmptyReason& reason);
 

@@ -10,15 +10,15 @@
 namespace vl {
 
 frmDDE::frmDDE(const WindowParts& parts)
-    : parts_(parts),
-      state_(parts.state),
+    : state(parts.state),
+      parts_(parts),
       timeText_([](DateTime d) { return shortTimeText(d); }),
       acts_(parts.reminders, parts.period, parts.db, parts.clock, parts.ledger, parts.state),
       check_(parts.reminders, parts.period, parts.db, parts.clock, parts.state, *this, parts.ledger,
              acts_),
       update_(check_, parts.clock, parts.state, *this, parts.DebugMode),
-      tray_(pictures_, parts.state, this),
-      popUp_(pictures_, tray_),
+      tray_(Pic1, Pic2, parts.state, this),
+      popUp_(Pic2, tray_),
       rowActs_(*this, parts_, timeText_, acts_, check_),
       place_(*this, parts.settings),
       statusText_(parts_, timeText_),
@@ -31,7 +31,7 @@ frmDDE::frmDDE(const WindowParts& parts)
     setObjectName("frmDDE");
     setWindowTitle(tr("VL Reminders"));
     setAccessibleName(windowTitle());  // minimized it would have none
-    setWindowIcon(pictures_.program);
+    setWindowIcon(programPicture());
     for (const auto& each : lists_.all()) {
         wireList(*each);
     }
@@ -94,7 +94,7 @@ void frmDDE::wireTray() {
         changeSetting([&letter](ReminderState& s) { s.sNotifType = letter.toStdString(); });
     });
     connect(&tray_, &Tray::onTop, this, [this] {
-        state_.bOnTop = !state_.bOnTop;
+        state.bOnTop = !state.bOnTop;
         SetOnTop();
         SaveSettings();
     });

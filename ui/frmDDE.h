@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <QDeadlineTimer>
+#include <QIcon>
 #include <QTimer>
 #include <QWidget>
 
@@ -46,6 +47,11 @@ class frmDDE final : public QWidget, public ReminderScreen {
 public:
     explicit frmDDE(const WindowParts& parts);
     ~frmDDE() override;
+
+    // The public state, in its order: these, and then the identifiers of the grids' columns.
+    const QIcon Pic1 = quietPicture();  ///< of the tray: nothing new
+    const QIcon Pic2 = newPicture();    ///< new reminders wait
+    ReminderState& state;
 
     /// The load handler: settings, period list, events, timers. The first check runs as soon as
     /// the event loop does. Call it once; the window stays hidden.
@@ -166,6 +172,7 @@ private:
     void tabs_Changed();
     void txtSearch_Changed(const QString& search);
     void currentRowChanged();
+    void followCurrentRow();
     void columnsChanged();
     void ShowPeriod();
     void choosePeriod(std::string code);
@@ -195,9 +202,7 @@ private:
     void sayTrayMissing();
 
     WindowParts parts_;
-    ReminderState& state_;
     TimeText timeText_;
-    TrayPictures pictures_;  // Pic1, Pic2
     Acts acts_;
     CheckCycle check_;
     UpdateCycle update_;

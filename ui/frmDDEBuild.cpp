@@ -31,9 +31,9 @@ void frmDDE::furnish() {
 void frmDDE::makeControls() {
     const ErrScope scope;
     const bool loading = std::exchange(loading_, true);
-    controls_ = std::make_unique<WindowControls>(*this, lists_.all(), tray_.menu());
+    controls_ = std::make_unique<WindowControls>(*this, state, lists_.all(), tray_.menu());
     wireControls();
-    attempt([&] { controls_->fillPeriods(state_.sPeriod); });
+    attempt([&] { controls_->fillPeriods(); });
     attempt([&] { controls_->setTabFont(); });
     for (Grid* each : controls_->grids) {
         attempt([&] { keptColumns_.arrange(*each); });

@@ -35,12 +35,13 @@ void frmDDE::Load() {
         },
         [this] { place_.read(); },
         [this] { statusText_.lookWhetherSaved(); },
-        [this] { readNotifying(parts_.settings, state_); },
+        [this] { readNotifying(parts_.settings, state); },
         [this] { SetOnTop(); },
-        [this] { readPeriod(parts_.settings, parts_.clock.now(), state_); },
+        [this] { readPeriod(parts_.settings, parts_.clock.now(), state); },
         [this] { upgradeDatabase(); },
-        [this] { state_.OneMin = 1.0 / 1440; },
-        [this] { state_.pendingActions = std::make_shared<GenCollection>(); },
+        [this] { state.OneMin = kOneMin; },
+        [this] { state.pendingActions = std::make_shared<GenCollection>(); },
+        [this] { state.ListIndexCol = listPositions(); },
         [this] { tray_.show(); },
         [this] { check_.ReadAtStart(); },
         [this] { TimerCheck.setInterval(parts_.DebugMode ? kCheckDebug : kCheckVisible); },
@@ -59,8 +60,8 @@ void frmDDE::Load() {
 }
 
 void frmDDE::upgradeDatabase() {
-    state_.DBVersion = upgradeSchema(parts_.db, state_.DBVersion,
-                                     [this] { parts_.reminders.RemoveAllDoneStatus(); });
+    state.DBVersion = upgradeSchema(parts_.db, state.DBVersion,
+                                    [this] { parts_.reminders.RemoveAllDoneStatus(); });
 }
 
 // The rows are in their order before anybody sees them.
@@ -82,14 +83,13 @@ void frmDDE::startTimers() {
 }
 
 void frmDDE::selectSavedPeriod() {
-    const auto saved = periodIndex(state_.sPeriod);
-    choosePeriod(periods()[saved.value_or(*periodIndex("T"))].code);
+    choosePeriod(state.ListIndexCol->Key(listPosition(*state.ListIndexCol, state.sPeriod)));
 }
 
 void frmDDE::SaveSettings() {
     const ErrScope scope;
     place_.save();
-    writeState(parts_.settings, state_);
+    writeState(parts_.settings, state);
 }
 
 }  // namespace vl

@@ -18,14 +18,14 @@ MessageScreen& frmDDE::boxes(const char* helpPlace) {
 }
 
 void frmDDE::mnuTray_Opening() {
-    if (state_.bHasFocus) {
+    if (state.bHasFocus) {
         raise();
     }
     GetIconText();
 }
 
 void frmDDE::changeSetting(const std::function<void(ReminderState&)>& change) {
-    change(state_);
+    change(state);
     SaveSettings();
 }
 
@@ -34,7 +34,7 @@ void frmDDE::mnuAbout_Click() {
         return;
     }
     const ErrScope scope;
-    attempt([&] { boxes(kHelpTray).ShowBox(aboutBox(parts_.Version, state_.DBVersion)); });
+    attempt([&] { boxes(kHelpTray).ShowBox(aboutBox(parts_.Version, state.DBVersion)); });
 }
 
 void frmDDE::maintain(void (Maintenance::*flow)()) {
@@ -43,7 +43,7 @@ void frmDDE::maintain(void (Maintenance::*flow)()) {
     }
     const ErrScope scope;
     attempt([&] {
-        Maintenance at{parts_.db, parts_.reminders,   parts_.period, check_, state_,
+        Maintenance at{parts_.db, parts_.reminders,   parts_.period, check_, state,
                        *this,     boxes(kHelpCleanUp)};
         (at.*flow)();
     });
@@ -58,7 +58,7 @@ void frmDDE::mnuRefresh_Click() {
     for (CalEvents* set : {&parts_.reminders, &parts_.period}) {
         readAgain(*set, true, true);
     }
-    state_.damagedRows = static_cast<int>(parts_.period.DamagedRows());
+    state.damagedRows = static_cast<int>(parts_.period.DamagedRows());
     // Rows do not have yet what waits to be written.
     acts_.RestoreWaiting();
     acts_.WriteWaiting();

@@ -96,16 +96,16 @@ void frmDDE::Exit() {
 
 void frmDDE::ShowHelp() { help_.show(focusWidget(), isNewRemindersTab()); }
 
-void frmDDE::SetOnTop() { setOnTop(*this, state_.bOnTop); }
+void frmDDE::SetOnTop() { setOnTop(*this, state.bOnTop); }
 
 void frmDDE::ShowPopUp(const PopUpRequest& request) {
     const ErrScope scope;
-    attempt([&] { popUp_.show(request, state_.EvCol); });
+    attempt([&] { popUp_.show(request, state.EvCol); });
 }
 
 void frmDDE::HidePopUp() {
     popUp_.hide();
-    state_.dLastShown = parts_.clock.now();
+    state.dLastShown = parts_.clock.now();
 }
 
 void frmDDE::MarkupHyperlinkClick(int tag) {
@@ -157,7 +157,7 @@ void frmDDE::Tray_Click() {
     if (bringDialogForward()) {
         return;
     }
-    switch (trayClick(state_.bHasFocus, isVisible())) {
+    switch (trayClick(state.bHasFocus, isVisible())) {
         case TrayClick::Hide:
             hideWindow();
             HidePopUp();
@@ -170,7 +170,7 @@ void frmDDE::Tray_Click() {
             HidePopUp();
             break;
     }
-    state_.bHasFocus = isVisible();
+    state.bHasFocus = isVisible();
 }
 
 // Nobody has asked for the window: it is put within reach, not in front of what the user does.

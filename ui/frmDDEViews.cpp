@@ -16,7 +16,7 @@
 namespace vl {
 
 bool frmDDE::isPeriod(std::string_view code) const {
-    return text::equalsNoCase(state_.sPeriod, code);
+    return text::equalsNoCase(state.sPeriod, code);
 }
 
 void frmDDE::cboPeriod_Changed(int index) {
@@ -37,7 +37,7 @@ void frmDDE::ShowPeriod() {
 }
 
 void frmDDE::choosePeriod(std::string code) {
-    state_.sPeriod = std::move(code);
+    state.sPeriod = std::move(code);
     showPeriodAnew();
     TimerUpdate_Tick();
 }
@@ -132,11 +132,18 @@ void frmDDE::txtSearch_Changed(const QString& search) {
 }
 
 void frmDDE::currentRowChanged() {
-    const GridRow* row = selectedList().currentRow();
-    statusText_.rowChanged(row);
-    state_.curEvent = row ? row->event : nullptr;
+    statusText_.rowChanged(selectedList().currentRow());
+    followCurrentRow();
     showStatus();
     updateButtons();
+}
+
+void frmDDE::followCurrentRow() {
+    state.releaseCurrent();
+    if (const GridRow* row = selectedList().currentRow()) {
+        state.curEvent = row->event;
+        state.curReminder = {row->span.start, row->reminder};
+    }
 }
 
 void frmDDE::ShowTime() {
@@ -153,8 +160,9 @@ void frmDDE::UpdateUI() {
     GetIconText();
     if (isFurnished()) {
         controls_->showCaptions();
-        controls_->showEmptyTexts(statusText_.trouble(), state_.sPeriod);
+        controls_->showEmptyTexts(statusText_.trouble(), lists_);
     }
+    followCurrentRow();
     showStatus();
     updateButtons();
 }
@@ -181,7 +189,7 @@ void frmDDE::showStatus() {
 
 void frmDDE::updateButtons() {
     const ActsOffered offered = rowActs_.offered();
-    state_.bIsDismiss = offered.dismisses;
+    state.bIsDismiss = offered.dismisses;
     if (isFurnished()) {
         controls_->show(offered);
     }

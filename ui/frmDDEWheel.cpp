@@ -15,7 +15,7 @@ void frmDDE::RequestMouseWheel(Grid& target, const WheelTurn& turn) {
     const ErrScope scope;
     attempt([&] {
         wheel_.add(target, turn);
-        state_.pendingActions->Add(kMouseWheel, kMouseWheel);
+        state.pendingActions->Add(kMouseWheel, kMouseWheel);
         if (!TimerActions.isActive()) {
             TimerActions.start();
             // The first one is not kept waiting; a hand on a touchpad would feel it.
@@ -26,16 +26,16 @@ void frmDDE::RequestMouseWheel(Grid& target, const WheelTurn& turn) {
 
 void frmDDE::TimerActions_Tick() {
     const ErrScope scope;
-    if (state_.pendingActions->Count() == 0) {
+    if (state.pendingActions->Count() == 0) {
         TimerActions.stop();
         return;
     }
     attempt([&] {
-        if (text::equalsNoCase(state_.pendingActions->Item(1).toText(), kMouseWheel)) {
+        if (text::equalsNoCase(state.pendingActions->Item(1).toText(), kMouseWheel)) {
             MouseWheel();
         }
     });
-    state_.pendingActions->Remove(1);
+    state.pendingActions->Remove(1);
 }
 
 void frmDDE::MouseWheel() { wheel_.scroll(); }

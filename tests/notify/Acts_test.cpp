@@ -335,10 +335,12 @@ TEST_F(ActsOnFile, HidingAndShowingWritesTheFlag) {
     acts.Hide(dentist());
     EXPECT_TRUE(stored(kDentist)->Hidden);
     EXPECT_TRUE(in(reminders, kDentist)->Hidden);
+    EXPECT_EQ(state.HiddenGUIDColR->SaveAsList(","), kDentist) << "for the views";
     EXPECT_TRUE(rowSpeaks(*stored(kDentist), &known(kDentist)))
         << "of its reminders it says nothing";
     acts.Hide(dentist(), false);
     EXPECT_FALSE(stored(kDentist)->Hidden);
+    EXPECT_EQ(state.HiddenGUIDColR->Count(), 0U);
 }
 
 // The ledger stands on the disk when the row is written: a crash between the two loses nothing.

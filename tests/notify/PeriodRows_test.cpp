@@ -22,7 +22,9 @@ protected:
     /// "A 19 23:00 (20 01:00)" for each row of the grid: start, and of reminders their time.
     std::string rows(const char* code, int wanted) {
         std::string said;
-        listPeriod(set, code, clock.now(), [&](const auto& event, const auto& row, int grid) {
+        const auto hidden = hiddenGUIDs(set);
+        const PeriodView view{code, periodRange(code, clock.now()), clock.now(), *hidden};
+        leftOut = listPeriod(set, view, [&](const auto& event, const auto& row, int grid) {
             if (grid == wanted) {
                 said += (said.empty() ? "" : ", ") + event->GUID + " " + text(row.start) +
                         (row.reminder.isZero() || grid == kEventsGrid
@@ -39,6 +41,7 @@ protected:
     test::ManualClock clock{at(14, 0)};
     DBRemindUtils db;
     CalEvents set{db, clock};
+    LeftOut leftOut{};
 };
 
 TEST_F(PeriodRows, AnEventShowsTheEarlierStartThatItsReminderHasFound) {
@@ -54,6 +57,39 @@ TEST_F(PeriodRows, HiddenEventsStandInTheirOwnPeriodAlone) {
     EXPECT_EQ(events("T"), "B 20 16:00");
     EXPECT_EQ(reminders("H"), "A 20 15:00 (20 14:45)");
     EXPECT_EQ(events("h"), "A 20 15:00");
+}
+
+TEST_F(PeriodRows, WhatIsLeftOutAsHiddenIsCounted) {
+    put(single("A", at(15, 0), {15}))->Hidden = true;
+    put(single("B", at(16, 0), {15}))->Hidden = true;
+    put(single("C", at(17, 0), {}))->Hidden = true;
+    put(single("D", at(10, 0, 0, 27), {15}))->Hidden = true;
+    put(single("E", at(18, 0), {15}));
+    const auto left = [this](const char* code) {
+        reminders(code);
+        return leftOut;
+    };
+    EXPECT_EQ(left("T"), (LeftOut{0, 2, 3}));
+    EXPECT_EQ(left("D+7"), (LeftOut{0, 2, 3})) << "one is of the day after";
+    EXPECT_EQ(left("D+14"), (LeftOut{0, 3, 4}));
+    EXPECT_EQ(left("H"), LeftOut{});
+    EXPECT_EQ(left("Di"), LeftOut{}) << "none was dismissed";
+    objectAt<calEvent>(*set.mCol, "B")->Dismissed = at(13, 0);
+    EXPECT_EQ(left("di"), (LeftOut{0, 1, 1}));
+}
+
+TEST_F(PeriodRows, WhetherAnEventIsHiddenTheListTells) {
+    const auto event = put(single("{a}", at(15, 0), {15}));
+    GenCollection hidden;
+    EXPECT_TRUE(isListedIn("T", *event, hidden));
+    EXPECT_FALSE(isListedIn("H", *event, hidden));
+    EXPECT_FALSE(isListedIn("Di", *event, hidden));
+    hidden.Add("{A}", "{A}");
+    EXPECT_FALSE(isListedIn("T", *event, hidden));
+    EXPECT_TRUE(isListedIn("h", *event, hidden)) << "GUIDs are equal in any case";
+    event->Dismissed = at(13, 0);
+    EXPECT_FALSE(isListedIn("Di", *event, hidden));
+    EXPECT_TRUE(isListedIn("Di", *event, GenCollection()));
 }
 
 TEST_F(PeriodRows, AHiddenEventShowsItsNextOccurrenceElseItsLast) {

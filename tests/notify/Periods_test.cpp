@@ -42,6 +42,24 @@ TEST(Periods, StandInTheirOrder) {
     EXPECT_FALSE(periodIndex("D+8"));
 }
 
+TEST(ListPositions, CountFromOneAndKnowAnyCase) {
+    const auto positions = listPositions();
+    ASSERT_EQ(positions->Count(), periods().size());
+    for (std::size_t i = 0; i < periods().size(); ++i) {
+        EXPECT_EQ(listPosition(*positions, periods()[i].code), static_cast<int>(i) + 1);
+        EXPECT_EQ(positions->Key(static_cast<int>(i) + 1), periods()[i].code);
+    }
+    EXPECT_EQ(listPosition(*positions, "w+1"), 13);
+    EXPECT_EQ(listPosition(*positions, "D+8"), listPosition(*positions, "T"));
+    EXPECT_EQ(listPosition(*positions, ""), 8);
+}
+
+TEST(PeriodRange, EndsADayByItsMinuteBeforeTheNextOne) {
+    const DateTime midnight = kFriday.date().addDays(1);
+    EXPECT_EQ(periodRange("T", kFriday, 5 * kOneMin).to, midnight.addMinutes(-5));
+    EXPECT_EQ(periodRange("D+7", kFriday, 5 * kOneMin).to, kFriday.date().addDays(7));
+}
+
 TEST(PeriodRange, EndsAsThePeriodIsGiven) {
     struct Case {
         const char* code;

@@ -56,7 +56,8 @@ protected:
     int place() const { return grid.verticalScrollBar()->value(); }
 
     GridList list{1, [](DateTime) { return std::string(); }};
-    Grid grid{list};
+    ColumnWidths widths;
+    Grid grid{list, widths};
     std::vector<QPoint> turns;
 };
 
@@ -105,7 +106,8 @@ TEST_F(Subclassing, OutlivesTheGrid) {
     GridUtils utils;
     {
         GridList others(2, [](DateTime) { return std::string(); });
-        Grid other(others);
+        ColumnWidths otherWidths;
+        Grid other(others, otherWidths);
         utils.subclass(other, note());
     }
     utils.subclass(grid, note());

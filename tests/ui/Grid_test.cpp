@@ -42,7 +42,8 @@ protected:
     }
 
     GridList list{0, clockText};
-    Grid grid{list};
+    ColumnWidths widths;
+    Grid grid{list, widths};
 };
 
 TEST_F(GridTest, BeginsSortedByTheReminder) {

@@ -50,9 +50,8 @@ TEST_F(HelpPage, HasATargetForEachOfItsLinks) {
 }
 
 TEST_F(HelpPage, ExplainsEveryEntryOfTheMenu) {
-    const TrayPictures pictures;
     const ReminderState state;
-    Tray tray(pictures, state);
+    Tray tray(QIcon(), QIcon(), state);
     int entries = 0;
     for (const QAction* entry : tray.menu().findChildren<QAction*>()) {
         QString text = entry->text();

@@ -222,7 +222,8 @@ TEST_F(Looks, ScrollingLooksAtTheRowsInViewAlone) {
         ++told;
         return test::clockText(d);
     });
-    Grid grid(list);
+    ColumnWidths widths;
+    Grid grid(list, widths);
     grid.InitGrid();
     list.setNow(someFriday());
     constexpr int kRows = 10'000;

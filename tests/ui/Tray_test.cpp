@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 
 #include "ui/QtText.h"
+#include "ui/TrayPictures.h"
 
 namespace vl {
 namespace {
@@ -30,9 +31,8 @@ protected:
         return names;
     }
 
-    TrayPictures pictures;
     ReminderState state;
-    Tray tray{pictures, state};
+    Tray tray{quietPicture(), newPicture(), state};
 };
 
 TEST_F(TrayTest, ChecksExactlyTheTypeInForce) {
@@ -106,8 +106,8 @@ TEST_F(TrayTest, HasTwoPictures) {
     const auto* icon = tray.findChild<QSystemTrayIcon*>();
     ASSERT_NE(icon, nullptr);
     const auto shown = [icon] { return icon->icon().pixmap(32, 32).toImage(); };
-    const QImage normal = pictures.Pic1.pixmap(32, 32).toImage();
-    const QImage withDot = pictures.Pic2.pixmap(32, 32).toImage();
+    const QImage normal = quietPicture().pixmap(32, 32).toImage();
+    const QImage withDot = newPicture().pixmap(32, 32).toImage();
     ASSERT_NE(normal, withDot);
     EXPECT_EQ(shown(), normal);
     for (int i = 0; i < 2; ++i) {

@@ -153,6 +153,9 @@ TEST(EmptyText, SaysWhyAGridIsEmpty) {
     EXPECT_EQ(text(2, "D+7", "Next 7 days"), "No events in the period \"Next 7 days\"");
     EXPECT_EQ(text(1, "di", "Dismissed"), "No dismissed reminders");
     EXPECT_EQ(text(2, "H", "Hidden"), "No hidden events");
+    EXPECT_EQ(emptyText({1, false, "", "T", "Today", 44}),
+              "No reminders in the period \"Today\" (44 hidden)");
+    EXPECT_EQ(emptyText({2, false, "", "Di", "Dismissed", 1}), "No dismissed events (1 hidden)");
     EXPECT_EQ(emptyText({0, false, "x.mdb is not there", "T", "Today"}), "x.mdb is not there");
     EXPECT_EQ(emptyText({2, true, "x.mdb is not there", "T", "Today"}),
               "Nothing matches the search");

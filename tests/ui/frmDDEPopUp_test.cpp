@@ -135,13 +135,12 @@ TEST_F(frmDDEPopUp, EscapeInTheWindowClosesIt) {
 
 TEST_F(frmDDEPopUp, TheIconHasItsDotWhileRemindersAreNew) {
     load();
-    const TrayPictures pictures;
     auto* icon = window->findChild<QSystemTrayIcon*>();
     ASSERT_NE(icon, nullptr);
     const auto dotted = [&] {
         const QImage shown = icon->icon().pixmap(32, 32).toImage();
-        const bool isNew = shown == pictures.Pic2.pixmap(32, 32).toImage();
-        EXPECT_NE(isNew, shown == pictures.Pic1.pixmap(32, 32).toImage());
+        const bool isNew = shown == window->Pic2.pixmap(32, 32).toImage();
+        EXPECT_NE(isNew, shown == window->Pic1.pixmap(32, 32).toImage());
         return isNew;
     };
     auto& flash = child<QTimer>("TimerFlash");

@@ -168,11 +168,13 @@ TEST_F(frmDDERows, TheStatusLineFollowsTheCurrentRow) {
     window->fillPeriod();
     EXPECT_TRUE(window->SelectGUID("{1}"));
     EXPECT_EQ(state.curEvent, e);
+    EXPECT_EQ(state.curReminder, (RowOccurrence{e->StartDateTime, DateTime()}));
     const QString status = child<QLabel>("lblStatus").text();
     EXPECT_TRUE(status.startsWith("Meeting, Today ")) << plainText(status);
     EXPECT_TRUE(status.contains("Room 2")) << plainText(status);
     window->RemoveGUID("{1}", kEventsGrid);
     EXPECT_EQ(state.curEvent, nullptr);
+    EXPECT_EQ(state.curReminder, RowOccurrence());
     EXPECT_EQ(child<QLabel>("lblStatus").text(), "");
 }
 
