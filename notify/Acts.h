@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -149,6 +150,8 @@ private:
     void countWaiting();
     void leaveSets(const std::string& GUID);
     void findLeftOver();
+    std::optional<std::unordered_set<std::uint64_t>> allDoneAmong(
+        std::span<const std::string> GUIDs) const;
     void findLeftOverOfAbsent();
     std::shared_ptr<calEvent> held(const std::string& GUID) const;
     void lookAtRowOf(const std::shared_ptr<calEvent>& event, const EventState& known);
@@ -168,8 +171,8 @@ private:
     std::string trouble_;
     // The ledger's version, when left-overs were looked for.
     std::optional<std::uint64_t> lookedAt_;
-    // Whose events were in no set then: what is all done may come back.
-    std::unordered_set<std::string> absent_;
+    // Whose events were in no set then, and may come back; true: their rows said "AllDone".
+    std::unordered_map<std::string, bool> absent_;
     std::uint64_t absentFrom_ = 0;  // the stamp of the list that they were looked for in last
 };
 

@@ -31,8 +31,36 @@ bool isWanted(const calEvent& event, const EventState& state, std::string_view c
            (column != kStatus || note->after != kAllDone || isLastMuted(event, state));
 }
 
-// Of what was looked at only what has changed since is looked at again.
+// Of these the ones whose rows say that they are all done, by `guidHash`. None: nobody can tell
+// now.
+std::optional<std::unordered_set<std::uint64_t>> Acts::allDoneAmong(
+    std::span<const std::string> GUIDs) const {
+    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
+    std::unordered_set<std::uint64_t> found;
+    while (!GUIDs.empty()) {
+        std::string list;
+        const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
+        for (const std::string& GUID : some) {
+            list += (list.empty() ? "" : ", ") + DBRemindUtils::ToSQLText(GUID);
+        }
+        const auto rows = db_.OpenRS(
+            "SELECT GUID FROM Reminders WHERE Status=" + DBRemindUtils::ToSQLText(kAllDone) +
+            " AND GUID IN (" + list + ")");
+        if (!rows || !rows->isOpen()) {
+            return passes(db_) ? std::nullopt : std::optional(found);
+        }
+        for (; !rows->EOF_(); rows->MoveNext()) {
+            found.insert(guidHash(rows->value("GUID").toText()));
+        }
+        GUIDs = GUIDs.subspan(some.size());
+    }
+    return found;
+}
+
+// Of what was looked at only what has changed since is looked at again; where rows could not be
+// read, everything from then on.
 void Acts::findLeftOver() {
+    const auto before = lookedAt_;
     std::optional<std::unordered_set<std::uint64_t>> changed;
     std::unordered_set<std::uint64_t> byOthers;
     if (lookedAt_) {
@@ -40,23 +68,27 @@ void Acts::findLeftOver() {
         changed.emplace(hashes.begin(), hashes.end());
         const auto others = ledger_.actedByOthersSince(*lookedAt_);
         byOthers.insert(others.begin(), others.end());
+    } else {
+        absent_.clear();
     }
     lookedAt_ = ledger_.version();
     auto known = ledger_.all(db_.DBFullName);
+    std::erase_if(
+        known, [&](const auto& one) { return changed && !changed->contains(guidHash(one.GUID)); });
     std::sort(known.begin(), known.end(),
               [](const auto& a, const auto& b) { return a.state.acted < b.state.acted; });
-    if (!changed) {
-        absent_.clear();
+    std::vector<std::string> away;
+    for (const auto& one : known) {
+        if (one.state.note(kStatus) != nullptr && !held(one.GUID)) {
+            away.push_back(one.GUID);
+        }
     }
+    const auto allDone = allDoneAmong(away);
     for (const auto& one : known) {
         const std::uint64_t hash = guidHash(one.GUID);
-        if (changed && !changed->contains(hash)) {
-            continue;
-        }
         auto event = held(one.GUID);
         if (!event) {
-            absent_.insert(one.GUID);
-            // Its row may still say that it is all done.
+            absent_[one.GUID] = allDone && allDone->contains(hash);
             event = isToComeBack(one.state) ? period_.EventByGUID(one.GUID) : nullptr;
         }
         if (event) {
@@ -66,20 +98,25 @@ void Acts::findLeftOver() {
             takeUpLeftOver(event, one.state, kStateColumns);
         }
     }
+    if (!allDone) {
+        lookedAt_ = before;
+    }
 }
 
-// An event that was taken back has what was noted of it while it was all done. What its status is
-// to be, whoever has taken it back has said.
+// An event that is there again has what was noted of it while it was away. What the status is to be
+// of one that was all done, whoever has taken it back has said.
 void Acts::findLeftOverOfAbsent() {
     if (absent_.empty() || !period_.mCol || period_.mCol->Stamp() == absentFrom_) {
         return;
     }
     absentFrom_ = period_.mCol->Stamp();
-    std::erase_if(absent_, [this](const std::string& GUID) {
-        const auto event = held(GUID);
-        const EventState* known = ledger_.find(db_.DBFullName, GUID);
+    std::erase_if(absent_, [this](const auto& one) {
+        const auto event = held(one.first);
+        const EventState* known = ledger_.find(db_.DBFullName, one.first);
         if (event && known != nullptr) {
-            takeUpLeftOver(event, *known, kColumnsButStatus);
+            const bool wasAllDone = one.second;
+            const std::span<const std::string_view> columns(kStateColumns);
+            takeUpLeftOver(event, *known, wasAllDone ? kColumnsButStatus : columns);
         }
         return event || known == nullptr;
     });
