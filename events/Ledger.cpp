@@ -67,6 +67,7 @@ void Ledger::load() {
             attempt([&] { fresh->take(std::string(line)); });
         }
     }
+    more_ = ledger::keepWhatLeft(*fresh, *content_, reference(*fresh));
     for (const auto& [key, entry] : fresh->events) {
         const auto old = content_->events.find(key);
         if (old != content_->events.end() && old->second.state == entry.state) {
@@ -226,7 +227,9 @@ std::string Ledger::edited(std::string_view database, std::string_view GUID, std
     if (!forget && entry.state == before) {
         return {};
     }
-    const std::string line = ledger::eventLine(entry, before, forget, act, clock_.now());
+    // Beside a time since when reminders may be waiting must stand what has been dealt with since.
+    const bool whole = more_.erase(key) > 0 || forget;
+    const std::string line = ledger::eventLine(entry, before, whole, act, clock_.now());
     content_->events[key] = std::move(entry);
     log_.push_back(guidHash(GUID));
     return lineEnd(line);
@@ -255,8 +258,21 @@ bool Ledger::forget(std::string_view database, std::string_view GUID, std::strin
 
 DateTime Ledger::lastCheck(std::string_view database) const {
     const auto found = content_->checked.find(nameOf(database));
-    return found != content_->checked.end() ? earlierOf(found->second, TimeZone::local())
+    return found != content_->checked.end() ? earlierOf(found->second.back(), TimeZone::local())
                                             : DateTime();
+}
+
+DateTime Ledger::lastCheckBy(std::string_view database, DateTime moment) const {
+    const TimeZone here = TimeZone::local();
+    DateTime last;
+    const auto found = content_->checked.find(nameOf(database));
+    if (found != content_->checked.end()) {
+        for (const Noted& check : found->second) {
+            const DateTime when = earlierOf(check, here);
+            last = when <= moment ? when : last;
+        }
+    }
+    return last;
 }
 
 void Ledger::noteCheck(std::string_view database, DateTime when) {
@@ -266,7 +282,7 @@ void Ledger::noteCheck(std::string_view database, DateTime when) {
     }
     store([&] {
         const Noted noted = notedNow(when);
-        content_->checked[nameOf(database)] = noted;
+        ledger::addCheck(content_->checked[nameOf(database)], noted);
         return lineEnd(ledger::checkLine(nameOf(database), noted));
     });
 }
@@ -330,7 +346,7 @@ void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>
 }
 
 void Ledger::keepRecentlyReplaced(std::string_view database, std::vector<Replaced> all) {
-    const DateTime now = reference();
+    const DateTime now = reference(*content_);
     for (Replaced& one : all) {
         std::erase_if(one.starts,
                       [&](const Noted& start) { return ledger::isLongAgo(start.local, now); });
@@ -353,10 +369,10 @@ std::vector<std::uint64_t> Ledger::actedByOthersSince(std::uint64_t version) con
 }
 
 // A clock that is far ahead for once must not make everything look old.
-DateTime Ledger::reference() const {
+DateTime Ledger::reference(const Content& content) const {
     DateTime latest;
-    for (const auto& [database, when] : content_->checked) {
-        latest = std::max(latest, when.local);
+    for (const auto& [database, checks] : content.checked) {
+        latest = std::max(latest, checks.back().local);
     }
     const DateTime now = clock_.now();
     return latest.isZero() ? now : std::min(now, latest.addDays(1));
@@ -366,8 +382,10 @@ DateTime Ledger::reference() const {
 // too old. That is known until the end of the run, since the clock may be wrong; but what is asked
 // for is what the file says, to which this run's lines are added.
 void Ledger::compact(bool starting) {
-    std::size_t held =
-        content_->events.size() + content_->checked.size() + content_->foreign.size();
+    std::size_t held = content_->events.size() + content_->foreign.size();
+    for (const auto& [database, checks] : content_->checked) {
+        held += checks.size();
+    }
     for (const auto& [key, starts] : content_->replaced) {
         held += starts.size();
     }
@@ -379,7 +397,7 @@ void Ledger::compact(bool starting) {
         lock = file_->lock(kLockWait);
         takeChanges();
     }
-    const DateTime now = starting ? reference() : DateTime();
+    const DateTime now = starting ? reference(*content_) : DateTime();
     const std::string lines = ledger::keptLines(*content_, now);
     const auto live = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
     if (live < lines_ || lines.size() < bytes_) {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "app/SharedFile.h"
@@ -29,7 +29,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///    "endedBefore":,"endedAt":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
 ///    "doubted":{TIME:{"seen":,"utc":}},"newlyMet":true,"deleting":true,
 ///    "row":{COLUMN:[before ...,after]}}
-///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day
+///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day; the last line is the last check
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken
 ///     over: of the series with that id in the host's database "base"
 ///
@@ -108,6 +108,9 @@ public:
     /// computer's zone has changed since, the earlier of the same time and the same moment. 0:
     /// never.
     DateTime lastCheck(std::string_view database) const;
+    /// The last that is not later than `moment`, local time: where the clock was ahead in the last
+    /// ones, what is still known of those before. 0: none is.
+    DateTime lastCheckBy(std::string_view database, DateTime moment) const;
     /// Writes a line for the first check of a day only: a check of a time that has been checked
     /// finds nothing that is not known.
     void noteCheck(std::string_view database, DateTime when);
@@ -153,12 +156,14 @@ private:
     std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
                        const std::function<void(EventState&)>& edit, bool forget);
     void compact(bool always);
-    DateTime reference() const;
+    DateTime reference(const Content& content) const;
 
     const Clock& clock_;
     std::unique_ptr<SharedFile> file_;  // null: in memory only
     std::unique_ptr<Content> content_;
-    std::string owed_;                   // lines that are not on the disk yet
+    std::string owed_;  // lines that are not on the disk yet
+    // By key: of these more is known than the file says, and the next line of each says all.
+    std::unordered_set<std::string> more_;
     std::vector<std::uint64_t> log_;     // `guidHash` of each change, in order
     std::vector<std::size_t> byOthers_;  // places in it of the acts of others, ascending
     std::uint64_t replacedVersion_ = 0;

@@ -99,6 +99,23 @@ private:
     std::map<std::string, Of> databases_;
 };
 
+// What has left an event that is still there. True when something has.
+bool keepWhatLeftOf(EventState& fresh, const EventState& known, DateTime now) {
+    bool anything = false;
+    for (OccurrenceState one : known.occurrences) {
+        if (isKept(known, one, now) || fresh.find(one.start) != nullptr) {
+            continue;
+        }
+        one.listed = DateTime();
+        one.spared = false;
+        if (one.saysAnything()) {
+            fresh.at(one.start) = one;
+            anything = true;
+        }
+    }
+    return anything;
+}
+
 }  // namespace
 
 bool isLongAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
@@ -133,8 +150,10 @@ std::string keptLines(const Content& content, DateTime now) {
         }
     }
     waiting.settle();
-    for (const auto& [database, when] : content.checked) {
-        lines += lineEnd(checkLine(database, when));
+    for (const auto& [database, checks] : content.checked) {
+        for (const Noted& check : checks) {
+            lines += lineEnd(checkLine(database, check));
+        }
     }
     for (const auto& [key, starts] : content.replaced) {
         const auto& [database, series] = content.masters.at(key);
@@ -148,6 +167,38 @@ std::string keptLines(const Content& content, DateTime now) {
         lines += lineEnd(line);
     }
     return lines;
+}
+
+std::unordered_set<std::string> keepWhatLeft(Content& fresh, const Content& known, DateTime now) {
+    // Who has written the file may have gone by a clock that was a little ahead.
+    const DateTime latest = now.addDays(kDaysBetweenClocks);
+    std::unordered_set<std::string> more;
+    for (const auto& [key, entry] : known.events) {
+        const auto there = fresh.events.find(key);
+        if (there != fresh.events.end()) {
+            // Who has reactivated it since wants nothing of it to be known.
+            if (!there->second.state.newlyMet &&
+                keepWhatLeftOf(there->second.state, entry.state, latest)) {
+                more.insert(key);
+            }
+            continue;
+        }
+        EventState left = entry.state;
+        dropOccurrences(left, latest);
+        if (isOver(left, latest)) {
+            fresh.events.emplace(key, entry);
+            more.insert(key);
+        }
+    }
+    for (const auto& [key, starts] : known.replaced) {
+        for (const Noted& start : starts) {
+            if (isLongAgo(start.local, latest)) {
+                fresh.masters.emplace(key, known.masters.at(key));
+                fresh.replaced[key].insert(start);
+            }
+        }
+    }
+    return more;
 }
 
 }  // namespace vl::ledger

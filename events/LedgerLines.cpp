@@ -159,7 +159,8 @@ void Content::take(const std::string& line) {
     if (json.contains("guid")) {
         takeEvent(*this, json);
     } else if (json.contains("checked")) {
-        checked[json.at("db").get<std::string>()] = {time(json, "checked"), time(json, "utc")};
+        const Noted check{time(json, "checked"), time(json, "utc")};
+        addCheck(checked[json.at("db").get<std::string>()], check);
     } else if (json.contains("replaced")) {
         const auto database = json.at("db").get<std::string>();
         const SeriesName series{json.at("master").get<std::string>(), json.value("base", "")};
@@ -168,6 +169,17 @@ void Content::take(const std::string& line) {
         replaced[keyOf(database, series)].insert(start);
     } else {
         foreign.push_back(line);
+    }
+}
+
+void addCheck(std::vector<Noted>& checks, const Noted& check) {
+    constexpr std::size_t kKeptChecks = 31;
+    while (!checks.empty() && checks.back().local >= check.local) {
+        checks.pop_back();
+    }
+    checks.push_back(check);
+    if (checks.size() > kKeptChecks) {
+        checks.erase(checks.begin());
     }
 }
 

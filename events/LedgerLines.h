@@ -25,7 +25,7 @@ struct Entry {
 /// Everything the lines say, the later over the earlier.
 struct Content {
     std::unordered_map<std::string, Entry> events;                      // by `keyOf`
-    std::map<std::string, Noted> checked;                               // by database
+    std::map<std::string, std::vector<Noted>> checked;                  // by database: `addCheck`
     std::map<std::string, std::set<Noted>> replaced;                    // by `keyOf` of the series
     std::map<std::string, std::pair<std::string, SeriesName>> masters;  // the same: with database
     std::vector<std::string> foreign;                                   // lines of an unknown shape
@@ -37,6 +37,11 @@ struct Content {
 /// Paths are told apart by case, GUIDs and ids are not.
 std::string keyOf(std::string_view database, std::string_view id);
 std::string keyOf(std::string_view database, const SeriesName& series);
+
+/// Adds a check to those of its database, which ascend: one that is later than it was by a clock
+/// that was ahead. Some weeks of days with a check are kept, so that an earlier one is still known
+/// when the clock was ahead in the last of them.
+void addCheck(std::vector<Noted>& checks, const Noted& check);
 
 /// One line without its end: what is different in `now` from `before`.
 std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,

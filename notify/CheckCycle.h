@@ -37,10 +37,10 @@ public:
     /// returns at once: a message box inside it lets timers tick.
     void Tick(int interval);
 
-    /// What fell due from here on may not have been seen: the last check, or for the first one of a
-    /// run midnight, or the last check of an earlier run when that lies before it, at most 30 days
-    /// back. A check that could not read the file does not count. Where the computer's zone has
-    /// changed since, it is the earlier of the same time and the same moment.
+    /// What fell due from here on may not have been seen: the last check, or for the first of a run
+    /// midnight, or the last known one that does not lie ahead, when that is earlier, at most 30
+    /// days back. A check that could not read the file does not count. Where the computer's zone
+    /// has changed since, it is the earlier of the same time and the same moment.
     DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets, and purges their

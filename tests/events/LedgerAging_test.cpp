@@ -146,6 +146,7 @@ TEST_F(LedgerAging, NothingThatHasLeftCanBeAskedForAgain) {
         const DateTime since = again.find(kDb, "{A}")->openSince;
         EXPECT_GT(since, dealtWith.addMinutes(30));
         EXPECT_EQ(since <= dealtWith.addDays(3), isListed) << "what came later waits behind a row";
+        EXPECT_GE(since, at(10, 0).addDays(isListed ? -118 : -88)) << "on whatever clock";
         EXPECT_LT(since, at(10, 0).addDays(-80));
         EXPECT_EQ(again.find(kDb, "{B}")->openSince, at(9, 45)) << "it is of today";
     }
@@ -183,7 +184,9 @@ TEST_F(LedgerAging, NothingIsForgottenWhileItRuns) {
     }
     EXPECT_LT(lines(), 400U) << "it has written its file anew";
     clock.time = clock.time.addDays(-100);
-    EXPECT_TRUE(Ledger(clock, path.string()).find(kDb, "{A}"));
+    const Ledger again(clock, path.string());
+    ASSERT_TRUE(again.find(kDb, "{A}"));
+    EXPECT_TRUE(again.find(kDb, "{A}")->find(at(10, 0)));
 }
 
 TEST_F(LedgerAging, AReplacedStartStaysAsLongAsWhatItHasEnded) {
@@ -197,8 +200,11 @@ TEST_F(LedgerAging, AReplacedStartStaysAsLongAsWhatItHasEnded) {
     static constexpr Case cases[] = {
         {"nothing was known of it", 400, false, true, false},
         {"snoozed", 120, true, true, true},
+        {"snoozed, by another clock a day before", 121, true, true, true},
+        {"snoozed, by another clock a day after", 119, true, true, true},
         {"another one is snoozed", 150, true, true, false},
         {"listed", 120, false, true, true},
+        {"listed, by another clock a day after", 119, false, true, true},
         {"one before it is listed", 150, false, true, true},
         {"one after it is listed", 100, false, true, false},
         {"a single event before it is listed", 150, false, false, false},
@@ -223,6 +229,38 @@ TEST_F(LedgerAging, AReplacedStartStaysAsLongAsWhatItHasEnded) {
     }
 }
 
+TEST_F(LedgerAging, AReplacedStartWaitsForTheFirstRowOfItsOwnDatabase) {
+    struct Case {
+        const char* what;
+        int daysAgo[2];  // the rows of two series
+        const char* database;
+        bool kept;
+    };
+    static constexpr Case cases[] = {
+        {"the first is before it", {150, 100}, kDb, true},
+        {"the second is before it", {100, 150}, kDb, true},
+        {"both come after it", {100, 110}, kDb, false},
+        {"of another database", {150, 150}, "/other.RemindDB", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        fs::remove(path);
+        {
+            Ledger ledger(clock, path.string());
+            ledger.keepReplaced(kDb, {"master"}, at(10, 0).addDays(-120));
+            for (const int i : {0, 1}) {
+                const DateTime start = at(10, 0).addDays(-c.daysAgo[i]);
+                ledger.change(c.database, i == 0 ? "{A}" : "{B}", "test", [&](EventState& state) {
+                    state.at(start).listed = start;
+                    state.openOf = start;
+                });
+            }
+        }
+        ledgerStarts(at(10, 0));
+        EXPECT_EQ(Ledger(clock, path.string()).replaced(kDb, {"master"}).size(), c.kept ? 1U : 0U);
+    }
+}
+
 TEST_F(LedgerAging, AClockThatIsFarAheadForOnceDropsNothing) {
     {
         Ledger ledger(clock, path.string());
@@ -234,7 +272,38 @@ TEST_F(LedgerAging, AClockThatIsFarAheadForOnceDropsNothing) {
     clock.time = clock.time.addDays(1000);
     { const Ledger ahead(clock, path.string()); }
     clock.time = clock.time.addDays(-1000);
-    EXPECT_TRUE(Ledger(clock, path.string()).find(kDb, "{A}"));
+    const Ledger again(clock, path.string());
+    ASSERT_TRUE(again.find(kDb, "{A}"));
+    EXPECT_TRUE(again.find(kDb, "{A}")->find(at(10, 0)));
+}
+
+// Beside a time since when reminders may be waiting stands what has been dealt with since.
+TEST_F(LedgerAging, AFileThatIsRemovedIsWrittenAnewWithWhatIsOld) {
+    Ledger ledger(clock, path.string());
+    put(ledger, "{A}", at(10, 0));
+    ledger.change(kDb, "{A}", "this",
+                  [](EventState& state) { state.at(at(10, 0)).snoozed = DateTime(); });
+    clock.time = clock.time.addDays(100);
+    ledger.noteCheck(kDb, clock.now());
+    fs::remove(path);
+    ledger.ReadAgain();
+    clock.time = clock.time.addDays(-100);
+    const Ledger again(clock, path.string());
+    ASSERT_TRUE(again.find(kDb, "{A}"));
+    EXPECT_TRUE(again.find(kDb, "{A}")->find(at(10, 0)));
+}
+
+TEST_F(LedgerAging, ManyReplacedStartsAreNoReasonToWriteTheFileAnewEachTime) {
+    Ledger ledger(clock, path.string());
+    std::vector<Noted> starts;
+    for (int i = 0; i < 600; ++i) {
+        starts.push_back(notedNow(at(10, 0).addDays(i)));
+    }
+    ledger.keepReplaced(kDb, {{{"master"}, starts}});
+    ASSERT_EQ(lines(), 600U);
+    put(ledger, "{A}", at(10, 0));
+    put(ledger, "{A}", at(11, 0));
+    EXPECT_EQ(lines(), 602U);
 }
 
 TEST_F(LedgerAging, KeepsTheStartsThatExceptionsHaveTakenOver) {

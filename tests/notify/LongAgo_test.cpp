@@ -185,17 +185,38 @@ TEST_F(LongAgo, WhatAnExceptionHasEndedStaysEnded) {
 
 // The row is the last that knows what its exception has replaced.
 TEST_F(LongAgo, WhatIsPurgedOrFinishedUnderAClockThatIsAheadStaysReplaced) {
-    for (const bool isPurged : {true, false}) {
-        SCOPED_TRACE(isPurged);
+    enum class Goes { Purged, Finished, Removed };
+    struct Case {
+        Goes goes;
+        bool isSeen;  // a check by that clock has seen the exception
+        bool isRestarted;
+    };
+    static constexpr Case cases[] = {{Goes::Purged, false, true},
+                                     {Goes::Finished, false, true},
+                                     {Goes::Purged, true, true},
+                                     {Goes::Removed, true, false}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << static_cast<int>(c.goes) << c.isSeen);
         desk = std::make_unique<FileDesk>();
         desk->clock.time = on(2026, 11, 20, 8);
         const auto master = series("A", on(2026, 11, 27, 10), "FREQ=WEEKLY;COUNT=3", {15});
         desk->put(master);
         desk->put(exceptionTo(*master, on(2026, 12, 4, 10), on(2026, 11, 26, 10)));
         ASSERT_EQ(desk->check(on(2026, 11, 20, 9)), "");
-        desk->program.reset();
-        desk->file.change("X", {isPurged ? std::pair("Deleted", Variant(true))
-                                         : std::pair("status", Variant("AllDone"))});
+        if (c.isSeen) {
+            desk->program.reset();
+            ASSERT_EQ(desk->check(on(2027, 11, 20, 8)), "");
+        }
+        if (c.isRestarted) {
+            desk->program.reset();
+        }
+        if (c.goes == Goes::Removed) {
+            desk->file.remove("X");
+        } else {
+            desk->file.change("X",
+                              {c.goes == Goes::Purged ? std::pair("Deleted", Variant(true))
+                                                      : std::pair("status", Variant("AllDone"))});
+        }
         desk->check(on(2027, 11, 20, 9));
         desk->file.remove("X");
         desk->program.reset();

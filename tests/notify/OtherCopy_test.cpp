@@ -9,6 +9,7 @@ namespace {
 
 using test::at;
 using test::FileDesk;
+using test::series;
 using test::single;
 
 class TwoCopies : public testing::Test {
@@ -140,6 +141,62 @@ TEST_F(TwoCopies, ASnoozeOfARowFromBeforeAMoveLeavesTheListOfTheOther) {
     EXPECT_EQ(checkBoth(at(9, 1, 10)), "/A");
     desk.program->acts.Snooze(rowOf(*desk.program, "A"), 30);
     EXPECT_EQ(checkBoth(at(9, 1, 20)), "/");
+}
+
+// While nobody can read what the row says; the one that has reactivated it writes no more.
+TEST_F(TwoCopies, WhatOneHasReactivatedBeforeItEndedIsBroughtBackByTheOtherWhenTheFileIsThere) {
+    for (const bool snoozes : {false, true}) {
+        SCOPED_TRACE(snoozes);
+        const std::string GUID = snoozes ? "As" : "Ar";
+        desk.program.reset();
+        desk.clock.time = at(9, 0);
+        desk.put(single(GUID, at(10, 0), {15}));
+        ASSERT_EQ(desk.check(at(9, 45)), GUID + " 09:45");
+        startOther();
+        desk.program->acts.Dismiss(rowOf(*desk.program, GUID.c_str()), DismissMode::This, true);
+        desk.check(at(9, 45, 10));
+        ASSERT_EQ(desk.file.value(GUID, "status"), Variant("AllDone"));
+        desk.takeFileAway();
+        const ActRow row = rowOf(*other, GUID.c_str());
+        if (snoozes) {
+            other->acts.Snooze(row, 10);
+        } else {
+            other->acts.Reactivate(row);
+        }
+        other.reset();
+        EXPECT_EQ(desk.check(at(9, 46)), "");
+        EXPECT_EQ(desk.check(at(9, 47)), "");
+        desk.bringFileBack();
+        desk.check(at(9, 56));
+        EXPECT_EQ(desk.file.value(GUID, "status"), Variant(""));
+        EXPECT_EQ(desk.check(at(9, 56, 10)), GUID + (snoozes ? " 09:55" : " 09:45"));
+        desk.program->acts.Dismiss(desk.listed.at(GUID), DismissMode::All);
+    }
+}
+
+// The row of an occurrence that goes on for weeks stands in the list for months. What was dealt
+// with behind it does not come when that row goes, although the other copy has dropped it
+// meanwhile.
+TEST_F(TwoCopies, WhatOneDropsAtItsStartDoesNotComeBackInTheOther) {
+    const auto day = [](int days) { return at(10, 0).addDays(days); };
+    const auto fair = series("A", day(0), "FREQ=WEEKLY;COUNT=2", {15});
+    fair->EndDateTime = day(20);
+    desk.put(fair);
+    ASSERT_EQ(desk.check(day(0).addMinutes(-15)), "A 09:45");
+    ASSERT_EQ(desk.check(day(7)), "") << "the second is heard";
+    const ActRow first = desk.listed.at("A");
+    desk.program->acts.Dismiss({first.event, day(7), day(7).addMinutes(-15)}, DismissMode::All);
+    ASSERT_EQ(desk.check(day(7).addMinutes(1)), "A 09:45") << "the first is there still";
+    for (int days = 8; days <= 130; ++days) {
+        ASSERT_EQ(desk.check(day(days)), "") << days;
+    }
+    startOther();
+    EXPECT_EQ(checkBoth(day(130).addMinutes(1)), "/A");
+    desk.program->acts.Dismiss(first, DismissMode::This);
+    EXPECT_EQ(checkBoth(day(130).addMinutes(2)), "/");
+    EXPECT_EQ(checkBoth(day(130).addMinutes(3)), "/");
+    desk.program.reset();
+    EXPECT_EQ(checkBoth(day(131)), "/");
 }
 
 }  // namespace

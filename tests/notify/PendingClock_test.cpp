@@ -116,6 +116,22 @@ TEST_F(PendingClock, AnActInAnHourThatComesTwiceIsByNoWrongClock) {
     EXPECT_EQ(desk.run(on(4, 0), 60), "A 25 03:30 (25 04:00)");
 }
 
+// Dealt with was what had come by then, as its user saw it there; what lies ahead here comes here.
+TEST_F(PendingClock, AnActAfterAJourneyWestLeavesWhatIsStillToCome) {
+    {
+        const test::ZoneForTest tokyo("Asia/Tokyo");
+        desk.put(single("A", at(10, 0), {15, -60, -120}));
+        EXPECT_EQ(desk.check(at(18, 0)), "A 20 10:00 (20 09:45)");
+        desk.dismiss("A");
+    }
+    const test::ZoneForTest berlin("Europe/Berlin");
+    EXPECT_EQ(desk.check(at(10, 5)), "");
+    desk.snooze("A", 10);
+    EXPECT_EQ(desk.check(at(10, 15)), "A 20 10:00 (20 10:15)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.check(at(11, 0)), "A 20 10:00 (20 11:00)");
+}
+
 // What is over when it is asked for was not over when it was said to be ended.
 TEST_F(PendingClock, AnActUnderAClockAheadEndsNothing) {
     for (const bool restarts : {false, true}) {

@@ -91,6 +91,26 @@ TEST_F(WrongClock, AStartBeforeTheLastCheckMeetsEverythingAnew) {
     EXPECT_EQ(restart(at(9, 0)), "Fair 07:45");
 }
 
+// What was entered after that run fell due while no program was there to see it.
+TEST_F(WrongClock, AfterChecksByAClockAheadAStartAsksFromTheOneBeforeThem) {
+    for (const int hours : {7, 24, 24 * 5, 24 * 400}) {
+        SCOPED_TRACE(hours);
+        FileDesk fresh;
+        fresh.clock.time = at(8, 0);
+        fresh.put(single("Dealt", at(9, 10), {15}));
+        ASSERT_EQ(fresh.check(at(9, 0)), "Dealt 08:55");
+        fresh.program->acts.Dismiss(fresh.listed.at("Dealt"), DismissMode::This);
+        fresh.check(at(9, 1).addMinutes(hours * 60));
+        fresh.program.reset();
+        fresh.clock.time = at(9, 2);
+        fresh.put(single("C", at(16, 0), {15}));
+        fresh.put(single("D", at(17, 0), {15}));
+        fresh.put(single("E", day(2026, 11, 21, 10), {15}));
+        fresh.clock.time = day(2026, 11, 21, 8);
+        EXPECT_EQ(fresh.check(day(2026, 11, 21, 8)), "C 15:45, D 16:45");
+    }
+}
+
 // The events of months without the program go a start later, or the day after.
 TEST_F(WrongClock, AfterMonthsWithoutTheProgramWhatIsPastIsFinishedTheDayAfter) {
     desk.put(single("A", day(2026, 11, 21, 18), {15}));

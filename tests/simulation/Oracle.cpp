@@ -144,6 +144,9 @@ void Oracle::checkedByOther(const Check& check, const Oracle& other) {
         noteClock(*other.turn_);
     }
     lastRead_ = other.lastRead_;
+    if (lastRead_) {
+        reads_.push_back(*lastRead_);
+    }
     for (const Listing& row : check.taken) {
         Event& event = events_.at(row.GUID);
         const Seconds key = keyAt(event, row.start);
@@ -170,6 +173,7 @@ void Oracle::wasActedByOther(const std::string& GUID) {
 
 void Oracle::ledgerLost(const std::function<RowSays(const std::string&)>& rowOf) {
     lastRead_.reset();
+    reads_.clear();
     hasTravelled_ = false;
     for (auto& [GUID, event] : events_) {
         const RowSays says = rowOf(GUID);
@@ -209,6 +213,7 @@ void Oracle::read(const Check& check) {
         return;
     }
     lastRead_ = lastCheck_;
+    reads_.push_back(*lastRead_);
     unseenSince_.reset();
     isFirst_ = false;
     hasTravelled_ = false;

@@ -195,6 +195,7 @@ private:
     };
     Moment momentOf(Seconds local) const { return {local, toUtc(here_, local)}; }
     Seconds earlierOf(const Moment& moment) const;
+    std::optional<Moment> lastReadBy(Seconds now) const;
     Seconds askedFrom(Seconds now) const;
     Seconds mayAskFrom(Seconds now) const;
     std::optional<Seconds> keySnoozedElsewhere(const Event& event, const Plan& plan, Seconds next,
@@ -253,6 +254,7 @@ private:
     Seconds now_ = 0;                    // at the last check or act
     std::optional<Moment> lastCheck_;    // of this run
     std::optional<Moment> lastRead_;     // check that could read the file, of any run
+    std::vector<Moment> reads_;          // all of these
     std::optional<Moment> unseenSince_;  // no check of this run since then could
     bool isFirst_ = true;                // none of this run could yet
     std::optional<Turn> turn_;           // by the last check

@@ -32,12 +32,19 @@ Seconds Oracle::earlierOf(const Moment& moment) const {
     return std::min(moment.local, toWall(here_, moment.utc));
 }
 
+// Those that lie ahead were by a clock that was, and the one before them counts.
+std::optional<Oracle::Moment> Oracle::lastReadBy(Seconds now) const {
+    const auto last = std::find_if(reads_.rbegin(), reads_.rend(),
+                                   [&](const Moment& one) { return earlierOf(one) <= now; });
+    return last != reads_.rend() ? std::optional(*last) : std::nullopt;
+}
+
 Seconds Oracle::askedFrom(Seconds now) const {
     Seconds from = midnightOf(now);
     if (lastCheck_) {
         from = earlierOf(*lastCheck_);
-    } else if (lastRead_) {
-        from = std::min(from, std::max(earlierOf(*lastRead_), from - kLongestOff));
+    } else if (const auto last = lastReadBy(now)) {
+        from = std::min(from, std::max(earlierOf(*last), from - kLongestOff));
     }
     from = unseenSince_ ? std::min(from, earlierOf(*unseenSince_)) : from;
     return std::min(from, now);
