@@ -5,7 +5,9 @@
 //
 // Times are of the processor, the system's part included: on a machine that others use, too, they
 // say more than the clock on the wall. Each is the median of several, but for what happens once.
-// Memory is what the process holds for itself alone, from smaps_rollup.
+// What is compared takes turns, and of each turn's ratios the median is given: at another moment
+// the machine may be a fifth slower. Memory is what the process holds for itself alone, from
+// smaps_rollup.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -115,6 +117,46 @@ std::size_t scan(const std::string& path) {
     return values;
 }
 
+/// Everything read by a set that knows nothing, with a connection of its own, and given back.
+double fullRead(const std::string& path, const vl::Clock& clock) {
+    return milliseconds([&] {
+        vl::DBRemindUtils db;
+        db.DBFullName = path;
+        CalEvents set(db, clock);
+        set.ReadDB(true, false);
+    });
+}
+
+/// Two that took turns.
+struct Pair {
+    double first;
+    double second;
+    double ratio;  // the second of the first, in the same turn
+};
+
+Pair median(const std::vector<Pair>& all) {
+    std::vector<double> firsts;
+    std::vector<double> seconds;
+    std::vector<double> ratios;
+    for (const Pair& pair : all) {
+        firsts.push_back(pair.first);
+        seconds.push_back(pair.second);
+        ratios.push_back(pair.ratio);
+    }
+    return {median(std::move(firsts)), median(std::move(seconds)), median(std::move(ratios))};
+}
+
+Pair scanAndRead(const std::string& path, const vl::Clock& clock, std::size_t count) {
+    const std::size_t turns = std::clamp<std::size_t>(3'000'000 / count, 9, 31);
+    std::vector<Pair> all;
+    for (std::size_t i = 0; i < turns; ++i) {
+        const double bare = milliseconds([&] { scan(path); });
+        const double full = fullRead(path, clock);
+        all.push_back({bare, full, full / bare});
+    }
+    return median(all);
+}
+
 struct Cost {
     double check;
     double next;  // of the next check, which finds nothing changed but gives back what was held
@@ -142,15 +184,18 @@ Cost median(const std::vector<Cost>& all) {
     return {median(std::move(checks)), median(std::move(next))};
 }
 
-Cost changeOneRow(Program& program, const std::string& path) {
+/// Full reads, and checks that find one changed row.
+Pair changeOneRow(Program& program, const std::string& path) {
     vl::DBRemindUtils host;
     host.DBFullName = path;
-    std::vector<Cost> all;
-    for (int i = 1; i <= 9; ++i) {
-        all.push_back(
+    std::vector<Pair> all;
+    for (int i = 1; i <= 15; ++i) {
+        const double full = fullRead(path, program.clock);
+        const Cost cost =
             checkAfter(program, host,
                        "UPDATE Reminders SET Modified = NOW, EventID = " + std::to_string(i) +
-                           " WHERE GUID = \"" + program.period.mCol->Key(1 + i * 7) + "\""));
+                           " WHERE GUID = \"" + program.period.mCol->Key(1 + i * 7) + "\"");
+        all.push_back({full, cost.check, cost.check / full});
     }
     return median(all);
 }
@@ -175,8 +220,7 @@ void measure(std::size_t count, const fs::path& folder, bool indexed) {
     }
     std::printf("%zu events, a file of %.1f MB\n", count,
                 static_cast<double>(fs::file_size(path)) / 1e6);
-    std::size_t values = 0;
-    const double bare = typical(7, [&] { values = scan(path); });
+    const std::size_t values = scan(path);
 
     Program program(path, folder);
     CalEvents& period = program.period;
@@ -194,17 +238,14 @@ void measure(std::size_t count, const fs::path& folder, bool indexed) {
     const double idle = typical(31, [&] { program.tick(); });
     program.screen.shows = false;
     const double hidden = typical(31, [&] { program.tick(); });
-    const Cost changed = changeOneRow(program, path);
+    const Pair changed = changeOneRow(program, path);
     int days = 0;
     const double refill = typical(9, [&] {
         const DateTime from = kNow.date().addDays(++days);
         period.RemindCol(from, from.addDays(30));
         period.EventCol(from, from.addDays(30));
     });
-    const double full = typical(7, [&] {
-        CalEvents again(program.db, clock);
-        again.ReadDB(true, false);
-    });
+    const Pair full = scanAndRead(path, clock, count);
     const double plain = typical(3, [&] {
         CalEvents again(program.db, clock);
         again.ReadDB(true, false);
@@ -224,23 +265,23 @@ void measure(std::size_t count, const fs::path& folder, bool indexed) {
     const double firstStart = milliseconds([&] { first.cycle.ReadAtStart(); });
     Program later(untouched, other);
     const double laterStart = milliseconds([&] { later.cycle.ReadAtStart(); });
-    std::printf("engine's bare scan       %9.2f ms (%zu values)\n", bare, values);
-    std::printf("full read                %9.2f ms; of the scan %.2f\n", full, full / bare);
+    std::printf("engine's bare scan       %9.2f ms (%zu values)\n", full.first, values);
+    std::printf("full read                %9.2f ms; of the scan %.2f\n", full.second, full.ratio);
     std::printf("at start                 %9.2f ms to read, %.2f ms first check\n", start,
                 firstCheck);
     std::printf("start of the program     %9.2f ms, %.2f ms the very first (%zu finished)\n",
                 laterStart, firstStart, period.mCol->Count() - later.period.mCol->Count());
     std::printf("check, nothing changed   %9.3f ms, %.3f ms without the views' questions\n", idle,
                 hidden);
-    std::printf("check, one row changed   %9.2f ms; of a full read %.3f; the next %.2f ms\n",
-                changed.check, changed.check / full, changed.next);
+    std::printf("check, one row changed   %9.2f ms; of a full read %.3f\n", changed.second,
+                changed.ratio);
     std::printf("check, all rows changed  %9.2f ms; of the plain way %.2f; the next %.2f ms\n",
                 allChanged.check, allChanged.check / plain, allChanged.next);
     std::printf("another 30 days shown    %9.2f ms\n", refill);
     std::printf(
         "the plain way            %9.2f ms; ratio to an idle check %.0f, to one with a "
         "changed row %.1f\n",
-        plain, plain / idle, plain / changed.check);
+        plain, plain / idle, plain / changed.second);
     std::printf("memory of both sets      %9.0f bytes an event, %.0f beside its texts\n",
                 held / events, (held - texts) / events);
     std::printf("(%zu listed, %zu shown, %.0f held)\n", program.screen.listed, program.screen.shown,
