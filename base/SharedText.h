@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <new>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,7 +29,7 @@ public:
     SharedText(const char* text) : SharedText(std::string_view(text)) {}
     SharedText(const SharedText& other) noexcept : block_(other.block_) {
         if (block_ != nullptr) {
-            block_->users.fetch_add(1, std::memory_order_relaxed);
+            usersOf(block_).fetch_add(1, std::memory_order_relaxed);
         }
     }
     SharedText(SharedText&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
@@ -37,14 +38,14 @@ public:
         return *this;
     }
     ~SharedText() {
-        if (block_ != nullptr && block_->users.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-            release(block_);
+        if (block_ != nullptr) {
+            release(usersOf(block_));
         }
     }
 
     /// Good as long as this text, or a copy of it, is not set anew.
     std::string_view view() const noexcept {
-        return block_ != nullptr ? std::string_view(textOf(block_), lengthOf(block_))
+        return block_ != nullptr ? std::string_view(textOf(block_), block_->length)
                                  : std::string_view();
     }
     std::string str() const { return std::string(view()); }
@@ -52,7 +53,7 @@ public:
     operator std::string() const { return str(); }
 
     bool empty() const noexcept { return block_ == nullptr; }
-    std::size_t size() const noexcept { return block_ != nullptr ? lengthOf(block_) : 0; }
+    std::size_t size() const noexcept { return block_ != nullptr ? block_->length : 0; }
     void clear() noexcept { *this = SharedText(); }
 
     /// A text to be set, and to what: no part of the texts that are set.
@@ -90,22 +91,32 @@ public:
     friend std::ostream& operator<<(std::ostream& out, const SharedText& text);
 
 private:
+    // An allocation begins with the number of those who use any of its blocks, which is asked for
+    // as often as a copy comes or goes: several texts of one object have one such number.
+    using Users = std::atomic<std::uint32_t>;
     // The text follows it.
     struct Block {
-        std::atomic<std::uint32_t> users;
-        std::uint32_t length;  // and `kTogether`
+        std::uint32_t distance;  // from the beginning of the allocation
+        std::uint32_t length;
     };
-    // Begins an allocation of several blocks, of which each stands behind its distance from here.
-    struct Group {
-        std::atomic<std::uint32_t> blocks;  // that are in use
-    };
-    static constexpr std::uint32_t kTogether = 0x80000000;  // the block is one of a group
 
-    static std::size_t lengthOf(const Block* block) noexcept { return block->length & ~kTogether; }
+    static Users& usersOf(Block* block) noexcept {
+        return *std::launder(
+            reinterpret_cast<Users*>(reinterpret_cast<std::byte*>(block) - block->distance));
+    }
     static const char* textOf(const Block* block) noexcept {
         return reinterpret_cast<const char*>(block + 1);
     }
-    static void release(Block* block) noexcept;
+    static std::size_t sizeFor(std::string_view text) noexcept;
+    static Block* put(std::byte* room, std::size_t distance, std::string_view text) noexcept;
+    // Who is the only one is so for good: nobody is left to make a copy.
+    static void release(Users& users) noexcept {
+        if (users.load(std::memory_order_acquire) == 1 ||
+            users.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            free(users);
+        }
+    }
+    static void free(Users& users) noexcept;
 
     Block* block_ = nullptr;  // null: empty
 };
