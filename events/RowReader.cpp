@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <memory>
 #include <type_traits>
 #include <variant>
 
@@ -20,9 +22,10 @@ constexpr int kTypeDate = 7;
 constexpr std::size_t kSubjectUnits = 50;
 constexpr int kMaster = 1;
 
-// Texts that tell one event from another.
+// Texts that tell one event from another: hardly any other event has them.
 bool isOwn(std::string_view name) {
-    static constexpr std::array<std::string_view, 4> kNames = {"GUID", "id", "etag", "iCalUID"};
+    static constexpr std::array<std::string_view, 5> kNames = {"GUID", "id", "etag", "iCalUID",
+                                                               "Subject"};
     return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
@@ -43,9 +46,13 @@ RowReader::RowReader(std::span<const RecordSet::Field> fields, const TimeZone& l
         const auto& field = fields[i];
         if (const EventProperty* property = calEvent::findProperty(field.name)) {
             const bool zero = field.type == kTypeInteger || field.type == kTypeDate;
-            columns_.push_back({i, property, zero, !isOwn(property->name)});
+            columns_.push_back({i, property, zero, !isOwn(property->name), nullptr});
         }
     }
+    // What is done alike is done together, which processors foresee.
+    std::stable_sort(columns_.begin(), columns_.end(), [](const Column& a, const Column& b) {
+        return a.property->member.index() < b.property->member.index();
+    });
 }
 
 void RowReader::fill(calEvent& event, const RecordSet& row) const {
@@ -61,12 +68,11 @@ void RowReader::fill(calEvent& event, const ValueOf& valueOf) const {
 
 // False: only `set` knows what becomes of such a value, or refuses it.
 template <class T>
-bool RowReader::take(T& to, const Column& column, const jet::Cell& cell) {
+bool RowReader::take(T& to, Column& column, const jet::Cell& cell) {
     using Kind = jet::Cell::Kind;
     constexpr bool isText = std::is_same_v<T, SharedText>;
     if (cell.kind == Kind::Null && isText != column.nullIsZero) {
-        to = {};
-        return true;
+        return true;  // which the new event has there
     }
     if constexpr (isText) {
         if (cell.kind == Kind::Text) {
@@ -94,14 +100,22 @@ bool RowReader::take(T& to, const Column& column, const jet::Cell& cell) {
 
 // What others may have, too, is looked up; the rest waits for `setOwnTexts`. So does what is seen
 // for the first time, which then serves those that come after it.
-void RowReader::takeText(SharedText& to, const Column& column, std::string_view text) {
+void RowReader::takeText(SharedText& to, Column& column, std::string_view text) {
     constexpr std::size_t kLongest = 512;  // a long text would be kept by who shares a short one
-    if (text.empty() || text.size() > kLongest) {
+    if (text.empty()) {
+        return;
+    }
+    if (text.size() > kLongest) {
         to = text;
+        return;
+    }
+    if (column.latest != nullptr && *column.latest == text) {
+        to = *column.latest;
         return;
     }
     const TextPool::Answer pooled = column.pooled ? pool_.ask(text) : TextPool::Answer();
     if (pooled.known != nullptr) {
+        column.latest = pooled.known;
         to = *pooled.known;
         return;
     }
@@ -122,7 +136,7 @@ void RowReader::fill(calEvent& event, const sql::RowStream& row) {
     settings_.clear();
     remembered_.clear();
     row.readAll(cells_);
-    for (const Column& column : columns_) {
+    for (Column& column : columns_) {
         const auto takeCell = [&](auto member) {
             return take(event.*member, column, cells_[column.field]);
         };
@@ -158,10 +172,20 @@ void RowReader::set(calEvent& event, const Column& column, const Variant& value)
     });
 }
 
+std::shared_ptr<const RecurrenceText> RowReader::textOf(const SharedText& recurrence) const {
+    const char* const block = recurrence.view().data();
+    Series& known = series_[std::hash<const void*>()(block) / sizeof(void*) % series_.size()];
+    if (!known.text || !known.recurrence.sharesWith(recurrence)) {
+        auto text = std::make_shared<RecurrenceText>(RecurrenceText::ofColumn(recurrence));
+        text->shareRRULE(pool_.of(text->RRULE()));
+        known = {recurrence, std::move(text)};
+    }
+    return known.text;
+}
+
 void RowReader::finish(calEvent& event) const {
     if (!event.recurrence.empty()) {
-        attempt([&] { event.LoadRecurrence(local_); });
-        event.RRULE = pool_.of(event.RRULE);
+        attempt([&] { event.LoadRecurrence(local_, *textOf(event.recurrence)); });
         event.RecurrenceState = kMaster;
     }
     if (event.RecurrenceState == kMaster) {

@@ -1,7 +1,9 @@
 // Copies rows of a record set into events.
 #pragma once
 
+#include <array>
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "db/RecordSet.h"
 #include "db/jet/RowCells.h"
 #include "db/sql/RowStream.h"
+#include "model/RecurrenceText.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -29,7 +32,8 @@ public:
     /// recurrence is loaded.
     void fill(calEvent& event, const ValueOf& valueOf) const;
     void fill(calEvent& event, const RecordSet& row) const;
-    /// The same without a `Variant` for each field; the event's own texts are one allocation.
+    /// The same without a `Variant` for each field; the event's own texts are one allocation. The
+    /// event is a new one: what is nothing in the row is not looked at.
     void fill(calEvent& event, const sql::RowStream& row);
 
     /// The columns that could not be read.
@@ -46,6 +50,8 @@ private:
         const EventProperty* property;
         bool nullIsZero;  // else null reads as an empty text
         bool pooled;      // other events may have the same text
+        // What the last row had, or an earlier one, in the pool; null: nothing yet.
+        const SharedText* latest = nullptr;
     };
 
     // A text of the row that is read which the pool is to know as soon as it is made.
@@ -56,13 +62,21 @@ private:
 
     void set(calEvent& event, const Column& column, const Variant& value) const;
     template <class T>
-    bool take(T& to, const Column& column, const jet::Cell& cell);
-    void takeText(SharedText& to, const Column& column, std::string_view text);
+    bool take(T& to, Column& column, const jet::Cell& cell);
+    void takeText(SharedText& to, Column& column, std::string_view text);
     void setOwnTexts();
     void finish(calEvent& event) const;
+    std::shared_ptr<const RecurrenceText> textOf(const SharedText& recurrence) const;
+
+    // Series that say it with the same block of text.
+    struct Series {
+        SharedText recurrence;
+        std::shared_ptr<const RecurrenceText> text;
+    };
 
     const TimeZone& local_;
     TextPool& pool_;
+    mutable std::array<Series, 64> series_;  // read lately, by where the text stands
     std::vector<Column> columns_;
     jet::RowCells cells_;                        // of the row that is read
     std::vector<SharedText::Setting> settings_;  // its own texts

@@ -21,8 +21,9 @@ public:
     /// The text; long ones in a block of their own.
     SharedText of(std::string_view text);
 
-    /// For who makes several texts together: the text, if it is remembered. Else whether
-    /// it is worth remembering: then it is, once it has been made and `keep` was told.
+    /// For who makes several texts together: the text, if it is remembered, at a place that stays
+    /// as long as the pool does, though another text may come to stand there. Else whether it is
+    /// worth remembering: then it is, once it has been made and `keep` was told.
     struct Answer {
         const SharedText* known = nullptr;
         std::uint32_t place = 0;

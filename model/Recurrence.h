@@ -13,6 +13,8 @@
 
 namespace vl {
 
+class RecurrenceText;
+
 namespace recurrence {
 struct Rule;
 struct RecurrenceLists;
@@ -58,6 +60,8 @@ public:
     /// rejected one; several are joined by a line break. The text is the caller's to keep.
     static Recurrence load(const Source& source, const TimeZone& local,
                            std::string* RRULE = nullptr);
+    /// The same of lines that have been read; `source.lines` is not looked at.
+    static Recurrence load(const Source& source, const RecurrenceText& text, const TimeZone& local);
 
     /// As the lines give them, sorted, in local time. A date on a timed event is that midnight.
     const std::vector<DateTime>& ExDates() const noexcept;

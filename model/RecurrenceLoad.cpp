@@ -4,25 +4,30 @@
 #include "base/ErrorState.h"
 
 #include "Recurrence.h"
-#include "RecurrenceLines.h"
 #include "RecurrenceLists.h"
+#include "RecurrenceText.h"
+#include "RecurrenceTextParts.h"
 #include "Rule.h"
 
 namespace vl {
 
 using namespace recurrence;
 
-/// Reads the lines of one event into a `Recurrence`.
+/// Lays what the lines of one event say on its start.
 class Recurrence::Reader {
 public:
-    Reader(Recurrence& target, const Source& source, std::string* RRULE)
+    Reader(Recurrence& target, const Source& source)
         : target_(target),
-          text_(RRULE),
           start_(startOnWall(target, source)),
           clock_(target.zone_, target.local_, target.allDay_) {}
 
-    void read(std::string_view lines) {
-        readLines(lines, [this](const ContentLine& line) { readLine(line); });
+    void read(const TextParts& parts) {
+        for (const RuleLine& line : parts.rules) {
+            readRule(line);
+        }
+        for (const DateLine& line : parts.dates) {
+            readDates(line);
+        }
         finish();
     }
 
@@ -43,49 +48,36 @@ private:
         return target.zone_.fromUtc(known ? utc : target.local_.toUtc(local));
     }
 
-    void readLine(const ContentLine& line) {
-        if (line.kind == LineKind::Rule) {
-            readRuleLine(line.value);
-            return;
-        }
-        std::optional<TimeZone> zone;
-        if (const auto name = parameter(line.parameters, "TZID")) {
-            zone = TimeZone::named(*name);
-        }
-        const auto type = parameter(line.parameters, "VALUE");
-        const bool dates = type && equalsUpper(*type, "DATE");
-        auto& values = line.kind == LineKind::ExDate ? exDates_ : rDates_;
-        Pieces pieces{line.value, ','};
-        for (std::string_view piece; pieces.next(piece);) {
-            // Of a period only the start counts.
-            if (const auto time = readTime(trimmed(piece.substr(0, piece.find('/'))))) {
-                values.push_back(onWall(*time, zone ? *zone : target_.zone_, dates));
-            }
+    void readDates(const DateLine& line) {
+        auto& values = line.excludes ? exDates_ : rDates_;
+        for (const IcalTime& time : line.times) {
+            values.push_back(onWall(time, line.zone ? *line.zone : target_.zone_, line.dates));
         }
     }
 
-    void readRuleLine(std::string_view text) {
-        if (text_ != nullptr) {
-            *text_ += text_->empty() ? "" : "\n";
-            *text_ += text;
+    void readRule(const RuleLine& line) {
+        if (!line.rejected.empty()) {
+            reject(line.rejected);
+            return;
         }
         try {
-            RuleParts parts = readRule(text);
-            const std::optional<IcalTime> until = parts.until;
-            const std::uint32_t count = parts.count;
-            Rule rule = compileRule(std::move(parts), start_, target_.allDay_);
-            if (count != 0 && !rule.neverMatches) {
-                rule.end = endByCount(rule, count);
+            Rule rule = compileRule(line.parts, start_, target_.allDay_);
+            if (line.parts.count != 0 && !rule.neverMatches) {
+                rule.end = endByCount(rule, line.parts.count);
             }
-            if (until) {
-                rule.end = std::min(rule.end, untilOnWall(*until));
+            if (line.parts.until) {
+                rule.end = std::min(rule.end, untilOnWall(*line.parts.until));
             }
             target_.rules_.push_back(std::move(rule));
         } catch (const Error& error) {
-            // The event keeps its start and its other lines.
-            trace(error.what());
-            target_.rejected_ = true;
+            reject(error.what());
         }
+    }
+
+    /// The event keeps its start and its other lines.
+    void reject(const std::string& why) {
+        trace(why);
+        target_.rejected_ = true;
     }
 
     std::int64_t untilOnWall(const IcalTime& until) const {
@@ -175,14 +167,14 @@ private:
     }
 
     Recurrence& target_;
-    std::string* text_;   // null: nobody asks for it
     std::int64_t start_;  // wall clock of the series
     LocalClock clock_;
     std::vector<Value> exDates_;
     std::vector<Value> rDates_;
 };
 
-Recurrence Recurrence::load(const Source& source, const TimeZone& local, std::string* RRULE) {
+Recurrence Recurrence::load(const Source& source, const RecurrenceText& text,
+                            const TimeZone& local) {
     Recurrence loaded;
     loaded.local_ = local;
     loaded.zone_ = local;
@@ -190,11 +182,16 @@ Recurrence Recurrence::load(const Source& source, const TimeZone& local, std::st
         loaded.zone_ = TimeZone::named(source.zone).value_or(local);
     }
     loaded.allDay_ = source.allDay;
-    if (RRULE != nullptr) {
-        RRULE->clear();
-    }
-    Reader(loaded, source, RRULE).read(source.lines);
+    Reader(loaded, source).read(text.parts());
     return loaded;
+}
+
+Recurrence Recurrence::load(const Source& source, const TimeZone& local, std::string* RRULE) {
+    const RecurrenceText text(source.lines);
+    if (RRULE != nullptr) {
+        *RRULE = text.RRULE();
+    }
+    return load(source, text, local);
 }
 
 }  // namespace vl

@@ -27,6 +27,7 @@ class DBRemindUtils;
 class GenCollection;
 class RecordSet;
 class Recurrence;
+class RecurrenceText;
 struct EventProperty;
 
 /// How dates and times are said in texts: the window says "Today", a test the plain date.
@@ -236,6 +237,8 @@ public:
     /// who loads many events asks once.
     void LoadRecurrence(const TimeZone& local);
     void LoadRecurrence();
+    /// The same for who has read `recurrence` already, maybe of another event.
+    void LoadRecurrence(const TimeZone& local, const RecurrenceText& text);
 
     /// A usable rule or added dates.
     bool IsRepeating() const;

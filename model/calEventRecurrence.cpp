@@ -7,6 +7,7 @@
 #include "app/Timestamps.h"
 #include "events/GenCollection.h"
 #include "model/Recurrence.h"
+#include "model/RecurrenceText.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -118,17 +119,17 @@ void calEvent::LoadRecurrence() {
 
 void calEvent::LoadRecurrence(const TimeZone& local) {
     const ErrScope scope;
+    attempt([&] { LoadRecurrence(local, RecurrenceText::ofColumn(recurrence)); });
+}
+
+void calEvent::LoadRecurrence(const TimeZone& local, const RecurrenceText& text) {
+    const ErrScope scope;
     RRULE.clear();
     ExDates.reset();
     RDates.reset();
     compiled_.reset();
     if (!recurrence.empty()) {
-        // The column holds a JSON array, or nothing that is a recurrence.
-        const std::string_view lines = recurrence.view();
-        const std::size_t first = lines.find_first_not_of(" \t\r\n");
-        const bool isArray = first != std::string_view::npos && lines[first] == '[';
-        Recurrence::Source source{
-            std::string(isArray ? lines : ""), StartDateTime, IsAllDayEvent, {}};
+        Recurrence::Source source{{}, StartDateTime, IsAllDayEvent, {}};
         attempt([&] { source.zone = zoneName(); });
         attempt([&] {
             if (!source.zone.empty()) {
@@ -136,11 +137,10 @@ void calEvent::LoadRecurrence(const TimeZone& local) {
             }
         });
         attempt([&] {
-            std::string text;
-            compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, local, &text));
+            compiled_ = std::make_shared<const Recurrence>(Recurrence::load(source, text, local));
             ExDates = collectionOf(compiled_->ExDates());
             RDates = collectionOf(compiled_->RDates());
-            RRULE = text;
+            RRULE = text.RRULE();
         });
     }
     isRecurrenceLoaded = true;

@@ -28,7 +28,12 @@ void expectSame(const GenCollection& quick, const GenCollection& plain) {
         const auto a = objectAt<calEvent>(quick, i);
         const auto b = objectAt<calEvent>(plain, i);
         ASSERT_TRUE(a && b && a->sameRow(*b)) << plain.Key(static_cast<std::int64_t>(i));
-        EXPECT_EQ(a->RRULE, b->RRULE);
+        // Events with equal lines have had them read once.
+        calEvent alone = *b;
+        alone.LoadRecurrence();
+        EXPECT_EQ(a->RRULE, alone.RRULE);
+        const DateTime from = kNow.addDays(-400);
+        EXPECT_EQ(a->ICalRecEvents(from, kNow, 50), alone.ICalRecEvents(from, kNow, 50));
         EXPECT_EQ(quick.Position(b->GUID), i);
     }
 }
