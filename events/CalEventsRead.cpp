@@ -152,8 +152,8 @@ void CalEvents::takeChangedOf(const GenCollection& all, Source& source) {
             changed.push_back({Variant(event), event->GUID});
         }
     }
-    mCol->AddLatest(changed);
     adopted_ = adopted_ || !changed.empty();
+    mCol->AddLatest(std::move(changed));
     source.modified = full_->fullRead_->lastModified();
     source.result = source.modified > dLastRead ? 1 : 0;
     const Damage& damage = full_->fullRead_->damage();

@@ -65,6 +65,16 @@ void FullRead::stream(sql::RowStream& stream, const GenCollection& before, const
                       Changes& changes, FoundPages& found) {
     PageReader reader(*this, stream, before, make);
     auto known = pages_.begin();
+    const PageRows* waiting = nullptr;  // to be put into the list while the next page is read
+    const auto addToAll = [&](const PageRows* rows) {
+        if (rows != nullptr) {
+            expectIn(*changes.all, *rows);
+        }
+        if (waiting != nullptr) {
+            addTo(*changes.all, *waiting);
+        }
+        waiting = rows;
+    };
     const auto noteChange = [&](std::shared_ptr<const PageRows> was) {
         changes.noted = changes.noted && changes.pages.size() < kMostChangedPages;
         if (changes.noted) {
@@ -92,9 +102,12 @@ void FullRead::stream(sql::RowStream& stream, const GenCollection& before, const
         }
         // Now that its events have just been made: later they would have to be fetched again.
         if (changes.all) {
-            addTo(*changes.all, *rows);
+            addToAll(rows);
         }
         known += isThere ? 1 : 0;
+    }
+    if (changes.all) {
+        addToAll(nullptr);
     }
     for (; known != pages_.end(); ++known) {
         changes.noted = changes.noted && known->count == 0;

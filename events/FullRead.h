@@ -132,6 +132,7 @@ private:
     bool isTouched(const PageRows& page) const;
     std::shared_ptr<GenCollection> changed(const Changes& changes,
                                            const GenCollection& before) const;
+    static void expectIn(const GenCollection& collection, const PageRows& page) noexcept;
     static void addTo(GenCollection& collection, const PageRows& page);
     static std::shared_ptr<GenCollection> collected(const Pages& pages);
 

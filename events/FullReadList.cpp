@@ -1,5 +1,7 @@
 // The list that a full read gives: the last one with what has changed, or all anew.
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "FullRead.h"
 
@@ -82,13 +84,19 @@ std::shared_ptr<GenCollection> FullRead::changed(const Changes& changes,
     return collection;
 }
 
+void FullRead::expectIn(const GenCollection& collection, const PageRows& page) noexcept {
+    for (const auto& event : page.events) {
+        collection.Expect(event->GUID);
+    }
+}
+
 void FullRead::addTo(GenCollection& collection, const PageRows& page) {
     std::vector<GenCollection::Keyed> values;
     values.reserve(page.events.size());
     for (const auto& event : page.events) {
         values.push_back({Variant(event), event->GUID});
     }
-    collection.AddLatest(values);
+    collection.AddLatest(std::move(values));
 }
 
 std::shared_ptr<GenCollection> FullRead::collected(const Pages& pages) {

@@ -102,21 +102,33 @@ Variant GenCollection::addText(const Variant& member, const SharedText& sKey, st
     return member;
 }
 
-void GenCollection::AddLatest(std::span<const Keyed> values) {
+void GenCollection::AddLatest(std::vector<Keyed> values) {
+    if (values.empty()) {
+        return;
+    }
     std::vector<std::uint32_t> hashes;
     hashes.reserve(values.size());
     for (const Keyed& one : values) {
         hashes.push_back(hashOf(one.key));
         items_->expect(hashes.back());
     }
+    KeyedSlots& items = ownOrder();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const auto& [value, key] = values[i];
-        const auto taken = key.empty() ? KeyedSlots::kNone : items_->slotOf(key, hashes[i]);
+        auto& [value, key] = values[i];
+        const bool keyed = !key.empty();
+        const auto taken = keyed ? items.slotOf(key, hashes[i]) : KeyedSlots::kNone;
+        KeyedSlots::Item item{std::move(value), std::move(key), keyed, hashes[i]};
         if (taken != KeyedSlots::kNone) {
-            ownOrder().moveToEnd(taken, itemFor(value, key, hashes[i]));
+            items.moveToEnd(taken, std::move(item));
         } else {
-            append(value, key, hashes[i]);
+            items.insert(items.count() + 1, std::move(item));
         }
+    }
+}
+
+void GenCollection::Expect(std::string_view key) const noexcept {
+    if (!key.empty()) {
+        items_->expect(hashNoCase(key));
     }
 }
 

@@ -96,8 +96,11 @@ public:
         SharedText key;
     };
     /// Adds values at the end, each under its key (empty: without one). Of one whose key is taken
-    /// the older value leaves. For who has many: they are looked up together.
-    void AddLatest(std::span<const Keyed> values);
+    /// the older value leaves. For who has many: they are looked up together, and taken over as
+    /// they are.
+    void AddLatest(std::vector<Keyed> values);
+    /// The key will be looked for soon: who says so a little earlier need not wait for it then.
+    void Expect(std::string_view key) const noexcept;
 
     /// Adds the number 1 under `sKey`, or 1 to the value that is there, which keeps its place.
     /// Returns the value that then stands under the key; one that is no number stays as it is.

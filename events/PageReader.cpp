@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 
 #include "base/Mix.h"
 #include "base/Text.h"
@@ -66,7 +67,17 @@ FullRead::Page FullRead::PageReader::read(const PageRows* known) {
         const auto held = objectAt<calEvent>(before_, event->GUID);
         add(found_, held ? stillValid(held, event) : std::move(event), stream_.id().row);
     }
-    return {stream_.mark(), std::make_shared<PageRows>(found_)};  // a copy has no room to spare
+    return {stream_.mark(), std::make_shared<PageRows>(taken())};
+}
+
+// What was found, without room to spare: that serves the next page.
+FullRead::PageRows FullRead::PageReader::taken() {
+    return {{std::make_move_iterator(found_.events.begin()),
+             std::make_move_iterator(found_.events.end())},
+            {found_.slots.begin(), found_.slots.end()},
+            {found_.passedOver.begin(), found_.passedOver.end()},
+            found_.passesOver,
+            found_.lastModified};
 }
 
 std::shared_ptr<calEvent> FullRead::PageReader::made() {

@@ -27,6 +27,7 @@ public:
     static void add(PageRows& page, std::shared_ptr<calEvent> event, std::uint16_t slot);
 
 private:
+    PageRows taken();
     std::shared_ptr<calEvent> made();
     void passOver(const PageRows* known, PageRows& page);
     bool stays(const PageRows* known, PageRows& page);

@@ -35,7 +35,7 @@ private:
     const Known& find(calEvent& event, std::string_view defaultReminders);
 
     std::unordered_map<std::string, Known> known_;  // by what the list is made from
-    std::array<Recent, 64> recent_;                 // by where the text stands
+    std::array<Recent, 256> recent_;                // by where the text stands
 };
 
 }  // namespace vl
