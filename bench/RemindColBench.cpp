@@ -82,9 +82,10 @@ void firstCheck(benchmark::State& state) {
 void idleCheck(benchmark::State& state) {
     Events events(static_cast<int>(state.range(0)));
     vl::Ledger ledger(events.clock);
-    events.set.UseLedger(ledger, [](std::string_view) { return true; });
+    auto listed = std::make_shared<vl::GenCollection>();
+    events.set.UseLedger(ledger, [&listed] { return listed; });
     const DateTime to = kNow.addSeconds(10);
-    events.set.RemindCol(kNow, to, true);
+    listed = events.set.RemindCol(kNow, to, true);
     for (auto _ : state) {
         benchmark::DoNotOptimize(events.set.RemindCol(kNow, to, true));
     }

@@ -44,13 +44,16 @@ public:
     CalEvents(const CalEvents&) = delete;
     CalEvents& operator=(const CalEvents&) = delete;
 
+    /// Gives the list of new reminders, by `GUID`.
+    using Listed = std::function<std::shared_ptr<const GenCollection>()>;
+
     /// What the user has dealt with, and which events stand in the list of new reminders: without
     /// it the check's question knows of no act. Both must outlive the set.
     ///
     /// From then on a full read takes back what is all done and has a reminder ahead, in its row,
     /// too, unless its user has marked it as done: the host may have moved it since and left the
     /// status alone, or the clock was ahead when it was finished.
-    void UseLedger(Ledger& ledger, std::function<bool(std::string_view GUID)> isListed);
+    void UseLedger(Ledger& ledger, Listed listed);
 
     /// From now on what has changed is found by a full read of `full`, which that set's next reload
     /// takes over while nobody has written the file: so in a check each row is decoded once,
@@ -221,7 +224,7 @@ private:
     std::string defaultReminders_;
     std::unique_ptr<Ledger> noLedger_;  // as long as none is used
     Ledger* ledger_;
-    std::function<bool(std::string_view)> isListed_;
+    Listed listed_;
     std::unique_ptr<DueBook> book_;
     bool isRead_ = false;
     Damage damage_;         // of the rows of the last full read

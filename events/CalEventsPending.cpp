@@ -78,9 +78,9 @@ void recordOpen(EventState& state, const calEvent& event, DateTime since) {
 
 }  // namespace
 
-void CalEvents::UseLedger(Ledger& ledger, std::function<bool(std::string_view)> isListed) {
+void CalEvents::UseLedger(Ledger& ledger, Listed listed) {
     ledger_ = &ledger;
-    isListed_ = std::move(isListed);
+    listed_ = std::move(listed);
     book_ = std::make_unique<DueBook>();
 }
 
@@ -91,10 +91,11 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
         return answer;
     }
     std::vector<DueBook::Found> found;
+    const auto listed = listed_ ? listed_() : nullptr;
     attempt([&] {
         found = book_->ask(*mCol, {FromTime, ToTime, clock_.now(),
                                    since.isZero() ? FromTime : std::min(since, FromTime),
-                                   db_.DBFullName, *ledger_, isListed_});
+                                   db_.DBFullName, *ledger_, listed.get()});
     });
     keepLeft();
     noteMoved();

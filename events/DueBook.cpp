@@ -53,7 +53,11 @@ bool isLater(double days, DateTime now) {
 
 bool hasCome(DateTime time, DateTime now) { return !isLater(time.days(), now) && time <= now; }
 
-bool isDone(const calEvent& event) { return text::equalsNoCase(event.status, "AllDone"); }
+// Without a GUID there is no row to act on: it would be listed and heard anew for ever.
+bool hasSomethingToSay(const calEvent* event) {
+    return event != nullptr && !event->GUID.empty() && event->ISRecurrenceExceptionDeleted == 0 &&
+           !text::equalsNoCase(event->status, "AllDone");
+}
 
 }  // namespace
 
@@ -108,7 +112,7 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     slot.look = false;
     slot.firstMet = false;
     slot.asked = true;
-    const bool listed = pending && asked.isListed && asked.isListed(event.GUID);
+    const bool listed = pending && asked.listed != nullptr && asked.listed->Exists(event.GUID);
     const bool isElsewhere = listed && isListedElsewhere(event, state);
     if (isElsewhere || (listed && isNotedOtherwise(state, startOf(event)))) {
         moved_.push_back({slot.event, *answer.taken, isElsewhere});
@@ -137,17 +141,60 @@ bool DueBook::isToBeAsked(const Slot& slot, const Asked& asked) const {
     if (!slot.look && !slot.pending && !itsTime) {
         return false;
     }
-    // Without a GUID there is no row to act on: it would be listed and heard anew for ever.
-    if (!slot.event || slot.event->GUID.empty() || slot.event->ISRecurrenceExceptionDeleted != 0 ||
-        isDone(*slot.event)) {
+    if (!hasSomethingToSay(slot.event.get())) {
         return false;
     }
-    return slot.look || itsTime || !slot.quiet || !asked.isListed ||
-           !asked.isListed(slot.event->GUID);
+    return slot.look || itsTime || !slot.quiet || asked.listed == nullptr ||
+           !asked.listed->Exists(slot.event->GUID);
+}
+
+// Its slot is not fetched before. Of one that is quiet because it is listed, that holds only as
+// long as it stays in the list.
+void DueBook::sleepUntilNext(std::size_t place) {
+    const Slot& slot = slots_[place];
+    const bool isQuiet = slot.quiet && hasSomethingToSay(slot.event.get());
+    if (slot.look || (slot.pending && !isQuiet)) {
+        return;
+    }
+    quietUntil_[place] = slot.next.isZero() ? kNever : slot.next.days();
+    if (slot.pending) {
+        quietListed_.push_back(static_cast<GenCollection::Place>(place));
+    }
+}
+
+void DueBook::wakeQuiet() {
+    for (const GenCollection::Place place : quietListed_) {
+        if (place < quietUntil_.size()) {
+            quietUntil_[place] = kAlways;
+        }
+    }
+    quietListed_.clear();
+}
+
+// Whether an event was in the list at the last question and is not any more.
+bool DueBook::haveLeft(const GenCollection& listed) const {
+    if (listed.Stamp() == listed_.Stamp()) {
+        return false;
+    }
+    for (const auto place : listed_.PlacesThatDiffer(listed)) {
+        if (place >= listed_.PlaceCount()) {
+            break;
+        }
+        const auto event = objectIn<calEvent>(listed_.AtPlace(place));
+        if (event && !listed.Exists(event->GUID)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // In the order of the list.
 std::vector<GenCollection::Place> DueBook::toBeAsked(const Asked& asked, bool wentBack) {
+    const GenCollection listed = asked.listed != nullptr ? *asked.listed : GenCollection();
+    if (wentBack || haveLeft(listed) || quietListed_.size() > slots_.size()) {
+        wakeQuiet();
+    }
+    listed_ = listed;
     std::vector<GenCollection::Place> places;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         if (isLater(quietUntil_[i], asked.to)) {
@@ -157,8 +204,8 @@ std::vector<GenCollection::Place> DueBook::toBeAsked(const Asked& asked, bool we
         slot.quiet = slot.quiet && !wentBack;
         if (isToBeAsked(slot, asked)) {
             places.push_back(static_cast<GenCollection::Place>(i));
-        } else if (!slot.look && !slot.pending) {
-            quietUntil_[i] = slot.next.isZero() ? kNever : slot.next.days();
+        } else {
+            sleepUntilNext(i);
         }
     }
     const auto before = [this](GenCollection::Place a, GenCollection::Place b) {

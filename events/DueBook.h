@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
@@ -36,7 +35,7 @@ public:
         DateTime since;  // not later than `from`: no check has seen what fell due from here on
         std::string_view database;
         const Ledger& ledger;
-        std::function<bool(std::string_view GUID)> isListed;
+        const GenCollection* listed;  // the list of new reminders, by `GUID`; null: there is none
     };
     struct Found {
         std::shared_ptr<calEvent> event;
@@ -106,6 +105,9 @@ private:
     void lookAtAll();
     std::vector<GenCollection::Place> toBeAsked(const Asked& asked, bool wentBack);
     bool isToBeAsked(const Slot& slot, const Asked& asked) const;
+    void sleepUntilNext(std::size_t place);
+    void wakeQuiet();
+    bool haveLeft(const GenCollection& listed) const;
     void findReplaced(const Ledger& ledger, std::string_view database);
     void takeZone(const TimeZone& zone);
     void markChanged(const Asked& asked);
@@ -117,6 +119,10 @@ private:
     // The same: days before which a slot is surely not asked, for most of them later than now. Who
     // changes a slot puts `kAlways` there; the next question finds out anew.
     std::vector<double> quietUntil_;
+    // Of events that are pending, too, and quiet: as long as they stay in the list. Some more than
+    // once, and some that are not any more.
+    std::vector<GenCollection::Place> quietListed_;
+    GenCollection listed_;                                  // at the last question
     std::unordered_map<std::uint64_t, Slot> deleting_;      // not in it now, and may come back
     std::unordered_map<std::uint64_t, std::size_t> found_;  // slots of the last answer, by hash
     ReplacedStarts replaced_;

@@ -40,9 +40,7 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
       acts_(acts),
       history_(ledger, db,
                [&state](std::string_view GUID) { return state.NewReminders->Exists(GUID); }) {
-    reminders_.UseLedger(ledger_, [&listed = state_](std::string_view GUID) {
-        return listed.LastEventsReminded->Exists(GUID);
-    });
+    reminders_.UseLedger(ledger_, [&state] { return state.LastEventsReminded; });
     period_.UseLedger(ledger_, {});
     reminders_.ReadWith(period_);
 }

@@ -68,14 +68,12 @@ void CheckCycle::takeIn(const std::shared_ptr<calEvent>& event, std::string& mes
 }
 
 void CheckCycle::rebuildIndex() {
-    state_.LastEventsReminded = std::make_shared<GenCollection>();
-    for (const Variant& item : *state_.NewReminders) {
-        if (const auto event = objectIn<calEvent>(item)) {
-            state_.LastEventsReminded->Add(Variant(event), event->GUID);
-        }
+    state_.LastEventsReminded = std::make_shared<GenCollection>(*state_.NewReminders);
+    if (lines_.Count() <= state_.NewReminders->Count()) {
+        return;
     }
     // Most of what was listed once is not any more.
-    auto listed = std::move(lines_);
+    const GenCollection listed = lines_;
     lines_ = GenCollection();
     for (const Variant& item : *state_.NewReminders) {
         if (const auto event = objectIn<calEvent>(item); event && listed.Exists(event->GUID)) {

@@ -241,15 +241,15 @@ TEST(ReadStatement, IsBuiltPieceByPiece) {
 
 TEST_F(Queries, OfAListedEventWhatIsPendingInAnEarlierWindowIsDueAgain) {
     Ledger ledger(clock);
-    bool listed = false;
-    set.UseLedger(ledger, [&](std::string_view) { return listed; });
+    const auto listed = std::make_shared<GenCollection>();
+    set.UseLedger(ledger, [&] { return listed; });
     put(event("A", at(10, 0), "15"));
     clock.time = at(9, 45);
     const auto pending = [&](DateTime from, DateTime to) {
         return keys(*set.RemindCol(from, to, true));
     };
     EXPECT_EQ(pending(at(9, 44), at(9, 45)), "A");
-    listed = true;
+    listed->Add(Variant(objectAt<calEvent>(*set.mCol, "A")), "A");
     EXPECT_EQ(pending(at(9, 45), at(9, 46)), "A");
     EXPECT_EQ(pending(at(9, 46), at(9, 47)), "");
     EXPECT_EQ(pending(at(9, 47), at(9, 48)), "");
