@@ -115,22 +115,31 @@ TEST(SharedText, JoinsTextsAndStreams) {
 TEST(SharedText, TakesOnePointer) { EXPECT_EQ(sizeof(SharedText), sizeof(void*)); }
 
 TEST(SharedText, CopiesMayComeAndGoInSeveralThreads) {
-    const SharedText text("Room 7");
+    const SharedText alone("Room 7");
+    std::vector<SharedText> together(2);
+    const std::vector<SharedText::Setting> settings = {{&together[0], "Room 8"},
+                                                       {&together[1], "Room 9"}};
+    SharedText::setTogether(settings);
+    const std::vector<const SharedText*> all = {&alone, &together[0], &together[1]};
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&text] {
+        threads.emplace_back([&] {
             for (int i = 0; i < 10'000; ++i) {
-                SharedText copy = text;
-                const SharedText other = copy;
-                copy.clear();
-                ASSERT_EQ(other.size(), 6U);
+                for (const SharedText* text : all) {
+                    SharedText copy = *text;
+                    const SharedText other = copy;
+                    copy.clear();
+                    ASSERT_EQ(other.size(), 6U);
+                }
             }
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(text, "Room 7");
+    EXPECT_EQ(alone, "Room 7");
+    EXPECT_EQ(together[0], "Room 8");
+    EXPECT_EQ(together[1], "Room 9");
 }
 
 }  // namespace
