@@ -174,9 +174,6 @@ void Content::take(const std::string& line) {
 
 void addCheck(std::vector<Noted>& checks, const Noted& check) {
     constexpr std::size_t kKeptChecks = 31;
-    while (!checks.empty() && checks.back().local >= check.local) {
-        checks.pop_back();
-    }
     checks.push_back(check);
     if (checks.size() > kKeptChecks) {
         checks.erase(checks.begin());

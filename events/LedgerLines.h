@@ -38,9 +38,8 @@ struct Content {
 std::string keyOf(std::string_view database, std::string_view id);
 std::string keyOf(std::string_view database, const SeriesName& series);
 
-/// Adds a check to those of its database, which ascend: one that is later than it was by a clock
-/// that was ahead. Some weeks of days with a check are kept, so that an earlier one is still known
-/// when the clock was ahead in the last of them.
+/// Adds a check to those of its database, of which the latest are kept: when the clock was ahead in
+/// the last of them, an earlier one is still known.
 void addCheck(std::vector<Noted>& checks, const Noted& check);
 
 /// One line without its end: what is different in `now` from `before`.

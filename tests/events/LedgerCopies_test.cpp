@@ -28,6 +28,7 @@ TEST_F(LedgerCopies, WhatAnotherDropsIsKnownUntilTheRunEnds) {
     ledger.change(kDb, "{Series}", "this", [&](EventState& state) {
         state.at(old).handled = old;
         state.at(old.addDays(1)).muted = Muted::ForEver;
+        state.at(old.addDays(1)).spared = true;
         state.at(old.addDays(60)).handled = old.addDays(60);
         state.row["NextReminder"].after = "2027-11-20 09:45:00";
         state.acted = old;
@@ -54,6 +55,7 @@ TEST_F(LedgerCopies, WhatAnotherDropsIsKnownUntilTheRunEnds) {
         ASSERT_EQ(series->occurrences.size(), 3U);
         EXPECT_EQ(series->find(old)->handled, old);
         EXPECT_EQ(series->find(old.addDays(1))->muted, Muted::ForEver);
+        EXPECT_FALSE(series->find(old.addDays(1))->spared) << "it was ended, too";
         ASSERT_TRUE(ledger.find(kDb, "{Single}"));
         EXPECT_EQ(ledger.find(kDb, "{Single}")->find(old)->handled, old);
         EXPECT_EQ(ledger.replaced(kDb, kWeekly).size(), 2U);
@@ -61,6 +63,23 @@ TEST_F(LedgerCopies, WhatAnotherDropsIsKnownUntilTheRunEnds) {
         Ledger other(clock, path.string());
         put(other, "{Other}", clock.now());
     }
+}
+
+// A start goes by its clock, but at most by a day after the last check.
+TEST_F(LedgerCopies, SoIsWhatAnotherDropsByAClockThatIsADayAhead) {
+    Ledger ledger(clock, path.string());
+    ledger.change(kDb, "{A}", "this", [&](EventState& state) {
+        state.at(old).handled = old;
+        state.acted = old;
+    });
+    clock.time = old.addDays(90);
+    ledger.noteCheck(kDb, clock.now());
+    ledgerStarts(old.addDays(91));
+    clock.time = old.addDays(90);
+    ASSERT_FALSE(Ledger(clock, path.string()).find(kDb, "{A}"));
+    ledger.ReadAgain();
+    ASSERT_TRUE(ledger.find(kDb, "{A}"));
+    EXPECT_EQ(ledger.find(kDb, "{A}")->find(old)->handled, old);
 }
 
 // A time since when reminders may be waiting must not stand in the file without what was dealt with
@@ -185,7 +204,7 @@ TEST_F(LedgerCopies, BehindChecksThatLieAheadTheOneBeforeThemIsStillKnown) {
     EXPECT_EQ(again.lastCheckBy(kDb, at(8, 0, 23)), at(9, 0, 20));
     EXPECT_TRUE(again.lastCheckBy(kDb, at(8, 0, 18)).isZero());
     EXPECT_TRUE(again.lastCheckBy("/other.RemindDB", at(9, 0, 26)).isZero());
-    // The clock is right again: those ahead were none.
+    // The clock is right again.
     again.noteCheck(kDb, at(8, 0, 23));
     const Ledger third(clock, path.string());
     for (const Ledger* one : {&static_cast<const Ledger&>(again), &third}) {
