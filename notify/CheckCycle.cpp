@@ -48,10 +48,9 @@ CheckCycle::CheckCycle(CalEvents& reminders, CalEvents& period, DBRemindUtils& d
 void CheckCycle::ReadAtStart() {
     // However long ago the last check was: so far ahead the clock may be wrong for once, and what
     // is finished is read no more.
-    const DateTime now = clock_.now();
-    const DateTime known = ledger_.lastCheckBy(db_.DBFullName, now);
-    history_.uncheckedSince = known.isZero() ? UncheckedSince() : std::min(UncheckedSince(), known);
-    history_.isMet = [last = ledger_.lastCheck(db_.DBFullName), now](const calEvent& event) {
+    const DateTime last = ledger_.lastCheck(db_.DBFullName);
+    history_.uncheckedSince = last.isZero() ? UncheckedSince() : std::min(UncheckedSince(), last);
+    history_.isMet = [last, now = clock_.now()](const calEvent& event) {
         return isMetBefore(event, last, now);
     };
     // What an earlier run could not write is found while its event is there: it may be finished.

@@ -108,6 +108,20 @@ TEST_F(PendingRow, WhatIsDismissedElsewhereIsNoMoreSnoozedHere) {
     }
 }
 
+TEST_F(PendingRow, WhatWasListedIsNoneAnyMoreOnceItIsSnoozedElsewhere) {
+    for (const bool repeats : {false, true}) {
+        SCOPED_TRACE(repeats);
+        Desk fresh;
+        fresh.put(repeats ? series("A", at(10, 0), "FREQ=DAILY", {15})
+                          : single("A", at(10, 0), {15}));
+        EXPECT_EQ(fresh.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+        fresh.change("A", [](calEvent& e) { e.NextReminder = at(10, 30); });
+        fresh.start();
+        EXPECT_EQ(fresh.check(at(10, 0)), "");
+        EXPECT_EQ(fresh.check(at(10, 30)), "A 20 10:00 (20 10:30)");
+    }
+}
+
 TEST_F(PendingRow, ASnoozeInTheRowIsOfAnOccurrenceThatNoExceptionHasReplaced) {
     const auto master = series("M", at(10, 0, 0, 19), "FREQ=DAILY", {15});
     master->NextReminder = at(11, 0);
