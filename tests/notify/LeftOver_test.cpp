@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 
 #include "FileDesk.h"
 
@@ -82,16 +83,20 @@ TEST_F(LeftOver, WhatWasDoneIsWrittenWhenTheEventIsThereAgainUnlessItsHostHasTak
 
 // What was done was done to the time that it had.
 TEST_F(LeftOver, WhatIsEnteredAnewAtAnotherTimeIsNotDone) {
-    FileDesk desk;
-    ASSERT_NO_FATAL_FAILURE(markAsDone(desk));
-    desk.file.remove("A");
-    EXPECT_EQ(desk.check(at(9, 1)), "");
-    desk.clock.time = at(9, 2);
-    desk.put(single("A", at(10, 0), {15}));
-    EXPECT_EQ(desk.check(at(9, 3)), "");
-    EXPECT_EQ(desk.check(at(9, 4)), "");
-    EXPECT_EQ(desk.file.value("A", "status"), Variant(""));
-    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    for (const bool isToday : {true, false}) {
+        SCOPED_TRACE(isToday);
+        FileDesk desk;
+        ASSERT_NO_FATAL_FAILURE(markAsDone(desk));
+        desk.file.remove("A");
+        EXPECT_EQ(desk.check(at(9, 1)), "");
+        desk.clock.time = at(9, 2);
+        desk.put(single("A", isToday ? at(8, 30) : at(10, 0, 0, 21), {15}));
+        EXPECT_EQ(desk.check(at(9, 3)), isToday ? "A 08:15" : "");
+        EXPECT_EQ(desk.file.value("A", "status"), Variant(""));
+        EXPECT_EQ(desk.check(at(9, 4)), "");
+        EXPECT_EQ(desk.file.value("A", "status"), Variant(""));
+        EXPECT_EQ(desk.check(at(9, 45, 0, 21)).find("A") == std::string::npos, isToday);
+    }
 }
 
 }  // namespace
