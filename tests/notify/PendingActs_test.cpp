@@ -57,6 +57,14 @@ TEST_F(PendingActs, ScheduledRemindersBeforeTheSnoozeAreSupersededLaterOnesAreNo
     EXPECT_EQ(desk.run(at(10, 30)), "A 20 10:00 (20 09:55)");
 }
 
+TEST_F(PendingActs, AllButThoseAfterTheEventLeavesNoneAtItsStart) {
+    desk.put(single("A", at(10, 0), {15, 0, -30}));
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    desk.dismiss("A", DismissMode::AllButAfter);
+    EXPECT_EQ(desk.run(at(10, 29)), "");
+    EXPECT_EQ(desk.run(at(10, 30)), "A 20 10:00 (20 10:30)");
+}
+
 TEST_F(PendingActs, EachModeSilencesWhatItSays) {
     struct Case {
         const char* what;
