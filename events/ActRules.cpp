@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "DueRule.h"
 #include "events/GenCollection.h"
 #include "events/WrongClock.h"
 #include "model/clsReminder.h"
@@ -129,6 +130,8 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     entry.acted = stays ? std::max(entry.acted, acted) : acted;
     if (!listed.isZero()) {
         entry.reminder = listed;
+    } else if (!act.reminder.isZero() && act.reminder <= act.now) {
+        entry.reminder = act.event.ToMoment(act.reminder);
     }
     return entry;
 }
@@ -221,5 +224,17 @@ void recordDismiss(EventState& state, const ActOn& act, DismissMode mode) {
 }
 
 void recordDone(EventState& state, const ActOn& act) { muteForEver(begin(state, act), act); }
+
+bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
+    EventState after = known != nullptr ? *known : EventState();
+    recordDismiss(after, act, DismissMode::All);
+    recordDone(after, act);
+    for (const std::string_view column : {kStateColumns[0], kStateColumns[1]}) {
+        after.row[std::string(column)].after = columnText(act.event, column);
+    }
+    const DueFacts facts{&after, act.replaced, act.zone};
+    return hasOpenReminder(act.event, facts, act.now) ||
+           !askDue(act.event, facts, {act.now, act.now, act.now, act.now}).next.isZero();
+}
 
 }  // namespace vl

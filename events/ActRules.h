@@ -23,6 +23,7 @@ struct ActOn {
     DateTime now;
     TimeZone zone;                            ///< the computer's
     std::span<const DateTime> replaced = {};  ///< starts that exceptions have taken over, ascending
+    DateTime reminder = {};                   ///< local; that the row shows; 0: none
 };
 
 /// What the row says, while it speaks: see `rowSpeaks`.
@@ -65,5 +66,9 @@ void recordSnooze(EventState& state, const ActOn& act, DateTime until);
 void recordDismiss(EventState& state, const ActOn& act, DismissMode mode);
 /// None of the occurrence's reminders will be shown any more.
 void recordDone(EventState& state, const ActOn& act);
+
+/// Whether something of the event is still to come, or to be acted upon, once the occurrence is
+/// done.
+bool anyLeftWhenDone(const EventState* known, const ActOn& act);
 
 }  // namespace vl

@@ -205,12 +205,15 @@ DateTime notedOpenSince(const calEvent& event, const EventState* state) {
         return {};
     }
     const DateTime wall = event.ToWall(event.StartDateTime);
-    const bool isNoted = event.IsRepeating() ? state->openOf.isZero() || state->openOf == wall
-                                             : state->find(wall) != nullptr;
+    const bool isNoted = event.IsRepeating() ? state->openOf == wall : state->find(wall) != nullptr;
     return isNoted ? event.FromMoment(state->openSince) : DateTime();
 }
 
 bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now) {
+    // A copy of the program that has not seen yet that the host moved it may have it in its list.
+    if (!event.IsRepeating() && facts.state != nullptr && facts.state->listed() != nullptr) {
+        return true;
+    }
     const EventView view(event, facts, now);
     bool open = false;
     const auto found = [&](DateTime, DateTime) { open = true; };

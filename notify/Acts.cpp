@@ -33,16 +33,6 @@ const char* nameOf(DismissMode mode) {
                                               : "all";
 }
 
-// Something of the event is still to come, beside the occurrence: it must go on being read.
-bool anyLeft(const EventState* state, DateTime wallStart) {
-    return state != nullptr &&
-           std::any_of(state->occurrences.begin(), state->occurrences.end(),
-                       [&](const OccurrenceState& one) {
-                           return one.start != wallStart &&
-                                  (!one.snoozed.isZero() || !one.listed.isZero());
-                       });
-}
-
 }  // namespace
 
 // Nothing of the event is to come after the occurrence. A row may still show it as it was before
@@ -121,7 +111,29 @@ void Acts::noteChange(const std::string& GUID) {
 
 ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
     const DateTime start = row.InstanceStart.isZero() ? event.StartDateTime : row.InstanceStart;
-    return {event, start, clock_.now(), TimeZone::local(), reminders_.Replaced(event)};
+    return {event,       start, clock_.now(), TimeZone::local(), reminders_.Replaced(event),
+            row.reminder};
+}
+
+// A view has put a snooze to an occurrence by the columns of the row alone. Which one was snoozed
+// the ledger knows.
+ActRow Acts::ofItsSnooze(const ActRow& row) const {
+    const calEvent& event = *row.event;
+    const EventState* known = ledger_.find(db_.DBFullName, event.GUID);
+    if (known == nullptr || row.reminder.isZero() || !event.IsRepeating() ||
+        isScheduled(event, row.InstanceStart, row.reminder)) {
+        return row;
+    }
+    const DateTime moment = TimeZone::local().toUtc(row.reminder);
+    const OccurrenceState* own = known->find(event.ToWall(row.InstanceStart));
+    const auto snoozed =
+        std::find_if(known->occurrences.begin(), known->occurrences.end(),
+                     [&](const OccurrenceState& one) { return one.snoozed == moment; });
+    ActRow found = row;
+    if ((own == nullptr || own->snoozed != moment) && snoozed != known->occurrences.end()) {
+        found.InstanceStart = event.FromWall(snoozed->start);
+    }
+    return found;
 }
 
 // An event that is to be shown again is not all done, though a view may still have it from before,
@@ -135,13 +147,14 @@ void Acts::bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
     }
 }
 
-bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
+bool Acts::Snooze(const ActRow& shown, std::int32_t minutes) {
     const ErrScope scope;
     if (minutes <= 0) {
         return false;
     }
     attempt([&] {
-        takeActsOfOthers(row);
+        takeActsOfOthers(shown);
+        const ActRow row = ofItsSnooze(shown);
         const auto event = EventOf(row);
         calEvent wanted(*event);
         wanted.NextReminder = clock_.now().addMinutes(minutes);
@@ -151,14 +164,15 @@ bool Acts::Snooze(const ActRow& row, std::int32_t minutes) {
         apply(row, "snooze", wanted, columns,
               [&](EventState& state) { recordSnooze(state, act, wanted.NextReminder); });
     });
-    LeaveNewList(row.event->GUID);
+    LeaveNewList(shown.event->GUID);
     return true;
 }
 
-void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
+void Acts::Dismiss(const ActRow& shown, DismissMode mode, bool markDone) {
     const ErrScope scope;
     attempt([&] {
-        takeActsOfOthers(row);
+        takeActsOfOthers(shown);
+        const ActRow row = ofItsSnooze(shown);
         const auto event = EventOf(row);
         const DateTime now = clock_.now();
         calEvent wanted(*event);
@@ -179,7 +193,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
         }
         const ActOn act = actOn(*event, row);
         if (markDone && isLast(*event, act.start) && !period_.IsReadInPart(event->GUID) &&
-            !anyLeft(ledger_.find(db_.DBFullName, event->GUID), event->ToWall(act.start))) {
+            !anyLeftWhenDone(ledger_.find(db_.DBFullName, event->GUID), act)) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);
             // It is read no more, and still stands for an occurrence of its series.
@@ -195,7 +209,7 @@ void Acts::Dismiss(const ActRow& row, DismissMode mode, bool markDone) {
             }
         });
     });
-    LeaveNewList(row.event->GUID);
+    LeaveNewList(shown.event->GUID);
 }
 
 void Acts::Reactivate(const ActRow& row) {

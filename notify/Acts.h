@@ -66,11 +66,11 @@ public:
 
     /// Shown again `minutes` from now, not from the reminder. False, and nothing is done, unless
     /// `minutes` is greater than 0.
-    bool Snooze(const ActRow& row, std::int32_t minutes);
+    bool Snooze(const ActRow& shown, std::int32_t minutes);
 
     /// `markDone`: none of the occurrence's reminders comes any more, and an event without a later
     /// occurrence becomes "AllDone".
-    void Dismiss(const ActRow& row, DismissMode mode, bool markDone = false);
+    void Dismiss(const ActRow& shown, DismissMode mode, bool markDone = false);
 
     /// Its reminders come again as if the event had just been met.
     void Reactivate(const ActRow& row);
@@ -132,6 +132,7 @@ private:
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
+    ActRow ofItsSnooze(const ActRow& row) const;
     bool isLast(const calEvent& event, DateTime start) const;
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,
@@ -154,6 +155,7 @@ private:
         std::span<const std::string> GUIDs) const;
     void findLeftOverOfAbsent();
     std::shared_ptr<calEvent> held(const std::string& GUID) const;
+    bool isWantedNow(const calEvent& event, const EventState& known, std::string_view column);
     void lookAtRowOf(const std::shared_ptr<calEvent>& event, const EventState& known);
     void takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,
                         std::span<const std::string_view> columns);

@@ -21,6 +21,14 @@ bool isToComeBack(const EventState& state) {
                                           [](const auto& one) { return !one.snoozed.isZero(); }));
 }
 
+bool isSnoozedElsewhere(const calEvent& event, const EventState& state) {
+    return event.NextReminder > event.Dismissed && rowSpeaks(event, &state);
+}
+
+bool isStillDone(const calEvent& event, const EventState& state) {
+    return isLastMuted(event, state) && !isSnoozedElsewhere(event, state);
+}
+
 }  // namespace
 
 bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
@@ -28,7 +36,16 @@ bool isWanted(const calEvent& event, const EventState& state, std::string_view c
     const bool isWord = column == kNextReminder || column == kDismissed;
     return note != nullptr && note->waits(columnText(event, column)) &&
            !(isWord && rowSpeaks(event, &state)) &&
-           (column != kStatus || note->after != kAllDone || isLastMuted(event, state));
+           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
+}
+
+// An event that the host has moved, perhaps in the second of the last read, is not done any more.
+bool Acts::isWantedNow(const calEvent& event, const EventState& known, std::string_view column) {
+    if (!isWanted(event, known, column)) {
+        return false;
+    }
+    const auto row = column == kStatus ? period_.EventByGUID(event.GUID) : nullptr;
+    return !row || isWanted(*row, known, column);
 }
 
 // Of these the ones whose rows say that they are all done, by `guidHash`. None: nobody can tell
@@ -145,7 +162,7 @@ void Acts::takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventSta
         return;
     }
     for (const std::string_view name : columns) {
-        if (isWanted(*event, known, name)) {
+        if (isWantedNow(*event, known, name)) {
             enqueue(event->GUID, name, known.note(name)->after);
         }
     }

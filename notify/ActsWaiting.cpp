@@ -85,7 +85,7 @@ void Acts::takeActsOfOthers(const ActRow& row) {
         lookAtRow(*known, objects);
     }
     for (const std::string_view column : kStateColumns) {
-        if (isWanted(*objects.front(), *known, column)) {
+        if (isWantedNow(*objects.front(), *known, column)) {
             const std::string& text = known->note(column)->after;
             setIn(objects, column, Variant(text));
             enqueue(GUID, column, text);

@@ -85,6 +85,33 @@ TEST_F(TwoCopies, NeitherWritesOverAWordThatIsNewerThanAnActOfTheOther) {
     EXPECT_EQ(inRow("Dismissed"), at(9, 45, 1));
 }
 
+// In the second of a read: the one still has it as it was, the other has read what it is.
+TEST_F(TwoCopies, WhatStandsInTheListOfOneIsNotFinishedByTheOther) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 0));
+    desk.put(single("A", at(9, 50), {15}));
+    EXPECT_EQ(desk.check(at(12, 0, 0, 21)), "A 09:45");
+    desk.clock.time = at(12, 0, 5, 21);
+    startOther();
+    EXPECT_EQ(desk.file.value("A", "status"), Variant(""));
+    desk.program->acts.Snooze(desk.listed.at("A"), 5);
+    EXPECT_NE(checkBoth(at(12, 5, 10, 21)), "/");
+}
+
+TEST_F(TwoCopies, NeitherMarksAsDoneWhatTheHostHasMovedMeanwhile) {
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 45));
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This, true);
+    desk.put(single("A", at(10, 0), {15}));
+    desk.program.reset();
+    desk.check(at(9, 46));
+    startOther();
+    desk.put(single("A", at(9, 55), {5}));
+    desk.program->acts.Hide(rowOf(*desk.program, "A"), true);
+    checkOther();
+    EXPECT_NE(desk.file.value("A", "status"), Variant("AllDone"));
+}
+
 // Its row is gone when the second one looks.
 TEST_F(TwoCopies, WhatTheOtherHasPurgedIsNotListed) {
     desk.put(single("A", at(10, 0), {15}));

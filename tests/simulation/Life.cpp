@@ -23,6 +23,7 @@ Life::Life(const History& history, std::ostream* trace)
 Outcome Life::run(const History& history) {
     for (const Step& step : history.steps) {
         take(step);
+        tellRows();
         if (!outcome_.wrong.empty()) {
             break;
         }
@@ -35,6 +36,20 @@ Outcome Life::run(const History& history) {
         *trace_ << test::readFile(folder_ / "VLReminders.ledger");
     }
     return outcome_;
+}
+
+// Where it can be read.
+void Life::tellRows() {
+    if (trace_ == nullptr || hidden_ || holder_) {
+        return;
+    }
+    for (const auto& [GUID, values] : columnsNow()) {
+        *trace_ << "    row " << GUID;
+        for (const auto& [column, value] : values) {
+            *trace_ << ' ' << column << '=' << (value.isNull() ? "null" : value.toText());
+        }
+        *trace_ << '\n';
+    }
 }
 
 void Life::pass(Seconds seconds) {

@@ -56,6 +56,7 @@ public:
 
 private:
     void take(const Step& step);
+    void tellRows();
 
     // ---- time and checks
 

@@ -233,6 +233,7 @@ private:
     bool isLeft(const Event& event, const Plan& plan, const Reminder& reminder, bool surely) const;
     void settle(Event& event) const;
     std::optional<Seconds> lastReminder(const Plan& plan) const;
+    bool isAnyAhead(const Event& event) const;
     void noteFinished(Event& event, Seconds now) const;
     void noteStanding(Event& event, Seconds upTo) const;
     void read(const Check& check);

@@ -88,6 +88,9 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
             exactly != event.ahead.end() && exactly->second / kMinute == listed->second;
         shown = row.start - (isSnooze ? exactly->second : listed->second * kMinute);
     }
+    // In a view the row of any reminder may be acted upon.
+    const bool isDue = row.reminder != 0 && row.reminder <= now;
+    const auto reminded = shown || !isDue ? shown : std::optional(row.reminder);
     // A time that clocks skip is later by the gap.
     Seconds handled = event.plan.toMoment(now, here_);
     handled = shown ? std::max(handled, event.plan.toMoment(*shown, here_)) : handled;
@@ -121,7 +124,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     mark.mayBeOver = false;
     mark.wasTaken = false;
     mark.acted = toUtc(here_, now);
-    mark.reminder = shown ? event.plan.toMoment(*shown, here_) : mark.reminder;
+    mark.reminder = reminded ? event.plan.toMoment(*reminded, here_) : mark.reminder;
     const Seconds own = event.plan.toMoment(now, here_);
     const bool early = mark.handledLast > own && mark.handledLast <= own + kMinute;
     mark.handledLast = early ? std::max(mark.handledLast, handled) : handled;
@@ -135,8 +138,8 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
                                        [](const auto& one) { return one.second.snoozed != kNone; });
     event.isWritten = false;
     event.isElsewhere = false;
-    event.isDone =
-        act == Act::Done && isLast && event.must.empty() && event.open.empty() && !isSnoozed;
+    event.isDone = act == Act::Done && isLast && event.must.empty() && event.open.empty() &&
+                   !isSnoozed && !isAnyAhead(event);
 }
 
 void Oracle::reactivated(const std::string& GUID, Seconds now) {

@@ -313,6 +313,14 @@ std::optional<Seconds> Oracle::lastReminder(const Plan& plan) const {
     return key ? std::optional(plan.toLocal(*key, here_) - last * kMinute) : std::nullopt;
 }
 
+// Also of occurrences before the last one.
+bool Oracle::isAnyAhead(const Event& event) const {
+    bool isAny = false;
+    forEachReminder(event, event.plan, {now_ + 1, lastReminder(event.plan).value_or(now_)}, false,
+                    [&](const Occurrence&, int, Seconds) { isAny = true; });
+    return isAny;
+}
+
 // What is finished is taken back, when a clock is turned back, if there is a reminder to come.
 void Oracle::noteFinished(Event& event, Seconds now) const {
     const auto last = lastReminder(event.plan);

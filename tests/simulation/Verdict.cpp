@@ -80,8 +80,9 @@ bool Oracle::mayShow(const Event& event, const Listing& row, Seconds upTo) const
         for (const auto& word : {event.word, event.wordBefore}) {
             const bool isSaid = word && word->speaks && word->isSnooze() && word->next <= upTo;
             for (const bool surely : {false, true}) {
-                may =
-                    may || (isSaid && keySnoozedElsewhere(event, plan, word->next, surely) == key);
+                // Of the first occurrence, where no reminder of any is as early.
+                const auto said = keySnoozedElsewhere(event, plan, word->next, surely);
+                may = may || (isSaid && said.value_or(plan.start) == key);
             }
         }
         const auto snoozed = snoozeOf(event, *key);
