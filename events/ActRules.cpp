@@ -166,13 +166,20 @@ RowSays rowSays(const calEvent& event, const RowWord& word, std::span<const Date
 }
 
 bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
-    for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
-        const auto reminder = objectIn<clsReminder>(item);
-        if (reminder && start.addMinutes(-reminder->Minutes) == time) {
-            return true;
+    const auto isAt = [&](auto&& same) {
+        for (const Variant& item : event.RemindersCol ? *event.RemindersCol : GenCollection()) {
+            const auto reminder = objectIn<clsReminder>(item);
+            if (reminder && same(start.addMinutes(-reminder->Minutes))) {
+                return true;
+            }
         }
-    }
-    return false;
+        return false;
+    };
+    // A time that clocks skip is noted as the moment at which they do.
+    return isAt([&](DateTime one) { return one == time; }) ||
+           (event.HasOwnZone() && isAt([&, moment = event.ToMoment(time)](DateTime one) {
+                return event.ToMoment(one) == moment;
+            }));
 }
 
 bool isLastMuted(const calEvent& event, const EventState& state) {

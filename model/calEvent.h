@@ -267,8 +267,8 @@ public:
     /// the computer is. Of an event that is no series the text is looked through each time.
     DateTime ToWall(DateTime local) const;
     DateTime FromWall(DateTime wall) const;
-    /// The same for times of which two must never be one: in UTC where the event has a zone.
-    /// Between two of them lies the same time wherever the computer is.
+    /// The same for times of which two must never be one, in UTC where the event has a zone; of a
+    /// time that clocks skip when they do. Between two lies the same time wherever one is.
     DateTime ToMoment(DateTime local) const;
     DateTime FromMoment(DateTime moment) const;
     bool HasOwnZone() const;

@@ -99,6 +99,18 @@ DateTime utcOfStart(std::string_view json, const TimeZone& zone) {
     return written.addMinutes(text[at] == '+' ? -minutes : minutes);
 }
 
+// Times that clocks skip are those at which they do: moved forward they would be later than times
+// that come after them.
+DateTime inOrder(const TimeZone& zone, DateTime local) {
+    const DateTime moment = zone.toUtc(local);
+    if (zone.fromUtc(moment) < local.addMinutes(1)) {
+        return moment;
+    }
+    constexpr std::int64_t kSecond = 1000;
+    return DateTime::fromMilliseconds(kSecond *
+                                      zone.utcStretch(moment.milliseconds() / kSecond).begin);
+}
+
 }  // namespace
 
 std::string calEvent::zoneName() const {
@@ -242,7 +254,7 @@ DateTime calEvent::FromWall(DateTime wall) const {
 }
 
 DateTime calEvent::ToMoment(DateTime local) const {
-    return HasOwnZone() && !local.isZero() ? TimeZone::local().toUtc(local) : local;
+    return HasOwnZone() && !local.isZero() ? inOrder(TimeZone::local(), local) : local;
 }
 
 DateTime calEvent::FromMoment(DateTime moment) const {

@@ -196,11 +196,10 @@ void Acts::Dismiss(const ActRow& shown, DismissMode mode, bool markDone) {
             !anyLeftWhenDone(ledger_.find(db_.DBFullName, event->GUID), act)) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);
-            // It is read no more, and still stands for an occurrence of its series.
-            if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
-                ledger_.keepReplaced(db_.DBFullName, seriesOf(*event),
-                                     event->RExceptionStartTimeOrig);
-            }
+        }
+        // Its row may go, or be read no more: what it stands for in its series is dealt with.
+        if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {
+            ledger_.keepReplaced(db_.DBFullName, seriesOf(*event), event->RExceptionStartTimeOrig);
         }
         apply(row, markDone ? "done" : nameOf(mode), wanted, columns, [&](EventState& state) {
             recordDismiss(state, act, mode);

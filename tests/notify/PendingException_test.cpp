@@ -36,6 +36,18 @@ TEST_F(PendingException, TheStartThatAnExceptionReplacesIsNoOccurrenceAnyMore) {
     EXPECT_EQ(desk.run(at(9, 45, 0, 22), 60), "M 22 10:00 (22 09:45)");
 }
 
+// Also where its row goes while the program is off.
+TEST_F(PendingException, WhatTheUserHasDismissedWithItDoesNotComeAtTheReplacedStart) {
+    const auto master = series("M", at(10, 0), "FREQ=DAILY", {15});
+    desk.put(master);
+    desk.put(exceptionTo(*master, "X", at(10, 0), at(14, 0)));
+    EXPECT_EQ(desk.run(at(13, 45), 60), "X 20 14:00 (20 13:45)");
+    desk.dismiss("X");
+    desk.stop();
+    desk.rows.erase("X");
+    EXPECT_EQ(desk.run(at(9, 45, 0, 21), 60), "M 21 10:00 (21 09:45)");
+}
+
 // Two of the host's databases hold the same calendar.
 class TwoBases : public PendingException {
 protected:

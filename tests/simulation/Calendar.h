@@ -47,7 +47,9 @@ struct Plan {
         return between(here, zone.value_or(here), local);
     }
     /// The same for times of reminders: in UTC where it has a zone.
-    Seconds toMoment(Seconds local, Zone here) const { return zone ? toUtc(here, local) : local; }
+    Seconds toMoment(Seconds local, Zone here) const {
+        return zone ? toUtcInOrder(here, local) : local;
+    }
     /// What its row says on a computer in `here` that was written in `there`.
     Plan asWrittenIn(Zone there, Zone here) const;
     /// All that start in [`from`, `to`], local times.

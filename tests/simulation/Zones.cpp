@@ -74,4 +74,12 @@ Seconds toUtc(Zone zone, Seconds wall) {
     return toWall(zone, first) == wall ? first : wall - winterOffset(zone);
 }
 
+Seconds toUtcInOrder(Zone zone, Seconds wall) {
+    Seconds moment = toUtc(zone, wall);
+    while (toWall(zone, moment) > wall && toWall(zone, moment - 1) > wall) {
+        --moment;
+    }
+    return moment;
+}
+
 }  // namespace vl::simulation

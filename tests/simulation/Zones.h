@@ -31,6 +31,9 @@ Seconds toWall(Zone zone, Seconds utc);
 /// A time that comes twice means the first; one that is skipped is moved forward by the gap.
 Seconds toUtc(Zone zone, Seconds wall);
 
+/// The same in the order of the wall clock: one that is skipped is the moment at which it is.
+Seconds toUtcInOrder(Zone zone, Seconds wall);
+
 /// From the clock of one zone to that of another.
 inline Seconds between(Zone from, Zone to, Seconds wall) {
     return from == to ? wall : toWall(to, toUtc(from, wall));
