@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "DueRule.h"
+#include "EventIndex.h"
 #include "events/GenCollection.h"
 #include "events/WrongClock.h"
 #include "model/clsReminder.h"
@@ -47,6 +48,19 @@ void takeOverRow(EventState& state, const ActOn& act) {
         }
     }
     state.word = word;
+}
+
+// An act on what the row had snoozed takes that snooze's place; what was superseded up to now stays
+// so.
+void endSnoozeOfRow(EventState& state, const ActOn& act) {
+    const RowSays says = rowSays(act.event, state.word, act.replaced);
+    if (says.snoozed.isZero() || (act.event.IsRepeating() && says.occurrence != act.start)) {
+        return;
+    }
+    state.word.NextReminder = std::min(says.snoozed, act.now);
+    if (!act.event.IsRepeating() || state.word.NextReminder <= state.word.Dismissed) {
+        state.word = RowWord();
+    }
 }
 
 // The row of a series that the host has moved since was listed for what it is now, too; but where
@@ -114,6 +128,7 @@ bool isStillHandled(const OccurrenceState& entry, const ActOn& act) {
 OccurrenceState& begin(EventState& state, const ActOn& act) {
     setRight(state, act.event, act.now, act.zone);
     takeOverRow(state, act);
+    endSnoozeOfRow(state, act);
     const DateTime start = act.event.ToWall(act.start);
     const OccurrenceState* known = state.find(start);
     const DateTime listed = known != nullptr ? known->listed : DateTime();
@@ -240,8 +255,9 @@ bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
         after.row[std::string(column)].after = columnText(act.event, column);
     }
     const DueFacts facts{&after, act.replaced, act.zone};
+    const DateTime end = std::max(act.now, lastReminderOf(act.event));
     return hasOpenReminder(act.event, facts, act.now) ||
-           !askDue(act.event, facts, {act.now, act.now, act.now, act.now}).next.isZero();
+           askDue(act.event, facts, {act.now, end, act.now, act.now}).taken;
 }
 
 }  // namespace vl

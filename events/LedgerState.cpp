@@ -81,7 +81,8 @@ SeriesName seriesOf(const calEvent& exception) {
 }
 
 DateTime startIn(const calEvent& series, const Noted& start, const TimeZone& here) {
-    return series.HasOwnZone() && !start.utc.isZero() ? here.fromUtc(start.utc) : start.local;
+    return series.HasOwnZone() && !start.utc.isZero() ? here.fromUtc(start.utc)
+                                                      : here.fromUtc(here.toUtc(start.local));
 }
 
 bool rowSpeaks(const calEvent& event, const EventState* state) {

@@ -29,6 +29,18 @@ bool isOwn(std::string_view name) {
     return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
+// What a host has worked out may have parts of a second, or lack them; what is noted of an event
+// has none.
+void toWholeSeconds(calEvent& event) {
+    constexpr std::int64_t kHalf = 500;
+    for (DateTime calEvent::*const time :
+         {&calEvent::StartDateTime, &calEvent::EndDateTime, &calEvent::RExceptionStartTimeOrig,
+          &calEvent::NextReminder, &calEvent::Dismissed}) {
+        DateTime& one = event.*time;
+        one = DateTime::fromMilliseconds(one.milliseconds() + kHalf).wholeSeconds();
+    }
+}
+
 void clearExceptionFields(calEvent& master) {
     master.RExceptionStartTimeOrig = DateTime();
     master.RExceptionEndTimeOrig = DateTime();
@@ -184,6 +196,7 @@ std::shared_ptr<const RecurrenceText> RowReader::textOf(const SharedText& recurr
 }
 
 void RowReader::finish(calEvent& event) const {
+    toWholeSeconds(event);
     if (!event.recurrence.empty()) {
         attempt([&] { event.LoadRecurrence(local_, *textOf(event.recurrence)); });
         event.RecurrenceState = kMaster;

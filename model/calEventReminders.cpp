@@ -217,13 +217,16 @@ DateTime calEvent::PrevReminderD(DateTime dDate, const Clock& clock) const {
 }
 
 DateTime calEvent::RecordedReminderD() const {
-    if (iRemMinutes == kNoReminder || InstanceStart.isZero()) {
+    if (InstanceStart.isZero()) {
         return {};
     }
+    // Also where it honestly is as many minutes as stand for none.
     if (!dReminder.isZero() && minutesBetween(dReminder, InstanceStart) == iRemMinutes) {
         return dReminder;
     }
-    return InstanceStart.addMinutes(-static_cast<std::int64_t>(iRemMinutes));
+    return iRemMinutes == kNoReminder
+               ? DateTime()
+               : InstanceStart.addMinutes(-static_cast<std::int64_t>(iRemMinutes));
 }
 
 DateTime calEvent::FirstReminderAfterEventStart() const {

@@ -102,11 +102,13 @@ TEST_F(TwoCopies, NeitherMarksAsDoneWhatTheHostHasMovedMeanwhile) {
     desk.put(single("A", at(10, 0), {15}));
     desk.check(at(9, 45));
     desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This, true);
-    desk.put(single("A", at(10, 0), {15}));
     desk.program.reset();
     desk.check(at(9, 46));
+    desk.put(single("A", at(10, 0), {15}));
+    desk.check(at(9, 47));
     startOther();
     desk.put(single("A", at(9, 55), {5}));
+    ASSERT_NE(objectAt<calEvent>(*desk.program->period.mCol, "A"), nullptr);
     desk.program->acts.Hide(rowOf(*desk.program, "A"), true);
     checkOther();
     EXPECT_NE(desk.file.value("A", "status"), Variant("AllDone"));

@@ -93,6 +93,18 @@ TEST_F(PendingActs, EachModeSilencesWhatItSays) {
     }
 }
 
+// So many minutes after its start stand elsewhere for no reminder.
+TEST_F(PendingActs, ASnoozeOfAnyLengthStandsInTheListOnce) {
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+    desk.snooze("A", 100015);
+    const DateTime then = at(10, 0).addMinutes(100000);
+    EXPECT_NE(desk.check(then), "");
+    EXPECT_EQ(desk.listed.at("A").reminder, then);
+    EXPECT_EQ(desk.check(then.addSeconds(10)), "");
+    EXPECT_EQ(desk.check(then.addSeconds(20)), "");
+}
+
 TEST_F(PendingActs, NoActOnOneOccurrenceTouchesAnother) {
     for (const DismissMode mode : {DismissMode::This, DismissMode::AllButAfter, DismissMode::All}) {
         Desk fresh;

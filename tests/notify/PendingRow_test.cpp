@@ -26,6 +26,31 @@ TEST_F(PendingRow, ARowThatAnotherProgramHasChangedSpeaks) {
     EXPECT_EQ(desk.run(at(12, 0)), "");
 }
 
+// It supersedes nothing more once an act here has taken its place, as its first or as a later one.
+TEST_F(PendingRow, WhatAnotherProgramHasSnoozedEndsWithAnActHere) {
+    for (const bool repeats : {false, true}) {
+        for (const bool snoozes : {false, true}) {
+            SCOPED_TRACE(std::string(repeats ? "series" : "single") +
+                         (snoozes ? ", snoozed" : ", dismissed"));
+            Desk fresh;
+            fresh.put(repeats ? series("A", at(15, 0), "FREQ=WEEKLY", {360, 15})
+                              : single("A", at(15, 0), {360, 15}));
+            EXPECT_EQ(fresh.run(at(9, 0)), "A 20 15:00 (20 09:00)");
+            fresh.change("A", [](calEvent& e) { e.NextReminder = at(20, 0, 0, 21); });
+            EXPECT_EQ(fresh.check(at(9, 1)), "");
+            if (snoozes) {
+                fresh.snooze("A", 10);
+                EXPECT_EQ(fresh.run(at(9, 11)), "A 20 15:00 (20 09:11)");
+            }
+            fresh.dismiss("A");
+            fresh.start();
+            EXPECT_EQ(fresh.run(at(14, 45), 60), "A 20 15:00 (20 14:45)");
+            fresh.dismiss("A");
+            EXPECT_EQ(fresh.run(at(21, 0, 0, 21), 60), "");
+        }
+    }
+}
+
 TEST_F(PendingRow, WhatTheRowSaysOfAnEventWithoutALedger) {
     struct Case {
         const char* what;

@@ -75,6 +75,25 @@ TEST_P(SkippedHour, WhatStandsInTheListDoesSoAfterARestart) {
     EXPECT_EQ(desk.run(night(3, 15)), "E 29 04:00 (29 03:15)");
 }
 
+// The host names the start as the series does, though no clock shows it.
+TEST(SkippedStart, IsTakenAwayByItsException) {
+    const test::ZoneForTest here("Europe/Berlin");
+    for (const auto replaced : {night(2, 30), night(3, 30)}) {
+        Desk desk;
+        desk.clock.time = DateTime::fromCivil(2026, 3, 28, 12, 0, 0);
+        const auto master =
+            series("M", DateTime::fromCivil(2026, 3, 20, 2, 30, 0), "FREQ=DAILY", {15});
+        desk.put(master);
+        const auto moved = single("X", night(20, 0), {15});
+        moved->RecurrenceState = 3;
+        moved->recurringEventId = master->id;
+        moved->RExceptionStartTimeOrig = replaced;
+        desk.put(moved);
+        desk.check();
+        EXPECT_EQ(desk.run(night(20, 0), 60), "X 29 20:00 (29 19:45)");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Events, SkippedHour,
                          testing::Values(Case{"OfNoZone", "", false},
                                          Case{"OfThisZone", "Europe/Berlin", false},

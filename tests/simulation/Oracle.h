@@ -203,6 +203,7 @@ private:
     bool isSilencedElsewhere(const Event& event, const Plan& plan, const Occurrence& one,
                              Seconds time, bool surely) const;
     void takeOverWord(Event& event) const;
+    void endWord(Event& event, Seconds key, Seconds now) const;
     bool isSnoozeSilenced(const Event& event, const Plan& plan, Seconds key, const Mark& mark,
                           bool surely) const;
     bool isOfWrongClock(const Mark& mark) const;

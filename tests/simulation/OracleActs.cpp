@@ -71,6 +71,22 @@ bool Oracle::isSnoozeSilenced(const Event& event, const Plan& plan, Seconds key,
                                localSnooze(event, mark), surely);
 }
 
+// An act on what another program has snoozed takes the place of that: it supersedes nothing more.
+void Oracle::endWord(Event& event, Seconds key, Seconds now) const {
+    if (!event.word || !event.word->isKnown || !event.word->isSnooze()) {
+        return;
+    }
+    const bool isSeries = event.plan.isSeries();
+    const Plan& plan = event.held.empty() ? event.plan : event.held.front();
+    if (isSeries && keySnoozedElsewhere(event, plan, event.word->next, true) != key) {
+        return;
+    }
+    event.word->next = std::min(event.word->next, now);
+    if (!isSeries || event.word->next <= event.word->dismissed) {
+        event.word.reset();
+    }
+}
+
 void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     now_ = now;
     Event& event = events_.at(row.GUID);
@@ -81,6 +97,7 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     event.stoodOnce.merge(event.stood);
     event.stood.clear();
     const Seconds key = keyAt(event, row.start);
+    endWord(event, key, now);
     std::optional<Seconds> shown;
     if (const auto listed = event.open.find(key); listed != event.open.end()) {
         const auto exactly = event.ahead.find(key);
