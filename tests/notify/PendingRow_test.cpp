@@ -33,14 +33,14 @@ TEST_F(PendingRow, WhatAnotherProgramHasSnoozedEndsWithAnActHere) {
             SCOPED_TRACE(std::string(repeats ? "series" : "single") +
                          (snoozes ? ", snoozed" : ", dismissed"));
             Desk fresh;
-            fresh.put(repeats ? series("A", at(15, 0), "FREQ=WEEKLY", {360, 15})
-                              : single("A", at(15, 0), {360, 15}));
-            EXPECT_EQ(fresh.run(at(9, 0)), "A 20 15:00 (20 09:00)");
+            fresh.put(repeats ? series("A", at(15, 0), "FREQ=WEEKLY", {330, 15})
+                              : single("A", at(15, 0), {330, 15}));
+            EXPECT_EQ(fresh.run(at(9, 30)), "A 20 15:00 (20 09:30)");
             fresh.change("A", [](calEvent& e) { e.NextReminder = at(20, 0, 0, 21); });
-            EXPECT_EQ(fresh.check(at(9, 1)), "");
+            EXPECT_EQ(fresh.check(at(9, 31)), "");
             if (snoozes) {
                 fresh.snooze("A", 10);
-                EXPECT_EQ(fresh.run(at(9, 11)), "A 20 15:00 (20 09:11)");
+                EXPECT_EQ(fresh.run(at(9, 41)), "A 20 15:00 (20 09:41)");
             }
             fresh.dismiss("A");
             fresh.start();
