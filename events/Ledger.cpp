@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "LedgerKept.h"
-#include "LedgerLines.h"
+#include "LedgerParts.h"
 #include "app/Files.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
@@ -18,14 +17,10 @@ namespace {
 constexpr std::chrono::milliseconds kLockWait(500);
 constexpr std::size_t kSpareLines = 256;
 
-std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
-
 // Somebody has removed it since it was last seen.
 bool isGone(const SharedFile& file) { return file.changed() && !fileExists(file.path()); }
 
 }  // namespace
-
-struct Ledger::Content : ledger::Content {};
 
 std::uint64_t guidHash(std::string_view GUID) {
     std::uint64_t hash = 14695981039346656037U;  // FNV-1a
@@ -232,7 +227,7 @@ std::string Ledger::edited(std::string_view database, std::string_view GUID, std
     const std::string line = ledger::eventLine(entry, before, whole, act, clock_.now());
     content_->events[key] = std::move(entry);
     log_.push_back(guidHash(GUID));
-    return lineEnd(line);
+    return ledger::lineEnd(line);
 }
 
 bool Ledger::change(std::string_view database, std::string_view GUID, std::string_view act,
@@ -254,104 +249,6 @@ bool Ledger::change(std::string_view database, std::string_view act,
 bool Ledger::forget(std::string_view database, std::string_view GUID, std::string_view act,
                     const std::function<void(EventState&)>& edit) {
     return store([&] { return edited(database, GUID, act, edit, true); });
-}
-
-DateTime Ledger::lastCheck(std::string_view database) const {
-    const auto found = content_->checked.find(nameOf(database));
-    return found != content_->checked.end() ? earlierOf(found->second.back(), TimeZone::local())
-                                            : DateTime();
-}
-
-DateTime Ledger::lastCheckBy(std::string_view database, DateTime moment) const {
-    const TimeZone here = TimeZone::local();
-    DateTime last;
-    const auto found = content_->checked.find(nameOf(database));
-    if (found != content_->checked.end()) {
-        for (const Noted& check : found->second) {
-            const DateTime when = earlierOf(check, here);
-            last = when <= moment ? when : last;
-        }
-    }
-    return last;
-}
-
-void Ledger::noteCheck(std::string_view database, DateTime when) {
-    const DateTime known = lastCheck(database);
-    if (known.date() == when.date() && known <= when) {
-        return;
-    }
-    store([&] {
-        const Noted noted = notedNow(when);
-        ledger::addCheck(content_->checked[nameOf(database)], noted);
-        return lineEnd(ledger::checkLine(nameOf(database), noted));
-    });
-}
-
-std::vector<Noted> Ledger::replaced(std::string_view database, const SeriesName& series) const {
-    std::set<Noted> starts;
-    for (const std::string& base : {series.VLBase, std::string()}) {
-        const auto found =
-            content_->replaced.find(ledger::keyOf(nameOf(database), SeriesName{series.id, base}));
-        if (found != content_->replaced.end()) {
-            starts.insert(found->second.begin(), found->second.end());
-        }
-    }
-    return {starts.begin(), starts.end()};
-}
-
-std::vector<Ledger::Replaced> Ledger::allReplaced(std::string_view database) const {
-    const std::string& name = nameOf(database);
-    std::vector<Replaced> all;
-    for (const auto& [key, starts] : content_->replaced) {
-        const auto& [owner, series] = content_->masters.at(key);
-        if (owner == name) {
-            all.push_back({series, {starts.begin(), starts.end()}});
-        }
-    }
-    return all;
-}
-
-void Ledger::keepReplaced(std::string_view database, const SeriesName& series, DateTime start) {
-    keepReplaced(database, {{series, {notedNow(start)}}});
-}
-
-void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>& all) {
-    const std::string name = nameOf(database);
-    const auto isNew = [&](const SeriesName& series, const Noted& start) {
-        const auto known = content_->replaced.find(ledger::keyOf(name, series));
-        return known == content_->replaced.end() || !known->second.contains(start);
-    };
-    const auto anyNew = [&](const Replaced& one) {
-        return std::any_of(one.starts.begin(), one.starts.end(),
-                           [&](const Noted& start) { return isNew(one.series, start); });
-    };
-    if (std::none_of(all.begin(), all.end(), anyNew)) {
-        return;
-    }
-    store([&] {
-        std::string lines;
-        for (const auto& [series, starts] : all) {
-            for (const Noted& start : starts) {
-                if (isNew(series, start)) {
-                    const std::string key = ledger::keyOf(name, series);
-                    content_->masters[key] = {name, series};
-                    content_->replaced[key].insert(start);
-                    lines += lineEnd(ledger::replacedLine(name, series, start));
-                }
-            }
-        }
-        ++replacedVersion_;
-        return lines;
-    });
-}
-
-void Ledger::keepRecentlyReplaced(std::string_view database, std::vector<Replaced> all) {
-    const DateTime now = reference(*content_);
-    for (Replaced& one : all) {
-        std::erase_if(one.starts,
-                      [&](const Noted& start) { return ledger::isLongAgo(start.local, now); });
-    }
-    keepReplaced(database, all);
 }
 
 std::vector<std::uint64_t> Ledger::changedSince(std::uint64_t version) const {

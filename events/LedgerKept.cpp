@@ -16,8 +16,6 @@ constexpr int kKeptDays = 90;
 // Times on the clocks of two zones, or on one clock and in UTC, differ by less.
 constexpr int kDaysBetweenClocks = 2;
 
-std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
-
 DateTime overFrom(const OccurrenceState& one) { return std::max(one.start, one.end); }
 
 // Of several that are listed the last one alone is shown.

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -41,6 +42,8 @@ std::string keyOf(std::string_view database, const SeriesName& series);
 /// Adds a check to those of its database, of which the latest are kept: when the clock was ahead in
 /// the last of them, an earlier one is still known.
 void addCheck(std::vector<Noted>& checks, const Noted& check);
+
+inline std::string lineEnd(std::string line) { return std::move(line) + "\n"; }
 
 /// One line without its end: what is different in `now` from `before`.
 std::string eventLine(const Entry& now, const EventState& before, bool forget, std::string_view act,
