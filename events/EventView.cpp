@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Text.h"
 #include "events/GenCollection.h"
 #include "events/WrongClock.h"
 #include "model/clsReminder.h"
@@ -13,6 +14,16 @@ namespace {
 const EventState& nothing() {
     static const EventState state;
     return state;
+}
+
+// Marked as done, and the row says the time that it said then: after a journey that is another
+// moment, but nobody has moved it.
+bool isDoneWhereItWas(const calEvent& event, const EventState& state) {
+    const ColumnNote* status = state.note("status");
+    return status != nullptr && text::equalsNoCase(status->after, "AllDone") &&
+           std::any_of(state.occurrences.begin(), state.occurrences.end(), [&](const auto& one) {
+               return one.muted == Muted::ForEver && one.local == event.StartDateTime;
+           });
 }
 
 }  // namespace
@@ -64,6 +75,9 @@ bool EventView::isOpen(DateTime start, DateTime time) const {
     }
     if (state_.occurrences.empty() && endedBefore_.isZero()) {
         return true;
+    }
+    if (!repeats_ && isDoneWhereItWas(event_, state_)) {
+        return false;
     }
     const DateTime wall = event_.ToWall(start);
     const OccurrenceState* entry = state_.find(wall);

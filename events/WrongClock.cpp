@@ -129,10 +129,13 @@ void setRight(EventState& state, const calEvent& event, DateTime now, const Time
 
 std::optional<Noted> behind(const EventState& state, DateTime acted, DateTime now, DateTime latest,
                             const TimeZone& here) {
-    if (const auto found = state.doubted.find(acted); found != state.doubted.end()) {
+    const auto found = state.doubted.find(acted);
+    // It may have been put back once more since.
+    if (found != state.doubted.end() && found->second.utc <= latest) {
         return found->second;
     }
-    return acted > latest ? std::optional(Noted{now, here.toUtc(now)}) : std::nullopt;
+    const bool isBehind = found != state.doubted.end() || acted > latest;
+    return isBehind ? std::optional(Noted{now, here.toUtc(now)}) : std::nullopt;
 }
 
 DateTime handledRight(const OccurrenceState& one, const calEvent& event, DateTime seen) {

@@ -17,8 +17,9 @@ constexpr std::string_view kColumnsButStatus[] = {kNextReminder, kDismissed, kHi
 bool isToComeBack(const EventState& state) {
     const ColumnNote* status = state.note(kStatus);
     return status != nullptr && status->after != kAllDone &&
-           (state.newlyMet || std::any_of(state.occurrences.begin(), state.occurrences.end(),
-                                          [](const auto& one) { return !one.snoozed.isZero(); }));
+           (state.newlyMet || state.listed() != nullptr ||
+            std::any_of(state.occurrences.begin(), state.occurrences.end(),
+                        [](const auto& one) { return !one.snoozed.isZero(); }));
 }
 
 bool isSnoozedElsewhere(const calEvent& event, const EventState& state) {

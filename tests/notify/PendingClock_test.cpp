@@ -52,6 +52,33 @@ TEST_F(PendingClock, SoItIsWithAClockThatIsHoursAhead) {
     EXPECT_EQ(desk.check(at(10, 55)), "A 20 11:00 (20 10:55)");
 }
 
+// Also where the list knows no more of that reminder, since the host has moved the series.
+TEST_F(PendingClock, ARowFromBeforeAMoveThatIsSnoozedByAClockAheadIsShownAgain) {
+    desk.put(series("A", at(10, 0), "FREQ=DAILY", {15}));
+    EXPECT_EQ(desk.check(at(9, 46)), "A 20 10:00 (20 09:45)");
+    const ActRow row = desk.listed.at("A");
+    desk.change("A", [](calEvent& moved) {
+        moved.StartDateTime = at(9, 58);
+        moved.EndDateTime = at(10, 58);
+    });
+    EXPECT_EQ(desk.check(at(9, 46, 10)), "");
+    desk.program->acts.Snooze(row, 10 * 1440);
+    EXPECT_EQ(desk.check(at(9, 10)), "A 20 09:58 (20 09:43)");
+    desk.dismiss("A");
+    EXPECT_EQ(desk.run(at(9, 45)), "A 20 10:00 (20 09:45)");
+}
+
+TEST_F(PendingClock, ASnoozeUnderAClockThatWasPutBackTwiceComesAtItsTime) {
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(11, 0)), "A 20 10:00 (20 09:45)");
+    desk.snooze("A", 12);
+    EXPECT_EQ(desk.check(at(10, 0)), "A 20 10:00 (20 09:45)") << "in doubt";
+    desk.clock.time = at(9, 0, 0, 10);
+    desk.snooze("A", 19);
+    EXPECT_EQ(desk.check(at(9, 18, 0, 10)), "");
+    EXPECT_EQ(desk.check(at(9, 19, 0, 10)), "A 20 10:00 (10 09:19)");
+}
+
 TEST_F(PendingClock, ASnoozeUnderAClockDaysAheadSilencesNothing) {
     const auto inDecember = [](int hour, int minute, int day) {
         return DateTime::fromCivil(2026, 12, day, hour, minute, 0);
@@ -273,6 +300,35 @@ TEST_F(PendingClock, ARowThatTheHostHasNotWrittenAnewMeansItsTimesHere) {
     EXPECT_EQ(desk.run(at(15, 44), 60), "B 20 16:00 (20 15:40)");
     EXPECT_EQ(desk.run(at(15, 45)), "A 20 16:00 (20 15:45)")
         << "it is six hours later than what was dismissed";
+}
+
+// Nobody has moved what says the same time: its user is done with it.
+TEST_F(PendingClock, WhatIsDoneStaysSoThereAlsoWhenTheHostWritesItsRowAgain) {
+    const auto done = single("A", at(16, 0), {20});
+    done->JSON = R"({"start":{"timeZone":"America/New_York"}})";
+    {
+        const test::ZoneForTest berlin("Europe/Berlin");
+        desk.put(done);
+        EXPECT_EQ(desk.run(at(15, 45), 60), "A 20 16:00 (20 15:40)");
+        desk.dismiss("A", DismissMode::This, true);
+        ASSERT_EQ(desk.rows.at("A")->status, "AllDone");
+    }
+    const test::ZoneForTest there("America/New_York");
+    EXPECT_EQ(desk.check(at(9, 50)), "");
+    desk.change("A", [&](calEvent& row) {
+        row.status.clear();
+        row.Modified = desk.clock.time;
+    });
+    EXPECT_EQ(desk.run(at(15, 50), 60), "");
+    desk.start();
+    EXPECT_EQ(desk.run(at(15, 52), 60), "");
+    desk.change("A", [&](calEvent& row) {
+        row.status.clear();
+        row.StartDateTime = at(17, 0);
+        row.EndDateTime = at(18, 0);
+        row.Modified = desk.clock.time;
+    });
+    EXPECT_EQ(desk.run(at(16, 40), 60), "A 20 17:00 (20 16:40)") << "moved";
 }
 
 // The rows of the list are filled anew after a journey.

@@ -13,6 +13,7 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
     const bool isNew = event.id.empty();
     const bool retimed = isNew || !event.plan.sameTimes(plan);
     if (retimed) {
+        event.isListedAsIs = false;
         event.stamp = modified;
         event.metBelow = kNone;
     }
@@ -27,19 +28,23 @@ void Oracle::written(const std::string& GUID, const std::string& id, const Plan&
     event.hasTravelled = event.hasTravelled || event.mayBeFinished;  // met anew, if it was finished
     event.mayBeFinished = false;
     // The host may clear its status; what its user has done stays so, if the ledger knows that.
+    // A single occurrence that is done is so whatever reminders it has.
+    const bool isMoved = isNew || (plan.isSeries() ? retimed : plan.start != event.plan.start);
     const bool isOpenAgain =
-        retimed || (event.isDoneByRow && event.word && modified > event.word->dismissed);
-    event.isSure = event.isSure && !isOpenAgain;
+        isMoved || (event.isDoneByRow && event.word && modified > event.word->dismissed);
+    event.isSure = event.isSure && !retimed && !isOpenAgain;
     event.isDone = event.isDone && !isOpenAgain;
     event.isWritten = true;
-    noteDone(event);
+    noteDone(event, plan);
     event.id = id;
     event.plan = plan;
 }
 
-// A row at another moment stays done only as long as its status says so, which the host clears.
-void Oracle::noteDone(Event& event) {
-    event.isDone = event.isDone && !(event.isWritten && event.isElsewhere);
+// A row that by now is at another moment stays done as long as it says the same time, or its status
+// says so, which the host clears when it writes it.
+void Oracle::noteDone(Event& event, const Plan& plan) const {
+    const bool isSame = event.doneRow == plan.toLocal(plan.start, here_);
+    event.isDone = event.isDone && (isSame || !(event.isWritten && event.isElsewhere));
 }
 
 void Oracle::deleted(const std::string& GUID) {
@@ -65,7 +70,11 @@ void Oracle::keptAsWritten(Zone there) {
         if (event.goneIsKnown) {
             continue;  // what it replaced was noted there
         }
+        const bool isDoneRow = event.doneRow == event.plan.toLocal(event.plan.start, there);
         event.plan = event.plan.asWrittenIn(there, here_);
+        if (isDoneRow) {  // as it is said here, where clocks may skip that time
+            event.doneRow = event.plan.toLocal(event.plan.start, here_);
+        }
         for (std::vector<Plan>* plans : {&event.held, &event.between}) {
             for (Plan& one : *plans) {
                 one = one.asWrittenIn(there, here_);
@@ -73,7 +82,7 @@ void Oracle::keptAsWritten(Zone there) {
         }
         event.openSince = event.listedSince;
         event.isElsewhere = event.isElsewhere || (event.plan.zone && !event.plan.isSeries());
-        noteDone(event);
+        noteDone(event, event.plan);
         if (event.plan.zone) {
             event.metAt.reset();  // it may have been asked for already, as what it was then
         }
@@ -114,7 +123,6 @@ void Oracle::started(Seconds now, bool readable) {
         event.byOther.clear();
         event.leaves = false;
         event.isSure = readable;
-        event.missedSince.reset();
         event.held = readable ? std::vector{event.plan} : std::vector<Plan>();
         event.mayBeHeld = false;
         event.isKnown |= readable;
@@ -241,7 +249,9 @@ void Oracle::read(const Check& check) {
             event.between.clear();
             event.isSure = true;
             event.isFinished = false;
-            event.missedSince = momentOf(from);
+            if (!event.missedSince || event.modified > earlierOf(*event.missedSince)) {
+                event.missedSince = momentOf(from);
+            }
             event.isKnown = true;
             event.metAt = event.stamp ? std::optional(check.now) : event.metAt;
         }

@@ -140,6 +140,7 @@ private:
         bool isSure = false;        // it holds `plan`, and has held it since an earlier check
         bool hasTravelled = false;  // its row has other local times, which is no matter
         std::optional<Moment> listedSince;  // when it was first listed, asked from
+        bool isListedAsIs = false;          // by a reminder that the plan has
         std::optional<Moment> openSince;    // the same, once it is at another moment
         bool isKnown = false;               // it has been sure at some time
         bool gone = false;                  // by the host's will
@@ -148,6 +149,7 @@ private:
         bool isDoneByRow = false;           // as far as that says
         bool isWritten = false;             // by the host, since the last act
         bool isElsewhere = false;           // its row means another moment than it did then
+        std::optional<Seconds> doneRow;     // local: of a single event, what that said when done
         bool mayBeFinished = false;         // a day after its last reminder
         bool isFinished = false;            // and nobody knows better
         std::optional<Word> word;
@@ -198,6 +200,7 @@ private:
     std::optional<Moment> lastReadBy(Seconds now) const;
     Seconds askedFrom(Seconds now) const;
     Seconds mayAskFrom(Seconds now) const;
+    Seconds overBefore(const Plan& plan, Seconds now) const;
     std::optional<Seconds> keySnoozedElsewhere(const Event& event, const Plan& plan, Seconds next,
                                                bool surely) const;
     bool isSilencedElsewhere(const Event& event, const Plan& plan, const Occurrence& one,
@@ -209,7 +212,9 @@ private:
     bool isOfWrongClock(const Mark& mark) const;
     Seconds latestAct(Seconds now) const;
     void setRight(Event& event, Seconds now) const;
-    static void settleClock(Event& event);
+    Seconds shownAgain(const Event& event, const Mark& mark) const;
+    void settle(const Event& event, Mark& mark) const;
+    void settleClock(Event& event) const;
     /// What a check sees of the clock: since the last one that could read the file.
     struct Turn {
         Seconds now;
@@ -249,7 +254,7 @@ private:
     void judgeSound(const Check& check, std::ostream& wrong) const;
     void judgeMissing(const Check& check, const Event& event, std::ostream& wrong) const;
     void endEarlier(Event& event, Seconds key, Seconds now) const;
-    static void noteDone(Event& event);
+    void noteDone(Event& event, const Plan& plan) const;
 
     std::map<std::string, Event> events_;
     Zone here_;

@@ -7,8 +7,7 @@ namespace vl::simulation {
 
 // Of what begins before it and is over, but is not snoozed, nothing comes any more.
 void Oracle::endEarlier(Event& event, Seconds key, Seconds now) const {
-    const Seconds over = event.plan.toOwn(now - event.plan.length, here_) + 1;
-    const Seconds limit = std::min(key, over);
+    const Seconds limit = std::min(key, overBefore(event.plan, now));
     for (const auto& [start, mark] : event.marks) {
         if (start < limit) {
             event.spared.erase(start);
@@ -155,13 +154,17 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
                                        [](const auto& one) { return one.second.snoozed != kNone; });
     event.isWritten = false;
     event.isElsewhere = false;
-    event.isDone = act == Act::Done && isLast && event.must.empty() && event.open.empty() &&
-                   !isSnoozed && !isAnyAhead(event);
+    const bool isDone = act == Act::Done && isLast && event.must.empty() && event.open.empty() &&
+                        !isSnoozed && !isAnyAhead(event);
+    event.isDone = isDone || (event.isDone && act != Act::Snooze);
+    if (isDone && !event.plan.isSeries()) {
+        event.doneRow = row.start;
+    }
 }
 
 void Oracle::reactivated(const std::string& GUID, Seconds now) {
     Event& event = events_.at(GUID);
-    if (event.listedSince) {
+    if (event.isListedAsIs) {
         event.missedSince.reset();  // what has been missed was listed then
     }
     event.marks.clear();

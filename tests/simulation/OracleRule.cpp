@@ -63,6 +63,16 @@ Seconds Oracle::mayAskFrom(Seconds now) const {
     return std::min(from, midnightOf(earlierOf(*lastRead_)) - (hasTravelled_ ? kDay : 0));
 }
 
+// Keys: what begins before is over by the clock here. Of an hour that this shows twice the second
+// is, too.
+Seconds Oracle::overBefore(const Plan& plan, Seconds now) const {
+    const Seconds begun = now - plan.length;
+    const Seconds first = plan.toOwn(begun, here_);
+    const Seconds second = plan.toOwn(begun + 3 * kHour, here_) - 3 * kHour;
+    const bool comesTwice = second > first && plan.toLocal(second, here_) == begun;
+    return (comesTwice ? second : first) + 1;
+}
+
 // ---- what is dealt with
 
 // Until a check has set it right, the same holds of it as then.
@@ -86,8 +96,7 @@ void Oracle::setRight(Event& event, Seconds now) const {
         event.endedWas = event.endedWas
                              ? event.endedWas
                              : std::optional(std::pair(event.endedBefore, event.endedAt));
-        event.endedBefore =
-            std::min(event.endedBefore, event.plan.toOwn(now - event.plan.length, here_) + 1);
+        event.endedBefore = std::min(event.endedBefore, overBefore(event.plan, now));
         event.endedAt = toUtc(here_, now);
     }
     for (auto& [key, mark] : event.marks) {
@@ -101,7 +110,7 @@ void Oracle::setRight(Event& event, Seconds now) const {
         mark.handledLast = std::min(mark.handledLast, dealtWith);
         mark.mayBeOver = mark.reminder == kNone;
         if (mark.snoozed != kNone && mark.reminder != kNone) {
-            mark.snoozed = event.plan.zone ? mark.reminder : toUtc(here_, mark.reminder);
+            mark.snoozed = shownAgain(event, mark);
             // The row was perhaps from before a move: then it may come with what was missed since.
             const auto last = lastReminder(event.plan);
             mark.atLatest =
@@ -110,11 +119,23 @@ void Oracle::setRight(Event& event, Seconds now) const {
     }
 }
 
+// At the time of its reminder; by then it is put off to that moment, wherever the computer goes.
+Seconds Oracle::shownAgain(const Event& event, const Mark& mark) const {
+    return event.plan.zone ? mark.reminder : toUtc(here_, mark.reminder);
+}
+
+void Oracle::settle(const Event& event, Mark& mark) const {
+    if (mark.was && mark.snoozed != kNone && mark.reminder != kNone) {
+        mark.snoozed = shownAgain(event, mark);
+    }
+    mark.was.reset();
+}
+
 // Who acts on an event, or a clock that goes on as it does, says that it was ahead.
-void Oracle::settleClock(Event& event) {
+void Oracle::settleClock(Event& event) const {
     event.endedWas.reset();
     for (auto& [key, mark] : event.marks) {
-        mark.was.reset();
+        settle(event, mark);
     }
 }
 
@@ -161,7 +182,7 @@ void Oracle::turn(Event& event, const Turn& turn) const {
             mark = *was;
             unlist(event, key);
         } else if (mark.was && isWrong(mark.was->acted)) {
-            mark.was.reset();
+            settle(event, mark);
         }
     }
     setRight(event, turn.now);
@@ -181,7 +202,8 @@ Seconds Oracle::handledBy(const Event& event, const Mark& mark, bool surely) con
 }
 
 Seconds Oracle::localSnooze(const Event& event, const Mark& mark) const {
-    if (isOfWrongClock(mark) && mark.reminder != kNone) {
+    // As long as nobody knows which clock is right, the reminder comes as it is scheduled.
+    if ((isOfWrongClock(mark) || mark.was) && mark.reminder != kNone) {
         return event.plan.zone ? toWall(here_, mark.reminder) : mark.reminder;
     }
     return toWall(here_, mark.snoozed);

@@ -132,6 +132,7 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
     }
     if (isLeft(event, event.plan, {key, minutes}, false)) {
         event.must.insert({key, minutes});
+        event.isListedAsIs = true;
     }
 }
 
