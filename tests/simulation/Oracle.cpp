@@ -123,6 +123,7 @@ void Oracle::started(Seconds now, bool readable) {
         event.byOther.clear();
         event.leaves = false;
         event.isSure = readable;
+        event.missedSince.reset();
         event.held = readable ? std::vector{event.plan} : std::vector<Plan>();
         event.mayBeHeld = false;
         event.isKnown |= readable;
