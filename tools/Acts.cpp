@@ -6,8 +6,7 @@
 #include "Command.h"
 #include "Format.h"
 #include "Input.h"
-#include "app/DataFolders.h"
-#include "app/Files.h"
+#include "Program.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/Ledger.h"
@@ -28,17 +27,13 @@ constexpr ModeName kModes[] = {{"this", DismissMode::This},
                                {"except-after", DismissMode::AllButAfter},
                                {"all", DismissMode::All}};
 
-std::string ledgerPath(const Arguments& arguments) {
-    const std::string named = arguments.option("--ledger");
-    return !named.empty()
-               ? named
-               : joinPath(findAppDataFolder(programFolder(), isDevelopmentRun()), kLedgerName);
-}
-
 /// The database, and in it the events that are acted upon.
 class Desk {
 public:
-    explicit Desk(const Arguments& arguments) : ledger_(clock_, ledgerPath(arguments)) {
+    explicit Desk(const Arguments& arguments)
+        : ledger_(clock_, ledgerPath(arguments)),
+          set_(db_, clock_, defaultReminders(arguments)),
+          acts_(set_, set_, db_, clock_, ledger_, state_) {
         // By its full path the program knows it, too.
         const std::filesystem::path file = std::filesystem::absolute(arguments.words.front());
         db_.DBFullName = file.lexically_normal().string();
@@ -159,9 +154,9 @@ private:
     SystemClock clock_;
     DBRemindUtils db_;
     Ledger ledger_;
-    CalEvents set_{db_, clock_};
+    CalEvents set_;
     ReminderState state_;
-    Acts acts_{set_, set_, db_, clock_, ledger_, state_};
+    Acts acts_;
     std::vector<ActRow> rows_;
 };
 
@@ -216,6 +211,7 @@ Command act(std::string_view name, std::string_view synopsis, std::string_view d
     constexpr std::size_t kMostGuids = 1000;
     flags.push_back("--json");
     options.push_back("--ledger");
+    options.push_back("--settings");
     return {.name = name,
             .synopsis = synopsis,
             .description = description,
@@ -230,29 +226,32 @@ Command act(std::string_view name, std::string_view synopsis, std::string_view d
 }  // namespace
 
 Command snoozeCommand() {
-    return act("snooze", "FILE GUID ... [--for 15m] [--at START] [--ledger FILE] [--json]",
+    return act("snooze",
+               "FILE GUID ... [--for 15m] [--at START] [--ledger FILE]\n"
+               "               [--settings FILE] [--json]",
                "reminds of the events again after a time from now; --at names the\n"
                "occurrence (yyyy-mm-ddThh:mm:ss, local), else it is the one that the\n"
-               "window shows; --ledger is the program's own unless it is given",
+               "window shows; --ledger and --settings are the program's own unless\n"
+               "they are given",
                {}, {"--for", "--at"}, snooze);
 }
 
 Command dismissCommand() {
     return act("dismiss",
                "FILE GUID ... [--mode this|except-after|all] [--done] [--at START]\n"
-               "               [--ledger FILE] [--json]",
+               "               [--ledger FILE] [--settings FILE] [--json]",
                "deals with this reminder of the occurrence, with all but those after\n"
                "its start, or with all; --done marks it as done",
                {"--done"}, {"--mode", "--at"}, dismiss);
 }
 
 Command reactivateCommand() {
-    return act("reactivate", "FILE GUID ... [--ledger FILE] [--json]",
+    return act("reactivate", "FILE GUID ... [--ledger FILE] [--settings FILE] [--json]",
                "lets the reminders of dismissed events come again", {}, {}, reactivate);
 }
 
 Command hideCommand() {
-    return act("hide", "FILE GUID ... [--show] [--ledger FILE] [--json]",
+    return act("hide", "FILE GUID ... [--show] [--ledger FILE] [--settings FILE] [--json]",
                "hides events from the window's lists, or with --show does not", {"--show"}, {},
                hide);
 }

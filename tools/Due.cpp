@@ -19,7 +19,7 @@ DateTime timeOf(const Arguments& arguments, const char* option) {
 int run(const Arguments& arguments, const Streams& streams) {
     const DateTime from = timeOf(arguments, "--from");
     const DateTime to = timeOf(arguments, "--to");
-    EventsOfFile file(arguments.words[0], from);
+    EventsOfFile file(arguments, from);
     writeEvents(listOf(*file.set.RemindCol(from, to)), Columns::Reminders, arguments.flag("--json"),
                 streams.out);
     return kDone;
@@ -29,7 +29,7 @@ int run(const Arguments& arguments, const Streams& streams) {
 
 Command dueCommand() {
     return {.name = "due",
-            .synopsis = "FILE --from TIME --to TIME [--json]",
+            .synopsis = "FILE --from TIME --to TIME [--settings FILE] [--json]",
             .description =
                 "the events of a reminders database that have a reminder from one time\n"
                 "to the other, both included, each with the earliest one",
@@ -37,7 +37,7 @@ Command dueCommand() {
             .mostWords = 1,
             .words = "one file",
             .flags = {"--json"},
-            .options = {"--from", "--to"},
+            .options = {"--from", "--to", "--settings"},
             .run = run};
 }
 

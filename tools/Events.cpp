@@ -4,6 +4,7 @@
 
 #include "Format.h"
 #include "Input.h"
+#include "Program.h"
 #include "base/ErrorState.h"
 
 namespace vl::tools {
@@ -48,7 +49,9 @@ void writeLine(const Json& row, bool names, std::ostream& out) {
 
 }  // namespace
 
-EventsOfFile::EventsOfFile(const std::string& path, DateTime now) : clock_(now), set(db_, clock_) {
+EventsOfFile::EventsOfFile(const Arguments& arguments, DateTime now)
+    : clock_(now), set(db_, clock_, defaultReminders(arguments)) {
+    const std::string& path = arguments.words.front();
     db_.DBFullName = path;
     db_.Patience = jet::OpenOptions().patience;
     set.ReadDB(true, false);

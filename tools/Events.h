@@ -6,17 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "Command.h"
 #include "base/Clock.h"
 #include "db/DBRemindUtils.h"
 #include "events/CalEvents.h"
 
 namespace vl::tools {
 
-/// Reads what the window would: everything that is neither deleted nor all done. Throws `Error`
-/// when the file cannot be read.
+/// Reads what the window would: everything that is neither deleted nor all done, of the file that
+/// the first word names; see `defaultReminders` for the rest. Throws `Error` when the file cannot
+/// be read.
 class EventsOfFile {
 public:
-    EventsOfFile(const std::string& path, DateTime now);
+    EventsOfFile(const Arguments& arguments, DateTime now);
 
 private:
     class Moment final : public Clock {

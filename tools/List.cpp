@@ -25,7 +25,7 @@ int run(const Arguments& arguments, const Streams& streams) {
                                                              : SystemClock().now();
     const Columns columns = arguments.flag("--events") ? Columns::Events : Columns::Reminders;
     const int wanted = columns == Columns::Events ? kEventsGrid : kAllRemindersGrid;
-    EventsOfFile file(arguments.words[0], now);
+    EventsOfFile file(arguments, now);
     EventList events;
     const auto hidden = hiddenGUIDs(file.set);
     const PeriodView view{code, periodRange(code, now), now, *hidden};
@@ -42,7 +42,7 @@ int run(const Arguments& arguments, const Streams& streams) {
 
 Command listCommand() {
     return {.name = "list",
-            .synopsis = "FILE --period CODE [--events] [--now TIME] [--json]",
+            .synopsis = "FILE --period CODE [--events] [--now TIME] [--settings FILE] [--json]",
             .description =
                 "what the window lists for a period (T today, D+7 the next 7 days, W0\n"
                 "this week ...): reminders, or with --events the events themselves",
@@ -50,7 +50,7 @@ Command listCommand() {
             .mostWords = 1,
             .words = "one file",
             .flags = {"--events", "--json"},
-            .options = {"--period", "--now"},
+            .options = {"--period", "--now", "--settings"},
             .run = run};
 }
 

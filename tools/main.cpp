@@ -42,6 +42,11 @@ namespace {
 constexpr std::string_view kHelpEnd = R"(
   --json  one JSON object a line instead of text to read
 
+  --settings FILE
+          the settings of whose "DefaultReminders" (section "Reminders") remind
+          of the events that use the calendar's defaults; without it those of
+          the program
+
 Without --json rows are parted by tabs, under a line of column names; a tab,
 a line end or a backslash inside a text is written as \t, \n, \r, \\; Null as \N.
 Commands that take [FILE] read the standard input without one, or with "-".

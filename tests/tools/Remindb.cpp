@@ -22,9 +22,11 @@ std::string quoted(const std::string& argument) {
 }  // namespace
 
 Outcome remindb(const std::vector<std::string>& arguments, const std::string& input,
-                const std::string& output) {
+                const std::string& output, const std::string& dataHome) {
     const TempFolder folder;
-    std::string command = quoted(VL_REMINDB);
+    std::string command =
+        "XDG_DATA_HOME=" + quoted(dataHome.empty() ? (folder / "share").string() : dataHome) + ' ' +
+        quoted(VL_REMINDB);
     for (const std::string& argument : arguments) {
         command += ' ' + quoted(argument);
     }

@@ -17,8 +17,10 @@ struct Outcome {
 };
 
 /// `input` is what it reads from its standard input; `output` a file to write to instead of `out`.
+/// `dataHome` is the folder in which the program's own lies; one without anything unless it is
+/// given.
 Outcome remindb(const std::vector<std::string>& arguments, const std::string& input = {},
-                const std::string& output = {});
+                const std::string& output = {}, const std::string& dataHome = {});
 
 /// A JSON value for each line.
 std::vector<Json> linesOf(const std::string& text);
