@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "base/Clock.h"
@@ -52,7 +53,8 @@ public:
     ///
     /// From then on a full read takes back what is all done and has a reminder ahead, in its row,
     /// too, unless its user has marked it as done: the host may have moved it since and left the
-    /// status alone, or the clock was ahead when it was finished.
+    /// status alone, or the clock was ahead when it was finished. So it does with what its user has
+    /// brought back, as long as that is open, whether or not the row can be written.
     void UseLedger(Ledger& ledger, Listed listed);
 
     /// From now on what has changed is found by a full read of `full`, which that set's next reload
@@ -193,6 +195,14 @@ private:
         std::shared_ptr<GenCollection> events;  // null: there is none
     };
 
+    /// Finished events that their user has brought back, as of a version of the ledger.
+    struct BroughtBack {
+        const Ledger* ledger = nullptr;
+        std::string database;
+        std::uint64_t version = 0;
+        std::unordered_set<std::uint64_t> hashes;  // `guidHash`
+    };
+
     struct DonePass;  // what the last look for finished events has found
 
     std::shared_ptr<GenCollection> pendingCol(DateTime FromTime, DateTime ToTime, DateTime since);
@@ -210,6 +220,8 @@ private:
     void takeChangedOf(const GenCollection& all, Source& source);
     bool readChanged(const std::string& statement, Source& source);
     bool isOpenAgain(const calEvent& event) const;
+    void lookForBroughtBack();
+    void readPassedOverAnew();
     void writeTakenBack();
     bool readChangedDamaged(const std::string& statement, Source& source);
     void takeChanged(std::shared_ptr<calEvent> event);
@@ -239,6 +251,7 @@ private:
     std::unique_ptr<SharedReminders> reminders_;
     CalEvents* full_ = nullptr;  // see `ReadWith`
     Ahead ahead_;
+    BroughtBack broughtBack_;
 };
 
 }  // namespace vl

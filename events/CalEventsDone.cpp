@@ -1,6 +1,7 @@
 // Events whose reminders are all past.
 #include <algorithm>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "DonePass.h"
@@ -12,6 +13,7 @@
 #include "events/EventHistory.h"
 #include "events/EventIndex.h"
 #include "events/Ledger.h"
+#include "events/LedgerHistory.h"
 
 namespace vl {
 
@@ -110,13 +112,50 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
     writeStatus(db_, kAllDone, GUIDs);
 }
 
+// What of them was passed over is asked about again when an act has been on it.
+void CalEvents::lookForBroughtBack() {
+    if (ledger_ == noLedger_.get()) {
+        return;
+    }
+    BroughtBack& known = broughtBack_;
+    const bool isSame = known.ledger == ledger_ && known.database == db_.DBFullName;
+    const std::uint64_t version = ledger_->version();
+    if (isSame && known.version == version) {
+        return;
+    }
+    const auto changed =
+        isSame ? ledger_->changedSince(known.version) : std::vector<std::uint64_t>();
+    const auto before = std::exchange(known, BroughtBack{ledger_, db_.DBFullName, version, {}});
+    for (const std::string& GUID : ledger_->broughtBack(db_.DBFullName)) {
+        known.hashes.insert(guidHash(GUID));
+    }
+    const bool isOn = std::any_of(changed.begin(), changed.end(), [&](std::uint64_t hash) {
+        return known.hashes.contains(hash) || before.hashes.contains(hash);
+    });
+    if (!isSame || isOn) {
+        readPassedOverAnew();
+    }
+}
+
+// Also of what a full read has passed over.
+void CalEvents::readPassedOverAnew() {
+    source_ = Source();
+    ahead_ = Ahead();
+    fullRead_->forgetPassedOver();
+}
+
 bool CalEvents::isOpenAgain(const calEvent& event) const {
     const DateTime now = clock_.now();
+    if (event.ISRecurrenceExceptionDeleted != 0) {
+        return false;
+    }
+    if (isBroughtBack(event, *ledger_, db_.DBFullName, now)) {
+        return true;
+    }
     const DateTime last = lastReminderOf(event);
     const bool goesOn =
         last > now || (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
-    return goesOn && event.ISRecurrenceExceptionDeleted == 0 &&
-           !isDoneByUser(event, ledger_->find(db_.DBFullName, event.GUID));
+    return goesOn && !isDoneByUser(event, ledger_->find(db_.DBFullName, event.GUID));
 }
 
 // A row that cannot be written now is found again at the next start; until then the set has it.

@@ -22,13 +22,12 @@ bool CalEvents::isUnchanged(const Source& now) const {
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
     const ErrScope scope;
     remindedNow_ = 0;
+    lookForBroughtBack();
     // Looked at first: what is written while the rows are read counts as changed since.
     Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}, {}};
     if (Reload && clock_.now() < dLastRead) {
         // What was over by a clock that was ahead may not be.
-        source_ = Source();
-        ahead_ = Ahead();
-        fullRead_->forgetPassedOver();
+        readPassedOverAnew();
     }
     if (isUnchanged(now)) {
         if (Reload) {
@@ -64,7 +63,8 @@ std::shared_ptr<GenCollection> CalEvents::readTable(const std::string& statement
                                                     const GenCollection& before) {
     fullRead_->takeBack(takesBack && ledger_ != noLedger_.get()
                             ? [this](const calEvent& event) { return isOpenAgain(event); }
-                            : FullRead::IsOpenAgain());
+                            : FullRead::IsOpenAgain(),
+                        broughtBack_.hashes);
     auto all = fullRead_->read(db_, statement, before, clock_.now(),
                                [this](const FullRead::Fill& fill) { return readEvent(fill); });
     if (all) {
@@ -98,6 +98,7 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
 // What a reload would find now. Looked at first, as for every read.
 std::shared_ptr<GenCollection> CalEvents::readAhead() {
     const DBRemindUtils::Look look = db_.TakeLook();
+    lookForBroughtBack();
     const GenCollection before = ahead_.events ? *ahead_.events : mCol ? *mCol : GenCollection();
     ahead_ = {look, readTable(ReadStatement(false, {}, {}), true, before)};
     return ahead_.events;

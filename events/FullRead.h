@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -49,9 +50,13 @@ public:
 
     /// Told of each event with the status "AllDone" that the condition passes over and that may
     /// have a reminder ahead of `now`: true takes it in all the same, without that status, and as
-    /// long as its row is the same it stays. Events with nothing to come are not decoded.
+    /// long as its row is the same it stays. Events with nothing to come are not decoded, but for
+    /// those in `asked` (by `guidHash`).
     using IsOpenAgain = std::function<bool(const calEvent&)>;
-    void takeBack(IsOpenAgain isOpenAgain) { isOpenAgain_ = std::move(isOpenAgain); }
+    void takeBack(IsOpenAgain isOpenAgain, std::unordered_set<std::uint64_t> asked = {}) {
+        isOpenAgain_ = std::move(isOpenAgain);
+        asked_ = std::move(asked);
+    }
     /// The `GUID`s of those that the last read has taken in, once.
     std::vector<std::string> takeTakenBack() { return std::exchange(takenBack_, {}); }
     /// The next read looks at those again that the condition passed over.
@@ -142,6 +147,7 @@ private:
     bool mayPassBy_ = false;                // false: pages that hold what they held are read, too
     std::vector<const calEvent*> touched_;  // sorted while rows are read
     IsOpenAgain isOpenAgain_;
+    std::unordered_set<std::uint64_t> asked_;
     DateTime now_;  // of the read
     std::vector<PassedOver> passedOver_;
     std::vector<std::string> takenBack_;

@@ -140,6 +140,19 @@ std::vector<std::string> Ledger::actedAfter(std::string_view database, DateTime 
     return GUIDs;
 }
 
+std::vector<std::string> Ledger::broughtBack(std::string_view database) const {
+    const std::string& name = nameOf(database);
+    std::vector<std::string> GUIDs;
+    for (const auto& [key, entry] : content_->events) {
+        const ColumnNote* status = entry.state.note("status");
+        if (entry.database == name && status != nullptr &&
+            !text::equalsNoCase(status->after, "AllDone")) {
+            GUIDs.push_back(entry.GUID);
+        }
+    }
+    return GUIDs;
+}
+
 void Ledger::write(const std::string& lines) {
     file_->append((torn_ ? "\n" : "") + lines);
     torn_ = false;

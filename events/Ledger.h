@@ -72,6 +72,10 @@ public:
     /// GUIDs of the events that were acted upon later than `moment`, in UTC, or have acts in doubt.
     std::vector<std::string> actedAfter(std::string_view database, DateTime moment) const;
 
+    /// GUIDs of the events of which the last act on the status was to have a finished one shown
+    /// again. Costs a look at each event known.
+    std::vector<std::string> broughtBack(std::string_view database) const;
+
     /// Changes what is known of one event, as one line. `act` says by what. False when the line is
     /// not on the disk; it holds in memory all the same.
     bool change(std::string_view database, std::string_view GUID, std::string_view act,

@@ -8,10 +8,42 @@
 
 namespace vl {
 
+namespace {
+
+// Local times, ascending.
+std::vector<DateTime> replacedOf(const calEvent& event, const Ledger& ledger,
+                                 std::string_view database, const TimeZone& here) {
+    std::vector<DateTime> replaced;
+    if (event.IsRepeating()) {
+        for (const Noted& start : ledger.replaced(database, {event.id, event.VLBase})) {
+            replaced.push_back(startIn(event, start, here));
+        }
+    }
+    std::sort(replaced.begin(), replaced.end());
+    return replaced;
+}
+
+}  // namespace
+
 bool isMetBefore(const calEvent& event, DateTime checked, DateTime now) {
     constexpr int kHostBehind = 10;
     return checked.isZero() ||
            (checked <= now && event.Modified < checked.addMinutes(-kHostBehind));
+}
+
+bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view database,
+                   DateTime now) {
+    const EventState* state = ledger.find(database, event.GUID);
+    const ColumnNote* status = state != nullptr ? state->note("status") : nullptr;
+    if (status == nullptr || !status->waits(columnText(event, "status"))) {
+        return false;
+    }
+    const TimeZone here = TimeZone::local();
+    const auto replaced = replacedOf(event, ledger, database, here);
+    const DueFacts facts{state, replaced, here};
+    // Of one that was reactivated also what the next check would find, being the first to meet it.
+    return hasOpenReminder(event, facts, now) ||
+           (state->newlyMet && askDue(event, facts, {now, now, now, now, true}).taken);
 }
 
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const {
@@ -24,13 +56,7 @@ bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTim
         return true;  // an earlier run has left it so: no check has asked for it since
     }
     const TimeZone here = TimeZone::local();
-    std::vector<DateTime> replaced;
-    if (event.IsRepeating()) {
-        for (const Noted& start : ledger_.replaced(db_.DBFullName, {event.id, event.VLBase})) {
-            replaced.push_back(startIn(event, start, here));
-        }
-    }
-    std::sort(replaced.begin(), replaced.end());
+    const auto replaced = replacedOf(event, ledger_, db_.DBFullName, here);
     return hasOpenReminder(event, {state, replaced, here}, now);
 }
 

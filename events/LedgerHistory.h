@@ -16,6 +16,11 @@ namespace vl {
 /// clocks were turned back and stamps tell nothing. 0: there was none, nothing is new.
 bool isMetBefore(const calEvent& event, DateTime checked, DateTime now);
 
+/// Whether the user has brought the event back after it was finished, its row says that it still
+/// is, and it has something to be shown or acted upon: as long as it has, it is not finished.
+bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view database,
+                   DateTime now);
+
 /// Both that it is made of must outlive it.
 class LedgerHistory final : public EventHistory {
 public:

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Text.h"
+#include "events/Ledger.h"
 
 namespace vl {
 
@@ -22,19 +23,27 @@ std::string textOf(const Variant& value) { return value.isNull() ? std::string()
 }  // namespace
 
 FinishedIn::FinishedIn(const std::vector<sql::Field>& fields)
-    : deleted_(fieldNamed(fields, "Deleted")),
+    : guid_(fieldNamed(fields, "GUID")),
+      deleted_(fieldNamed(fields, "Deleted")),
       status_(fieldNamed(fields, "status")),
       start_(fieldNamed(fields, "StartDateTime")),
       recurrence_(fieldNamed(fields, "recurrence")),
       reminders_(fieldNamed(fields, "reminders")),
-      known_(std::max({deleted_, status_, start_, recurrence_, reminders_}) < fields.size()) {}
+      known_(std::max({guid_, deleted_, status_, start_, recurrence_, reminders_}) <
+             fields.size()) {}
+
+bool FinishedIn::is(const sql::RowStream& row) const {
+    return known_ && !row.value(deleted_).isNull() && row.value(deleted_).toInt32() == 0 &&
+           text::equalsNoCase(textOf(row.value(status_)), "AllDone");
+}
+
+bool FinishedIn::isOneOf(const std::unordered_set<std::uint64_t>& asked,
+                         const sql::RowStream& row) const {
+    return !asked.empty() && asked.contains(guidHash(textOf(row.value(guid_))));
+}
 
 // A reminder after the start of a single event has a negative number of minutes.
 bool FinishedIn::mayGoOn(const sql::RowStream& row, DateTime now) const {
-    if (!known_ || row.value(deleted_).isNull() || row.value(deleted_).toInt32() != 0 ||
-        !text::equalsNoCase(textOf(row.value(status_)), "AllDone")) {
-        return false;
-    }
     const Variant start = row.value(start_);
     const auto* date = start.get<DateTime>();
     return (date != nullptr && *date > now) || !textOf(row.value(recurrence_)).empty() ||

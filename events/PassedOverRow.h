@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <unordered_set>
 #include <vector>
 
 #include "FullRead.h"
@@ -10,15 +12,20 @@
 
 namespace vl {
 
-/// Whether a finished event may have something to come, told from five of its row's fields.
+/// What some of a finished event's fields tell of it. Methods throw `Error` as `RowStream::value`.
 class FinishedIn {
 public:
     explicit FinishedIn(const std::vector<sql::Field>& fields);
 
-    /// Throws `Error` as `RowStream::value`.
+    /// Whether it is one, and not deleted.
+    bool is(const sql::RowStream& row) const;
+    /// Whether it may have something to come.
     bool mayGoOn(const sql::RowStream& row, DateTime now) const;
+    /// Whether it is among these, by `guidHash`.
+    bool isOneOf(const std::unordered_set<std::uint64_t>& asked, const sql::RowStream& row) const;
 
 private:
+    std::size_t guid_;
     std::size_t deleted_;
     std::size_t status_;
     std::size_t start_;

@@ -41,12 +41,16 @@ bool isWanted(const calEvent& event, const EventState& state, std::string_view c
 }
 
 // An event that the host has moved, perhaps in the second of the last read, is not done any more.
+// One that a read has taken back shows a status that its row may not have.
 bool Acts::isWantedNow(const calEvent& event, const EventState& known, std::string_view column) {
-    if (!isWanted(event, known, column)) {
+    const bool isWantedOfIt = isWanted(event, known, column);
+    const ColumnNote* note = known.note(column);
+    const bool mayBeTakenBack = column == kStatus && note != nullptr && note->after != kAllDone;
+    if (!isWantedOfIt && !mayBeTakenBack) {
         return false;
     }
     const auto row = column == kStatus ? period_.EventByGUID(event.GUID) : nullptr;
-    return !row || isWanted(*row, known, column);
+    return row ? isWanted(*row, known, column) : isWantedOfIt;
 }
 
 // Of these the ones whose rows say that they are all done, by `guidHash`. None: nobody can tell

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "events/Ledger.h"
 #include "support/EventFile.h"
 #include "support/Support.h"
 
@@ -27,18 +28,15 @@ protected:
         put("Done", "AllDone");
         put("Again", "AllDone");
         put("Open", "");
-        full.takeBack([this](const calEvent& event) {
-            asked.push_back(event.GUID);
-            return event.GUID == open;
-        });
+        full.takeBack(isOpenAgain);
     }
 
-    void put(const std::string& GUID, const std::string& status) {
+    void put(const std::string& GUID, const std::string& status, DateTime start = kNow.addDays(1)) {
         calEvent event;
         event.GUID = GUID;
         event.id = GUID;
         event.status = status;
-        event.StartDateTime = kNow.addDays(1);
+        event.StartDateTime = start;
         event.EndDateTime = event.StartDateTime.addMinutes(30);
         file.put(event);
     }
@@ -69,8 +67,27 @@ protected:
     FullRead full;
     Names asked;
     std::string open = "Again";
+    FullRead::IsOpenAgain isOpenAgain = [this](const calEvent& event) {
+        asked.push_back(event.GUID);
+        return event.GUID == open;
+    };
     std::shared_ptr<GenCollection> held;
 };
+
+TEST_F(TakenBack, IsAskedOfWhatHasNothingToComeOnlyWhereItIsNamed) {
+    put("Over", "AllDone", kNow.addDays(-3));
+    open = "Over";
+    read(kNow);
+    EXPECT_EQ(asked, (Names{"Done", "Again"}));
+    EXPECT_EQ(keys(), Names{"Open"});
+    full.takeBack(isOpenAgain, {guidHash("OVER")});
+    read(kNow);
+    EXPECT_EQ(asked, Names()) << "nothing of it has changed";
+    full.forgetPassedOver();
+    read(kNow);
+    EXPECT_EQ(asked, (Names{"Done", "Again", "Over"}));
+    EXPECT_EQ(keys(), (Names{"Open", "Over"}));
+}
 
 // Its row could not be written, and the reminder that it was taken in for has just come.
 TEST_F(TakenBack, StaysWhenAnotherRowOfItsPageChangesAndItsTimeHasCome) {
