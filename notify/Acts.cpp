@@ -27,6 +27,29 @@ DateTime nextReminderAfter(const calEvent& event, DismissMode mode, DateTime now
     return {};
 }
 
+// In the row; the columns that are written.
+std::vector<std::string> dismissIn(calEvent& wanted, const calEvent& event, DismissMode mode,
+                                   DateTime now) {
+    wanted.Dismissed = now;
+    std::vector<std::string> columns{kDismissed};
+    const auto setNext = [&](DateTime next) {
+        wanted.NextReminder = next;
+        columns.emplace_back(kNextReminder);
+    };
+    const DateTime candidate = nextReminderAfter(event, mode, now);
+    if (now < candidate) {
+        setNext(candidate);
+    }
+    // Only where nothing stands there: an old value stays.
+    if (wanted.NextReminder.isZero() && event.IsRepeating()) {
+        const DateTime next = firstReminderOfNext(event);
+        if (!next.isZero()) {
+            setNext(next);
+        }
+    }
+    return columns;
+}
+
 const char* nameOf(DismissMode mode) {
     return mode == DismissMode::This          ? "this"
            : mode == DismissMode::AllButAfter ? "all but after"
@@ -109,6 +132,13 @@ void Acts::noteChange(const std::string& GUID) {
     }
 }
 
+// Once the occurrence is done, nothing of its event is left.
+bool Acts::endsWith(const ActOn& act) const {
+    const std::string& GUID = act.event.GUID;
+    return isLast(act.event, act.start) && !period_.IsReadInPart(GUID) &&
+           !anyLeftWhenDone(ledger_.find(db_.DBFullName, GUID), act);
+}
+
 ActOn Acts::actOn(const calEvent& event, const ActRow& row) const {
     const DateTime start = row.InstanceStart.isZero() ? event.StartDateTime : row.InstanceStart;
     return {event,       start, clock_.now(), TimeZone::local(), reminders_.Replaced(event),
@@ -174,26 +204,10 @@ void Acts::Dismiss(const ActRow& shown, DismissMode mode, bool markDone) {
         takeActsOfOthers(shown);
         const ActRow row = ofItsSnooze(shown);
         const auto event = EventOf(row);
-        const DateTime now = clock_.now();
         calEvent wanted(*event);
-        wanted.Dismissed = now;
-        std::vector<std::string> columns{kDismissed};
-        const DateTime candidate = nextReminderAfter(*event, mode, now);
-        if (now < candidate) {
-            wanted.NextReminder = candidate;
-            columns.emplace_back(kNextReminder);
-        }
-        // Only where nothing stands there: an old value stays.
-        if (wanted.NextReminder.isZero() && event->IsRepeating()) {
-            const DateTime next = firstReminderOfNext(*event);
-            if (!next.isZero()) {
-                wanted.NextReminder = next;
-                columns.emplace_back(kNextReminder);
-            }
-        }
+        std::vector<std::string> columns = dismissIn(wanted, *event, mode, clock_.now());
         const ActOn act = actOn(*event, row);
-        if (markDone && isLast(*event, act.start) && !period_.IsReadInPart(event->GUID) &&
-            !anyLeftWhenDone(ledger_.find(db_.DBFullName, event->GUID), act)) {
+        if (markDone && endsWith(act)) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);
         }

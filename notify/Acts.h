@@ -132,6 +132,7 @@ private:
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
+    bool endsWith(const ActOn& act) const;
     ActRow ofItsSnooze(const ActRow& row) const;
     bool isLast(const calEvent& event, DateTime start) const;
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
