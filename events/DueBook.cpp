@@ -38,7 +38,7 @@ bool isListedElsewhere(const calEvent& event, const EventState* state) {
 
 // The next run would not know since when reminders of the series, as it is now, may be left.
 bool isNotedOtherwise(const EventState* state, DateTime start) {
-    return state != nullptr && !state->openOf.isZero() && state->openOf != start;
+    return state != nullptr && !state->openSince.isZero() && state->openOf != start;
 }
 
 // Its user wants it to count as newly met, and it has not been listed since.

@@ -100,10 +100,11 @@ private:
 // What has left an event that is still there. True when something has.
 bool keepWhatLeftOf(EventState& fresh, const EventState& known, DateTime now) {
     bool anything = false;
-    for (OccurrenceState one : known.occurrences) {
-        if (isKept(known, one, now) || fresh.find(one.start) != nullptr) {
+    for (const OccurrenceState& was : known.occurrences) {
+        if (isKept(known, was, now) || fresh.find(was.start) != nullptr) {
             continue;
         }
+        OccurrenceState one = was;
         one.listed = DateTime();
         one.spared = false;
         if (one.saysAnything()) {

@@ -17,12 +17,17 @@ WindowLists::WindowLists(const WindowParts& parts, TimeText time,
     }
 }
 
-PeriodView WindowLists::takePeriod() {
+void WindowLists::takeRange(DateTime now) {
     ReminderState& state = parts_.state;
-    const DateTime now = parts_.clock.now();
     const PeriodRange range = periodRange(state.sPeriod, now, state.OneMin);
     state.dShownStart = range.from;
     state.dShownEnd = range.to;
+}
+
+PeriodView WindowLists::takePeriod() {
+    const ReminderState& state = parts_.state;
+    const DateTime now = parts_.clock.now();
+    takeRange(now);
     takeHidden();
     return {state.sPeriod, {state.dShownStart, state.dShownEnd}, now, *state.HiddenGUIDColR};
 }
@@ -38,12 +43,13 @@ void WindowLists::takeHidden() {
 
 void WindowLists::count(int grid) {
     counted_ = {};
-    const PeriodView view = takePeriod();
-    if (waits(grid)) {
-        listPeriod(parts_.period, view, [&](const auto&, const RowOccurrence&, int index) {
-            ++counted_[static_cast<std::size_t>(index)];
-        });
+    if (!waits(grid)) {  // nobody asks for rows, nor for who is hidden
+        takeRange(parts_.clock.now());
+        return;
     }
+    listPeriod(parts_.period, takePeriod(), [&](const auto&, const RowOccurrence&, int index) {
+        ++counted_[static_cast<std::size_t>(index)];
+    });
 }
 
 bool WindowLists::fill() {

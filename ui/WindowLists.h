@@ -61,6 +61,7 @@ public:
 
 private:
     PeriodView takePeriod();
+    void takeRange(DateTime now);
     void takeHidden();
     GridRow rowFor(const std::shared_ptr<calEvent>& event, const RowOccurrence& occurrence,
                    int grid, const TimeZone& here) const;

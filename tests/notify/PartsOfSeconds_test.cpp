@@ -82,6 +82,23 @@ TEST_P(PartsOfSeconds, AnExceptionTakesTheStartThatItReplacesOutOfItsSeries) {
     }
 }
 
+TEST_P(PartsOfSeconds, SoItDoesOnceItsRowIsGone) {
+    const auto master = series("S", at(10, 0, 0, 16), "FREQ=DAILY", {15});
+    desk.put(master);
+    auto exception = single("E", at(14, 0), {15});
+    exception->RecurrenceState = 3;
+    exception->recurringEventId = master->id;
+    exception->RExceptionStartTimeOrig = at(10, 0);
+    desk.put(exception);
+    ASSERT_EQ(add(at(10, 0)), 1);
+    EXPECT_EQ(desk.check(at(8, 1)), "");
+    desk.clock.time = at(8, 2);
+    desk.file.change("E", {{"Deleted", Variant(true)}, {"Modified", Variant(at(8, 2))}});
+    EXPECT_EQ(desk.check(at(8, 3)), "");
+    desk.program.reset();
+    EXPECT_EQ(desk.check(at(9, 46)), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(Milliseconds, PartsOfSeconds, testing::Values(1, 300, -300, -1));
 
 }  // namespace
