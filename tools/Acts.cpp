@@ -91,7 +91,7 @@ private:
     static Json date(DateTime time) { return time.isZero() ? Json() : Json(wallText(time)); }
 
     std::shared_ptr<calEvent> eventOf(const std::string& GUID) {
-        const auto event = set_.EventByGUID(GUID);
+        auto event = set_.EventByGUID(GUID);
         if (!event) {
             const std::string& why = db_.LastErrorText();
             throw Error(ErrNo::NotFound, why.empty() ? "there is no event " + GUID : why);
