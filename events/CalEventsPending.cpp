@@ -8,6 +8,7 @@
 #include "events/ActRules.h"
 #include "events/CalEvents.h"
 #include "events/EventIndex.h"
+#include "events/FileTrouble.h"
 #include "events/WrongClock.h"
 
 namespace vl {
@@ -195,6 +196,7 @@ bool CalEvents::TakeClock(const ClockWord& clock) {
         // By a clock that was ahead it may be finished, and is taken back only when it was set
         // right.
         event = event ? event : EventByGUID(GUID);
+        isInDoubt = isInDoubt || (!event && passes(db_));
         if (event) {
             changes.push_back({GUID, [&, event](EventState& state) {
                                    takeClock(state, *event, clock, here);

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/Files.h"
-#include "db/DBRemindUtils.h"
+#include "events/FileTrouble.h"
 #include "events/GenCollection.h"
 #include "events/LedgerState.h"
 #include "model/calEvent.h"
@@ -24,13 +23,6 @@ inline constexpr const char* kAllDone = "AllDone";
 inline std::shared_ptr<calEvent> heldBy(const std::shared_ptr<GenCollection>& set,
                                         const std::string& GUID) {
     return set && set->Exists(GUID) ? objectAt<calEvent>(*set, GUID) : nullptr;
-}
-
-/// The row is written later: others hold the file, the disk does not answer or is not there.
-inline bool passes(const DBRemindUtils& db) {
-    const ErrNo error = db.LastError();
-    return error == ErrNo::Locked || error == ErrNo::Io ||
-           (error == ErrNo::NotFound && !fileExists(db.DBFullName));
 }
 
 /// Whether the text noted for it is still to be written into the event's column. Where another

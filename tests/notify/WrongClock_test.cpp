@@ -79,6 +79,31 @@ TEST_F(WrongClock, WhatWasDoneUnderAClockAheadIsSetRightAlsoWhereTheEventWasFini
     EXPECT_EQ(desk.check(at(11, 0)), "A 11:00");
 }
 
+// Somebody has the file in the moment in which the clock is asked.
+TEST_F(WrongClock, AnActStaysInDoubtAsLongAsItsEventCannotBeRead) {
+    desk.put(single("A", at(10, 0), {15, 5, -60}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.clock.time = day(2026, 12, 6);
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    restart(day(2026, 12, 6));
+    restart(day(2026, 12, 6, 10));
+    ASSERT_EQ(statusOf("A"), "AllDone") << "neither set has it";
+    desk.clock.time = at(9, 56);
+    const auto isDoubted = [&] {
+        return !desk.program->ledger.find(desk.file.path(), "A")->doubted.empty();
+    };
+    CalEvents& reminders = desk.program->reminders;
+    desk.takeFileAway();
+    EXPECT_TRUE(reminders.TakeClock({at(9, 56), true, false, false}));
+    EXPECT_FALSE(isDoubted());
+    desk.bringFileBack();
+    EXPECT_TRUE(reminders.TakeClock({at(9, 57), false, false, false}));
+    EXPECT_TRUE(isDoubted());
+    EXPECT_FALSE(reminders.TakeClock({at(10, 57), false, false, true})) << "set right";
+    desk.file.remove("A");
+    EXPECT_FALSE(reminders.TakeClock({at(9, 57), true, false, false})) << "nothing to set right";
+}
+
 // What the host has written since then has stamps of before that check.
 TEST_F(WrongClock, AStartBeforeTheLastCheckMeetsEverythingAnew) {
     desk.put(single("Dealt", at(9, 10), {15}));
