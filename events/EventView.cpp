@@ -93,7 +93,7 @@ bool EventView::isOpen(DateTime start, DateTime time) const {
     if (entry == nullptr) {
         return true;
     }
-    return event_.ToMoment(time) > handledThrough(*entry) && entry->muted != Muted::ForEver &&
+    return !isHandled(*entry, start, time) && entry->muted != Muted::ForEver &&
            (entry->muted != Muted::ThroughStart || time > start);
 }
 
@@ -130,9 +130,21 @@ std::optional<DateTime> EventView::behind(DateTime acted) const {
     return seen ? std::optional(startIn(event_, *seen, facts_.zone)) : std::nullopt;
 }
 
-DateTime EventView::handledThrough(const OccurrenceState& one) const {
+// All times that clocks skip are one moment, and so is the end of them. Who has acted before it on
+// the first of them, which the list took early, has dealt with none of the others.
+bool EventView::isHandled(const OccurrenceState& one, DateTime start, DateTime time) const {
     const auto seen = behind(one.acted);
-    return seen ? handledRight(one, event_, *seen) : one.handled;
+    const DateTime through = seen ? handledRight(one, event_, *seen) : one.handled;
+    const DateTime acted = seen ? event_.ToMoment(*seen) : one.acted;
+    const DateTime moment = event_.ToMoment(time);
+    if (moment != through || acted.isZero() || acted >= through) {
+        return moment <= through;
+    }
+    const std::vector<Offset> offsets = offsetsOf(event_);
+    return std::none_of(offsets.begin(), offsets.end(), [&](const Offset& offset) {
+        const DateTime other = start.addMinutes(-offset.minutes);
+        return other < time && event_.ToMoment(other) == moment;
+    });
 }
 
 DateTime EventView::localSnooze(const OccurrenceState& one) const {

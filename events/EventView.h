@@ -87,7 +87,7 @@ public:
 private:
     bool isGone(DateTime start) const;
     std::optional<DateTime> behind(DateTime acted) const;
-    DateTime handledThrough(const OccurrenceState& one) const;
+    bool isHandled(const OccurrenceState& one, DateTime start, DateTime time) const;
     DateTime localSnooze(const OccurrenceState& one) const;
     DateTime snoozeOf(const OccurrenceState* entry) const;
 

@@ -57,6 +57,21 @@ void Oracle::travelled(Zone here) {
     hasTravelled_ = true;
     for (auto& [GUID, event] : events_) {
         event.hasTravelled = event.plan.zone.has_value();
+        for (auto& [key, mark] : event.marks) {
+            leaveClock(mark);
+        }
+    }
+}
+
+// What clocks have skipped there, those here have not.
+void Oracle::leaveClock(Mark& mark) {
+    for (Until* until : {&mark.handled, &mark.handledLast, &mark.shown}) {
+        until->local = Until().local;
+    }
+    if (mark.was) {
+        Mark was = *mark.was;
+        leaveClock(was);
+        mark.was = std::make_shared<const Mark>(was);
     }
 }
 

@@ -1,6 +1,7 @@
 // What must have been announced, and what must not: kept for each occurrence, from the rule alone.
 #pragma once
 
+#include <compare>
 #include <functional>
 #include <iosfwd>
 #include <limits>
@@ -99,16 +100,24 @@ public:
 private:
     static constexpr Seconds kNone = std::numeric_limits<Seconds>::min();
 
+    /// What has been dealt with, up to here. Times that clocks skip are one moment, and still come
+    /// one after the other: then the time that the clock would show decides.
+    struct Until {
+        Seconds moment = kNone;  // as `Plan::toMoment`
+        Seconds local = std::numeric_limits<Seconds>::max();
+        auto operator<=>(const Until&) const = default;
+    };
     /// What is known of one occurrence; times as `Plan::toMoment`. Of two handled times the
     /// later one says what need not be shown, the last one what may.
     struct Mark {
-        Seconds handled = kNone;
-        Seconds handledLast = kNone;
+        Until handled;
+        Until handledLast;
         Seconds snoozed = kNone;   // in UTC
         bool mayBeOver = false;    // since it was set right, but nobody knows of which reminder
         Seconds atLatest = kNone;  // local: when that must be shown at the latest, if set right
         Seconds acted = kNone;     // in UTC
         Seconds reminder = kNone;  // that the row showed
+        Until shown;               // the same; if none, nothing
         bool wasTaken = false;     // by an exception that now is at another moment
         bool silentThroughStart = false;
         bool silent = false;
@@ -225,7 +234,11 @@ private:
     void unlist(Event& event, Seconds key) const;
     void turn(Event& event, const Turn& turn) const;
     void noteClock(const Turn& turn);
-    Seconds handledBy(const Event& event, const Mark& mark, bool surely) const;
+    Until handledBy(const Event& event, const Mark& mark, bool surely) const;
+    static void leaveClock(Mark& mark);
+    Until untilOf(const Plan& plan, Seconds local) const {
+        return {plan.toMoment(local, here_), local};
+    }
     Seconds localSnooze(const Event& event, const Mark& mark) const;
     bool isReplaced(const Event& event, Seconds key, bool surely) const;
     std::optional<Seconds> snoozeOf(const Event& event, Seconds key) const;

@@ -107,9 +107,8 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     // In a view the row of any reminder may be acted upon.
     const bool isDue = row.reminder != 0 && row.reminder <= now;
     const auto reminded = shown || !isDue ? shown : std::optional(row.reminder);
-    // A time that clocks skip is later by the gap.
-    Seconds handled = event.plan.toMoment(now, here_);
-    handled = shown ? std::max(handled, event.plan.toMoment(*shown, here_)) : handled;
+    const Until own = untilOf(event.plan, now);
+    const Until handled = shown ? std::max(own, untilOf(event.plan, *shown)) : own;
     if (event.plan.isSeries()) {
         endEarlier(event, key, now);
     } else {
@@ -141,8 +140,8 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     mark.wasTaken = false;
     mark.acted = toUtc(here_, now);
     mark.reminder = reminded ? event.plan.toMoment(*reminded, here_) : mark.reminder;
-    const Seconds own = event.plan.toMoment(now, here_);
-    const bool early = mark.handledLast > own && mark.handledLast <= own + kMinute;
+    mark.shown = reminded ? untilOf(event.plan, *reminded) : mark.shown;
+    const bool early = mark.handledLast > own && mark.handledLast.moment <= own.moment + kMinute;
     mark.handledLast = early ? std::max(mark.handledLast, handled) : handled;
     mark.handled = std::max(mark.handled, handled);
     mark.silentThroughStart |= act == Act::DismissAllButAfter;

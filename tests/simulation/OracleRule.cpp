@@ -105,7 +105,7 @@ void Oracle::setRight(Event& event, Seconds now) const {
         }
         mark.was = mark.was ? mark.was : std::make_shared<const Mark>(mark);
         mark.acted = toUtc(here_, now);
-        const Seconds dealtWith = std::max(mark.reminder, event.plan.toMoment(now, here_));
+        const Until dealtWith = std::max(mark.shown, untilOf(event.plan, now));
         mark.handled = std::min(mark.handled, dealtWith);
         mark.handledLast = std::min(mark.handledLast, dealtWith);
         mark.mayBeOver = mark.reminder == kNone;
@@ -194,11 +194,10 @@ void Oracle::noteClock(const Turn& turned) {
     }
 }
 
-Seconds Oracle::handledBy(const Event& event, const Mark& mark, bool surely) const {
-    const Seconds handled = surely ? mark.handledLast : mark.handled;
-    return isOfWrongClock(mark)
-               ? std::min(handled, std::max(mark.reminder, event.plan.toMoment(now_, here_)))
-               : handled;
+Oracle::Until Oracle::handledBy(const Event& event, const Mark& mark, bool surely) const {
+    const Until handled = surely ? mark.handledLast : mark.handled;
+    return isOfWrongClock(mark) ? std::min(handled, std::max(mark.shown, untilOf(event.plan, now_)))
+                                : handled;
 }
 
 Seconds Oracle::localSnooze(const Event& event, const Mark& mark) const {
@@ -285,8 +284,7 @@ bool Oracle::isSettled(const Event& event, const Plan& plan, const Occurrence& o
         return false;
     }
     const Mark& mark = found->second;
-    const Seconds handled = handledBy(event, mark, surely);
-    return mark.silent || (handled != kNone && plan.toMoment(time, here_) <= handled) ||
+    return mark.silent || untilOf(plan, time) <= handledBy(event, mark, surely) ||
            (mark.silentThroughStart && time <= one.start);
 }
 
