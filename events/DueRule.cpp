@@ -167,6 +167,14 @@ private:
     DateTime since_;
 };
 
+// A single event that stands in a list, perhaps as it was before the host moved it: it can still be
+// acted upon where another copy of the program has not seen that yet, or has left its row standing.
+bool mayStandInAList(const calEvent& event, const EventState* state, DateTime now) {
+    const OccurrenceState* one = state != nullptr ? state->listed() : nullptr;
+    return one != nullptr && !event.IsRepeating() &&
+           !isLongAgo(std::max(one->start, one->end), now);
+}
+
 }  // namespace
 
 void recordDue(calEvent& event, const Due& due) {
@@ -210,8 +218,7 @@ DateTime notedOpenSince(const calEvent& event, const EventState* state) {
 }
 
 bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now) {
-    // A copy of the program that has not seen yet that the host moved it may have it in its list.
-    if (!event.IsRepeating() && facts.state != nullptr && facts.state->listed() != nullptr) {
+    if (mayStandInAList(event, facts.state, now)) {
         return true;
     }
     const EventView view(event, facts, now);

@@ -12,7 +12,6 @@ namespace vl::ledger {
 
 namespace {
 
-constexpr int kKeptDays = 90;
 // Times on the clocks of two zones, or on one clock and in UTC, differ by less.
 constexpr int kDaysBetweenClocks = 2;
 
@@ -116,8 +115,6 @@ bool keepWhatLeftOf(EventState& fresh, const EventState& known, DateTime now) {
 }
 
 }  // namespace
-
-bool isLongAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
 
 // Behind a row of the list others wait for their turn, however long; where none stands there,
 // nothing does.

@@ -8,9 +8,6 @@
 
 namespace vl::ledger {
 
-/// Whether `when` is so long ago, as seen from `now`, that nobody needs to know of it any more.
-bool isLongAgo(DateTime when, DateTime now);
-
 /// `EventState::openSince` once what is too old at `now` has left: what was dealt with must not be
 /// asked for again when nothing is known of it any more.
 DateTime openSinceAt(const EventState& state, DateTime now);

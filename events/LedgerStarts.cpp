@@ -98,8 +98,7 @@ void Ledger::keepReplaced(std::string_view database, const std::vector<Replaced>
 void Ledger::keepRecentlyReplaced(std::string_view database, std::vector<Replaced> all) {
     const DateTime now = reference(*content_);
     for (Replaced& one : all) {
-        std::erase_if(one.starts,
-                      [&](const Noted& start) { return ledger::isLongAgo(start.local, now); });
+        std::erase_if(one.starts, [&](const Noted& start) { return isLongAgo(start.local, now); });
     }
     keepReplaced(database, all);
 }

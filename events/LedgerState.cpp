@@ -81,6 +81,8 @@ DateTime earlierOf(const Noted& when, const TimeZone& here) {
     return when.utc.isZero() ? when.local : std::min(when.local, here.fromUtc(when.utc));
 }
 
+bool isLongAgo(DateTime when, DateTime now) { return when.addDays(kKeptDays) < now; }
+
 SeriesName seriesOf(const calEvent& exception) {
     return {exception.recurringEventId, exception.VLBase};
 }

@@ -37,6 +37,11 @@ Noted notedNow(DateTime local);
 /// The earlier of the same time and the same moment on the clock of `here`.
 DateTime earlierOf(const Noted& when, const TimeZone& here);
 
+/// For so many days the ledger knows of what is over.
+inline constexpr int kKeptDays = 90;
+/// Whether `when` is so long ago, as seen from `now`, that nobody needs to know of it any more.
+bool isLongAgo(DateTime when, DateTime now);
+
 /// On disk by name; see `Ledger`.
 enum class Muted { No, ThroughStart, ForEver };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "base/ErrorState.h"
+#include "events/ActRules.h"
 #include "events/CalEvents.h"
 #include "events/EventHistory.h"
 #include "events/Ledger.h"
@@ -219,6 +220,26 @@ TEST_F(AllDone, WaitsForWhatStandsInTheListWhereverTheHostHasMovedIt) {
     set.UpdateAllDone(&history);
     EXPECT_EQ(moved.status, "");
     listed = false;
+    set.UpdateAllDone(&history);
+    EXPECT_EQ(moved.status, "AllDone");
+}
+
+// Listed at another time, and moved while no program was there to see it: another copy may have
+// that row in its list still, but not for ever.
+TEST_F(AllDone, WaitsForWhatWasListedAtAnotherTimeAsLongAsTheLedgerKeepsIt) {
+    Ledger ledger(clock);
+    LedgerHistory history(ledger, db, [](std::string_view) { return false; });
+    const calEvent& moved = put(at(9, 0, 0, 10));
+    calEvent before(moved);
+    before.StartDateTime = at(9, 0, 0, 12);
+    before.EndDateTime = at(10, 0, 0, 12);
+    ledger.change(db.DBFullName, moved.GUID, "listed", [&](EventState& state) {
+        entryOf(state, before, before.StartDateTime).listed = at(8, 45, 0, 12);
+    });
+    clock.time = at(9, 59, 0, 12).addDays(90);
+    set.UpdateAllDone(&history);
+    EXPECT_EQ(moved.status, "");
+    clock.time = at(10, 1, 0, 12).addDays(90);
     set.UpdateAllDone(&history);
     EXPECT_EQ(moved.status, "AllDone");
 }
