@@ -251,7 +251,7 @@ bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
     EventState after = known != nullptr ? *known : EventState();
     recordDismiss(after, act, DismissMode::All);
     recordDone(after, act);
-    for (const std::string_view column : {kStateColumns[0], kStateColumns[1]}) {
+    for (const std::string_view column : kWordColumns) {
         after.row[std::string(column)].after = columnText(act.event, column);
     }
     const DueFacts facts{&after, act.replaced, act.zone};

@@ -39,8 +39,8 @@ bool isOf(const calEvent& event, const SeriesName& series, bool anyBase) {
 
 // The exception's series among what was found: that in its own host's database, or where that has
 // none, any with the id. Null when it was not found.
-const DueBook::Found* seriesOf(const calEvent& exception, const std::vector<DueBook::Found>& found,
-                               const GenCollection& events) {
+const DueBook::Found* masterAmong(const std::vector<DueBook::Found>& found,
+                                  const calEvent& exception, const GenCollection& events) {
     const SeriesName series = seriesOf(exception);
     const auto among = [&](bool anyBase) -> const DueBook::Found* {
         const auto master = std::find_if(
@@ -108,7 +108,7 @@ std::shared_ptr<GenCollection> CalEvents::pendingCol(DateTime FromTime, DateTime
     }
     for (const DueBook::Found& one : found) {
         if (replacesUnknown(*one.event)) {
-            const auto* master = seriesOf(*one.event, found, *mCol);
+            const auto* master = masterAmong(found, *one.event, *mCol);
             if (master == nullptr) {
                 continue;
             }

@@ -159,7 +159,7 @@ private:
     bool store(const std::function<std::string()>& makeLines);
     std::string edited(std::string_view database, std::string_view GUID, std::string_view act,
                        const std::function<void(EventState&)>& edit, bool forget);
-    void compact(bool always);
+    void compact(bool starting);
     DateTime reference(const Content& content) const;
 
     const Clock& clock_;

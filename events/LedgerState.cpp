@@ -93,7 +93,7 @@ DateTime startIn(const calEvent& series, const Noted& start, const TimeZone& her
 }
 
 bool rowSpeaks(const calEvent& event, const EventState* state) {
-    for (const std::string_view column : {kStateColumns[0], kStateColumns[1]}) {
+    for (const std::string_view column : kWordColumns) {
         const ColumnNote* note = state != nullptr ? state->note(column) : nullptr;
         if (note == nullptr || !note->knows(columnText(event, column))) {
             return true;

@@ -130,6 +130,8 @@ struct EventState {
 /// The columns that acts write, in the order in which they are written.
 inline constexpr std::string_view kStateColumns[] = {"NextReminder", "Dismissed", "Hidden",
                                                      "status"};
+/// Those of them by which a row speaks.
+inline constexpr std::string_view kWordColumns[] = {"NextReminder", "Dismissed"};
 
 /// A state column of the event as its note writes it.
 std::string columnText(const calEvent& event, std::string_view column);

@@ -6,7 +6,8 @@ namespace vl {
 
 namespace {
 
-// A clock that was set anew is nearer to the right time than the one it was before.
+// A clock that is set right may come to a little before what was done by the one that was right
+// before: no two are right to the minute.
 constexpr int kDriftMinutes = 5;
 
 template <class Visit>
@@ -21,13 +22,13 @@ bool isFresh(const EventState& state, DateTime acted, DateTime latest) {
     return acted > latest && !state.doubted.contains(acted);
 }
 
-enum class Fate { InDoubt, AsItWas, Wrong };
+enum class Ruling { InDoubt, AsItWas, Wrong };
 
-Fate fateOf(DateTime acted, const ClockWord& clock, DateTime moment) {
+Ruling rulingOn(DateTime acted, const ClockWord& clock, DateTime moment) {
     if (clock.jumped && acted <= moment.addMinutes(kDriftMinutes)) {
-        return Fate::AsItWas;
+        return Ruling::AsItWas;
     }
-    return clock.stood || acted <= moment ? Fate::Wrong : Fate::InDoubt;
+    return clock.stood || acted <= moment ? Ruling::Wrong : Ruling::InDoubt;
 }
 
 // What was listed by the clock that was behind, since the act on it was in doubt.
@@ -35,7 +36,7 @@ void endListing(EventState& state, const calEvent& event, const ClockWord& clock
                 const TimeZone& here) {
     const auto isOf = [&](DateTime acted) {
         return state.doubted.contains(acted) &&
-               fateOf(acted, clock, here.toUtc(clock.now)) == Fate::AsItWas;
+               rulingOn(acted, clock, here.toUtc(clock.now)) == Ruling::AsItWas;
     };
     const DateTime ended = isOf(state.endedAt)
                                ? std::min(state.endedBefore, overBefore(event, clock.now))
@@ -91,7 +92,8 @@ bool bearsOn(const ClockWord& clock, const EventState& state, const TimeZone& he
     bool bears = false;
     forEachAct(state, [&](DateTime acted) { bears = bears || isFresh(state, acted, latest); });
     return bears || std::any_of(state.doubted.begin(), state.doubted.end(), [&](const auto& one) {
-               return one.second.utc > latest || fateOf(one.first, clock, moment) != Fate::InDoubt;
+               return one.second.utc > latest ||
+                      rulingOn(one.first, clock, moment) != Ruling::InDoubt;
            });
 }
 
@@ -102,11 +104,12 @@ void takeClock(EventState& state, const calEvent& event, const ClockWord& clock,
     endListing(state, event, clock, here);
     auto& doubted = state.doubted;
     std::erase_if(doubted, [&](const auto& one) {
-        return fateOf(one.first, clock, moment) == Fate::AsItWas;
+        return rulingOn(one.first, clock, moment) == Ruling::AsItWas;
     });
     setActsRight(state, event, here, [&](DateTime acted) -> std::optional<Noted> {
         const auto found = doubted.find(acted);
-        const bool isWrong = found != doubted.end() && fateOf(acted, clock, moment) == Fate::Wrong;
+        const bool isWrong =
+            found != doubted.end() && rulingOn(acted, clock, moment) == Ruling::Wrong;
         return isWrong ? std::optional(found->second) : std::nullopt;
     });
     for (auto& [acted, seen] : doubted) {

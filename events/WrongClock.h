@@ -26,8 +26,8 @@ bool isActedAfter(const EventState& state, DateTime latest);
 struct ClockWord {
     DateTime now;             ///< local
     bool turnedBack = false;  ///< since the last check, or none saw it before
-    bool jumped =
-        false;  ///< since the last check forward by more than a right clock is off, or as above
+    /// Since the last check, forward by more than a right clock is off; or none saw it before.
+    bool jumped = false;
     bool stood = false;  ///< it has gone on for an hour since it was turned back
 };
 

@@ -24,8 +24,7 @@ private:
     std::optional<DateTime> moment_;  // UTC, of the last look
     bool turnedBack_ = true;
     bool jumped_ = false;
-    std::int64_t goneOn_ =
-        0;  // milliseconds since it was turned back, less what it has jumped over
+    std::int64_t goneOn_ = 0;  // milliseconds since it was turned back, without what it has skipped
 };
 
 }  // namespace vl

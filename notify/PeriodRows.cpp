@@ -17,6 +17,11 @@ RowOccurrence recorded(calEvent& event, DateTime start, DateTime reminder) {
     return {start, reminder};
 }
 
+// A row each: `Exists` would walk the list where it is short.
+bool isAmong(const GenCollection& hidden, const calEvent& event) {
+    return hidden.Position(event.GUID) > 0;
+}
+
 bool isShownAs(std::string_view code, const calEvent& event) {
     return !text::equalsNoCase(code, "Di") || event.Dismissed > DateTime();
 }
@@ -30,7 +35,7 @@ std::size_t listFound(const GenCollection& found, const PeriodView& view, int gr
         if (!event || !isShownAs(view.code, *event)) {
             continue;
         }
-        if (view.hidden.Position(event->GUID) > 0) {
+        if (isAmong(view.hidden, *event)) {
             ++leftOut;
         } else {
             take(event, recordedOccurrence(*event), grid);
@@ -82,8 +87,7 @@ std::shared_ptr<GenCollection> hiddenGUIDs(const CalEvents& events) {
 }
 
 bool isListedIn(std::string_view code, const calEvent& event, const GenCollection& hidden) {
-    const bool isHidden = hidden.Position(event.GUID) > 0;
-    return isHidden == text::equalsNoCase(code, "H") && isShownAs(code, event);
+    return isAmong(hidden, event) == text::equalsNoCase(code, "H") && isShownAs(code, event);
 }
 
 LeftOut DoPeriodSS(CalEvents& events, const PeriodView& view, const TakeRow& take) {
