@@ -132,9 +132,9 @@ private:
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
-    bool endsWith(const ActOn& act) const;
     ActRow ofItsSnooze(const ActRow& row) const;
     bool isLast(const calEvent& event, DateTime start) const;
+    bool endsWith(const ActOn& act) const;
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,
                const std::function<void(EventState&)>& edit, bool forget = false);
