@@ -19,6 +19,7 @@ Acts::Acts(CalEvents& reminders, CalEvents& period, DBRemindUtils& db, const Clo
 
 Acts::Together::Together(Acts& acts) : acts_(acts) {
     ledger_.emplace(acts_.ledger_);
+    acts_.isHeld_ = acts_.isHeld_ && acts_.together_ > 0;
     ++acts_.together_;
 }
 

@@ -129,12 +129,13 @@ private:
     void setIn(const Objects& objects, std::string_view column, const Variant& value);
     void takeActsOfOthers(const ActRow& row);
     void lookAtRow(const EventState& known, const Objects& objects);
+    std::shared_ptr<calEvent> rowOf(const std::string& GUID);
     void bringBack(const std::shared_ptr<calEvent>& event, calEvent& wanted,
                    std::vector<std::string>& columns);
     ActOn actOn(const calEvent& event, const ActRow& row) const;
     ActRow ofItsSnooze(const ActRow& row) const;
-    bool isLast(const calEvent& event, DateTime start) const;
-    bool endsWith(const ActOn& act) const;
+    bool isLast(const calEvent& event, DateTime start);
+    bool endsWith(const ActOn& act);
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,
                const std::function<void(EventState&)>& edit, bool forget = false);
@@ -153,7 +154,7 @@ private:
     void leaveSets(const std::string& GUID);
     void findLeftOver();
     std::optional<std::unordered_set<std::uint64_t>> allDoneAmong(
-        std::span<const std::string> GUIDs) const;
+        std::span<const std::string> GUIDs);
     void findLeftOverOfAbsent();
     std::shared_ptr<calEvent> held(const std::string& GUID) const;
     bool isWantedNow(const calEvent& event, const EventState& known, std::string_view column);
@@ -171,6 +172,7 @@ private:
     std::deque<Deletion> deletions_;
     int together_ = 0;        // scopes of `Together`
     bool hadToWait_ = false;  // something of what waits, since an earlier try
+    bool isHeld_ = false;     // a row could not be read, in this look at what waits, or this act
     std::string trouble_;
     // The ledger's version, when left-overs were looked for.
     std::optional<std::uint64_t> lookedAt_;

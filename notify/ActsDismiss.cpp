@@ -57,8 +57,8 @@ const char* nameOf(DismissMode mode) {
 
 // Nothing of the event is to come after the occurrence. A row may still show it as it was before
 // the host moved it, and the host may have moved it in this moment.
-bool Acts::isLast(const calEvent& event, DateTime start) const {
-    const auto now = period_.EventByGUID(event.GUID);
+bool Acts::isLast(const calEvent& event, DateTime start) {
+    const auto now = rowOf(event.GUID);
     const bool isThere = now && !now->StartDateTime.isZero();
     if (isThere && now->StartDateTime != event.StartDateTime) {
         return false;
@@ -69,7 +69,7 @@ bool Acts::isLast(const calEvent& event, DateTime start) const {
 }
 
 // Once the occurrence is done, nothing of its event is left.
-bool Acts::endsWith(const ActOn& act) const {
+bool Acts::endsWith(const ActOn& act) {
     const std::string& GUID = act.event.GUID;
     return isLast(act.event, act.start) && !period_.IsReadInPart(GUID) &&
            !anyLeftWhenDone(ledger_.find(db_.DBFullName, GUID), act);

@@ -49,14 +49,14 @@ bool Acts::isWantedNow(const calEvent& event, const EventState& known, std::stri
     if (!isWantedOfIt && !mayBeTakenBack) {
         return false;
     }
-    const auto row = column == kStatus ? period_.EventByGUID(event.GUID) : nullptr;
+    const auto row = column == kStatus ? rowOf(event.GUID) : nullptr;
     return row ? isWanted(*row, known, column) : isWantedOfIt;
 }
 
 // Of these the ones whose rows say that they are all done, by `guidHash`. None: nobody can tell
 // now.
 std::optional<std::unordered_set<std::uint64_t>> Acts::allDoneAmong(
-    std::span<const std::string> GUIDs) const {
+    std::span<const std::string> GUIDs) {
     constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     std::unordered_set<std::uint64_t> found;
     while (!GUIDs.empty()) {
@@ -69,7 +69,8 @@ std::optional<std::unordered_set<std::uint64_t>> Acts::allDoneAmong(
             "SELECT GUID FROM Reminders WHERE Status=" + DBRemindUtils::ToSQLText(kAllDone) +
             " AND GUID IN (" + list + ")");
         if (!rows || !rows->isOpen()) {
-            return passes(db_) ? std::nullopt : std::optional(found);
+            isHeld_ = passes(db_);
+            return isHeld_ ? std::nullopt : std::optional(found);
         }
         for (; !rows->EOF_(); rows->MoveNext()) {
             found.insert(guidHash(rows->value("GUID").toText()));
@@ -111,7 +112,7 @@ void Acts::findLeftOver() {
         auto event = held(one.GUID);
         if (!event) {
             absent_[one.GUID] = allDone && allDone->contains(hash);
-            event = isToComeBack(one.state) ? period_.EventByGUID(one.GUID) : nullptr;
+            event = isToComeBack(one.state) ? rowOf(one.GUID) : nullptr;
         }
         if (event) {
             if (byOthers.contains(hash)) {
@@ -120,7 +121,7 @@ void Acts::findLeftOver() {
             takeUpLeftOver(event, one.state, kStateColumns);
         }
     }
-    if (!allDone) {
+    if (isHeld_) {
         lookedAt_ = before;
     }
 }

@@ -73,6 +73,7 @@ bool Acts::Write::isOf(std::string_view otherColumn, std::string_view otherGUID,
 // Another copy may have acted on the event since its row was read: what that has noted stands
 // there by now, or will.
 void Acts::takeActsOfOthers(const ActRow& row) {
+    isHeld_ = isHeld_ && together_ > 0;
     ledger_.ReadAgain();
     const std::string& GUID = row.event->GUID;
     const EventState* known = ledger_.find(db_.DBFullName, GUID);
@@ -94,12 +95,23 @@ void Acts::takeActsOfOthers(const ActRow& row) {
     }
 }
 
+// As it is in the file; null where there is none, or nobody can read it now. Each would wait for
+// whoever has the file: after one that did in vain the others are not tried.
+std::shared_ptr<calEvent> Acts::rowOf(const std::string& GUID) {
+    if (isHeld_) {
+        return nullptr;
+    }
+    auto row = period_.EventByGUID(GUID);
+    isHeld_ = !row && passes(db_);
+    return row;
+}
+
 // Since it was read the row may have been written by several acts of another copy, or by another
 // program after one: only the row can tell. Where nobody can read it, what was noted is likelier
 // than what is held, and perhaps waits.
 void Acts::lookAtRow(const EventState& known, const Objects& objects) {
     const std::string& GUID = objects.front()->GUID;
-    const auto row = period_.EventByGUID(GUID);
+    const auto row = rowOf(GUID);
     for (const std::string_view column : kStateColumns) {
         const ColumnNote* note = known.note(column);
         if (row) {
@@ -218,6 +230,7 @@ void Acts::WriteWaiting() {
 
 void Acts::RestoreWaiting() {
     const ErrScope scope;
+    isHeld_ = false;
     // Another copy may have acted since on what still waits here.
     for (Write& write : waiting_) {
         const EventState* known = ledger_.find(db_.DBFullName, write.GUID);

@@ -2,6 +2,10 @@
 // other has done.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
 #include "FileDesk.h"
 
 namespace vl {
@@ -201,6 +205,38 @@ TEST_F(TwoCopies, WhatOneHasReactivatedBeforeItEndedIsBroughtBackByTheOtherWhenT
         EXPECT_EQ(desk.check(at(9, 56, 10)), GUID + (snoozes ? " 09:55" : " 09:45"));
         desk.program->acts.Dismiss(desk.listed.at(GUID), DismissMode::All);
     }
+}
+
+// Each row would wait for whoever has the file.
+TEST_F(TwoCopies, WhileNobodyCanReadTheFileACheckTriesItNoMoreOftenWhereMoreWasActedOn) {
+    const auto failedSteps = [&](int count) {
+        const std::string first(1, static_cast<char>('A' + count));
+        desk.program.reset();
+        other.reset();
+        desk.clock.time = at(9, 0);
+        for (int i = 0; i < count; ++i) {
+            desk.put(single(first + std::to_string(i), at(10, 0), {15}));
+        }
+        desk.check(at(9, 45));
+        startOther();
+        desk.takeFileAway();
+        for (int i = 0; i < count; ++i) {
+            const std::string GUID = first + std::to_string(i);
+            other->acts.Dismiss(rowOf(*other, GUID.c_str()), DismissMode::This, true);
+        }
+        const std::string path = (desk.folder / (first + ".trace")).string();
+        openTrace(path);
+        EXPECT_EQ(desk.check(at(9, 46)), "");
+        openTrace("");
+        desk.bringFileBack();
+        EXPECT_EQ(checkBoth(at(9, 47)), "/");
+        EXPECT_EQ(desk.file.value(first + "0", "status"), Variant("AllDone"));
+        std::ifstream in(path);
+        return std::count(std::istreambuf_iterator<char>(in), {}, '\n');
+    };
+    const auto ofFew = failedSteps(2);
+    EXPECT_GT(ofFew, 0);
+    EXPECT_EQ(failedSteps(12), ofFew);
 }
 
 // The row of an occurrence that goes on for weeks stands in the list for months. What was dealt
