@@ -57,7 +57,12 @@ DateTime DateTime::fromMilliseconds(std::int64_t sinceEpoch) {
 }
 
 std::int64_t DateTime::milliseconds() const noexcept {
-    constexpr double kLimit = 1.0e7;  // days; far past the year 9999
+    constexpr double kLimit = 1.0e7;     // days; far past the year 9999
+    if (days_ >= 1 && days_ < kLimit) {  // nearly all, and each comparison comes by here
+        const auto whole = static_cast<std::int64_t>(days_);
+        const double rest = days_ - static_cast<double>(whole);
+        return whole * kDayMs + static_cast<std::int64_t>(rest * kDayMs + 0.5);
+    }
     if (std::isnan(days_)) {
         return 0;
     }
@@ -105,6 +110,12 @@ DateTime DateTime::addSeconds(std::int64_t n) const noexcept {
 
 DateTime DateTime::wholeSeconds() const noexcept {
     return fromMilliseconds(floorDiv(milliseconds(), 1000) * 1000);
+}
+
+DateTime DateTime::nearestSecond() const noexcept {
+    const std::int64_t ms = milliseconds();
+    const bool stays = ms % 1000 == 0 && !std::isnan(days_);
+    return stays ? *this : fromMilliseconds(floorDiv(ms + 500, 1000) * 1000);
 }
 
 std::int64_t minutesBetween(DateTime from, DateTime to) noexcept {

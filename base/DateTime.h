@@ -52,6 +52,8 @@ public:
     DateTime addSeconds(std::int64_t n) const noexcept;
     /// Without the part below a second: what the database can hold, and what clocks give.
     DateTime wholeSeconds() const noexcept;
+    /// Half a second counts up; a time without parts stays as it is, bit for bit.
+    DateTime nearestSecond() const noexcept;
 
     friend std::strong_ordering operator<=>(DateTime a, DateTime b) noexcept {
         return a.milliseconds() <=> b.milliseconds();

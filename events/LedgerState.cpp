@@ -71,11 +71,7 @@ std::string columnText(const calEvent& event, std::string_view column) {
 }
 
 // Both to the nearest second, which is what the file can hold.
-Noted notedNow(DateTime local) {
-    constexpr std::int64_t kHalf = 500;
-    return {DateTime::fromMilliseconds(local.milliseconds() + kHalf).wholeSeconds(),
-            TimeZone::local().toUtc(local)};
-}
+Noted notedNow(DateTime local) { return {local.nearestSecond(), TimeZone::local().toUtc(local)}; }
 
 DateTime earlierOf(const Noted& when, const TimeZone& here) {
     return when.utc.isZero() ? when.local : std::min(when.local, here.fromUtc(when.utc));

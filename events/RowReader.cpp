@@ -32,12 +32,10 @@ bool isOwn(std::string_view name) {
 // What a host has worked out may have parts of a second, or lack them; what is noted of an event
 // has none.
 void toWholeSeconds(calEvent& event) {
-    constexpr std::int64_t kHalf = 500;
     for (DateTime calEvent::*const time :
          {&calEvent::StartDateTime, &calEvent::EndDateTime, &calEvent::RExceptionStartTimeOrig,
           &calEvent::NextReminder, &calEvent::Dismissed}) {
-        DateTime& one = event.*time;
-        one = DateTime::fromMilliseconds(one.milliseconds() + kHalf).wholeSeconds();
+        event.*time = (event.*time).nearestSecond();
     }
 }
 

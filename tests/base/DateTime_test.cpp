@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <random>
 
 namespace vl {
@@ -88,6 +90,46 @@ TEST(DateTime, EverySecondSurvivesTheDouble) {
         const std::int64_t ms = seconds(random) * 1000;
         ASSERT_EQ(DateTime::fromMilliseconds(ms).milliseconds(), ms);
     }
+}
+
+TEST(DateTime, TheNearestMillisecondCountsWhereverTheDayLies) {
+    std::mt19937_64 random(20261122);
+    std::uniform_int_distribution<std::int64_t> days(-600'000, 3'000'000);
+    std::uniform_int_distribution<std::int64_t> parts(0, 86'399'999);
+    for (int i = 0; i < 200'000; ++i) {
+        const std::int64_t day = days(random);
+        const std::int64_t part = parts(random);
+        const double away = static_cast<double>(i % 9 - 4) / 10;  // of a millisecond
+        const double time = std::max(0.0, (static_cast<double>(part) + away) / 86'400'000);
+        const auto whole = static_cast<double>(day);
+        const DateTime date(day < 0 ? whole - time : whole + time);
+        ASSERT_EQ(date.milliseconds(), day * 86'400'000 + part) << day << ' ' << part;
+    }
+}
+
+TEST(DateTime, TheNearestSecondHasNoParts) {
+    struct Case {
+        std::int64_t ms;
+        std::int64_t nearest;
+    };
+    constexpr std::int64_t kDay = 86'400'000;
+    for (const Case& c : {Case{46'000 * kDay + 499, 46'000 * kDay},
+                          {46'000 * kDay + 500, 46'000 * kDay + 1000},
+                          {46'001 * kDay - 1, 46'001 * kDay},
+                          {46'001 * kDay - 501, 46'001 * kDay - 1000},
+                          {-500, 0},
+                          {-501, -1000},
+                          {499, 0}}) {
+        EXPECT_EQ(DateTime::fromMilliseconds(c.ms).nearestSecond().milliseconds(), c.nearest)
+            << c.ms;
+    }
+}
+
+TEST(DateTime, AWholeSecondStaysBitForBit) {
+    const double days = std::nextafter(at(9, 0).days(), 0.0);
+    EXPECT_EQ(DateTime(days).nearestSecond().days(), days);
+    EXPECT_EQ(DateTime().nearestSecond().days(), 0.0);
+    EXPECT_TRUE(DateTime(std::nan("")).nearestSecond().isZero());
 }
 
 }  // namespace
