@@ -84,6 +84,11 @@ double nextReminderOf(const calEvent& event, const Limits& limits, DateTime from
     return next;
 }
 
+// Whether the window begins in what is quiet: then it is known what comes first, at `to`.
+bool beginsInside(double from, double to, const Window& window) {
+    return window.from.days() >= from && window.from.days() < to - kSlack;
+}
+
 bool isInside(double from, double to, const Window& window) {
     return window.from.days() >= from && window.to.days() < to - kSlack;
 }
@@ -134,7 +139,8 @@ bool EventIndex::mayRemind(std::size_t i, const Window& window) {
         default:
             return states_[i].left || !isPlain(window) ||
                    (!isInside(reminders_[i].from, reminders_[i].to, window) &&
-                    seriesMayRemind(i, window));
+                    (beginsInside(reminders_[i].from, reminders_[i].to, window) ||
+                     seriesMayRemind(i, window)));
     }
 }
 
@@ -170,8 +176,9 @@ bool EventIndex::mayStart(std::size_t i, const Window& window) {
         case Kind::Single:
             return !isPlain(window) || touches(starts_[i].from, starts_[i].to, window);
         default:
-            return !isPlain(window) ||
-                   (!isInside(starts_[i].from, starts_[i].to, window) && seriesMayStart(i, window));
+            return !isPlain(window) || (!isInside(starts_[i].from, starts_[i].to, window) &&
+                                        (beginsInside(starts_[i].from, starts_[i].to, window) ||
+                                         seriesMayStart(i, window)));
     }
 }
 
