@@ -217,14 +217,11 @@ DateTime calEvent::PrevReminderD(DateTime dDate, const Clock& clock) const {
 }
 
 DateTime calEvent::RecordedReminderD() const {
-    if (InstanceStart.isZero()) {
-        return {};
-    }
-    // Also where it honestly is as many minutes as stand for none.
+    // Also where it honestly is as many minutes as stand for none, and of a snooze without a date.
     if (!dReminder.isZero() && minutesBetween(dReminder, InstanceStart) == iRemMinutes) {
         return dReminder;
     }
-    return iRemMinutes == kNoReminder
+    return InstanceStart.isZero() || iRemMinutes == kNoReminder
                ? DateTime()
                : InstanceStart.addMinutes(-static_cast<std::int64_t>(iRemMinutes));
 }

@@ -102,6 +102,9 @@ private:
 
     ActRow rowOf(const std::shared_ptr<calEvent>& event, const std::string& at) {
         const DateTime start = at.empty() ? occurrenceOf(*event) : wallTime(at);
+        if (start.isZero() && at.empty() && !event->IsRepeating()) {
+            return undated(event);
+        }
         if (start.isZero()) {
             throw Error(ErrNo::NotFound, event->GUID + " has no occurrence");
         }
@@ -116,6 +119,13 @@ private:
         const bool scheduled = event->RemindersCol && event->RemindersCol->Count() > 0;
         return {event, start,
                 scheduled ? event->PrevReminderD(clock_.now(), DateTime()) : DateTime()};
+    }
+
+    // It has no reminder of its own, but may have been put off.
+    static ActRow undated(const std::shared_ptr<calEvent>& event) {
+        event->InstanceStart = DateTime();
+        const bool isPutOff = event->NextReminder > event->Dismissed;
+        return {event, DateTime(), isPutOff ? event->NextReminder : DateTime()};
     }
 
     bool isReplaced(const calEvent& event, DateTime start) const {

@@ -394,6 +394,16 @@ TEST(RecordedReminder, IsTheTimeAQueryLeft) {
     EXPECT_EQ(event.RecordedReminderD(), at(12, 0).addMinutes(100001));
 }
 
+TEST(RecordedReminder, OfAnEventWithoutADateIsItsSnooze) {
+    calEvent event;
+    EXPECT_TRUE(event.RecordedReminderD().isZero());
+    event.dReminder = at(8, 5);
+    event.iRemMinutes = static_cast<std::int32_t>(minutesBetween(event.dReminder, DateTime()));
+    EXPECT_EQ(event.RecordedReminderD(), at(8, 5));
+    event.iRemMinutes = 15;
+    EXPECT_TRUE(event.RecordedReminderD().isZero()) << "left over from another query";
+}
+
 TEST(calEventReminders, KeepsPendingError) {
     ErrorState::set(ErrNo::Locked);
     calEvent event = withOffsets({kSmallest, 5});

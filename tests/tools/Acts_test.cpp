@@ -133,6 +133,23 @@ TEST_F(RemindbActs, AnOccurrenceOfASeriesIsNamedByItsStart) {
     EXPECT_THAT(wrong.err, HasSubstr("no occurrence at 2026-12-01T10:00:00"));
 }
 
+TEST_F(RemindbActs, AnEventWithoutADateIsPutOffAndHiddenLikeAnyOther) {
+    fs::remove(file);
+    test::EventFile events(file);
+    const auto event = test::single("{U}", test::at(10, 0), {15});
+    event->StartDateTime = event->EndDateTime = DateTime();
+    events.put(*event);
+    ASSERT_EQ(act({"hide", "{U}"}).code, 0);
+    EXPECT_EQ(stored("{U}")["Hidden"], true);
+    const auto run = act({"snooze", "{U}", "--for", "2h"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(linesOf(run.out).at(0)["NextReminder"], stored("{U}")["NextReminder"]);
+    ASSERT_EQ(act({"dismiss", "{U}"}).code, 0);
+    EXPECT_TRUE(noted().back()["occurrences"][0].value("snoozed", "").empty());
+    ASSERT_EQ(act({"reactivate", "{U}"}).code, 0);
+    EXPECT_EQ(stored("{U}")["Dismissed"], "1899-12-30T00:00:00");
+}
+
 TEST_F(RemindbActs, SaysWhatFailed) {
     EXPECT_THAT(act({"dismiss", "{nobody}"}).err, HasSubstr("there is no event {nobody}"));
     EXPECT_EQ(act({"dismiss", "{nobody}"}).code, 1);
