@@ -247,6 +247,14 @@ void recordDismiss(EventState& state, const ActOn& act, DismissMode mode) {
 
 void recordDone(EventState& state, const ActOn& act) { muteForEver(begin(state, act), act); }
 
+void closeOpen(EventState& state, const ActOn& act) {
+    const DueFacts facts{&state, act.replaced, act.zone};
+    const DateTime since = notedOpenSince(act.event, &state);
+    if (!since.isZero() && !askDue(act.event, facts, {act.now, act.now, act.now, since}).taken) {
+        state.openSince = state.openOf = DateTime();
+    }
+}
+
 bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
     EventState after = known != nullptr ? *known : EventState();
     recordDismiss(after, act, DismissMode::All);

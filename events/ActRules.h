@@ -67,6 +67,11 @@ void recordDismiss(EventState& state, const ActOn& act, DismissMode mode);
 /// None of the occurrence's reminders will be shown any more.
 void recordDone(EventState& state, const ActOn& act);
 
+/// Where nothing waits any more after the act and the notes on the row, the next run need not ask
+/// from the time since which reminders waited: by others that the host gives the event later, what
+/// was dealt with would come back.
+void closeOpen(EventState& state, const ActOn& act);
+
 /// Whether something of the event is still to come, or to be acted upon, once the occurrence is
 /// done.
 bool anyLeftWhenDone(const EventState* known, const ActOn& act);

@@ -176,6 +176,7 @@ void Acts::apply(const ActRow& row, const char* name, const calEvent& wanted,
     const auto change = [&](EventState& state) {
         edit(state);
         noteRow(state, *event, wanted, columns);
+        closeOpen(state, actOn(*event, row));
     };
     if (forget) {
         ledger_.forget(db_.DBFullName, event->GUID, name, change);

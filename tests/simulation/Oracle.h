@@ -148,19 +148,20 @@ private:
         bool mayBeHeld = false;     // an act may have read `plan`
         bool isSure = false;        // it holds `plan`, and has held it since an earlier check
         bool hasTravelled = false;  // its row has other local times, which is no matter
-        std::optional<Moment> listedSince;  // when it was first listed, asked from
-        bool isListedAsIs = false;          // by a reminder that the plan has
-        std::optional<Moment> openSince;    // the same, once it is at another moment
-        bool isKnown = false;               // it has been sure at some time
-        bool gone = false;                  // by the host's will
-        bool goneIsKnown = false;           // the program must know it
-        bool isDone = false;                // all of it
-        bool isDoneByRow = false;           // as far as that says
-        bool isWritten = false;             // by the host, since the last act
-        bool isElsewhere = false;           // its row means another moment than it did then
-        std::optional<Seconds> doneRow;     // local: of a single event, what that said when done
-        bool mayBeFinished = false;         // a day after its last reminder
-        bool isFinished = false;            // and nobody knows better
+        std::optional<Moment>
+            listedSince;            // when it was first listed, asked from, since nothing waited
+        bool isListedAsIs = false;  // by a reminder that the plan has
+        std::optional<Moment> openSince;  // the same, once it is at another moment
+        bool isKnown = false;             // it has been sure at some time
+        bool gone = false;                // by the host's will
+        bool goneIsKnown = false;         // the program must know it
+        bool isDone = false;              // all of it
+        bool isDoneByRow = false;         // as far as that says
+        bool isWritten = false;           // by the host, since the last act
+        bool isElsewhere = false;         // its row means another moment than it did then
+        std::optional<Seconds> doneRow;   // local: of a single event, what that said when done
+        bool mayBeFinished = false;       // a day after its last reminder
+        bool isFinished = false;          // and nobody knows better
         std::optional<Word> word;
         std::optional<Word> wordBefore;     // the program may still go by this one
         Seconds modified = 0;               // as the host says

@@ -148,6 +148,11 @@ void Oracle::acted(const Listing& row, Act act, Seconds now, Seconds until) {
     mark.silent |= act == Act::DismissAll || act == Act::Done;
     event.open.erase(key);
     settle(event);
+    // Where nothing waits any more, what the host gives it later brings nothing of before back.
+    if (event.isSure && event.must.empty() && event.may.empty() && event.open.empty()) {
+        event.listedSince.reset();
+        event.openSince.reset();
+    }
     const bool isLast = event.plan.lastKey() == key;
     const bool isSnoozed = std::any_of(event.marks.begin(), event.marks.end(),
                                        [](const auto& one) { return one.second.snoozed != kNone; });
