@@ -27,7 +27,7 @@ std::uint64_t guidHash(std::string_view GUID);
 ///    "occurrences":[{"start":,"end":,"handled":,"snoozed":,"muted":"start"|"ever","listed":,
 ///     "acted":,"reminder":,"local":,"spared":true}],
 ///    "endedBefore":,"endedAt":,"openSince":,"openOf":,"acted":,"said":{"NextReminder":,"Dismissed":},
-///    "doubted":{TIME:{"seen":,"utc":}},"newlyMet":true,"deleting":true,
+///    "doubted":{TIME:{"seen":,"utc":}},"newlyMet":true,"waits":true,"deleting":true,
 ///    "row":{COLUMN:[before ...,after]}}
 ///   {"db":PATH,"checked":TIME,"utc":}   the first check of a day; the last line is the last check
 ///   {"db":PATH,"master":ID,"base":,"replaced":TIME,"utc":}   a start that an exception has taken

@@ -50,8 +50,9 @@ bool rowWouldSnooze(const EventState& state) {
 
 // An event's part beside its occurrences.
 bool isOver(const EventState& state, DateTime now) {
-    return !state.deleting && state.occurrences.empty() && isLongAgo(state.acted, now) &&
-           isLongAgo(written(state, "NextReminder"), now) && !rowWouldSnooze(state);
+    return !state.waits && !state.deleting && state.occurrences.empty() &&
+           isLongAgo(state.acted, now) && isLongAgo(written(state, "NextReminder"), now) &&
+           !rowWouldSnooze(state);
 }
 
 /// The occurrences of a database that can come back when nothing is known any more of the starts

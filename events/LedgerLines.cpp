@@ -135,6 +135,7 @@ void takeEvent(Content& content, const Json& json) {
     const Json said = json.value("said", Json::object());
     state.word = {time(said, "NextReminder"), time(said, "Dismissed")};
     state.newlyMet = json.value("newlyMet", false);
+    state.waits = json.value("waits", false);
     state.deleting = json.value("deleting", false);
     state.row = rowOf(json.value("row", Json::object()));
     state.tidy();
@@ -222,6 +223,9 @@ std::string eventLine(const Entry& now, const EventState& before, bool forget, s
     }
     if (state.newlyMet) {
         json["newlyMet"] = true;
+    }
+    if (state.waits) {
+        json["waits"] = true;
     }
     if (state.deleting) {
         json["deleting"] = true;

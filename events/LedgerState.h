@@ -109,6 +109,8 @@ struct EventState {
     bool newlyMet = false;
     RowWord word;  ///< what the row said before the first act took the word from it
     std::map<std::string, ColumnNote, std::less<>> row;
+    /// What an act has put into the row could not be written yet: however old, it is not dropped.
+    bool waits = false;
     /// The user has deleted the item, and the host's file could not be written yet.
     bool deleting = false;
 

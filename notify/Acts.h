@@ -151,6 +151,7 @@ private:
     void deleteWaiting();
     void enqueueDeletion(const calEvent& event);
     void countWaiting();
+    void noteWaiting();
     void leaveSets(const std::string& GUID);
     void findLeftOver();
     std::optional<std::unordered_set<std::uint64_t>> allDoneAmong(
@@ -170,9 +171,10 @@ private:
     ReminderState& state_;
     std::deque<Write> waiting_;
     std::deque<Deletion> deletions_;
-    int together_ = 0;        // scopes of `Together`
-    bool hadToWait_ = false;  // something of what waits, since an earlier try
-    bool isHeld_ = false;     // a row could not be read, in this look at what waits, or this act
+    std::unordered_set<std::string> notedWaiting_;  // GUIDs of rows that the ledger says wait
+    int together_ = 0;                              // scopes of `Together`
+    bool hadToWait_ = false;                        // something of what waits, since an earlier try
+    bool isHeld_ = false;  // a row could not be read, in this look at what waits, or this act
     std::string trouble_;
     // The ledger's version, when left-overs were looked for.
     std::optional<std::uint64_t> lookedAt_;

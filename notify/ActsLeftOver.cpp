@@ -115,6 +115,9 @@ void Acts::findLeftOver() {
             event = isToComeBack(one.state) ? rowOf(one.GUID) : nullptr;
         }
         if (event) {
+            if (one.state.waits && !changed) {
+                notedWaiting_.insert(one.GUID);
+            }
             if (byOthers.contains(hash)) {
                 lookAtRowOf(event, one.state);
             }

@@ -226,6 +226,36 @@ void Acts::WriteWaiting() {
     hadToWait_ = !waiting_.empty();
     attempt([&] { deleteWaiting(); });
     countWaiting();
+    attempt([&] { noteWaiting(); });
+}
+
+// A row may have to wait for longer than the ledger keeps what was dealt with.
+void Acts::noteWaiting() {
+    if (waiting_.empty() && notedWaiting_.empty()) {
+        return;
+    }
+    std::vector<Ledger::Change> changes;
+    const auto note = [&](const std::string& GUID, bool waits) {
+        const EventState* known = ledger_.find(db_.DBFullName, GUID);
+        if (known != nullptr && known->waits != waits) {
+            changes.push_back({GUID, [waits](EventState& state) { state.waits = waits; }});
+        }
+    };
+    std::unordered_set<std::string> waiting;
+    for (const Write& write : waiting_) {
+        if (waiting.insert(write.GUID).second) {
+            note(write.GUID, true);
+        }
+    }
+    for (const std::string& GUID : notedWaiting_) {
+        if (!waiting.contains(GUID)) {
+            note(GUID, false);
+        }
+    }
+    notedWaiting_ = std::move(waiting);
+    if (!changes.empty()) {
+        ledger_.change(db_.DBFullName, "waits", changes);
+    }
 }
 
 void Acts::RestoreWaiting() {

@@ -103,6 +103,23 @@ TEST_F(LedgerAging, AnEventStaysAsLongAsItsRowWouldBringASnoozeBack) {
     }
 }
 
+TEST_F(LedgerAging, AnEventStaysAsLongAsItsRowWaits) {
+    for (const bool waits : {false, true}) {
+        fs::remove(path);
+        {
+            Ledger ledger(clock, path.string());
+            ledger.change(kDb, "{A}", "hide", [&](EventState& state) {
+                state.acted = at(10, 0).addDays(-200);
+                state.row["Hidden"] = {{"0"}, "-1"};
+                state.waits = waits;
+            });
+        }
+        ledgerStarts(at(10, 0));
+        const Ledger again(clock, path.string());
+        EXPECT_EQ(again.find(kDb, "{A}") != nullptr, waits);
+    }
+}
+
 TEST_F(LedgerAging, WhatStandsInTheListStaysAndOfSeveralTheLast) {
     {
         Ledger ledger(clock, path.string());

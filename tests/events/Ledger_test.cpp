@@ -30,6 +30,7 @@ TEST_F(LedgerFile, KeepsEveryPartOverARestart) {
     all.openSince = at(8, 0);
     all.openOf = at(8, 30);
     all.newlyMet = true;
+    all.waits = true;
     all.word = {at(7, 0), at(6, 0)};
     all.row["status"] = {{"", "a \"b\""}, "AllDone"};
     {

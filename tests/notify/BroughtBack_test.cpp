@@ -155,5 +155,57 @@ TEST_F(BroughtBack, WhatIsReactivatedLongAfterItWasOverIsFinishedAgain) {
     EXPECT_TRUE(look.same(desk->program->db.TakeLook())) << "nobody writes";
 }
 
+// Longer than anything else is kept that was dealt with.
+TEST_F(BroughtBack, MonthsLaterItIsStillBack) {
+    ASSERT_NO_FATAL_FAILURE(begin(single("C", at(9, 0, 0, 17), {15})));
+    desk->put(single("A", at(10, 0).addDays(120), {15}));
+    desk->put(single("D", at(10, 0).addDays(300), {15}));
+    ASSERT_EQ(desk->check(at(8, 1)), "");
+    const auto row = [&](const char* GUID) {
+        const auto event = objectAt<calEvent>(*desk->program->period.mCol, GUID);
+        return ActRow{event, event->StartDateTime, event->StartDateTime.addMinutes(-15)};
+    };
+    desk->program->acts.Dismiss(row("A"), DismissMode::All);
+    const HoldingProcess holder(desk->file.path());
+    desk->clock.time = at(8, 2);
+    desk->program->acts.Reactivate(row("A"));
+    desk->program->acts.Hide(row("D"));
+    for (const int days : {30, 89, 92, 110}) {
+        desk->program.reset();
+        desk->check(at(8, 0).addDays(days));
+        EXPECT_EQ(desk->program->state.waitingWrites, 2) << days;
+    }
+    EXPECT_TRUE(row("D").event->Hidden);
+    desk->check(at(9, 44).addDays(120));
+    EXPECT_EQ(desk->check(at(9, 45).addDays(120)), "A 09:45");
+    EXPECT_NE(stored("Dismissed"), Variant(DateTime()));
+}
+
+// No event: no date, and yet somebody has put it off.
+TEST(WithoutADate, ASnoozeIsShownOnceAndGoesAfterAnAct) {
+    FileDesk desk;
+    desk.clock.time = at(8, 0);
+    const auto event = single("A", at(10, 0), {15});
+    event->StartDateTime = event->EndDateTime = DateTime();
+    desk.put(event);
+    ASSERT_EQ(desk.check(at(8, 1)), "");
+    desk.file.change("A", {{"NextReminder", Variant(at(8, 5))}});
+    EXPECT_EQ(desk.check(at(8, 4)), "");
+    EXPECT_EQ(desk.check(at(8, 5, 10)), "A 08:05");
+    EXPECT_EQ(desk.program->screen.count("PlayReminderSound"), 1);
+    for (const int minute : {6, 7}) {
+        EXPECT_EQ(desk.check(at(8, minute)), "") << "it stands in the list";
+    }
+    EXPECT_EQ(desk.program->screen.count("PlayReminderSound"), 1);
+    desk.program->acts.Snooze(desk.listed.at("A"), 5);
+    EXPECT_EQ(desk.check(at(8, 11)), "");
+    EXPECT_EQ(desk.check(at(8, 12)), "A 08:12");
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    EXPECT_EQ(desk.check(at(8, 13)), "");
+    EXPECT_FALSE(desk.program->state.NewReminders->Exists("A"));
+    desk.program.reset();
+    EXPECT_EQ(desk.check(at(8, 14)), "");
+}
+
 }  // namespace
 }  // namespace vl
