@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "DueRule.h"
 #include "EventIndex.h"
 #include "events/GenCollection.h"
 #include "events/WrongClock.h"
@@ -151,6 +150,18 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     return entry;
 }
 
+// Whether its last occurrence, where it is now, is muted for ever.
+bool isLastMuted(const calEvent& event, const EventState& state) {
+    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
+    const DateTime wall = event.ToWall(last);
+    // Where its row says what it said, nobody has moved it, whatever that means after a journey.
+    const auto isMarked = [&](const OccurrenceState& one) {
+        const bool isSameRow = !event.IsRepeating() && one.local == event.StartDateTime;
+        return one.muted == Muted::ForEver && (one.start == wall || isSameRow);
+    };
+    return std::any_of(state.occurrences.begin(), state.occurrences.end(), isMarked);
+}
+
 void muteForEver(OccurrenceState& entry, const ActOn& act) {
     entry.muted = Muted::ForEver;
     entry.local = act.event.HasOwnZone() ? act.start : DateTime();
@@ -197,23 +208,21 @@ bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
             }));
 }
 
-bool isLastMuted(const calEvent& event, const EventState& state) {
-    const DateTime last = event.IsRepeating() ? event.LastInstance() : event.StartDateTime;
-    const DateTime wall = event.ToWall(last);
-    // Where its row says what it said, nobody has moved it, whatever that means after a journey.
-    const auto isMarked = [&](const OccurrenceState& one) {
-        const bool isSameRow = !event.IsRepeating() && one.local == event.StartDateTime;
-        return one.muted == Muted::ForEver && (one.start == wall || isSameRow);
-    };
-    return std::any_of(state.occurrences.begin(), state.occurrences.end(), isMarked);
+bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now) {
+    const DateTime end = std::max(now, lastReminderOf(event));
+    return hasOpenReminder(event, facts, now) || askDue(event, facts, {now, end, now, now}).taken;
 }
 
-bool isDoneByUser(const calEvent& event, const EventState* state) {
-    if (state != nullptr && isLastMuted(event, *state)) {
-        return true;
-    }
-    return rowSpeaks(event, state) && !event.Dismissed.isZero() &&
-           event.Modified <= event.Dismissed;
+bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now) {
+    const ColumnNote* status = facts.state != nullptr ? facts.state->note("status") : nullptr;
+    return status != nullptr && status->after == "AllDone" && isLastMuted(event, *facts.state) &&
+           !anyLeft(event, facts, now);
+}
+
+bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now) {
+    return isMarkedDone(event, facts, now) ||
+           (rowSpeaks(event, facts.state) && !event.Dismissed.isZero() &&
+            event.Modified <= event.Dismissed);
 }
 
 OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start) {
@@ -263,9 +272,7 @@ bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
         after.row[std::string(column)].after = columnText(act.event, column);
     }
     const DueFacts facts{&after, act.replaced, act.zone};
-    const DateTime end = std::max(act.now, lastReminderOf(act.event));
-    return hasOpenReminder(act.event, facts, act.now) ||
-           askDue(act.event, facts, {act.now, end, act.now, act.now}).taken;
+    return anyLeft(act.event, facts, act.now);
 }
 
 }  // namespace vl

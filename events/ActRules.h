@@ -5,6 +5,7 @@
 
 #include "app/TimeZone.h"
 #include "base/DateTime.h"
+#include "events/DueRule.h"
 #include "events/LedgerState.h"
 #include "model/calEvent.h"
 
@@ -45,13 +46,15 @@ bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, Date
 /// schedule. Local times.
 bool isScheduled(const calEvent& event, DateTime start, DateTime time);
 
-/// Whether its last occurrence is muted for ever: marked as done, unless the host has moved it
-/// since, or has added others.
-bool isLastMuted(const calEvent& event, const EventState& state);
+/// Whether something of the event is still to come, or to be acted upon.
+bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now);
 
-/// Whether the event's user has marked it as done, as far as it is still as it was then: here, or
-/// in another program, whose dismissal is not older than what the host has written.
-bool isDoneByUser(const calEvent& event, const EventState* state);
+/// Whether the event's user has marked it as done here, as far as it is still as it was then: the
+/// host has not moved its last occurrence since, nor added others, nor given new reminders to any.
+bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now);
+
+/// The same, or in another program, whose dismissal is not older than what the host has written.
+bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now);
 
 /// The entry of the occurrence that begins at `start`, local time, made when there is none; it says
 /// when the occurrence is over and its last reminder has come.

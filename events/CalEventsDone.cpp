@@ -155,7 +155,7 @@ bool CalEvents::isOpenAgain(const calEvent& event) const {
     const DateTime last = lastReminderOf(event);
     const bool goesOn =
         last > now || (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
-    return goesOn && !isDoneByUser(event, ledger_->find(db_.DBFullName, event.GUID));
+    return goesOn && !isDoneByUser(event, *ledger_, db_.DBFullName, now);
 }
 
 // A row that cannot be written now is found again at the next start; until then the set has it.

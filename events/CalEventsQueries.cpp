@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "AnswerMemo.h"
-#include "DueRule.h"
 #include "base/ErrorState.h"
 #include "base/Text.h"
 #include "events/CalEvents.h"
+#include "events/DueRule.h"
 #include "events/EventIndex.h"
 #include "model/clsReminder.h"
 

@@ -12,8 +12,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "DueRule.h"
 #include "ReplacedStarts.h"
+#include "events/DueRule.h"
 #include "events/GenCollection.h"
 #include "events/Ledger.h"
 

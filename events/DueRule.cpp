@@ -1,4 +1,4 @@
-#include "DueRule.h"
+#include "events/DueRule.h"
 
 #include <algorithm>
 #include <vector>

@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "DueRule.h"
 #include "events/ActRules.h"
+#include "events/DueRule.h"
 
 namespace vl {
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "DueRule.h"
 #include "app/TimeZone.h"
+#include "events/ActRules.h"
+#include "events/DueRule.h"
 
 namespace vl {
 
@@ -44,6 +45,13 @@ bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view
     // Of one that was reactivated also what the next check would find, being the first to meet it.
     return hasOpenReminder(event, facts, now) ||
            (state->newlyMet && askDue(event, facts, {now, now, now, now, true}).taken);
+}
+
+bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view database,
+                  DateTime now) {
+    const TimeZone here = TimeZone::local();
+    const auto replaced = replacedOf(event, ledger, database, here);
+    return isDoneByUser(event, {ledger.find(database, event.GUID), replaced, here}, now);
 }
 
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const {

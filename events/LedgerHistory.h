@@ -21,6 +21,10 @@ bool isMetBefore(const calEvent& event, DateTime checked, DateTime now);
 bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view database,
                    DateTime now);
 
+/// As in `events/ActRules.h`, by what the ledger knows.
+bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view database,
+                  DateTime now);
+
 /// Both that it is made of must outlive it.
 class LedgerHistory final : public EventHistory {
 public:

@@ -7,7 +7,6 @@
 
 #include "events/FileTrouble.h"
 #include "events/GenCollection.h"
-#include "events/LedgerState.h"
 #include "model/calEvent.h"
 
 namespace vl {
@@ -24,10 +23,5 @@ inline std::shared_ptr<calEvent> heldBy(const std::shared_ptr<GenCollection>& se
                                         const std::string& GUID) {
     return set && set->Exists(GUID) ? objectAt<calEvent>(*set, GUID) : nullptr;
 }
-
-/// Whether the text noted for it is still to be written into the event's column. Where another
-/// program has put a word of its own into the row, ours is none any more, although a column may be
-/// as it was.
-bool isWanted(const calEvent& event, const EventState& state, std::string_view column);
 
 }  // namespace vl

@@ -158,6 +158,8 @@ private:
         std::span<const std::string> GUIDs);
     void findLeftOverOfAbsent();
     std::shared_ptr<calEvent> held(const std::string& GUID) const;
+    bool isStillDone(const calEvent& event, const EventState& known) const;
+    bool isWanted(const calEvent& event, const EventState& known, std::string_view column) const;
     bool isWantedNow(const calEvent& event, const EventState& known, std::string_view column);
     void lookAtRowOf(const std::shared_ptr<calEvent>& event, const EventState& known);
     void takeUpLeftOver(const std::shared_ptr<calEvent>& event, const EventState& known,

@@ -26,18 +26,23 @@ bool isSnoozedElsewhere(const calEvent& event, const EventState& state) {
     return event.NextReminder > event.Dismissed && rowSpeaks(event, &state);
 }
 
-bool isStillDone(const calEvent& event, const EventState& state) {
-    return isLastMuted(event, state) && !isSnoozedElsewhere(event, state);
-}
-
 }  // namespace
 
-bool isWanted(const calEvent& event, const EventState& state, std::string_view column) {
-    const ColumnNote* note = state.note(column);
+bool Acts::isStillDone(const calEvent& event, const EventState& known) const {
+    const auto replaced = reminders_.Replaced(event);
+    return isMarkedDone(event, {&known, replaced, TimeZone::local()}, clock_.now()) &&
+           !isSnoozedElsewhere(event, known);
+}
+
+// Whether the text noted for it is still to be written into the event's column. Where another
+// program has put a word of its own into the row, ours is none any more, although a column may be
+// as it was.
+bool Acts::isWanted(const calEvent& event, const EventState& known, std::string_view column) const {
+    const ColumnNote* note = known.note(column);
     const bool isWord = column == kNextReminder || column == kDismissed;
     return note != nullptr && note->waits(columnText(event, column)) &&
-           !(isWord && rowSpeaks(event, &state)) &&
-           (column != kStatus || note->after != kAllDone || isStillDone(event, state));
+           !(isWord && rowSpeaks(event, &known)) &&
+           (column != kStatus || note->after != kAllDone || isStillDone(event, known));
 }
 
 // An event that the host has moved, perhaps in the second of the last read, is not done any more.

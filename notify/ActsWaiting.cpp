@@ -116,7 +116,8 @@ void Acts::lookAtRow(const EventState& known, const Objects& objects) {
         const ColumnNote* note = known.note(column);
         if (row) {
             setIn(objects, column, row->property(column));
-        } else if (note != nullptr) {
+        } else if (note != nullptr &&
+                   (note->after != kAllDone || isStillDone(*objects.front(), known))) {
             setIn(objects, column, Variant(note->after));
             enqueue(GUID, column, note->after);
             hadToWait_ = true;
