@@ -78,13 +78,14 @@ TEST_F(OneOfSeveral, WhatHasBecomeASeriesIsAskedForAsOne) {
     desk.put(single("S", at(10, 0, 0, 18), {15}));
     EXPECT_EQ(desk.check(at(9, 45, 0, 18)), "S 09:45");
     desk.program->acts.Dismiss(desk.listed.at("S"), DismissMode::This);
-    desk.check(at(12, 0, 0, 19));
+    EXPECT_EQ(desk.check(at(12, 0, 0, 19)), "");
+    desk.clock.time = at(12, 0, 5, 19);
     desk.put(series("S", at(10, 0, 0, 18), "FREQ=DAILY", {15}));
-    desk.check(at(12, 0, 10, 19));
-    desk.check(at(12, 0, 20, 19));
+    EXPECT_EQ(desk.check(at(12, 0, 10, 19)), "S 09:45");
+    EXPECT_EQ(desk.listed.at("S").InstanceStart, at(10, 0, 0, 19));
     desk.program.reset();
-    const std::string later = desk.check(at(12, 1, 0, 19));
-    EXPECT_TRUE(later.empty() || later == "S 09:45") << later;
+    EXPECT_EQ(desk.check(at(12, 1, 0, 19)), "S 09:45") << "it was not acted upon";
+    EXPECT_EQ(desk.listed.at("S").InstanceStart, at(10, 0, 0, 19));
     EXPECT_EQ(desk.file.value("S", "status"), Variant(""));
 }
 
