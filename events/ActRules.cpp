@@ -39,10 +39,8 @@ void takeOverRow(EventState& state, const ActOn& act) {
         entryOf(state, act.event, says.occurrence).snoozed = act.zone.toUtc(says.snoozed);
     }
     for (OccurrenceState& one : state.occurrences) {
-        const DateTime start =
-            act.event.IsRepeating() ? act.event.FromWall(one.start) : act.event.StartDateTime;
-        if (!one.snoozed.isZero() &&
-            isSilenced(act.event, says, start, act.zone.fromUtc(one.snoozed))) {
+        if (!one.snoozed.isZero() && isSilenced(act.event, says, act.event.FromWall(one.start),
+                                                act.zone.fromUtc(one.snoozed))) {
             one.snoozed = DateTime();
         }
     }
@@ -141,7 +139,7 @@ OccurrenceState& begin(EventState& state, const ActOn& act) {
     entry.handled = std::max(stays ? entry.handled : now, listed);
     entry.snoozed = DateTime();
     entry.listed = DateTime();
-    entry.acted = stays ? std::max(entry.acted, acted) : acted;
+    entry.acted = std::max(entry.acted, acted);
     if (!listed.isZero()) {
         entry.reminder = listed;
     } else if (!act.reminder.isZero() && act.reminder <= act.now) {
@@ -182,7 +180,7 @@ bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, Date
 
 RowSays rowSays(const calEvent& event, const RowWord& word, std::span<const DateTime> replaced) {
     RowSays says;
-    if (word.NextReminder > word.Dismissed && !word.NextReminder.isZero()) {
+    if (word.NextReminder > word.Dismissed) {
         says.snoozed = word.NextReminder;
         says.occurrence = occurrenceAt(event, word.NextReminder, replaced);
     } else {

@@ -173,8 +173,7 @@ bool Acts::writeNext() {
     constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     const Write first = waiting_.front();
     const auto isAlike = [&, text = wantedText(first)](const Write& one) {
-        return one.text == first.text && one.column == first.column && !one.GUID.empty() &&
-               wantedText(one) == text;
+        return one.column == first.column && !one.GUID.empty() && wantedText(one) == text;
     };
     std::vector<std::string> GUIDs;
     for (const Write& one : waiting_) {
