@@ -18,7 +18,7 @@ using test::single;
 
 /// Beside the given ones none are in the row: it shows what an act has put there.
 void note(EventState& state, const calEvent& event) {
-    for (const std::string_view column : {kStateColumns[0], kStateColumns[1]}) {
+    for (const std::string_view column : kWordColumns) {
         state.row[std::string(column)].after = columnText(event, column);
     }
 }

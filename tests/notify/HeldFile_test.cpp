@@ -83,6 +83,22 @@ TEST_F(HeldFile, SoItIsOverRestarts) {
     EXPECT_EQ(desk.check(at(9, 20)), "") << "the snooze was dealt with";
 }
 
+// What is alike is written at once.
+TEST_F(HeldFile, ATimeThatIsToStandInTwoColumnsIsWrittenIntoEachByItself) {
+    {
+        const HoldingProcess other(desk.file.path());
+        desk.program->acts.Snooze(desk.listed.at("A"), 20);
+        desk.clock.time = at(9, 20);
+        desk.program->acts.Dismiss(desk.listed.at("B"), DismissMode::All);
+    }
+    desk.check(at(9, 20, 10));
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_EQ(stored("A")->NextReminder, at(9, 20));
+    EXPECT_TRUE(stored("A")->Dismissed.isZero());
+    EXPECT_EQ(stored("B")->Dismissed, at(9, 20));
+    EXPECT_TRUE(stored("B")->NextReminder.isZero());
+}
+
 TEST_F(HeldFile, ADeletionThatWaitsForTheHostsFileHoldsUpNothingElse) {
     const std::string host = (desk.folder / "Host.vldb").string();
     jet::Database::create(host).createTable(
