@@ -82,13 +82,12 @@ void endOldEntries(EventState& state, const ActOn& act) {
         endOldListing(state, act);
         return;
     }
-    const bool isOldRow = act.start != act.event.StartDateTime;
     const DateTime moved = act.event.ToWall(act.event.StartDateTime);
     for (OccurrenceState& one : state.occurrences) {
         one.snoozed = DateTime();
         const DateTime time = act.event.FromMoment(one.listed);
-        if (!isOldRow || one.start != moved ||
-            !isScheduled(act.event, act.event.StartDateTime, time) || time > act.now) {
+        if (one.start != moved || !isScheduled(act.event, act.event.StartDateTime, time) ||
+            time > act.now) {
             one.listed = DateTime();
         }
     }
@@ -118,7 +117,7 @@ void endEarlier(EventState& state, const ActOn& act) {
 bool isStillHandled(const OccurrenceState& entry, const ActOn& act) {
     const DateTime now = act.event.ToMoment(act.now);
     const bool early = entry.handled <= now.addMinutes(1);
-    const bool secondPass = !entry.acted.isZero() && act.zone.fromUtc(entry.acted) > act.now;
+    const bool secondPass = act.zone.fromUtc(entry.acted) > act.now;
     return entry.handled > now && (early || secondPass);
 }
 
@@ -264,7 +263,6 @@ void closeOpen(EventState& state, const ActOn& act) {
 
 bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
     EventState after = known != nullptr ? *known : EventState();
-    recordDismiss(after, act, DismissMode::All);
     recordDone(after, act);
     for (const std::string_view column : kWordColumns) {
         after.row[std::string(column)].after = columnText(act.event, column);
