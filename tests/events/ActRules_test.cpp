@@ -76,6 +76,7 @@ TEST(IsDoneByUser, ByADismissalElsewhereThatIsNotOlderThanWhatTheHostHasWritten)
     const auto isDone = [&](const EventState* state) {
         return isDoneByUser(*event, {state, {}, TimeZone::local()}, at(9, 55));
     };
+    EXPECT_FALSE(isDone(nullptr)) << "neither has a time";
     event->Modified = at(9, 50);
     EXPECT_FALSE(isDone(nullptr));
     event->Dismissed = at(9, 50);
@@ -99,7 +100,8 @@ TEST(IsMarkedDone, WhenItsLastOccurrenceIsMutedForEver) {
     const DateTime after = at(12, 0, 0, 22);
     state.row["status"].after = "AllDone";
     state.at(at(10, 0)).muted = Muted::ForEver;
-    EXPECT_FALSE(isDone(after)) << "the first";
+    state.at(at(10, 0)).local = at(10, 0);
+    EXPECT_FALSE(isDone(after)) << "the first, where the series begins";
     state.at(at(10, 0, 0, 21)).muted = Muted::ThroughStart;
     EXPECT_FALSE(isDone(after));
     state.at(at(10, 0, 0, 21)).muted = Muted::ForEver;
@@ -199,6 +201,50 @@ TEST_F(ActRulesTest, EndNothingThatBeginsWithItOrGoesOn) {
     state = EventState();
     recordDismiss(state, act(at(10, 0), at(10, 30, 0, 19)), DismissMode::This);
     EXPECT_EQ(state.endedBefore, at(10, 0, 1, 19));
+}
+
+// Once it is over, too.
+TEST_F(ActRulesTest, DoNotSpareTheOneThatTheyAreOn) {
+    one(20).snoozed = here.toUtc(at(10, 40));
+    recordDismiss(state, act(at(10, 0), at(10, 41)), DismissMode::This);
+    EXPECT_EQ(state.endedBefore, at(10, 0));
+    EXPECT_FALSE(one(20).spared);
+}
+
+TEST_F(ActRulesTest, TouchNoListingOfALaterOccurrence) {
+    one(21).listed = at(9, 50, 0, 21);  // by a reminder that it had then
+    recordSnooze(state, act(at(10, 0), at(9, 46)), at(12, 0, 0, 22));
+    EXPECT_EQ(one(21).listed, at(9, 50, 0, 21));
+}
+
+// Of a row from before a move nobody has seen what has fallen due since by the new time.
+TEST_F(ActRulesTest, OnARowFromBeforeAMoveLeaveWhatIsListedNowAsFarAsItHasCome) {
+    event = single("A", at(10, 0), {15});
+    struct Case {
+        const char* what;
+        DateTime start;
+        DateTime listed;
+        DateTime now;
+        bool stays;
+    };
+    const Case cases[] = {
+        {"it has come", at(10, 0), at(9, 45), at(9, 45), true},
+        {"it is to come", at(10, 0), at(9, 45), at(9, 44, 59), false},
+        {"by a reminder that it has no more", at(10, 0), at(9, 44), at(9, 45), false},
+        {"of another start that it had", at(7, 0), at(9, 45), at(9, 45), false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        state = EventState();
+        state.at(c.start).listed = c.listed;
+        recordDismiss(state, act(at(8, 0), c.now), DismissMode::This);
+        EXPECT_EQ(!state.at(c.start).listed.isZero(), c.stays);
+    }
+    state = EventState();
+    state.at(at(8, 0)).listed = at(7, 45);
+    one(20).listed = at(9, 45);
+    recordSnooze(state, act(at(8, 0), at(9, 46)), at(10, 0));
+    EXPECT_EQ(state.at(at(8, 0)).reminder, at(7, 45)) << "that the row showed";
 }
 
 // Another program's clock is ahead: what its dismissal would silence has not begun to remind.

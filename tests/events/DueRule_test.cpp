@@ -61,6 +61,7 @@ TEST_F(DueRuleTest, WhatWasEndedAndIsOverIsSilent) {
     state.endedBefore = at(10, 0);
     EXPECT_EQ(ask(at(9, 0, 0, 19), at(9, 44)), "");
     EXPECT_EQ(ask(at(9, 0, 0, 19), at(9, 45)), "20 09:45") << "that begins with it is not ended";
+    EXPECT_EQ(ask(at(9, 0, 0, 19), at(10, 31)), "20 09:45") << "over or not";
     state.endedBefore = at(10, 0, 1);
     EXPECT_EQ(ask(at(9, 0, 0, 19), at(10, 29, 59)), "20 09:45") << "nor what goes on";
     EXPECT_EQ(ask(at(9, 0, 0, 19), at(10, 30)), "");
@@ -82,6 +83,23 @@ TEST_F(DueRuleTest, WhatIsBeforeASnoozeIsSupersededByIt) {
     EXPECT_EQ(ask(at(9, 0), at(9, 55)), "") << "an exception has taken its occurrence";
     event->NextReminder = at(9, 50);
     EXPECT_EQ(ask(at(9, 0), at(9, 55)), "19 09:50") << "that of the row is of the one before";
+}
+
+TEST_F(DueRuleTest, ASnoozeInTheRowTakesTheOnesOfOtherOccurrencesNotAway) {
+    event->NextReminder = at(9, 55);
+    state.at(at(10, 0, 0, 18)).snoozed = here.toUtc(at(9, 50));
+    EXPECT_EQ(ask(at(9, 50), at(9, 50)), "18 09:50");
+}
+
+// What it said before that was taken over, and silences nothing that came of the act.
+TEST_F(DueRuleTest, ASnoozeAfterAnotherProgramsDismissalComes) {
+    event->Dismissed = at(9, 50);
+    for (const std::string_view column : kWordColumns) {
+        state.row[std::string(column)].after = columnText(*event, column);
+    }
+    state.word.Dismissed = at(9, 50);
+    state.at(at(10, 0)).snoozed = here.toUtc(at(9, 55));
+    EXPECT_EQ(ask(at(9, 0), at(9, 55)), "20 09:55");
 }
 
 TEST_F(DueRuleTest, AllButThoseAfterTheEventLeavesNoneAtItsStart) {

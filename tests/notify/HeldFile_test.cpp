@@ -151,6 +151,14 @@ TEST_F(OtherCopy, WhatItCouldNotWriteTheRunningOneWrites) {
     EXPECT_EQ(waiting(), 0);
 }
 
+TEST_F(OtherCopy, WhatItCouldNotWriteAnActOnTheSameWritesWithItsOwn) {
+    actAndEnd("A", [](Acts& acts, const ActRow& row) { acts.Dismiss(row, DismissMode::This); });
+    desk.program->acts.Snooze(desk.listed.at("A"), 20);
+    EXPECT_EQ(stored("A")->Dismissed, at(9, 0));
+    EXPECT_EQ(stored("A")->NextReminder, at(9, 20));
+    EXPECT_EQ(waiting(), 0);
+}
+
 TEST_F(OtherCopy, ALaterActOfItStands) {
     {
         const HoldingProcess holder(desk.file.path());
