@@ -150,6 +150,11 @@ public:
     /// right is not known yet.
     bool TakeClock(const ClockWord& clock);
 
+    /// A clock that was wrong may have finished what stands in the list, or what no check has asked
+    /// for: events whose last reminder lies later than that, local time. Reads take them back. 0:
+    /// no clock was; only those with one ahead, or a snooze. See `FullRead::takeBack`.
+    void TakeBackFrom(DateTime since) { takeBackFrom_ = since; }
+
     /// Works out anew which occurrences series have, for a computer whose zone has changed.
     void TakeZone(const TimeZone& here);
 
@@ -195,12 +200,14 @@ private:
         std::shared_ptr<GenCollection> events;  // null: there is none
     };
 
-    /// Finished events that their user has brought back, as of a version of the ledger.
-    struct BroughtBack {
+    /// Events that are to be asked about though their rows say that they are all done, as of a
+    /// version of the ledger; by `guidHash`.
+    struct StillOpen {
         const Ledger* ledger = nullptr;
         std::string database;
         std::uint64_t version = 0;
-        std::unordered_set<std::uint64_t> hashes;  // `guidHash`
+        std::unordered_set<std::uint64_t> broughtBack;  // by their user
+        std::unordered_set<std::uint64_t> all;          // and with something that is noted as open
     };
 
     struct DonePass;  // what the last look for finished events has found
@@ -219,8 +226,9 @@ private:
     std::shared_ptr<GenCollection> readAhead();
     void takeChangedOf(const GenCollection& all, Source& source);
     bool readChanged(const std::string& statement, Source& source);
+    DateTime takesBackFrom() const;
     bool isOpenAgain(const calEvent& event) const;
-    void lookForBroughtBack();
+    void lookForStillOpen();
     void readPassedOverAnew();
     void writeTakenBack();
     bool readChangedDamaged(const std::string& statement, Source& source);
@@ -251,7 +259,10 @@ private:
     std::unique_ptr<SharedReminders> reminders_;
     CalEvents* full_ = nullptr;  // see `ReadWith`
     Ahead ahead_;
-    BroughtBack broughtBack_;
+    StillOpen stillOpen_;
+    DateTime takeBackFrom_;                          // 0: now, and no clock was wrong
+    std::vector<std::string> takenBack_;             // GUIDs; their rows do not say it yet
+    std::unordered_set<std::uint64_t> writtenBack_;  // `guidHash` of those that have said it
 };
 
 }  // namespace vl

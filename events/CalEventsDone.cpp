@@ -49,8 +49,8 @@ bool isFinished(const calEvent& event, DateTime now, const EventHistory* history
 
 // The first start on a long calendar finds thousands of them: a statement for each, with its
 // waiting for the disk or for others, would take minutes. What cannot be written now is found
-// again at the next start.
-void writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std::string> GUIDs) {
+// again at the next start. True when all is written.
+bool writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std::string> GUIDs) {
     constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     calEvent carrier;
     carrier.status = status;
@@ -58,10 +58,11 @@ void writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std
         const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
         carrier.SaveStatusDB(db, some);
         if (db.LastError() != ErrNo::None) {
-            return;
+            return false;
         }
         GUIDs = GUIDs.subspan(some.size());
     }
+    return true;
 }
 
 }  // namespace
@@ -96,6 +97,7 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
     std::vector<EventHistory::Replaced> replaced;
     for (calEvent* event : finished) {
         event->status = kAllDone;
+        writtenBack_.erase(guidHash(event->GUID));
         index_->look(event->GUID);
         fullRead_->look(*event);
         if (!event->GUID.empty()) {
@@ -112,12 +114,13 @@ void CalEvents::finish(std::span<calEvent* const> finished, EventHistory* histor
     writeStatus(db_, kAllDone, GUIDs);
 }
 
-// What of them was passed over is asked about again when an act has been on it.
-void CalEvents::lookForBroughtBack() {
+// What their user has brought back, and was passed over, is asked about again when an act has been
+// on it; what else is open was read before it was listed or snoozed.
+void CalEvents::lookForStillOpen() {
     if (ledger_ == noLedger_.get()) {
         return;
     }
-    BroughtBack& known = broughtBack_;
+    StillOpen& known = stillOpen_;
     const bool isSame = known.ledger == ledger_ && known.database == db_.DBFullName;
     const std::uint64_t version = ledger_->version();
     if (isSame && known.version == version) {
@@ -125,12 +128,16 @@ void CalEvents::lookForBroughtBack() {
     }
     const auto changed =
         isSame ? ledger_->changedSince(known.version) : std::vector<std::uint64_t>();
-    const auto before = std::exchange(known, BroughtBack{ledger_, db_.DBFullName, version, {}});
+    const auto before = std::exchange(known, StillOpen{ledger_, db_.DBFullName, version, {}, {}});
     for (const std::string& GUID : ledger_->broughtBack(db_.DBFullName)) {
-        known.hashes.insert(guidHash(GUID));
+        known.broughtBack.insert(guidHash(GUID));
+    }
+    known.all = known.broughtBack;
+    for (const std::string& GUID : ledger_->withOpen(db_.DBFullName)) {
+        known.all.insert(guidHash(GUID));
     }
     const bool isOn = std::any_of(changed.begin(), changed.end(), [&](std::uint64_t hash) {
-        return known.hashes.contains(hash) || before.hashes.contains(hash);
+        return known.broughtBack.contains(hash) || before.broughtBack.contains(hash);
     });
     if (!isSame || isOn) {
         readPassedOverAnew();
@@ -144,25 +151,37 @@ void CalEvents::readPassedOverAnew() {
     fullRead_->forgetPassedOver();
 }
 
+DateTime CalEvents::takesBackFrom() const {
+    const DateTime now = clock_.now();
+    return takeBackFrom_.isZero() ? now : std::min(now, takeBackFrom_);
+}
+
 bool CalEvents::isOpenAgain(const calEvent& event) const {
     const DateTime now = clock_.now();
     if (event.ISRecurrenceExceptionDeleted != 0) {
         return false;
     }
-    if (isBroughtBack(event, *ledger_, db_.DBFullName, now)) {
+    if (isStillOpen(event, *ledger_, db_.DBFullName, now, !takeBackFrom_.isZero())) {
         return true;
     }
     const DateTime last = lastReminderOf(event);
-    const bool goesOn =
-        last > now || (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
+    const bool goesOn = last > takesBackFrom() ||
+                        (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
     return goesOn && !isDoneByUser(event, *ledger_, db_.DBFullName, now);
 }
 
-// A row that cannot be written now is found again at the next start; until then the set has it.
+// What cannot be written now is tried again with the next reload, as long as the set has it so: its
+// row may say something else by then, and be passed over. Until then the set has it alone; also of
+// what somebody else has finished again since, whose word would go against ours for ever.
 void CalEvents::writeTakenBack() {
-    const auto GUIDs = fullRead_->takeTakenBack();
-    if (!GUIDs.empty()) {
-        writeStatus(db_, "", GUIDs);
+    std::erase_if(takenBack_, [this](const std::string& GUID) {
+        const auto event = mCol ? objectAt<calEvent>(*mCol, GUID) : nullptr;
+        return !event || isAllDone(*event) || writtenBack_.contains(guidHash(GUID));
+    });
+    if (!takenBack_.empty() && writeStatus(db_, "", takenBack_)) {
+        for (const std::string& GUID : std::exchange(takenBack_, {})) {
+            writtenBack_.insert(guidHash(GUID));
+        }
     }
 }
 

@@ -22,7 +22,7 @@ bool CalEvents::isUnchanged(const Source& now) const {
 int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dismissed) {
     const ErrScope scope;
     remindedNow_ = 0;
-    lookForBroughtBack();
+    lookForStillOpen();
     // Looked at first: what is written while the rows are read counts as changed since.
     Source now{db_.TakeLook(), IncludeAllDone, Dismissed, Reload || !mCol, 0, {}, {}};
     if (Reload && clock_.now() < dLastRead) {
@@ -32,6 +32,7 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     if (isUnchanged(now)) {
         if (Reload) {
             index_->forgetQueries(*mCol);
+            writeTakenBack();
         }
         db_.CloseDB();
         // A host whose clock is ahead writes rows that every such query gives.
@@ -50,6 +51,9 @@ int CalEvents::ReadDB(bool Reload, bool IncludeAllDone, std::optional<bool> Dism
     if (isRead_) {
         now.filled = mCol;
         source_ = now;
+        if (now.full) {
+            writeTakenBack();
+        }
     } else {
         fullRead_->forget();
     }
@@ -64,12 +68,13 @@ std::shared_ptr<GenCollection> CalEvents::readTable(const std::string& statement
     fullRead_->takeBack(takesBack && ledger_ != noLedger_.get()
                             ? [this](const calEvent& event) { return isOpenAgain(event); }
                             : FullRead::IsOpenAgain(),
-                        broughtBack_.hashes);
-    auto all = fullRead_->read(db_, statement, before, clock_.now(),
+                        stillOpen_.all);
+    auto all = fullRead_->read(db_, statement, before, takesBackFrom(),
                                [this](const FullRead::Fill& fill) { return readEvent(fill); });
     if (all) {
         keepPassedOver();
-        writeTakenBack();
+        const auto taken = fullRead_->takeTakenBack();
+        takenBack_.insert(takenBack_.end(), taken.begin(), taken.end());
     }
     return all;
 }
@@ -98,7 +103,7 @@ bool CalEvents::readAll(const std::string& statement, Source& source) {
 // What a reload would find now. Looked at first, as for every read.
 std::shared_ptr<GenCollection> CalEvents::readAhead() {
     const DBRemindUtils::Look look = db_.TakeLook();
-    lookForBroughtBack();
+    lookForStillOpen();
     const GenCollection before = ahead_.events ? *ahead_.events : mCol ? *mCol : GenCollection();
     ahead_ = {look, readTable(ReadStatement(false, {}, {}), true, before)};
     return ahead_.events;

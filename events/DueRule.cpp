@@ -175,6 +175,18 @@ bool mayStandInAList(const calEvent& event, const EventState* state, DateTime no
            !isLongAgo(std::max(one->start, one->end), now);
 }
 
+bool isAnySnoozed(const EventView& view) {
+    bool any = false;
+    view.forEachSnooze([&](DateTime, DateTime) { any = true; });
+    return any;
+}
+
+bool isAnyListed(const EventView& view) {
+    bool any = false;
+    view.forEachListed([&](DateTime, DateTime) { any = true; });
+    return any;
+}
+
 }  // namespace
 
 void recordDue(calEvent& event, const Due& due) {
@@ -217,17 +229,22 @@ DateTime notedOpenSince(const calEvent& event, const EventState* state) {
     return isNoted ? event.FromMoment(state->openSince) : DateTime();
 }
 
+bool hasSnoozed(const calEvent& event, const DueFacts& facts, DateTime now) {
+    return isAnySnoozed(EventView(event, facts, now));
+}
+
+bool hasListed(const calEvent& event, const DueFacts& facts, DateTime now) {
+    return isAnyListed(EventView(event, facts, now));
+}
+
 bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now) {
     if (mayStandInAList(event, facts.state, now)) {
         return true;
     }
     const EventView view(event, facts, now);
-    bool open = false;
-    const auto found = [&](DateTime, DateTime) { open = true; };
-    view.forEachSnooze(found);
-    view.forEachListed(found);
     const DateTime since = notedOpenSince(event, facts.state);
-    return open || (!since.isZero() && askDue(event, facts, {now, now, now, since}).taken);
+    return isAnySnoozed(view) || isAnyListed(view) ||
+           (!since.isZero() && askDue(event, facts, {now, now, now, since}).taken);
 }
 
 }  // namespace vl

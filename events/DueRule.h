@@ -63,6 +63,11 @@ DueAnswer askDue(const calEvent& event, const DueFacts& facts, const DueQuestion
 /// 0: nothing is noted.
 DateTime notedOpenSince(const calEvent& event, const EventState* state);
 
+/// Whether a snooze of the event, as it is now, has not been acted upon; a reminder that was
+/// listed.
+bool hasSnoozed(const calEvent& event, const DueFacts& facts, DateTime now);
+bool hasListed(const calEvent& event, const DueFacts& facts, DateTime now);
+
 /// Whether something of the event waits to be shown or acted upon: a snooze, a reminder that was
 /// listed, or one that fell due while another was. Such an event is not finished.
 bool hasOpenReminder(const calEvent& event, const DueFacts& facts, DateTime now);

@@ -126,13 +126,13 @@ void FullRead::take(FoundPages& found) {
 }
 
 std::shared_ptr<GenCollection> FullRead::read(DBRemindUtils& db, const std::string& statement,
-                                              const GenCollection& before, DateTime now,
+                                              const GenCollection& before, DateTime openFrom,
                                               const Make& make) {
     if (statement != statement_) {
         forget();
         statement_ = statement;
     }
-    now_ = now;
+    openFrom_ = openFrom;
     std::sort(touched_.begin(), touched_.end());
     Changes changes;
     FoundPages found(pages_);

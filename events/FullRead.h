@@ -36,7 +36,7 @@ public:
     /// Where the table is damaged, what can be read of it counts: a row without the values that
     /// cannot be read, and of a row that cannot be read at all the event that it gave before.
     std::shared_ptr<GenCollection> read(DBRemindUtils& db, const std::string& statement,
-                                        const GenCollection& before, DateTime now,
+                                        const GenCollection& before, DateTime openFrom,
                                         const Make& make);
 
     /// An exception that the condition of a statement passed over: it is finished or deleted, and
@@ -49,9 +49,9 @@ public:
     std::vector<PassedOver> takePassedOver() { return std::exchange(passedOver_, {}); }
 
     /// Told of each event with the status "AllDone" that the condition passes over and that may
-    /// have a reminder ahead of `now`: true takes it in all the same, without that status, and as
-    /// long as its row is the same it stays. Events with nothing to come are not decoded, but for
-    /// those in `asked` (by `guidHash`).
+    /// have a reminder after `openFrom`: true takes it in all the same, without that status, and as
+    /// long as its row is the same it stays. Events with none are not decoded, but for those in
+    /// `asked` (by `guidHash`).
     using IsOpenAgain = std::function<bool(const calEvent&)>;
     void takeBack(IsOpenAgain isOpenAgain, std::unordered_set<std::uint64_t> asked = {}) {
         isOpenAgain_ = std::move(isOpenAgain);
@@ -148,7 +148,7 @@ private:
     std::vector<const calEvent*> touched_;  // sorted while rows are read
     IsOpenAgain isOpenAgain_;
     std::unordered_set<std::uint64_t> asked_;
-    DateTime now_;  // of the read
+    DateTime openFrom_;  // of the read
     std::vector<PassedOver> passedOver_;
     std::vector<std::string> takenBack_;
     Damage damage_;

@@ -129,28 +129,35 @@ std::vector<Ledger::Known> Ledger::all(std::string_view database) const {
     return known;
 }
 
-std::vector<std::string> Ledger::actedAfter(std::string_view database, DateTime moment) const {
+std::vector<std::string> Ledger::pick(std::string_view database, const Picks& picks) const {
     const std::string& name = nameOf(database);
     std::vector<std::string> GUIDs;
     for (const auto& [key, entry] : content_->events) {
-        if (entry.database == name && isActedAfter(entry.state, moment)) {
+        if (entry.database == name && picks(entry.state)) {
             GUIDs.push_back(entry.GUID);
         }
     }
     return GUIDs;
 }
 
+std::vector<std::string> Ledger::actedAfter(std::string_view database, DateTime moment) const {
+    return pick(database, [&](const EventState& state) { return isActedAfter(state, moment); });
+}
+
 std::vector<std::string> Ledger::broughtBack(std::string_view database) const {
-    const std::string& name = nameOf(database);
-    std::vector<std::string> GUIDs;
-    for (const auto& [key, entry] : content_->events) {
-        const ColumnNote* status = entry.state.note("status");
-        if (entry.database == name && status != nullptr &&
-            !text::equalsNoCase(status->after, "AllDone")) {
-            GUIDs.push_back(entry.GUID);
-        }
-    }
-    return GUIDs;
+    return pick(database, [](const EventState& state) {
+        const ColumnNote* status = state.note("status");
+        return status != nullptr && !text::equalsNoCase(status->after, "AllDone");
+    });
+}
+
+std::vector<std::string> Ledger::withOpen(std::string_view database) const {
+    return pick(database, [](const EventState& state) {
+        return !state.row.empty() ||
+               std::any_of(state.occurrences.begin(), state.occurrences.end(), [](const auto& one) {
+                   return !one.snoozed.isZero() || !one.listed.isZero();
+               });
+    });
 }
 
 void Ledger::write(const std::string& lines) {

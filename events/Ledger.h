@@ -75,6 +75,9 @@ public:
     /// GUIDs of the events of which the last act on the status was to have a finished one shown
     /// again. Costs a look at each event known.
     std::vector<std::string> broughtBack(std::string_view database) const;
+    /// The same of those of which a snooze or a row of the list is noted, or an act that may not
+    /// have come to the row.
+    std::vector<std::string> withOpen(std::string_view database) const;
 
     /// Changes what is known of one event, as one line. `act` says by what. False when the line is
     /// not on the disk; it holds in memory all the same.
@@ -115,6 +118,8 @@ public:
     /// The last that is not later than `moment`, local time: where the clock was ahead in the last
     /// ones, what is still known of those before. 0: none is.
     DateTime lastCheckBy(std::string_view database, DateTime moment) const;
+    /// All that are known, each as `lastCheck` tells it, in the order in which they were made.
+    std::vector<DateTime> checks(std::string_view database) const;
     /// Writes a line for the first check of a day only: a check of a time that has been checked
     /// finds nothing that is not known.
     void noteCheck(std::string_view database, DateTime when);
@@ -149,7 +154,9 @@ public:
 
 private:
     struct Content;
+    using Picks = std::function<bool(const EventState&)>;
 
+    std::vector<std::string> pick(std::string_view database, const Picks& picks) const;
     void takeChanges();
     void load();
     const std::string& nameOf(std::string_view database) const;

@@ -1,6 +1,7 @@
 #include "events/LedgerHistory.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "app/TimeZone.h"
@@ -24,6 +25,13 @@ std::vector<DateTime> replacedOf(const calEvent& event, const Ledger& ledger,
     return replaced;
 }
 
+bool isAnyUnwritten(const calEvent& event, const EventState& state) {
+    return std::any_of(std::begin(kStateColumns), std::end(kStateColumns), [&](auto column) {
+        const ColumnNote* note = state.note(column);
+        return note != nullptr && note->waits(columnText(event, column));
+    });
+}
+
 }  // namespace
 
 bool isMetBefore(const calEvent& event, DateTime checked, DateTime now) {
@@ -32,16 +40,22 @@ bool isMetBefore(const calEvent& event, DateTime checked, DateTime now) {
            (checked <= now && event.Modified < checked.addMinutes(-kHostBehind));
 }
 
-bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view database,
-                   DateTime now) {
+bool isStillOpen(const calEvent& event, const Ledger& ledger, std::string_view database,
+                 DateTime now, bool wasPutBack) {
     const EventState* state = ledger.find(database, event.GUID);
-    const ColumnNote* status = state != nullptr ? state->note("status") : nullptr;
-    if (status == nullptr || !status->waits(columnText(event, "status"))) {
+    if (state == nullptr) {
         return false;
     }
     const TimeZone here = TimeZone::local();
     const auto replaced = replacedOf(event, ledger, database, here);
     const DueFacts facts{state, replaced, here};
+    const ColumnNote* status = state->note("status");
+    const bool isBroughtBack = status != nullptr && status->waits(columnText(event, "status"));
+    if (!isBroughtBack) {
+        const bool isListed = hasListed(event, facts, now) && !isDoneByUser(event, facts, now);
+        return hasSnoozed(event, facts, now) ||
+               (wasPutBack && (isListed || isAnyUnwritten(event, *state)));
+    }
     // Of one that was reactivated also what the next check would find, being the first to meet it.
     return hasOpenReminder(event, facts, now) ||
            (state->newlyMet && askDue(event, facts, {now, now, now, now, true}).taken);
@@ -52,6 +66,22 @@ bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view 
     const TimeZone here = TimeZone::local();
     const auto replaced = replacedOf(event, ledger, database, here);
     return isDoneByUser(event, {ledger.find(database, event.GUID), replaced, here}, now);
+}
+
+bool wasPutBack(std::span<const DateTime> checks, DateTime now) {
+    return !std::is_sorted(checks.begin(), checks.end()) ||
+           (!checks.empty() && checks.back() > now);
+}
+
+DateTime skippedSince(std::span<const DateTime> checks, DateTime now, int days) {
+    const auto next = std::find_if(checks.rbegin(), checks.rend(), [&](DateTime check) {
+                          return check <= now;
+                      }).base();
+    if (next == checks.begin() || next == checks.end()) {
+        return {};
+    }
+    const DateTime last = *std::prev(next);
+    return last < next->date().addDays(-days) ? last : DateTime();
 }
 
 bool LedgerHistory::isOpen(const calEvent& event, DateTime lastReminder, DateTime now) const {

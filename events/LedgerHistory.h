@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -16,10 +17,22 @@ namespace vl {
 /// clocks were turned back and stamps tell nothing. 0: there was none, nothing is new.
 bool isMetBefore(const calEvent& event, DateTime checked, DateTime now);
 
-/// Whether the user has brought the event back after it was finished, its row says that it still
-/// is, and it has something to be shown or acted upon: as long as it has, it is not finished.
-bool isBroughtBack(const calEvent& event, const Ledger& ledger, std::string_view database,
-                   DateTime now);
+/// Whether an event whose row says that it is all done has something to be shown or acted upon all
+/// the same, by what is noted: its user has brought it back after it was finished, or has snoozed
+/// it; or, with `wasPutBack`, it stands in the list, or an act of his has not come to its row, and
+/// a clock that was wrong has finished it before that could be written. A dismissal elsewhere ends
+/// that.
+bool isStillOpen(const calEvent& event, const Ledger& ledger, std::string_view database,
+                 DateTime now, bool wasPutBack);
+
+/// Whether a clock was wrong in one of the `checks` (see `Ledger::checks`), or in that which says
+/// `now`: it was put back since. What was finished meanwhile may not have been asked for.
+bool wasPutBack(std::span<const DateTime> checks, DateTime now);
+
+/// The last check that does not lie ahead of `now`, where the one after it asked for so many days
+/// only, and not from there on: the program was off for longer, or started by a clock far ahead.
+/// 0: it is not so.
+DateTime skippedSince(std::span<const DateTime> checks, DateTime now, int days);
 
 /// As in `events/ActRules.h`, by what the ledger knows.
 bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view database,

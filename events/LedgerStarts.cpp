@@ -1,5 +1,6 @@
 // What the ledger knows beside events: checks there were, starts that exceptions have replaced.
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "LedgerParts.h"
@@ -12,17 +13,22 @@ DateTime Ledger::lastCheck(std::string_view database) const {
                                             : DateTime();
 }
 
-DateTime Ledger::lastCheckBy(std::string_view database, DateTime moment) const {
+std::vector<DateTime> Ledger::checks(std::string_view database) const {
     const TimeZone here = TimeZone::local();
-    DateTime last;
+    std::vector<DateTime> all;
     const auto found = content_->checked.find(nameOf(database));
     if (found != content_->checked.end()) {
-        for (const Noted& check : found->second) {
-            const DateTime when = earlierOf(check, here);
-            last = when <= moment ? when : last;
-        }
+        std::transform(found->second.begin(), found->second.end(), std::back_inserter(all),
+                       [&](const Noted& check) { return earlierOf(check, here); });
     }
-    return last;
+    return all;
+}
+
+DateTime Ledger::lastCheckBy(std::string_view database, DateTime moment) const {
+    const auto all = checks(database);
+    const auto last =
+        std::find_if(all.rbegin(), all.rend(), [&](DateTime check) { return check <= moment; });
+    return last != all.rend() ? *last : DateTime();
 }
 
 void Ledger::noteCheck(std::string_view database, DateTime when) {

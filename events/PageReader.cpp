@@ -92,7 +92,7 @@ void FullRead::PageReader::passOver(const PageRows* known, PageRows& page) {
     auto replaced = exceptions_.of(stream_);
     const bool mayGoOn =
         owner_.isOpenAgain_ && finished_.is(stream_) &&
-        (finished_.mayGoOn(stream_, owner_.now_) || finished_.isOneOf(owner_.asked_, stream_));
+        (finished_.mayGoOn(stream_, owner_.openFrom_) || finished_.isOneOf(owner_.asked_, stream_));
     if (!replaced && !mayGoOn) {
         return;
     }

@@ -43,10 +43,10 @@ bool FinishedIn::isOneOf(const std::unordered_set<std::uint64_t>& asked,
 }
 
 // A reminder after the start of a single event has a negative number of minutes.
-bool FinishedIn::mayGoOn(const sql::RowStream& row, DateTime now) const {
+bool FinishedIn::mayGoOn(const sql::RowStream& row, DateTime from) const {
     const Variant start = row.value(start_);
     const auto* date = start.get<DateTime>();
-    return (date != nullptr && *date > now) || !textOf(row.value(recurrence_)).empty() ||
+    return (date != nullptr && *date > from) || !textOf(row.value(recurrence_)).empty() ||
            textOf(row.value(reminders_)).find('-') != std::string::npos;
 }
 

@@ -19,8 +19,8 @@ public:
 
     /// Whether it is one, and not deleted.
     bool is(const sql::RowStream& row) const;
-    /// Whether it may have something to come.
-    bool mayGoOn(const sql::RowStream& row, DateTime now) const;
+    /// Whether it may have a reminder later than `from`.
+    bool mayGoOn(const sql::RowStream& row, DateTime from) const;
     /// Whether it is among these, by `guidHash`.
     bool isOneOf(const std::unordered_set<std::uint64_t>& asked, const sql::RowStream& row) const;
 

@@ -49,6 +49,7 @@ void CheckCycle::ReadAtStart() {
     // However long ago the last check was: so far ahead the clock may be wrong for once, and what
     // is finished is read no more.
     const DateTime last = ledger_.lastCheck(db_.DBFullName);
+    takeBackFrom(UncheckedSince());
     history_.uncheckedSince = last.isZero() ? UncheckedSince() : std::min(UncheckedSince(), last);
     history_.isMet = [last, now = clock_.now()](const calEvent& event) {
         return isMetBefore(event, last, now);
@@ -80,6 +81,7 @@ void CheckCycle::Tick(int interval) {
 
 void CheckCycle::check(int interval) {
     const DateTime since = UncheckedSince();
+    takeBackFrom(since);
     bool isRead = readSets();
     const DateTime upTo = clock_.now().addSeconds(interval / 1000);
     const auto due = askForDue(since, upTo);
@@ -96,6 +98,15 @@ void CheckCycle::check(int interval) {
     // never later than what was asked for: the machine may have slept inside the check.
     state_.dLastUpdated = std::min(clock_.now(), upTo);
     noteAsked(isRead, since);
+}
+
+// By a clock that was wrong an event may be finished that nobody has asked for. Where none was, who
+// says that it is all done is somebody else, who may have told of it.
+void CheckCycle::takeBackFrom(DateTime since) {
+    const bool wasWrong = wasPutBack(ledger_.checks(db_.DBFullName), clock_.now());
+    for (CalEvents* set : {&period_, &reminders_}) {
+        set->TakeBackFrom(wasWrong ? since : DateTime());
+    }
 }
 
 // What nobody could read is still to be asked for. Without a database there is nothing to read.
@@ -116,6 +127,9 @@ bool CheckCycle::readSets() {
         deletedLook_ = DBRemindUtils::Look();
     }
     DoRemoveDeleted();
+    if (period_.dLastRead > clock_.now()) {
+        adoptAll();  // what a clock that was ahead has finished may be to come, or be asked for
+    }
     takeZone();
     const bool isRead = readAgain(reminders_, false, false);
     if (isRead) {
@@ -128,14 +142,19 @@ bool CheckCycle::readSets() {
     return isRead;
 }
 
+// The question since the last read would pass some over.
+void CheckCycle::adoptAll() {
+    if (readAgain(period_, true, false)) {
+        reminders_.Adopt(period_);
+    }
+}
+
 // In another zone the host writes local times anew, and stamps them with local times: the question
 // since the last read would pass them over.
 void CheckCycle::takeZone() {
     const TimeZone here = TimeZone::local();
     if (zone_ && !zone_->same(here)) {
-        if (readAgain(period_, true, false)) {
-            reminders_.Adopt(period_);
-        }
+        adoptAll();
         period_.TakeZone(here);
         reminders_.TakeZone(here);
         refillListed();
@@ -157,7 +176,13 @@ void CheckCycle::takeClock(bool isRead) {
 
 DateTime CheckCycle::UncheckedSince() const {
     const DateTime last = lastAsked();
-    return unseen_ ? std::min(last, earlierOf(*unseen_, TimeZone::local())) : last;
+    const DateTime since = unseen_ ? std::min(last, earlierOf(*unseen_, TimeZone::local())) : last;
+    const DateTime now = clock_.now();
+    if (since <= now) {
+        return since;
+    }
+    const DateTime skipped = skippedSince(ledger_.checks(db_.DBFullName), now, kLongestOff);
+    return skipped.isZero() ? since : std::max(skipped, clock_.today().addDays(-kLongestOff));
 }
 
 DateTime CheckCycle::lastAsked() const {

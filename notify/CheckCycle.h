@@ -40,7 +40,8 @@ public:
     /// What fell due from here on may not have been seen: the last check, or for the first of a run
     /// midnight, or the last known one that does not lie ahead, when that is earlier, at most 30
     /// days back. A check that could not read the file does not count. Where the computer's zone
-    /// has changed since, it is the earlier of the same time and the same moment.
+    /// has changed since, it is the earlier of the same time and the same moment. Where a clock far
+    /// ahead was put back, what nobody has asked for by it is not left out.
     DateTime UncheckedSince() const;
 
     /// Takes the events that the host marked as deleted out of grids and sets, and purges their
@@ -54,10 +55,12 @@ public:
 private:
     void check(int interval);
     bool readSets();
+    void adoptAll();
     void takeZone();
     void takeClock(bool isRead);
     void refillListed();
     DateTime lastAsked() const;
+    void takeBackFrom(DateTime since);
     void noteAsked(bool isRead, DateTime since);
     void removeDealtWith();
     void changeDay();

@@ -238,6 +238,9 @@ void Oracle::read(const Check& check) {
     }
     lastRead_ = lastCheck_;
     reads_.push_back(*lastRead_);
+    if (isFirst_) {
+        starts_.insert(lastRead_->utc);
+    }
     unseenSince_.reset();
     isFirst_ = false;
     hasTravelled_ = false;

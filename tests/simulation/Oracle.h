@@ -208,6 +208,7 @@ private:
     Moment momentOf(Seconds local) const { return {local, toUtc(here_, local)}; }
     Seconds earlierOf(const Moment& moment) const;
     std::optional<Moment> lastReadBy(Seconds now) const;
+    std::optional<Seconds> skippedSince(Seconds now, bool surely) const;
     Seconds askedFrom(Seconds now) const;
     Seconds mayAskFrom(Seconds now) const;
     Seconds overBefore(const Plan& plan, Seconds now) const;
@@ -276,6 +277,7 @@ private:
     std::optional<Moment> lastCheck_;    // of this run
     std::optional<Moment> lastRead_;     // check that could read the file, of any run
     std::vector<Moment> reads_;          // all of these
+    std::set<Seconds> starts_;           // UTC: the first of each run
     std::optional<Moment> unseenSince_;  // no check of this run since then could
     bool isFirst_ = true;                // none of this run could yet
     std::optional<Turn> turn_;           // by the last check

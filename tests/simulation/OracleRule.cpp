@@ -1,5 +1,6 @@
 // The rule: what is dealt with, and what is asked for.
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -39,10 +40,26 @@ std::optional<Oracle::Moment> Oracle::lastReadBy(Seconds now) const {
     return last != reads_.rend() ? std::optional(*last) : std::nullopt;
 }
 
+// By a clock far ahead a start has asked for so many days only: of what is before them nobody has
+// told, and it is asked for when that clock is put back.
+std::optional<Seconds> Oracle::skippedSince(Seconds now, bool surely) const {
+    const auto last = std::find_if(reads_.rbegin(), reads_.rend(),
+                                   [&](const Moment& one) { return earlierOf(one) <= now; });
+    if (last == reads_.rend() || last == reads_.rbegin()) {
+        return std::nullopt;
+    }
+    const Moment& next = *std::prev(last);
+    const Seconds asked = midnightOf(earlierOf(next)) - kLongestOff;
+    const bool isSkipped = earlierOf(*last) < asked && (!surely || starts_.contains(next.utc));
+    return isSkipped ? std::optional(std::max(earlierOf(*last), midnightOf(now) - kLongestOff))
+                     : std::nullopt;
+}
+
 Seconds Oracle::askedFrom(Seconds now) const {
     Seconds from = midnightOf(now);
     if (lastCheck_) {
         from = earlierOf(*lastCheck_);
+        from = from > now ? skippedSince(now, true).value_or(from) : from;
     } else if (const auto last = lastReadBy(now)) {
         from = std::min(from, std::max(earlierOf(*last), from - kLongestOff));
     }
@@ -53,6 +70,9 @@ Seconds Oracle::askedFrom(Seconds now) const {
 // Of the checks of a day only the first is kept over a restart, by the clock of that place.
 Seconds Oracle::mayAskFrom(Seconds now) const {
     const Seconds from = askedFrom(now);
+    if (!isFirst_ && lastCheck_ && earlierOf(*lastCheck_) > now) {
+        return std::min(from, skippedSince(now, false).value_or(from));
+    }
     if (!isFirst_ || !lastRead_) {
         return from;
     }
@@ -353,10 +373,10 @@ void Oracle::noteFinished(Event& event, Seconds now) const {
 }
 
 void Oracle::gatherMust(Event& event, const Check& check) const {
-    if (event.mayBeFinished && lastReminder(event.plan) <= check.now) {
+    Seconds from = askedFrom(check.now);
+    if (event.mayBeFinished && lastReminder(event.plan) <= from) {
         return;
     }
-    Seconds from = askedFrom(check.now);
     // Its row was there when the last check asked; that read goes by the seconds of stamps.
     if (event.missedSince && event.modified <= earlierOf(*event.missedSince)) {
         from = std::min(from, earlierOf(*event.missedSince));
