@@ -1,0 +1,248 @@
+#include "ExactRule.h"
+
+#include <algorithm>
+
+namespace vl::exact {
+
+namespace {
+
+// What is not over comes by time; where all are over, those of the latest occurrence do. Of two at
+// one time, of occurrences that overlap, the rule says not which.
+std::vector<Reminder> firstOf(const calEvent& event, const std::vector<Reminder>& pending,
+                              DateTime now) {
+    std::vector<Reminder> first;
+    for (const bool over : {false, true}) {
+        for (const Reminder& one : pending) {
+            if (isOver(event, one.start, now) != over) {
+                continue;
+            }
+            const auto goesBefore = [&](const Reminder& other) {
+                return over && one.start != other.start ? one.start > other.start
+                                                        : one.time < other.time;
+            };
+            if (first.empty() || goesBefore(first.front())) {
+                first = {one};
+            } else if (one.time == first.front().time && (!over || one == first.front())) {
+                first.push_back(one);
+            }
+        }
+        if (!first.empty()) {
+            break;
+        }
+    }
+    return first;
+}
+
+}  // namespace
+
+bool Answer::allows(const std::optional<Reminder>& taken) const {
+    const auto isIn = [&](const std::vector<Reminder>& ones) {
+        return taken ? std::find(ones.begin(), ones.end(), *taken) != ones.end() : ones.empty();
+    };
+    return isIn(first) || isIn(orFirst);
+}
+
+// ---- what is dealt with
+
+DateTime ExactRule::startOf(const calEvent& event, DateTime key) const {
+    return event.IsRepeating() ? event.FromWall(key) : event.StartDateTime;
+}
+
+// A single event that was moved has another start, which nothing was done to but a snooze.
+bool ExactRule::isThere(const calEvent& event, DateTime key) const {
+    return event.IsRepeating() ? isOccurrence(event, event.FromWall(key))
+                               : key == event.ToWall(event.StartDateTime);
+}
+
+// In a single event the snooze follows the event when the host moves it.
+DateTime ExactRule::snoozeOf(const calEvent& event, DateTime key) const {
+    DateTime snoozed;
+    for (const auto& [start, dealt] : dealt_) {
+        if (start == key || !event.IsRepeating()) {
+            snoozed = std::max(snoozed, dealt.snoozed);
+        }
+    }
+    return snoozed;
+}
+
+ExactRule::Standing ExactRule::standingOf(const calEvent& event, const Replaced& replaced,
+                                          const Reminder& reminder, DateTime now) const {
+    const DateTime key = event.ToWall(reminder.start);
+    const DateTime snoozed = snoozeOf(event, key);
+    const bool isSuperseded = !snoozed.isZero() && reminder.time < snoozed;
+    if (isReplaced(event, replaced, reminder.start) || isSuperseded) {
+        return Standing::Settled;
+    }
+    const auto found = dealt_.find(key);
+    const Dealt dealt = found != dealt_.end() ? found->second : Dealt();
+    const bool isHandled = !dealt.handled.isZero() && reminder.time <= dealt.handled;
+    const bool isMuted = dealt.muted == Muted::ForEver ||
+                         (dealt.muted == Muted::ThroughStart && reminder.time <= reminder.start);
+    return isHandled || isMuted ? Standing::Settled : endedOf(event, reminder, now);
+}
+
+// An act on a later occurrence has ended what there was and was over.
+ExactRule::Standing ExactRule::endedOf(const calEvent& event, const Reminder& reminder,
+                                       DateTime now) const {
+    const DateTime key = event.ToWall(reminder.start);
+    const bool over = isOver(event, reminder.start, now);
+    if (ended_.contains(key)) {
+        // Whether it is ended when the host makes it longer, or it is snoozed afterwards: either.
+        return over && snoozeOf(event, key).isZero() ? Standing::Settled : Standing::Either;
+    }
+    // What the host has put before that occurrence later, as if it had been over: either.
+    return key < endedBefore_ && over && !spared_.contains(key) ? Standing::Either : Standing::Open;
+}
+
+// ---- what a check asks for
+
+// What lies in the window; of an event that is met or re-timed also what is of today, or of an
+// occurrence that is not over.
+void ExactRule::askFor(const calEvent& event, const Replaced& replaced, const Check& check) {
+    std::erase_if(asked_, [&](const Reminder& one) {
+        return !isScheduled(event, one) ||
+               standingOf(event, replaced, one, check.now) == Standing::Settled;
+    });
+    const DateTime earliest = isMet_ ? check.from.addDays(-kReach) : check.from;
+    forEachScheduled(event, earliest, check.to, [&](const Reminder& one) {
+        const bool counts = one.time >= check.from || one.time >= check.now.date() ||
+                            !isOver(event, one.start, check.now);
+        if (counts && standingOf(event, replaced, one, check.now) != Standing::Settled) {
+            asked_.insert(one);
+        }
+    });
+}
+
+// What fell due and waits, snoozes whose time has come, and what was listed in an earlier run.
+std::vector<ExactRule::Candidate> ExactRule::candidates(const calEvent& event,
+                                                        const Replaced& replaced, DateTime to,
+                                                        DateTime now) const {
+    std::vector<Candidate> found;
+    const auto add = [&](const Reminder& one, Standing standing) {
+        if (standing != Standing::Settled) {
+            found.push_back({one, standing});
+        }
+    };
+    for (const Reminder& one : asked_) {
+        if (isScheduled(event, one)) {
+            add(one, standingOf(event, replaced, one, now));
+        }
+    }
+    // The host has moved what was listed, and then taken away what the row stood for since: either.
+    for (const Reminder& one : stoodFor_) {
+        if (isOccurrence(event, one.start) && !isScheduled(event, one) &&
+            standingOf(event, replaced, one, now) != Standing::Settled) {
+            add(one, Standing::Either);
+        }
+    }
+    for (const auto& [key, dealt] : dealt_) {
+        const DateTime start = startOf(event, key);
+        if (!dealt.snoozed.isZero() && dealt.snoozed <= to && !isGone(event, replaced, start)) {
+            add({start, dealt.snoozed}, Standing::Open);
+        }
+        if (!dealt.listed.isZero() && isThere(event, key)) {
+            // The host has taken away that reminder, in this run, or the occurrence for a while:
+            // either.
+            const Reminder one{start, dealt.listed};
+            const bool isSure =
+                !dealt.wasAway && (dealt.listedIn < run_ || isScheduled(event, one));
+            const Standing standing = standingOf(event, replaced, one, now);
+            add(one, standing == Standing::Open && !isSure ? Standing::Either : standing);
+        }
+    }
+    return found;
+}
+
+// Reminders that the host gives an event of which something is pending, for times since then that
+// are neither of today nor of what goes on: either. So it is where the program was off: it need
+// not know of more than the first check of a day.
+void ExactRule::addGivenLater(const calEvent& event, const Replaced& replaced, const Check& check,
+                              std::vector<Candidate>& found) const {
+    if (!isGivenLater_) {
+        return;
+    }
+    DateTime since = check.mayFrom;
+    if (!openSince_.isZero()) {
+        since = std::min(since, openSince_);
+    }
+    forEachScheduled(event, since, check.from, [&](const Reminder& one) {
+        if (!asked_.contains(one) &&
+            standingOf(event, replaced, one, check.now) != Standing::Settled) {
+            found.push_back({one, Standing::Either});
+        }
+    });
+}
+
+// Of what the host has written shortly before, a program that starts knows not what was changed:
+// whether it counts as re-timed when it was only made longer, either.
+void ExactRule::addTouched(const calEvent& event, const Replaced& replaced, const Check& check,
+                           std::vector<Candidate>& found) const {
+    constexpr int kShortly = 10;
+    if (!isFirst_ || writtenAt_ < check.mayFrom.addMinutes(-kShortly)) {
+        return;
+    }
+    forEachScheduled(event, check.from.addDays(-kReach), check.from, [&](const Reminder& one) {
+        if (!isOver(event, one.start, check.now) && !asked_.contains(one) &&
+            standingOf(event, replaced, one, check.now) != Standing::Settled) {
+            found.push_back({one, Standing::Either});
+        }
+    });
+}
+
+void ExactRule::noteAway(const calEvent& event) {
+    for (auto& [key, dealt] : dealt_) {
+        dealt.wasAway = dealt.wasAway || (event.IsRepeating() && !isThere(event, key));
+    }
+}
+
+void ExactRule::noteStood(const calEvent& event, const Answer& answer) {
+    if (row_ && !isThere(event, event.ToWall(row_->start))) {
+        stoodFor_.insert(answer.first.begin(), answer.first.end());
+        stoodFor_.insert(answer.orFirst.begin(), answer.orFirst.end());
+    }
+}
+
+void ExactRule::noteOpen(const std::vector<Candidate>& found, const Check& check) {
+    if (found.empty()) {
+        openSince_ = DateTime();
+        isGivenLater_ = false;
+        return;
+    }
+    openSince_ = openSince_.isZero() ? check.from : std::min(openSince_, check.from);
+    for (const Candidate& one : found) {
+        openSince_ = std::min(openSince_, one.reminder.time);
+    }
+}
+
+Answer ExactRule::ask(const calEvent& event, const Replaced& replaced, const Check& check) {
+    if (hasNone(event)) {
+        return {};
+    }
+    askFor(event, replaced, check);
+    isMet_ = false;
+    noteAway(event);
+    std::vector<Candidate> found = candidates(event, replaced, check.to, check.now);
+    addGivenLater(event, replaced, check, found);
+    addTouched(event, replaced, check, found);
+    isFirst_ = false;
+    noteOpen(found, check);
+    Answer answer;
+    std::vector<Reminder> sure;
+    std::vector<Reminder> all;
+    for (const auto& [reminder, standing] : found) {
+        const bool isInWindow = reminder.time >= check.from;
+        const bool isSure = standing == Standing::Open;
+        all.push_back(reminder);
+        if (isSure) {
+            sure.push_back(reminder);
+        }
+        answer.isDueAgain = answer.isDueAgain || (isSure && isInWindow);
+        answer.mayBeDueAgain = answer.mayBeDueAgain || isInWindow;
+    }
+    answer.first = firstOf(event, sure, check.now);
+    answer.orFirst = firstOf(event, all, check.now);
+    noteStood(event, answer);
+    return answer;
+}
+
+}  // namespace vl::exact
