@@ -159,6 +159,18 @@ bool isLastMuted(const calEvent& event, const EventState& state) {
     return std::any_of(state.occurrences.begin(), state.occurrences.end(), isMarked);
 }
 
+// Whether all reminders before those of its last occurrence had come by then: a dismissal in the
+// row of a series is of what had, and only with the last one is the series done.
+bool wasLastLeft(const calEvent& event, DateTime then) {
+    if (!event.IsRepeating()) {
+        return true;
+    }
+    const DateTime last = event.LastInstance();
+    const DateTime before = last.isZero() ? DateTime() : event.PreviousInstance(last);
+    return !last.isZero() &&
+           (before.isZero() || before.addMinutes(event.LastReminder()) <= then);
+}
+
 void muteForEver(OccurrenceState& entry, const ActOn& act) {
     entry.muted = Muted::ForEver;
     entry.local = act.event.HasOwnZone() ? act.start : DateTime();
@@ -219,7 +231,7 @@ bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now) {
 bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now) {
     return isMarkedDone(event, facts, now) ||
            (rowSpeaks(event, facts.state) && !event.Dismissed.isZero() &&
-            event.Modified <= event.Dismissed);
+            event.Modified <= event.Dismissed && wasLastLeft(event, event.Dismissed));
 }
 
 OccurrenceState& entryOf(EventState& state, const calEvent& event, DateTime start) {

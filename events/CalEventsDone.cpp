@@ -167,7 +167,8 @@ bool CalEvents::isOpenAgain(const calEvent& event) const {
     const DateTime last = lastReminderOf(event);
     const bool goesOn = last > takesBackFrom() ||
                         (last.isZero() && event.IsRepeating() && !event.NextInstance(now).isZero());
-    return goesOn && !isDoneByUser(event, *ledger_, db_.DBFullName, now);
+    return (goesOn || isMetAnew(event, *ledger_, db_.DBFullName, now)) &&
+           !isDoneByUser(event, *ledger_, db_.DBFullName, now);
 }
 
 // What cannot be written now is tried again with the next reload, as long as the set has it so: its

@@ -61,6 +61,18 @@ bool isStillOpen(const calEvent& event, const Ledger& ledger, std::string_view d
            (state->newlyMet && askDue(event, facts, {now, now, now, now, true}).taken);
 }
 
+bool isMetAnew(const calEvent& event, const Ledger& ledger, std::string_view database,
+               DateTime now) {
+    if (isMetBefore(event, ledger.lastCheck(database), now)) {
+        return false;
+    }
+    const TimeZone here = TimeZone::local();
+    const auto replaced = replacedOf(event, ledger, database, here);
+    const DueFacts facts{ledger.find(database, event.GUID), replaced, here};
+    const auto taken = askDue(event, facts, {now, now, now, now, true}).taken;
+    return taken && (taken->time.date() == now.date() || event.EndOf(taken->instance) > now);
+}
+
 bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view database,
                   DateTime now) {
     const TimeZone here = TimeZone::local();

@@ -34,6 +34,11 @@ bool wasPutBack(std::span<const DateTime> checks, DateTime now);
 /// 0: it is not so.
 DateTime skippedSince(std::span<const DateTime> checks, DateTime now, int days);
 
+/// Whether a check that met it now would list it: the host has written it since the last one, and
+/// it has reminders of today, or goes on, that nobody has dealt with.
+bool isMetAnew(const calEvent& event, const Ledger& ledger, std::string_view database,
+               DateTime now);
+
 /// As in `events/ActRules.h`, by what the ledger knows.
 bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view database,
                   DateTime now);

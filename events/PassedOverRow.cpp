@@ -27,9 +27,10 @@ FinishedIn::FinishedIn(const std::vector<sql::Field>& fields)
       deleted_(fieldNamed(fields, "Deleted")),
       status_(fieldNamed(fields, "status")),
       start_(fieldNamed(fields, "StartDateTime")),
+      end_(fieldNamed(fields, "EndDateTime")),
       recurrence_(fieldNamed(fields, "recurrence")),
       reminders_(fieldNamed(fields, "reminders")),
-      known_(std::max({guid_, deleted_, status_, start_, recurrence_, reminders_}) <
+      known_(std::max({guid_, deleted_, status_, start_, end_, recurrence_, reminders_}) <
              fields.size()) {}
 
 bool FinishedIn::is(const sql::RowStream& row) const {
@@ -42,11 +43,15 @@ bool FinishedIn::isOneOf(const std::unordered_set<std::uint64_t>& asked,
     return !asked.empty() && asked.contains(guidHash(textOf(row.value(guid_))));
 }
 
-// A reminder after the start of a single event has a negative number of minutes.
+// A reminder after the start of a single event has a negative number of minutes. What is of today,
+// or goes on, is reminded of also when the host writes it after the time of its reminder.
 bool FinishedIn::mayGoOn(const sql::RowStream& row, DateTime from) const {
-    const Variant start = row.value(start_);
-    const auto* date = start.get<DateTime>();
-    return (date != nullptr && *date > from) || !textOf(row.value(recurrence_)).empty() ||
+    const auto isFrom = [&](const Variant& value) {
+        const auto* date = value.get<DateTime>();
+        return date != nullptr && *date >= from.date();
+    };
+    return isFrom(row.value(start_)) || isFrom(row.value(end_)) ||
+           !textOf(row.value(recurrence_)).empty() ||
            textOf(row.value(reminders_)).find('-') != std::string::npos;
 }
 

@@ -29,6 +29,7 @@ private:
     std::size_t deleted_;
     std::size_t status_;
     std::size_t start_;
+    std::size_t end_;
     std::size_t recurrence_;
     std::size_t reminders_;
     bool known_;

@@ -1,6 +1,8 @@
 // A clock that is far off for a while: what it makes the program do is undone, or was not done.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "FileDesk.h"
 
 namespace vl {
@@ -182,6 +184,41 @@ TEST_F(MovedWhenFinished, ComesAlsoWhenItIsMovedWhileTheProgramIsOff) {
     EXPECT_EQ(restart(at(9, 0, 0, 25)), "");
     EXPECT_EQ(desk.check(at(17, 45, 0, 25)), "A 17:45");
 }
+
+struct MovedTo {
+    const char* what;
+    DateTime start;
+    const char* comes;
+};
+class MovedIntoToday : public MovedWhenFinished,
+                       public testing::WithParamInterface<std::tuple<MovedTo, bool>> {};
+
+TEST_P(MovedIntoToday, ComesAtOnceWhereItsReminderIsPastByThen) {
+    const auto& [to, isOff] = GetParam();
+    SCOPED_TRACE(to.what);
+    desk.put(single("A", at(10, 0), {15}));
+    EXPECT_EQ(desk.check(at(9, 45)), "A 09:45");
+    desk.program->acts.Dismiss(desk.listed.at("A"), DismissMode::This);
+    EXPECT_EQ(restart(at(9, 0, 0, 22)), "");
+    EXPECT_EQ(restart(at(9, 0, 0, 23)), "");
+    ASSERT_EQ(statusOf("A"), "AllDone");
+    EXPECT_EQ(desk.check(at(8, 49, 50, 24)), "");
+    if (isOff) {
+        desk.program.reset();
+    }
+    desk.clock.time = at(8, 50, 0, 24);
+    move("A", to.start);
+    EXPECT_EQ(desk.check(at(8, 50, 10, 24)), to.comes);
+    EXPECT_EQ(desk.check(at(8, 50, 20, 24)), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Starts, MovedIntoToday,
+    testing::Combine(testing::Values(MovedTo{"in ten minutes", at(9, 0, 0, 24), "A 08:45"},
+                                     MovedTo{"has begun", at(8, 30, 0, 24), "A 08:15"},
+                                     MovedTo{"was today", at(7, 0, 0, 24), "A 06:45"},
+                                     MovedTo{"was yesterday", at(7, 0, 0, 23), ""}),
+                     testing::Bool()));
 
 // The row of the list is from before the move, whatever the seconds of the two say.
 TEST_F(MovedWhenFinished, ComesAlsoWhenItIsMovedWhileItsUserMarksItAsDone) {
