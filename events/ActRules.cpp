@@ -167,8 +167,7 @@ bool wasLastLeft(const calEvent& event, DateTime then) {
     }
     const DateTime last = event.LastInstance();
     const DateTime before = last.isZero() ? DateTime() : event.PreviousInstance(last);
-    return !last.isZero() &&
-           (before.isZero() || before.addMinutes(event.LastReminder()) <= then);
+    return !last.isZero() && (before.isZero() || before.addMinutes(event.LastReminder()) <= then);
 }
 
 void muteForEver(OccurrenceState& entry, const ActOn& act) {

@@ -139,6 +139,7 @@ private:
     void apply(const ActRow& row, const char* name, const calEvent& wanted,
                const std::vector<std::string>& columns,
                const std::function<void(EventState&)>& edit, bool forget = false);
+    void keepReplacedOf(const calEvent& series);
     void noteChange(const std::string& GUID);
     void noteRow(EventState& state, const calEvent& before, const calEvent& wanted,
                  const std::vector<std::string>& columns) const;

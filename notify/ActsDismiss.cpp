@@ -75,6 +75,17 @@ bool Acts::endsWith(const ActOn& act) {
            !anyLeftWhenDone(ledger_.find(db_.DBFullName, GUID), act);
 }
 
+// Who asks later whether the series is still done may not know its exceptions.
+void Acts::keepReplacedOf(const calEvent& series) {
+    Ledger::Replaced replaced{{series.id, series.VLBase}, {}};
+    for (const DateTime start : reminders_.Replaced(series)) {
+        replaced.starts.push_back(notedNow(start));
+    }
+    if (!replaced.starts.empty()) {
+        ledger_.keepReplaced(db_.DBFullName, std::vector{std::move(replaced)});
+    }
+}
+
 void Acts::Dismiss(const ActRow& shown, DismissMode mode, bool markDone) {
     const ErrScope scope;
     attempt([&] {
@@ -87,6 +98,7 @@ void Acts::Dismiss(const ActRow& shown, DismissMode mode, bool markDone) {
         if (markDone && endsWith(act)) {
             wanted.status = kAllDone;
             columns.emplace_back(kStatus);
+            keepReplacedOf(*event);
         }
         // Its row may go, or be read no more: what it stands for in its series is dealt with.
         if (event->IsException() && !event->RExceptionStartTimeOrig.isZero()) {

@@ -127,6 +127,43 @@ TEST_P(DoneAndThen, ADismissalOfTheLastDoesNotEndTheSeriesForAWrongClock) {
         << "that of the 23rd was listed by that clock, and dismissed";
 }
 
+// Nor what another program has dismissed of it in its row.
+TEST_P(DoneAndThen, ADismissalElsewhereDoesNotEndTheSeriesForAWrongClock) {
+    desk.clock.time = at(8, 0, 0, 19);
+    desk.put(series("S", at(10, 0, 0, 19), "FREQ=DAILY;COUNT=4", {15}));
+    ASSERT_EQ(desk.check(at(8, 1, 0, 19)), "");
+    desk.file.change("S", {{"Dismissed", Variant(at(9, 46, 0, 19))}});
+    desk.program.reset();
+    EXPECT_EQ(desk.check(at(9, 47, 0, 19)), "");
+    desk.file.change("S", {{"status", kAllDone}});
+    perhapsRestart();
+    desk.clock.time = at(8, 0);
+    EXPECT_EQ(come(at(12, 0, 0, 22)), "20 09:45, 21 09:45, 22 09:45, ");
+}
+
+TEST_P(DoneAndThen, ASeriesThatAnExceptionHasLeftStaysDone) {
+    desk.clock.time = at(8, 0, 0, 17);
+    const auto meetings = series("S", at(10, 0), "FREQ=DAILY;COUNT=3", {2880, 15});
+    const auto moved = single("X", at(10, 0, 0, 25), {15});
+    moved->RecurrenceState = 3;
+    moved->recurringEventId = meetings->id;
+    moved->RExceptionStartTimeOrig = at(10, 0, 0, 21);
+    desk.put(meetings);
+    desk.put(moved);
+    desk.put(single("B", at(20, 0, 0, 29), {5}));
+    EXPECT_EQ(come(at(9, 59)), "18 10:00, 20 09:45, ");
+    EXPECT_EQ(desk.check(at(10, 0)), "S 10:00");
+    act(DismissMode::This, true);
+    ASSERT_EQ(status(), kAllDone);
+    perhapsRestart();
+    for (const int minute : {1, 2, 3}) {
+        desk.file.change("B", {{"Subject", Variant(std::to_string(minute))},
+                               {"Modified", Variant(at(10, minute))}});
+        EXPECT_EQ(desk.check(at(10, minute)), "");
+        EXPECT_EQ(status(), kAllDone) << minute;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Restarts, DoneAndThen, testing::Bool());
 INSTANTIATE_TEST_SUITE_P(Restarts, DoneAndOtherReminders, testing::Bool());
 
