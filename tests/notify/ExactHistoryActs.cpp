@@ -16,10 +16,12 @@ void ExactHistory::userActs() {
     }
 }
 
-// Some occurrence that a view shows, by one of its reminders.
+// Some occurrence that a view shows, by one of its reminders. What is finished has left the sets:
+// without a file nobody reads it again.
 bool ExactHistory::chooseInView(const std::string& GUID, const calEvent& event) {
     const auto starts = event.ICalRecEvents(now_.addDays(-3), now_.addDays(5));
-    if (starts.empty() || event.RemindersCol->Count() == 0) {
+    if (!desk_.program->reminders.mCol->Exists(GUID) || starts.empty() ||
+        event.RemindersCol->Count() == 0) {
         return false;
     }
     const DateTime start =

@@ -10,6 +10,8 @@ namespace vl::exact {
 
 namespace {
 
+constexpr const char* kHourly = "RRULE:FREQ=HOURLY;INTERVAL=5";
+
 // As recurrence lines have it: "20261120T100000", of a day "20261120".
 std::string stamp(DateTime time, bool isDay) {
     std::string digits;
@@ -43,8 +45,9 @@ std::string ExactHost::reminders() {
     return R"({"useDefault":false,"overrides":[)" + overrides + "]}";
 }
 
-// Lines of a series that begins then.
-std::string ExactHost::rule(DateTime start) {
+// Lines of a series of that event. All day none comes by the hour.
+std::string ExactHost::rule(const calEvent& event) {
+    const DateTime start = event.StartDateTime;
     const auto quoted = [](const std::string& text) { return "[\"" + text + "\"]"; };
     switch (dice_.below(10)) {
         case 0:
@@ -52,7 +55,7 @@ std::string ExactHost::rule(DateTime start) {
         case 1:
             return quoted("RRULE:FREQ=WEEKLY");
         case 2:
-            return quoted("RRULE:FREQ=HOURLY;INTERVAL=5");
+            return quoted(event.IsAllDayEvent ? "RRULE:FREQ=DAILY" : kHourly);
         case 3:
             return quoted("RRULE:FREQ=DAILY;INTERVAL=2");
         case 4:
@@ -82,7 +85,7 @@ std::shared_ptr<calEvent> ExactHost::enter(const std::string& GUID, DateTime now
         kind == 1 || kind == 7 ? test::allDay(GUID, start, {}) : test::single(GUID, start, {});
     if (kind > 1) {
         event->StartDateTime = event->StartDateTime.addDays(-dice_.below(3));
-        event->recurrence = rule(event->StartDateTime);
+        event->recurrence = rule(*event);
         event->RecurrenceState = 1;
         if (kind == 2) {
             const char* zone = dice_.oneIn(2) ? "America/New_York" : "Asia/Tokyo";
@@ -108,6 +111,9 @@ bool ExactHost::move(calEvent& event) {
 }
 
 bool ExactHost::turnAllDay(calEvent& event) {
+    if (event.recurrence.str().find(kHourly) != std::string::npos) {
+        return false;
+    }
     event.IsAllDayEvent = !event.IsAllDayEvent;
     event.StartDateTime = event.IsAllDayEvent
                               ? event.StartDateTime.date()
@@ -118,7 +124,7 @@ bool ExactHost::turnAllDay(calEvent& event) {
 
 bool ExactHost::turnSeries(calEvent& event) {
     const bool wasSeries = isSeries(event);
-    event.recurrence = wasSeries ? std::string() : rule(event.StartDateTime);
+    event.recurrence = wasSeries ? std::string() : rule(event);
     event.RecurrenceState = wasSeries ? 0 : 1;
     event.LoadRecurrence();
     return true;

@@ -39,7 +39,7 @@ public:
     static std::string say(const calEvent& event);
 
 private:
-    std::string rule(DateTime start);
+    std::string rule(const calEvent& event);
     std::string reminders();
     void setLength(calEvent& event);
     bool move(calEvent& event);

@@ -99,10 +99,12 @@ ExactRule::Standing ExactRule::endedOf(const calEvent& event, const Reminder& re
 // What lies in the window; of an event that is met or re-timed also what is of today, or of an
 // occurrence that is not over.
 void ExactRule::askFor(const calEvent& event, const Replaced& replaced, const Check& check) {
-    std::erase_if(asked_, [&](const Reminder& one) {
-        return !isScheduled(event, one) ||
-               standingOf(event, replaced, one, check.now) == Standing::Settled;
-    });
+    for (std::set<Reminder>* ones : {&asked_, &either_}) {
+        std::erase_if(*ones, [&](const Reminder& one) {
+            return !isScheduled(event, one) ||
+                   standingOf(event, replaced, one, check.now) == Standing::Settled;
+        });
+    }
     const DateTime earliest = isMet_ ? check.from.addDays(-kReach) : check.from;
     forEachScheduled(event, earliest, check.to, [&](const Reminder& one) {
         const bool counts = one.time >= check.from || one.time >= check.now.date() ||
@@ -126,6 +128,12 @@ std::vector<ExactRule::Candidate> ExactRule::candidates(const calEvent& event,
     for (const Reminder& one : asked_) {
         if (isScheduled(event, one)) {
             add(one, standingOf(event, replaced, one, now));
+        }
+    }
+    for (const Reminder& one : either_) {
+        if (!asked_.contains(one) && isScheduled(event, one) &&
+            standingOf(event, replaced, one, now) != Standing::Settled) {
+            add(one, Standing::Either);
         }
     }
     // The host has moved what was listed, and then taken away what the row stood for since: either.
@@ -156,35 +164,25 @@ std::vector<ExactRule::Candidate> ExactRule::candidates(const calEvent& event,
 // Reminders that the host gives an event of which something is pending, for times since then that
 // are neither of today nor of what goes on: either. So it is where the program was off: it need
 // not know of more than the first check of a day.
-void ExactRule::addGivenLater(const calEvent& event, const Replaced& replaced, const Check& check,
-                              std::vector<Candidate>& found) const {
-    if (!isGivenLater_) {
-        return;
+void ExactRule::askForGivenLater(const calEvent& event, const Check& check) {
+    if (isGivenLater_) {
+        const DateTime since =
+            openSince_.isZero() ? check.mayFrom : std::min(check.mayFrom, openSince_);
+        forEachScheduled(event, since, check.from,
+                         [&](const Reminder& one) { either_.insert(one); });
     }
-    DateTime since = check.mayFrom;
-    if (!openSince_.isZero()) {
-        since = std::min(since, openSince_);
-    }
-    forEachScheduled(event, since, check.from, [&](const Reminder& one) {
-        if (!asked_.contains(one) &&
-            standingOf(event, replaced, one, check.now) != Standing::Settled) {
-            found.push_back({one, Standing::Either});
-        }
-    });
 }
 
 // Of what the host has written shortly before, a program that starts knows not what was changed:
 // whether it counts as re-timed when it was only made longer, either.
-void ExactRule::addTouched(const calEvent& event, const Replaced& replaced, const Check& check,
-                           std::vector<Candidate>& found) const {
+void ExactRule::askForTouched(const calEvent& event, const Check& check) {
     constexpr int kShortly = 10;
     if (!isFirst_ || writtenAt_ < check.mayFrom.addMinutes(-kShortly)) {
         return;
     }
     forEachScheduled(event, check.from.addDays(-kReach), check.from, [&](const Reminder& one) {
-        if (!isOver(event, one.start, check.now) && !asked_.contains(one) &&
-            standingOf(event, replaced, one, check.now) != Standing::Settled) {
-            found.push_back({one, Standing::Either});
+        if (!isOver(event, one.start, check.now)) {
+            either_.insert(one);
         }
     });
 }
@@ -208,7 +206,7 @@ void ExactRule::noteOpen(const std::vector<Candidate>& found, const Check& check
         isGivenLater_ = false;
         return;
     }
-    openSince_ = openSince_.isZero() ? check.from : std::min(openSince_, check.from);
+    openSince_ = openSince_.isZero() ? check.mayFrom : std::min(openSince_, check.mayFrom);
     for (const Candidate& one : found) {
         openSince_ = std::min(openSince_, one.reminder.time);
     }
@@ -221,10 +219,10 @@ Answer ExactRule::ask(const calEvent& event, const Replaced& replaced, const Che
     askFor(event, replaced, check);
     isMet_ = false;
     noteAway(event);
-    std::vector<Candidate> found = candidates(event, replaced, check.to, check.now);
-    addGivenLater(event, replaced, check, found);
-    addTouched(event, replaced, check, found);
+    askForGivenLater(event, check);
+    askForTouched(event, check);
     isFirst_ = false;
+    const std::vector<Candidate> found = candidates(event, replaced, check.to, check.now);
     noteOpen(found, check);
     Answer answer;
     std::vector<Reminder> sure;

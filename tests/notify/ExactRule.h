@@ -86,10 +86,8 @@ private:
     void askFor(const calEvent& event, const Replaced& replaced, const Check& check);
     std::vector<Candidate> candidates(const calEvent& event, const Replaced& replaced, DateTime to,
                                       DateTime now) const;
-    void addGivenLater(const calEvent& event, const Replaced& replaced, const Check& check,
-                       std::vector<Candidate>& found) const;
-    void addTouched(const calEvent& event, const Replaced& replaced, const Check& check,
-                    std::vector<Candidate>& found) const;
+    void askForGivenLater(const calEvent& event, const Check& check);
+    void askForTouched(const calEvent& event, const Check& check);
     void noteAway(const calEvent& event);
     void noteStood(const calEvent& event, const Answer& answer);
     void noteOpen(const std::vector<Candidate>& found, const Check& check);
@@ -103,6 +101,7 @@ private:
     std::set<DateTime> spared_;    // from that, as they were snoozed
     DateTime endedBefore_;         // acts have ended what there was before this, and was over
     std::set<Reminder> asked_;     // fell due in some check, and may be pending
+    std::set<Reminder> either_;    // the same, and the rule does not say whether they did
     std::set<Reminder> stoodFor_;  // the row stood for these when its own occurrence was gone
     bool isMet_ = false;           // for the first time, or re-timed, since the last check
     // Since when something has been pending all the time; 0: nothing is.

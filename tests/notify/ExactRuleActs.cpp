@@ -17,6 +17,11 @@ void ExactRule::written(const calEvent& before, const calEvent& event) {
         isMet_ = true;
         isGivenLater_ = true;
     }
+    // Whether what waited waits on, where the host has moved the series or made it one, either.
+    if (before.IsRepeating() != event.IsRepeating() ||
+        (event.IsRepeating() && before.StartDateTime != event.StartDateTime)) {
+        asked_.clear();
+    }
 }
 
 void ExactRule::ended() {
@@ -81,6 +86,7 @@ void ExactRule::endEarlier(const calEvent& event, DateTime start, DateTime now) 
         if (snoozeOf(event, key).isZero()) {
             ended_.insert(key);
             spared_.erase(key);
+            dealt_[key].listed = DateTime();
         } else {
             spared_.insert(key);
         }
