@@ -36,9 +36,11 @@ bool isListedElsewhere(const calEvent& event, const EventState* state) {
     return isListed;
 }
 
-// The next run would not know since when reminders of the series, as it is now, may be left.
-bool isNotedOtherwise(const EventState* state, DateTime start) {
-    return state != nullptr && !state->openSince.isZero() && state->openOf != start;
+// The next run would not know since when, a moment, reminders of the event as it is now may be
+// left: the host has moved the series, or given it earlier ones, while it was listed.
+bool isNotedOtherwise(const EventState* state, DateTime start, DateTime since) {
+    return state != nullptr && !state->openSince.isZero() &&
+           (state->openOf != start || state->openSince > since);
 }
 
 // Its user wants it to count as newly met, and it has not been listed since.
@@ -114,7 +116,8 @@ void DueBook::askOne(Slot& slot, const Asked& asked, std::vector<Found>& found) 
     slot.asked = true;
     const bool listed = pending && asked.listed != nullptr && asked.listed->Exists(event.GUID);
     const bool isElsewhere = listed && isListedElsewhere(event, state);
-    if (isElsewhere || (listed && isNotedOtherwise(state, startOf(event)))) {
+    if (isElsewhere ||
+        (listed && isNotedOtherwise(state, startOf(event), event.ToMoment(answer.since)))) {
         moved_.push_back({slot.event, *answer.taken, isElsewhere});
     }
     const auto& due = listed ? answer.again : answer.taken;

@@ -74,5 +74,34 @@ TEST(NewReminders, OfWhatWaitedBehindAnotherStillCome) {
     }
 }
 
+// Three days before, by which two occurrences ahead should have reminded.
+TEST(NewReminders, OfWhatIsAheadComeOnceTheListedOneIsDealtWith) {
+    for (const bool restarts : {false, true}) {
+        SCOPED_TRACE(restarts);
+        FileDesk desk;
+        desk.clock.time = at(8, 0);
+        const auto meeting = [](int minutes) {
+            return series("S", at(10, 0), "FREQ=DAILY;COUNT=3", {minutes});
+        };
+        desk.put(meeting(15));
+        EXPECT_EQ(desk.check(at(9, 45)), "S 09:45");
+        desk.clock.time = at(10, 30);
+        desk.put(meeting(3 * 1440));
+        EXPECT_EQ(desk.check(at(10, 30)), "") << "listed";
+        EXPECT_EQ(desk.check(at(0, 10, 0, 21)), "");
+        if (restarts) {
+            desk.program.reset();
+            EXPECT_EQ(desk.check(at(0, 20, 0, 21)), "S 10:00");
+        } else {
+            dismiss(desk);
+            EXPECT_EQ(desk.check(at(0, 20, 0, 21)), "S 10:00");
+        }
+        EXPECT_EQ(desk.listed.at("S").InstanceStart, at(10, 0, 0, 21));
+        dismiss(desk);
+        EXPECT_EQ(desk.check(at(0, 30, 0, 21)), "S 10:00");
+        EXPECT_EQ(desk.listed.at("S").InstanceStart, at(10, 0, 0, 22));
+    }
+}
+
 }  // namespace
 }  // namespace vl
