@@ -190,7 +190,7 @@ void ExactHistory::compare(const std::string& GUID, const calEvent& event) {
     }
     if (!answer.allows(taken)) {
         std::string wanted = say(answer.first);
-        if (answer.orFirst != answer.first) {
+        if (!answer.orFirst.empty()) {
             wanted += " (or " + say(answer.orFirst) + ")";
         }
         fail(GUID, "takes " + (taken ? say(*taken) : "nothing") + ", not " + wanted);
@@ -200,7 +200,7 @@ void ExactHistory::compare(const std::string& GUID, const calEvent& event) {
         ++tried_.taken;
         mustRing_ = mayRing_ = true;
     }
-    tried_.either += answer.first == answer.orFirst ? 0U : 1U;
+    tried_.either += answer.orFirst.empty() ? 0U : 1U;
 }
 
 // ---- what is told

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cctype>
+#include <cstdint>
 #include <utility>
 
 #include "support/Events.h"
@@ -79,7 +80,7 @@ void ExactHost::setLength(calEvent& event) {
 }
 
 std::shared_ptr<calEvent> ExactHost::enter(const std::string& GUID, DateTime now) {
-    const DateTime start = now.date().addMinutes((dice_.below(4 * 96) - 96) * 15);
+    const DateTime start = now.date().addMinutes(std::int64_t{15} * (dice_.below(4 * 96) - 96));
     const int kind = dice_.below(8);
     auto event =
         kind == 1 || kind == 7 ? test::allDay(GUID, start, {}) : test::single(GUID, start, {});
@@ -103,9 +104,10 @@ std::shared_ptr<calEvent> ExactHost::enter(const std::string& GUID, DateTime now
 bool ExactHost::move(calEvent& event) {
     const std::int64_t length =
         event.EndDateTime.milliseconds() - event.StartDateTime.milliseconds();
-    event.StartDateTime = event.IsAllDayEvent
-                              ? event.StartDateTime.addDays(dice_.below(3) - 1)
-                              : event.StartDateTime.addMinutes((dice_.below(200) - 80) * 30);
+    event.StartDateTime =
+        event.IsAllDayEvent
+            ? event.StartDateTime.addDays(dice_.below(3) - 1)
+            : event.StartDateTime.addMinutes(std::int64_t{30} * (dice_.below(200) - 80));
     event.EndDateTime = DateTime::fromMilliseconds(event.StartDateTime.milliseconds() + length);
     return true;
 }
@@ -117,7 +119,7 @@ bool ExactHost::turnAllDay(calEvent& event) {
     event.IsAllDayEvent = !event.IsAllDayEvent;
     event.StartDateTime = event.IsAllDayEvent
                               ? event.StartDateTime.date()
-                              : event.StartDateTime.addMinutes(15 * dice_.below(96));
+                              : event.StartDateTime.addMinutes(std::int64_t{15} * dice_.below(96));
     setLength(event);
     return true;
 }
@@ -155,7 +157,7 @@ bool ExactHost::addDate(calEvent& event, DateTime now) {
     if (!isSeries(event)) {
         return false;
     }
-    const DateTime date = now.date().addMinutes(15 * dice_.below(3 * 96));
+    const DateTime date = now.date().addMinutes(std::int64_t{15} * dice_.below(3 * 96));
     addLine(event, std::string("RDATE;VALUE=") + (event.IsAllDayEvent ? "DATE:" : "DATE-TIME:") +
                        stamp(date, event.IsAllDayEvent));
     return true;
@@ -200,7 +202,7 @@ std::shared_ptr<calEvent> ExactHost::except(const std::string& GUID, const calEv
     if (next.isZero()) {
         return nullptr;
     }
-    auto event = test::single(GUID, next.addMinutes((dice_.below(20) - 10) * 30), {});
+    auto event = test::single(GUID, next.addMinutes(std::int64_t{30} * (dice_.below(20) - 10)), {});
     event->RecurrenceState = 3;
     event->recurringEventId = series.id;
     event->RExceptionStartTimeOrig = next;

@@ -39,7 +39,7 @@ bool Answer::allows(const std::optional<Reminder>& taken) const {
     const auto isIn = [&](const std::vector<Reminder>& ones) {
         return taken ? std::find(ones.begin(), ones.end(), *taken) != ones.end() : ones.empty();
     };
-    return isIn(first) || isIn(orFirst);
+    return isIn(first) || (taken && isIn(orFirst));
 }
 
 // ---- what is dealt with
@@ -65,20 +65,23 @@ DateTime ExactRule::snoozeOf(const calEvent& event, DateTime key) const {
     return snoozed;
 }
 
-ExactRule::Standing ExactRule::standingOf(const calEvent& event, const Replaced& replaced,
-                                          const Reminder& reminder, DateTime now) const {
+bool ExactRule::isDealtWith(const calEvent& event, const Replaced& replaced,
+                            const Reminder& reminder) const {
     const DateTime key = event.ToWall(reminder.start);
     const DateTime snoozed = snoozeOf(event, key);
     const bool isSuperseded = !snoozed.isZero() && reminder.time < snoozed;
-    if (isReplaced(event, replaced, reminder.start) || isSuperseded) {
-        return Standing::Settled;
-    }
     const auto found = dealt_.find(key);
     const Dealt dealt = found != dealt_.end() ? found->second : Dealt();
     const bool isHandled = !dealt.handled.isZero() && reminder.time <= dealt.handled;
     const bool isMuted = dealt.muted == Muted::ForEver ||
                          (dealt.muted == Muted::ThroughStart && reminder.time <= reminder.start);
-    return isHandled || isMuted ? Standing::Settled : endedOf(event, reminder, now);
+    return isReplaced(event, replaced, reminder.start) || isSuperseded || isHandled || isMuted;
+}
+
+ExactRule::Standing ExactRule::standingOf(const calEvent& event, const Replaced& replaced,
+                                          const Reminder& reminder, DateTime now) const {
+    return isDealtWith(event, replaced, reminder) ? Standing::Settled
+                                                  : endedOf(event, reminder, now);
 }
 
 // An act on a later occurrence has ended what there was and was over.
@@ -101,15 +104,14 @@ ExactRule::Standing ExactRule::endedOf(const calEvent& event, const Reminder& re
 void ExactRule::askFor(const calEvent& event, const Replaced& replaced, const Check& check) {
     for (std::set<Reminder>* ones : {&asked_, &either_}) {
         std::erase_if(*ones, [&](const Reminder& one) {
-            return !isScheduled(event, one) ||
-                   standingOf(event, replaced, one, check.now) == Standing::Settled;
+            return !isScheduled(event, one) || isDealtWith(event, replaced, one);
         });
     }
     const DateTime earliest = isMet_ ? check.from.addDays(-kReach) : check.from;
     forEachScheduled(event, earliest, check.to, [&](const Reminder& one) {
         const bool counts = one.time >= check.from || one.time >= check.now.date() ||
                             !isOver(event, one.start, check.now);
-        if (counts && standingOf(event, replaced, one, check.now) != Standing::Settled) {
+        if (counts && !isDealtWith(event, replaced, one)) {  // what is ended may go on again
             asked_.insert(one);
         }
     });
@@ -212,6 +214,33 @@ void ExactRule::noteOpen(const std::vector<Candidate>& found, const Check& check
     }
 }
 
+// Each of those of which the rule does not say whether they are pending may be, or may not.
+Answer ExactRule::answerOf(const calEvent& event, const std::vector<Candidate>& found,
+                           const Check& check) {
+    Answer answer;
+    std::vector<Reminder> sure;
+    for (const auto& [reminder, standing] : found) {
+        const bool isSure = standing == Standing::Open;
+        if (isSure) {
+            sure.push_back(reminder);
+        }
+        answer.isDueAgain = answer.isDueAgain || (isSure && reminder.time >= check.from);
+        answer.mayBeDueAgain = answer.mayBeDueAgain || reminder.time >= check.from;
+    }
+    answer.first = firstOf(event, sure, check.now);
+    for (const auto& [reminder, standing] : found) {
+        if (standing == Standing::Either) {
+            std::vector<Reminder> with = answer.first;
+            with.push_back(reminder);
+            const auto first = firstOf(event, with, check.now);
+            if (std::find(first.begin(), first.end(), reminder) != first.end()) {
+                answer.orFirst.push_back(reminder);
+            }
+        }
+    }
+    return answer;
+}
+
 Answer ExactRule::ask(const calEvent& event, const Replaced& replaced, const Check& check) {
     if (hasNone(event)) {
         return {};
@@ -224,21 +253,7 @@ Answer ExactRule::ask(const calEvent& event, const Replaced& replaced, const Che
     isFirst_ = false;
     const std::vector<Candidate> found = candidates(event, replaced, check.to, check.now);
     noteOpen(found, check);
-    Answer answer;
-    std::vector<Reminder> sure;
-    std::vector<Reminder> all;
-    for (const auto& [reminder, standing] : found) {
-        const bool isInWindow = reminder.time >= check.from;
-        const bool isSure = standing == Standing::Open;
-        all.push_back(reminder);
-        if (isSure) {
-            sure.push_back(reminder);
-        }
-        answer.isDueAgain = answer.isDueAgain || (isSure && isInWindow);
-        answer.mayBeDueAgain = answer.mayBeDueAgain || isInWindow;
-    }
-    answer.first = firstOf(event, sure, check.now);
-    answer.orFirst = firstOf(event, all, check.now);
+    Answer answer = answerOf(event, found, check);
     noteStood(event, answer);
     return answer;
 }

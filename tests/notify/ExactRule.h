@@ -25,7 +25,7 @@ struct Check {
 /// What a check does with an event.
 struct Answer {
     std::vector<Reminder> first;    ///< one of these is taken; empty: none
-    std::vector<Reminder> orFirst;  ///< or one of these, if what the rule leaves open counts, too
+    std::vector<Reminder> orFirst;  ///< or one of these: whether they count the rule leaves open
     bool isDueAgain = false;        ///< something pending lies in the window
     bool mayBeDueAgain = false;
 
@@ -78,6 +78,8 @@ private:
 
     Standing standingOf(const calEvent& event, const Replaced& replaced, const Reminder& reminder,
                         DateTime now) const;
+    bool isDealtWith(const calEvent& event, const Replaced& replaced,
+                     const Reminder& reminder) const;
     Standing endedOf(const calEvent& event, const Reminder& reminder, DateTime now) const;
     DateTime snoozeOf(const calEvent& event, DateTime key) const;
     DateTime startOf(const calEvent& event, DateTime key) const;
@@ -86,6 +88,8 @@ private:
     void askFor(const calEvent& event, const Replaced& replaced, const Check& check);
     std::vector<Candidate> candidates(const calEvent& event, const Replaced& replaced, DateTime to,
                                       DateTime now) const;
+    static Answer answerOf(const calEvent& event, const std::vector<Candidate>& found,
+                           const Check& check);
     void askForGivenLater(const calEvent& event, const Check& check);
     void askForTouched(const calEvent& event, const Check& check);
     void noteAway(const calEvent& event);
