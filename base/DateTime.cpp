@@ -61,6 +61,8 @@ std::int64_t DateTime::milliseconds() const noexcept {
     if (days_ >= 1 && days_ < kLimit) {  // nearly all, and each comparison comes by here
         const auto whole = static_cast<std::int64_t>(days_);
         const double rest = days_ - static_cast<double>(whole);
+        // What 52 bits leave of a day is half a millisecond, or clear of it.
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings)
         return whole * kDayMs + static_cast<std::int64_t>(rest * kDayMs + 0.5);
     }
     if (std::isnan(days_)) {

@@ -103,6 +103,8 @@ public:
     /// "yyyy-mm-dd", with " hh:mm:ss" unless the time is midnight; a literal of the dialect when
     /// enclosed.
     static std::string ToSQLDateTime(DateTime d, bool bHashTagEnclosed);
+    /// So many keys in one statement are looked up; more of them make a scan.
+    static constexpr std::size_t kKeysAtOnce = 500;
     /// In double quotes, those within doubled: a literal of the dialect, whatever stands in
     /// `value`.
     static std::string ToSQLText(std::string_view value);

@@ -206,7 +206,7 @@ private:
         const Ledger* ledger = nullptr;
         std::string database;
         std::uint64_t version = 0;
-        std::unordered_set<std::uint64_t> broughtBack;  // by their user
+        std::unordered_set<std::uint64_t> broughtBack;  // by their user, and not held
         std::unordered_set<std::uint64_t> all;          // and with something that is noted as open
     };
 

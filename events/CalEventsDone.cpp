@@ -51,11 +51,10 @@ bool isFinished(const calEvent& event, DateTime now, const EventHistory* history
 // waiting for the disk or for others, would take minutes. What cannot be written now is found
 // again at the next start. True when all is written.
 bool writeStatus(DBRemindUtils& db, std::string_view status, std::span<const std::string> GUIDs) {
-    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     calEvent carrier;
     carrier.status = status;
     while (!GUIDs.empty()) {
-        const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
+        const auto some = GUIDs.first(std::min(DBRemindUtils::kKeysAtOnce, GUIDs.size()));
         carrier.SaveStatusDB(db, some);
         if (db.LastError() != ErrNo::None) {
             return false;
@@ -130,9 +129,11 @@ void CalEvents::lookForStillOpen() {
         isSame ? ledger_->changedSince(known.version) : std::vector<std::uint64_t>();
     const auto before = std::exchange(known, StillOpen{ledger_, db_.DBFullName, version, {}, {}});
     for (const std::string& GUID : ledger_->broughtBack(db_.DBFullName)) {
-        known.broughtBack.insert(guidHash(GUID));
+        known.all.insert(guidHash(GUID));
+        if (!mCol || !mCol->Exists(GUID)) {
+            known.broughtBack.insert(guidHash(GUID));
+        }
     }
-    known.all = known.broughtBack;
     for (const std::string& GUID : ledger_->withOpen(db_.DBFullName)) {
         known.all.insert(guidHash(GUID));
     }

@@ -62,11 +62,10 @@ bool Acts::isWantedNow(const calEvent& event, const EventState& known, std::stri
 // now.
 std::optional<std::unordered_set<std::uint64_t>> Acts::allDoneAmong(
     std::span<const std::string> GUIDs) {
-    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     std::unordered_set<std::uint64_t> found;
     while (!GUIDs.empty()) {
         std::string list;
-        const auto some = GUIDs.first(std::min(kAtOnce, GUIDs.size()));
+        const auto some = GUIDs.first(std::min(DBRemindUtils::kKeysAtOnce, GUIDs.size()));
         for (const std::string& GUID : some) {
             list += (list.empty() ? "" : ", ") + DBRemindUtils::ToSQLText(GUID);
         }

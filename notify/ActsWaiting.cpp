@@ -170,14 +170,13 @@ bool Acts::write(const Write& first, std::span<const std::string> alike) {
 // The first that waits, and with it those that get the same value: many rows dismissed at once
 // would each wait for the disk. A statement that fails for one of them takes none with it.
 bool Acts::writeNext() {
-    constexpr std::size_t kAtOnce = 500;  // so many keys are looked up, more make a scan
     const Write first = waiting_.front();
     const auto isAlike = [&, text = wantedText(first)](const Write& one) {
         return one.column == first.column && !one.GUID.empty() && wantedText(one) == text;
     };
     std::vector<std::string> GUIDs;
     for (const Write& one : waiting_) {
-        if (GUIDs.size() < kAtOnce && isAlike(one)) {
+        if (GUIDs.size() < DBRemindUtils::kKeysAtOnce && isAlike(one)) {
             GUIDs.push_back(one.GUID);
         }
     }
