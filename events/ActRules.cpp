@@ -216,19 +216,21 @@ bool isScheduled(const calEvent& event, DateTime start, DateTime time) {
             }));
 }
 
-bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now) {
+bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since) {
+    const DateTime from = since.isZero() ? now : std::min(now, since);
     const DateTime end = std::max(now, lastReminderOf(event));
-    return hasOpenReminder(event, facts, now) || askDue(event, facts, {now, end, now, now}).taken;
+    return hasOpenReminder(event, facts, now) ||
+           askDue(event, facts, {from, end, now, from, true}).taken;
 }
 
-bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now) {
+bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since) {
     const ColumnNote* status = facts.state != nullptr ? facts.state->note("status") : nullptr;
     return status != nullptr && status->after == "AllDone" && isLastMuted(event, *facts.state) &&
-           !anyLeft(event, facts, now);
+           !anyLeft(event, facts, now, since);
 }
 
-bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now) {
-    return isMarkedDone(event, facts, now) ||
+bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since) {
+    return isMarkedDone(event, facts, now, since) ||
            (rowSpeaks(event, facts.state) && !event.Dismissed.isZero() &&
             event.Modified <= event.Dismissed && wasLastLeft(event, event.Dismissed));
 }
@@ -279,7 +281,7 @@ bool anyLeftWhenDone(const EventState* known, const ActOn& act) {
         after.row[std::string(column)].after = columnText(act.event, column);
     }
     const DueFacts facts{&after, act.replaced, act.zone};
-    return anyLeft(act.event, facts, act.now);
+    return anyLeft(act.event, facts, act.now, act.now);
 }
 
 }  // namespace vl

@@ -46,15 +46,17 @@ bool isSilenced(const calEvent& event, const RowSays& says, DateTime start, Date
 /// schedule. Local times.
 bool isScheduled(const calEvent& event, DateTime start, DateTime time);
 
-/// Whether something of the event is still to come, or to be acted upon.
-bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now);
+/// Whether something of the event is still to come, or to be acted upon, also for who has not asked
+/// for it since `since`, local time, or meets it for the first time: the host may have given it
+/// reminders that are past.
+bool anyLeft(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since);
 
 /// Whether the event's user has marked it as done here, as far as it is still as it was then: the
 /// host has not moved its last occurrence since, nor added others, nor given new reminders to any.
-bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now);
+bool isMarkedDone(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since);
 
 /// The same, or in another program, whose dismissal is not older than what the host has written.
-bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now);
+bool isDoneByUser(const calEvent& event, const DueFacts& facts, DateTime now, DateTime since);
 
 /// The entry of the occurrence that begins at `start`, local time, made when there is none; it says
 /// when the occurrence is over and its last reminder has come.

@@ -52,7 +52,8 @@ bool isStillOpen(const calEvent& event, const Ledger& ledger, std::string_view d
     const ColumnNote* status = state->note("status");
     const bool isBroughtBack = status != nullptr && status->waits(columnText(event, "status"));
     if (!isBroughtBack) {
-        const bool isListed = hasListed(event, facts, now) && !isDoneByUser(event, facts, now);
+        const bool isListed = hasListed(event, facts, now) &&
+                              !isDoneByUser(event, facts, now, ledger.lastCheckBy(database, now));
         return hasSnoozed(event, facts, now) ||
                (wasPutBack && (isListed || isAnyUnwritten(event, *state)));
     }
@@ -77,7 +78,8 @@ bool isDoneByUser(const calEvent& event, const Ledger& ledger, std::string_view 
                   DateTime now) {
     const TimeZone here = TimeZone::local();
     const auto replaced = replacedOf(event, ledger, database, here);
-    return isDoneByUser(event, {ledger.find(database, event.GUID), replaced, here}, now);
+    return isDoneByUser(event, {ledger.find(database, event.GUID), replaced, here}, now,
+                        ledger.lastCheckBy(database, now));
 }
 
 bool wasPutBack(std::span<const DateTime> checks, DateTime now) {

@@ -30,7 +30,9 @@ bool isSnoozedElsewhere(const calEvent& event, const EventState& state) {
 
 bool Acts::isStillDone(const calEvent& event, const EventState& known) const {
     const auto replaced = reminders_.Replaced(event);
-    return isMarkedDone(event, {&known, replaced, TimeZone::local()}, clock_.now()) &&
+    const DateTime now = clock_.now();
+    const DateTime since = ledger_.lastCheckBy(db_.DBFullName, now);
+    return isMarkedDone(event, {&known, replaced, TimeZone::local()}, now, since) &&
            !isSnoozedElsewhere(event, known);
 }
 

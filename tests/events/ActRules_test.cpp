@@ -74,7 +74,7 @@ TEST(IsSilenced, OfASingleEventAllUnlessItsHostHasWrittenItSince) {
 TEST(IsDoneByUser, ByADismissalElsewhereThatIsNotOlderThanWhatTheHostHasWritten) {
     const auto event = single("A", at(10, 0), {15});
     const auto isDone = [&](const EventState* state) {
-        return isDoneByUser(*event, {state, {}, TimeZone::local()}, at(9, 55));
+        return isDoneByUser(*event, {state, {}, TimeZone::local()}, at(9, 55), at(9, 55));
     };
     EXPECT_FALSE(isDone(nullptr)) << "neither has a time";
     event->Modified = at(9, 50);
@@ -95,7 +95,7 @@ TEST(IsMarkedDone, WhenItsLastOccurrenceIsMutedForEver) {
     const auto event = series("S", at(10, 0), "FREQ=DAILY;COUNT=2", {15});
     EventState state;
     const auto isDone = [&](DateTime now) {
-        return isMarkedDone(*event, {&state, {}, TimeZone::local()}, now);
+        return isMarkedDone(*event, {&state, {}, TimeZone::local()}, now, now);
     };
     const DateTime after = at(12, 0, 0, 22);
     state.row["status"].after = "AllDone";

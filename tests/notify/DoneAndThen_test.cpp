@@ -82,6 +82,35 @@ TEST_P(DoneAndOtherReminders, AlsoWhereTheHostLeavesTheStatusAlone) {
     EXPECT_EQ(come(at(12, 0, 0, 22)), "21 09:45, ");
 }
 
+TEST_P(DoneAndOtherReminders, AlsoWhereTheProgramWasOffOverThem) {
+    ASSERT_NO_FATAL_FAILURE(finish());
+    desk.put(meeting(15));
+    EXPECT_EQ(desk.check(at(12, 0, 10)), "");
+    desk.program.reset();
+    EXPECT_EQ(desk.check(at(8, 0, 0, GetParam() ? 22 : 21).addMinutes(180)), "S 09:45");
+}
+
+// Nor do they silence what goes on, where they are past by then.
+TEST_P(DoneAndThen, OtherRemindersThatArePastComeOfWhatGoesOn) {
+    const auto meeting = [](std::initializer_list<int> minutes) {
+        auto daily = series("S", at(9, 0), "FREQ=DAILY;COUNT=2", minutes);
+        daily->EndDateTime = at(18, 0);
+        daily->LoadRecurrence();
+        return daily;
+    };
+    desk.clock.time = at(8, 0, 0, 19);
+    desk.put(meeting({15}));
+    EXPECT_EQ(come(at(9, 0)), "20 08:45, ");
+    const auto event = objectAt<calEvent>(*desk.program->period.mCol, "S");
+    desk.program->acts.Dismiss({event, at(9, 0, 0, 21), at(8, 45, 0, 21)}, DismissMode::This, true);
+    ASSERT_EQ(status(), kAllDone);
+    EXPECT_EQ(desk.check(at(9, 1)), "");
+    desk.clock.time = at(10, 0, 5);
+    desk.put(meeting({15, -30}));
+    perhapsRestart();
+    EXPECT_EQ(come(at(12, 0, 0, 21)), "20 10:01, ") << "that of 09:30; the last one is done";
+}
+
 // The series of two is done, and moved by a day; the first is put off, all of the last dismissed.
 TEST_P(DoneAndThen, ASnoozeOfAnotherOccurrenceOutlivesADismissalOfTheLast) {
     desk.clock.time = at(8, 0, 0, 18);
