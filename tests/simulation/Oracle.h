@@ -152,6 +152,7 @@ private:
             listedSince;            // when it was first listed, asked from, since nothing waited
         bool isListedAsIs = false;  // by a reminder that the plan has
         std::optional<Moment> openSince;  // the same, once it is at another moment
+        bool isReactivated = false;       // and has not been listed since: it is newly met
         bool isKnown = false;             // it has been sure at some time
         bool gone = false;                // by the host's will
         bool goneIsKnown = false;         // the program must know it

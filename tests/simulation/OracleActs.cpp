@@ -183,6 +183,7 @@ void Oracle::reactivated(const std::string& GUID, Seconds now) {
     event.must.clear();
     event.open.clear();
     event.isDone = false;
+    event.isReactivated = true;
     event.stamp = now;
     event.metAt = now;
 }

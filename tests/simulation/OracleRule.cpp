@@ -335,7 +335,7 @@ void Oracle::gatherMay(Event& event, const Plan& plan, const Check& check) const
                     [&](const Occurrence& one, int minutes, Seconds) {
                         event.may.insert({one.key, minutes});
                     });
-    if (!event.stamp && !event.metAt && !event.hasTravelled && !isFirst_) {
+    if (!event.stamp && !event.metAt && !event.hasTravelled && !isFirst_ && !event.isReactivated) {
         return;
     }
     forEachReminder(event, plan, {check.now - kLongest, check.upTo}, true,

@@ -127,6 +127,7 @@ void Oracle::judgeTaken(const Check& check, const Listing& row, std::ostream& wr
     const auto minutes = static_cast<int>((row.start - row.reminder) / kMinute);
     event.open[key] = minutes;
     event.ahead[key] = row.start - row.reminder;
+    event.isReactivated = false;
     if (!event.listedSince) {
         event.listedSince = momentOf(std::min(mayAskFrom(check.now), row.reminder));
     }
